@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "sample_field.h"
+
+/// The three input formats, written without any code of the readers: a second opinion on them.
+namespace quiverion::samples {
+
+/// A VAS file. Reserved items hold what the program writes there, so that reading and saving the file again
+/// gives the same bytes.
+std::string VasBytes(const SampleField& field);
+
+/// A DAT file. Only valid vectors have a line; a header text with a comma makes its field a quoted one.
+/// Throws std::invalid_argument for a header text with a double quote or a line end.
+std::string DatBytes(const SampleField& field);
+
+/// A VEC file of sub type 1 (nine frames), 2 (two frames) or 3 (ten frames). Pairs of frames that the status
+/// does not choose hold other displacements. Throws std::invalid_argument for another sub type and for a grid
+/// whose counts do not fit the 16 bits of the header.
+std::string VecBytes(const SampleField& field, int subType);
+
+/// Status 0 to 4 of a vector in the VEC files of sub types 1 and 3: valid vectors are spread over the four
+/// peaks.
+std::int32_t VecStatus(const SampleField& field, int column, int row);
+
+/// UTF-8 to Windows-1252. Throws std::invalid_argument for characters that Windows-1252 lacks.
+std::string Windows1252Bytes(std::string_view utf8);
+
+}  // namespace quiverion::samples

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/exit_code.h"
+#include "cli/terminal.h"
+
+/// The commands of quiverionseries-cli. Each prints its result on standard output, what went wrong on
+/// standard error, and returns the exit code of the contract.
+namespace quiverion::cli {
+
+struct RunOptions {
+  std::string macro;
+  std::string log;  // empty: none; ends in ".rtf" or ".txt"
+  MessageAnswer onProblem = MessageAnswer::abort;
+  char decimalSeparator = '.';
+  std::vector<std::string> inputs;
+};
+
+int RunSeries(const RunOptions& options);
+
+int ShowMacro(const std::string& macroPath);
+int ExportMacro(const std::string& macroPath);
+int ImportMacro(const std::string& jsonPath, const std::string& macroPath);
+
+int ShowInfo(const std::string& path, bool json);
+
+int ListCommands(bool json);
+
+}  // namespace quiverion::cli

@@ -1,0 +1,155 @@
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "cli/commands.h"
+#include "cli/services.h"
+#include "field/load_original_file.h"
+#include "platform/numbers.h"
+
+namespace quiverion::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Keeps the first lines of a load's log: a file may warn about every vector.
+class FirstLines : public LogSink {
+ public:
+  void Write(std::string_view text, const LogFormat& /*format*/) override {
+    lineCount_ += std::count(text.begin(), text.end(), '\n');
+    if (lineCount_ <= kShown) text_ += text;
+  }
+  std::string Text() const {
+    std::string text = text_;
+    std::erase(text, '\r');
+    if (lineCount_ > kShown) text += "... und " + std::to_string(lineCount_ - kShown) + " weitere Zeilen\n";
+    return text;
+  }
+
+ private:
+  static constexpr std::ptrdiff_t kShown = 20;
+  std::string text_;
+  std::ptrdiff_t lineCount_ = 0;
+};
+
+struct Range {
+  double min = std::nan("");
+  double max = std::nan("");
+
+  void Take(double value) {
+    if (!(min <= value)) min = value;
+    if (!(max >= value)) max = value;
+  }
+};
+
+struct Summary {
+  Range x, y;        // mm
+  Range velX, velY;  // m/s, valid vectors
+  std::map<std::int32_t, std::int64_t> statusCounts;
+};
+
+Summary Summarise(const VectorField& field) {
+  Summary summary;
+  for (const double x : field.posX) summary.x.Take(x);
+  for (const double y : field.posY) summary.y.Take(y);
+  const auto status = field.status.Values();
+  for (std::size_t p = 0; p < status.size(); ++p) {
+    ++summary.statusCounts[status[p]];
+    if (status[p] <= 0) continue;
+    summary.velX.Take(field.velX.Values()[p]);
+    summary.velY.Take(field.velY.Values()[p]);
+  }
+  return summary;
+}
+
+std::string Line(std::string_view label, const std::string& value) {
+  return std::string(label) + ": " + value + "\n";
+}
+
+std::string RangeText(const Range& range, const std::string& unit) {
+  if (std::isnan(range.min)) return "(keine gültigen Werte)";
+  return FormatNumber(range.min) + " bis " + FormatNumber(range.max) + " " + unit;
+}
+
+std::string PairText(std::int32_t a, std::int32_t b, const std::string& unit) {
+  return std::to_string(a) + " x " + std::to_string(b) + " " + unit;
+}
+
+std::string AsText(const VectorField& field, const Summary& summary) {
+  std::string text = Line("Datei", field.filePath);
+  text += Line("Gitter", std::to_string(field.columnCount) + " Spalten x " + std::to_string(field.rowCount) +
+                             " Zeilen");
+  text += Line("x", RangeText(summary.x, "mm")) + Line("y", RangeText(summary.y, "mm"));
+  text += Line("Vx der gültigen Vektoren", RangeText(summary.velX, "m/s"));
+  text += Line("Vy der gültigen Vektoren", RangeText(summary.velY, "m/s"));
+  for (const auto& [status, count] : summary.statusCounts) {
+    text += Line("Status " + std::to_string(status), std::to_string(count) + " Vektoren");
+  }
+  text += Line("Gültige Vektoren laut Quelle", std::to_string(field.validVectorCount));
+  text += Line("Bild", PairText(field.imageWidth, field.imageHeight, "Pixel"));
+  text += Line("Interrogation Window", PairText(field.windowWidth, field.windowHeight, "Pixel"));
+  text += Line("Gitterabstand", PairText(field.gridStepX, field.gridStepY, "Pixel"));
+  text += Line("Erster Gitterpunkt", PairText(field.firstPixelX, field.firstPixelY, "Pixel"));
+  text += Line("Abbildungsmaßstab", std::to_string(field.pixelScale));
+  text += Line("Pulsabstand", std::to_string(field.pulseDelay) + " µs");
+  for (std::size_t k = 0; k < field.headerLines.size(); ++k) {
+    text += Line("Header " + std::to_string(k + 1), field.headerLines[k]);
+  }
+  std::string info = field.infoText;
+  std::erase(info, '\r');
+  text += "Info-Text:" + std::string(info.empty() ? "" : "\n") + info;
+  return text.ends_with('\n') ? text : text + "\n";
+}
+
+Json RangeJson(const Range& range) {
+  // JSON knows neither NaN nor infinity.
+  const auto number = [](double value) { return std::isfinite(value) ? Json(value) : Json(); };
+  return {{"min", number(range.min)}, {"max", number(range.max)}};
+}
+
+std::string AsJson(const VectorField& field, const Summary& summary) {
+  Json counts = Json::object();
+  for (const auto& [status, count] : summary.statusCounts) counts[std::to_string(status)] = count;
+  const Json object = {{"filePath", field.filePath},
+                       {"columnCount", field.columnCount},
+                       {"rowCount", field.rowCount},
+                       {"posX", RangeJson(summary.x)},
+                       {"posY", RangeJson(summary.y)},
+                       {"velX", RangeJson(summary.velX)},
+                       {"velY", RangeJson(summary.velY)},
+                       {"status", counts},
+                       {"validVectorCount", field.validVectorCount},
+                       {"imageWidth", field.imageWidth},
+                       {"imageHeight", field.imageHeight},
+                       {"windowWidth", field.windowWidth},
+                       {"windowHeight", field.windowHeight},
+                       {"gridStepX", field.gridStepX},
+                       {"gridStepY", field.gridStepY},
+                       {"firstPixelX", field.firstPixelX},
+                       {"firstPixelY", field.firstPixelY},
+                       {"pixelScale", field.pixelScale},
+                       {"pulseDelay", field.pulseDelay},
+                       {"headerLines", field.headerLines},
+                       {"infoText", field.infoText}};
+  // A file name may hold bytes that are no UTF-8.
+  return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace
+
+int ShowInfo(const std::string& path, bool json) {
+  Services services;
+  FirstLines lines;
+  services.log.Attach(lines);
+  Context& context = services.session.context;
+  LoadOriginalFile(context, path);
+  if (context.abortCurrentFile || context.runHadError) services.terminal.PrintError(lines.Text());
+  if (context.abortCurrentFile) return kFailed;
+  const Summary summary = Summarise(context.field);
+  services.terminal.Print(json ? AsJson(context.field, summary) : AsText(context.field, summary));
+  return services.Done();
+}
+
+}  // namespace quiverion::cli

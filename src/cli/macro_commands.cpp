@@ -1,0 +1,60 @@
+#include "cli/commands.h"
+#include "cli/macro_json.h"
+#include "cli/services.h"
+#include "macro/command_catalogue.h"
+#include "macro/macro_file.h"
+#include "platform/environment.h"
+#include "platform/system_error.h"
+
+namespace quiverion::cli {
+namespace {
+
+// The load error's box has been shown; this says which file it was about.
+bool Load(Services& services, const std::string& path) {
+  if (LoadMacroFile(services.session, path)) return true;
+  services.terminal.PrintError("Makrodatei: '" + path + "'\n");
+  return false;
+}
+
+}  // namespace
+
+int ShowMacro(const std::string& macroPath) {
+  Services services;
+  if (!Load(services, macroPath)) return kFailed;
+  std::string text;
+  for (std::size_t k = 0; k < services.session.macro.size(); ++k) {
+    const std::int32_t eventId = services.session.macro[k].EventId();
+    text += std::to_string(k + 1) + "\t" + std::to_string(eventId) + "\t";
+    text.append(MacroEventDescription(eventId, true)).append("\n");
+  }
+  services.terminal.Print(text);
+  return services.Done();
+}
+
+int ExportMacro(const std::string& macroPath) {
+  Services services;
+  if (!Load(services, macroPath)) return kFailed;
+  try {
+    services.terminal.Print(MacroToJson(services.session.macro));
+  } catch (const MacroJsonError& error) {
+    services.terminal.PrintError("'" + macroPath + "': " + error.what() + "\n");
+    return kFailed;
+  }
+  return services.Done();
+}
+
+int ImportMacro(const std::string& jsonPath, const std::string& macroPath) {
+  Services services;
+  try {
+    const std::string text = jsonPath == "-" ? ReadStandardInput() : ReadWholeFile(*services.files, jsonPath);
+    services.session.macro = MacroFromJson(text);
+  } catch (const std::exception& error) {
+    const bool json = dynamic_cast<const MacroJsonError*>(&error) != nullptr;
+    services.terminal.PrintError("'" + jsonPath +
+                                 "': " + (json ? error.what() : ErrorText(AsSystemError(error))) + "\n");
+    return kFailed;
+  }
+  return SaveMacroFile(services.session, macroPath) ? services.Done() : static_cast<int>(kFailed);
+}
+
+}  // namespace quiverion::cli

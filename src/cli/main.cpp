@@ -1,0 +1,201 @@
+#include <CLI/CLI.hpp>
+#include <functional>
+
+#include "cli/commands.h"
+#include "platform/environment.h"
+#include "platform/system_error.h"
+#include "platform/text.h"
+#include "version.h"
+
+namespace quiverion::cli {
+namespace {
+
+/// The German words of the help pages and of usage errors.
+class GermanHelp : public CLI::Formatter {
+ public:
+  GermanHelp() {
+    label("REQUIRED", "(nötig)");
+    label("POSITIONALS", "Argumente");
+    label("Positionals", "Argumente");
+    label("TEXT", "TEXT");
+    column_width(34);
+  }
+  std::string make_usage(const CLI::App* app, std::string name) const override {
+    std::string usage = CLI::Formatter::make_usage(app, std::move(name));
+    Replace(usage, "Usage:", "Aufruf:");
+    Replace(usage, "[OPTIONS]", "[OPTIONEN]");
+    Replace(usage, "[SUBCOMMAND]", "BEFEHL");
+    Replace(usage, "SUBCOMMAND", "BEFEHL");
+    return usage;
+  }
+  std::string make_group(std::string group, bool isPositional,
+                         std::vector<const CLI::Option*> options) const override {
+    if (group == "Options") group = "Optionen";
+    return CLI::Formatter::make_group(group, isPositional, options);
+  }
+  std::string make_subcommands(const CLI::App* app, CLI::AppFormatMode mode) const override {
+    std::string text = CLI::Formatter::make_subcommands(app, mode);
+    Replace(text, "Subcommands:", "Befehle:");
+    return text;
+  }
+
+ private:
+  static void Replace(std::string& text, std::string_view from, std::string_view to) {
+    const std::size_t at = text.find(from);
+    if (at != std::string::npos) text.replace(at, from.size(), to);
+  }
+};
+
+// What to do once everything was understood.
+using Action = std::function<int()>;
+
+CLI::Option* AddPath(CLI::App* command, const std::string& name, std::string& target,
+                     const std::string& help) {
+  return command->add_option(name, target, help)->required()->type_name("");
+}
+
+CLI::Option* AddChoice(CLI::App* command, const std::string& name, std::string& target,
+                       const std::string& help, std::vector<std::string> choices) {
+  return command->add_option(name, target, help)
+      ->type_name("")
+      ->check(CLI::Validator(
+          [choices](std::string& value) {
+            const bool known = std::find(choices.begin(), choices.end(), value) != choices.end();
+            return known ? std::string() : "unbekannter Wert '" + value + "'";
+          },
+          ""));
+}
+
+struct RunArguments {
+  RunOptions options;
+  std::string onProblem = "abort";
+  std::string decimal;
+};
+
+void AddRun(CLI::App& app, Action& action, RunArguments& arguments) {
+  CLI::App* const run = app.add_subcommand("run", "Makro auf alle Eingabedateien anwenden");
+  RunOptions& options = arguments.options;
+  AddPath(run, "--macro", options.macro, "Makrodatei (*.mak)");
+  run->add_option("--log", options.log, "Log auch speichern: als *.rtf formatiert, als *.txt ohne Format")
+      ->type_name("")
+      ->check(CLI::Validator(
+          [](std::string& value) {
+            const std::string end = AsciiUpper(value.size() < 4 ? value : value.substr(value.size() - 4));
+            return end == ".RTF" || end == ".TXT" ? std::string()
+                                                  : "'" + value + "' endet weder in .rtf noch in .txt";
+          },
+          ""));
+  AddChoice(run, "--on-problem", arguments.onProblem,
+            "Antwort auf Probleme vor dem Lauf: abort (Vorgabe) oder ignore", {"abort", "ignore"});
+  AddChoice(run, "--decimal", arguments.decimal, "Dezimaltrennzeichen der geschriebenen Zahlen: . oder ,",
+            {".", ","});
+  run->add_option("INPUT", options.inputs, "Dateien oder ein Verzeichnis (alle *.vas, *.vec, *.dat darin)")
+      ->required()
+      ->type_name("");
+  run->callback([&] {
+    action = [&arguments] {
+      RunOptions& chosen = arguments.options;
+      chosen.onProblem = arguments.onProblem == "ignore" ? MessageAnswer::ignore : MessageAnswer::abort;
+      chosen.decimalSeparator =
+          arguments.decimal.empty() ? EnvironmentDecimalSeparator() : arguments.decimal.front();
+      return RunSeries(chosen);
+    };
+  });
+}
+
+struct FileArguments {
+  std::string first;
+  std::string second;
+  bool json = false;
+};
+
+void AddMacro(CLI::App& app, Action& action, FileArguments& files) {
+  CLI::App* const macro = app.add_subcommand("macro", "Makrodateien ansehen und umwandeln");
+  macro->require_subcommand(1);
+  CLI::App* const show = macro->add_subcommand("show", "Befehle eines Makros auflisten");
+  AddPath(show, "MAKRO", files.first, "Makrodatei (*.mak)");
+  show->callback([&] { action = [&files] { return ShowMacro(files.first); }; });
+  CLI::App* const exported = macro->add_subcommand("export", "Makro als JSON ausgeben");
+  AddPath(exported, "MAKRO", files.first, "Makrodatei (*.mak)");
+  exported->callback([&] { action = [&files] { return ExportMacro(files.first); }; });
+  CLI::App* const import = macro->add_subcommand("import", "JSON als Makrodatei schreiben");
+  AddPath(import, "JSON", files.first, "JSON-Datei, - für die Standardeingabe");
+  AddPath(import, "MAKRO", files.second, "Makrodatei (*.mak), die geschrieben wird");
+  import->callback([&] { action = [&files] { return ImportMacro(files.first, files.second);
+};
+}  // namespace
+);
+}  // namespace quiverion::cli
+
+void AddQueries(CLI::App& app, Action& action, FileArguments& files) {
+  CLI::App* const info = app.add_subcommand("info", "Inhalt einer VAS-, DAT- oder VEC-Datei zeigen");
+  AddPath(info, "DATEI", files.first, "Vektorfeld");
+  info->add_flag("--json", files.json, "als JSON ausgeben");
+  info->callback([&] { action = [&files] { return ShowInfo(files.first, files.json); }; });
+  CLI::App* const commands = app.add_subcommand("commands", "Alle Makrobefehle mit ihren Parametern zeigen");
+  commands->add_flag("--json", files.json, "als JSON ausgeben");
+  commands->callback([&] { action = [&files] { return ListCommands(files.json); }; });
+}
+
+// CLI11 words its errors in English; the kind and the names in it are enough for a German sentence.
+std::string UsageMessage(const CLI::ParseError& error) {
+  const std::string what = error.what();
+  const std::string name = what.substr(0, what.find_first_of(": "));
+  if (dynamic_cast<const CLI::ValidationError*>(&error)) return "Ungültiger Wert: " + what;
+  if (dynamic_cast<const CLI::ExtrasError*>(&error)) {
+    return "Unbekanntes Argument: " +
+           what.substr(what.find(": ") == std::string::npos ? 0 : what.find(": ") + 2);
+  }
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) return "Wert fehlt oder steht zuviel: " + name;
+  if (dynamic_cast<const CLI::RequiredError*>(&error)) {
+    return what.find("ubcommand") != std::string::npos ? "Ein Befehl fehlt." : "Argument fehlt: " + name;
+  }
+  return "Ungültiger Aufruf: " + name;
+}
+
+void UseGerman(CLI::App& app, const std::shared_ptr<GermanHelp>& german) {
+  app.formatter(german);
+  app.set_help_flag("-h,--help", "Diese Hilfe zeigen");
+  for (CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+    UseGerman(*command, german);
+}
+
+int Main(int argc, char** argv) {
+  IgnoreBrokenPipes();
+  CLI::App app("QuiverionSeries " QUIVERION_VERSION ": Serienauswertung von PIV-Daten",
+               "quiverionseries-cli");
+  app.set_version_flag("--version", "QuiverionSeries " QUIVERION_VERSION, "Version zeigen");
+  app.require_subcommand(1);
+  Action action;
+  RunArguments runArguments;
+  FileArguments fileArguments;
+  AddRun(app, action, runArguments);
+  AddMacro(app, action, fileArguments);
+  AddQueries(app, action, fileArguments);
+  UseGerman(app, std::make_shared<GermanHelp>());
+
+  Terminal terminal;
+  try {
+    app.parse(argc, argv);
+    return action();
+  } catch (const CLI::CallForHelp&) {
+    terminal.Print(app.help());
+    return kDone;
+  } catch (const CLI::CallForVersion& version) {
+    terminal.Print(std::string(version.what()) + "\n");
+    return kDone;
+  } catch (const CLI::ParseError& error) {
+    terminal.PrintError(UsageMessage(error) + "\nHilfe zeigt: quiverionseries-cli --help\n");
+    return kUsage;
+  } catch (const std::exception& error) {
+    terminal.PrintError(ErrorText(AsSystemError(error)) + "\n");
+    return kFailed;
+  }
+}
+
+}  // namespace
+}  // namespace quiverion::cli
+
+int main(int argc, char** argv) {
+  return quiverion::cli::Main(argc, argv);
+}

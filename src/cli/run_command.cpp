@@ -1,0 +1,149 @@
+#include <algorithm>
+#include <optional>
+
+#include "cli/commands.h"
+#include "cli/services.h"
+#include "log/log_writers.h"
+#include "macro/macro_file.h"
+#include "macro/pre_run_checks.h"
+#include "macro/series_files.h"
+#include "platform/environment.h"
+#include "platform/paths.h"
+#include "platform/result_file.h"
+#include "platform/system_error.h"
+#include "platform/text.h"
+
+namespace quiverion::cli {
+namespace {
+
+// The log as a file beside standard output. A failure is kept until the end: the run itself goes on.
+class LogFile {
+ public:
+  LogFile(FileSystem& files, RunLog& log, const std::string& path) : log_(log), file_(files, nullptr, path) {
+    const ByteConsumer consumer = [this](std::string_view bytes) { Guarded([&] { file_.Write(bytes); }); };
+    if (ExtensionOf(path) == "RTF") {
+      rtf_.emplace(consumer);
+      log_.Attach(*rtf_);
+    } else {
+      plain_.emplace(consumer);
+      log_.Attach(*plain_);
+    }
+  }
+  LogFile(const LogFile&) = delete;
+  LogFile& operator=(const LogFile&) = delete;
+  ~LogFile() {
+    if (rtf_) log_.Detach(*rtf_);
+    if (plain_) log_.Detach(*plain_);
+  }
+
+  // Puts the file in its place. Throws the first SystemError of all writes.
+  void Save() {
+    if (rtf_) rtf_->Finish();
+    if (plain_) plain_->HandOver();
+    Guarded([&] { file_.Commit(); });
+    if (error_) throw SystemError(*error_);
+  }
+
+ private:
+  template <class Action>
+  void Guarded(Action action) {
+    try {
+      if (!error_) action();
+    } catch (const SystemError& error) {
+      error_ = error;
+    }
+  }
+
+  RunLog& log_;
+  ResultFile file_;
+  std::optional<RtfWriter> rtf_;
+  std::optional<PlainTextWriter> plain_;
+  std::optional<SystemError> error_;
+};
+
+void ReportLogFailure(Terminal& terminal, const std::string& path, const SystemError& error) {
+  terminal.Ask(
+      {.title = "Log-Datei speichern",
+       .text = "Die Log-Datei kann nicht gespeichert werden unter '" + path + "'!\r\n" + ErrorText(error)});
+}
+
+// Adds what one INPUT stands for. False where it lies in another directory than the ones before.
+bool AddInput(Session& session, const std::string& input) {
+  const std::string path = AbsolutePath(input);
+  const bool isDirectory = session.context.files.IsDirectory(path);
+  const std::string directory =
+      isDirectory ? WithSeparator(path) : path.substr(0, path.size() - FileNameOf(path).size());
+  if (session.inputDirectory.empty()) session.inputDirectory = directory;
+  if (!IsSameDirectory(session.inputDirectory, directory)) return false;
+  std::vector<std::string> names;
+  if (isDirectory) {
+    names = ListSeriesFiles(session.context.files, directory);
+  } else {
+    names.emplace_back(FileNameOf(path));
+  }
+  for (std::string& name : names) {
+    auto& selected = session.selectedFiles;
+    // A file named twice is one file of the series.
+    if (isDirectory && selected.empty()) {
+      selected = std::move(names);
+      break;
+    }
+    if (std::find(selected.begin(), selected.end(), name) == selected.end())
+      selected.push_back(std::move(name));
+  }
+  return true;
+}
+
+int Outcome(const Services& services) {
+  const Context& context = services.session.context;
+  if (context.userAbortRequested) return kAborted;
+  return context.runHadError ? static_cast<int>(kFailed) : services.Done();
+}
+
+}  // namespace
+
+int RunSeries(const RunOptions& options) {
+  Services services(options.onProblem);
+  Session& session = services.session;
+  session.context.decimalSeparator = options.decimalSeparator;
+  for (const std::string& input : options.inputs) {
+    try {
+      if (!AddInput(session, input)) {
+        services.terminal.PrintError("Alle Eingabedateien müssen in einem Verzeichnis liegen: '" + input +
+                                     "'\n");
+        return kUsage;
+      }
+    } catch (const SystemError& error) {
+      services.terminal.PrintError("'" + input + "': " + ErrorText(error) + "\n");
+      return kFailed;
+    }
+  }
+  if (!LoadMacroFile(session, options.macro)) {
+    services.terminal.PrintError("Makrodatei: '" + options.macro + "'\n");
+    return kFailed;
+  }
+
+  TerminalWriter output([&](std::string_view bytes) { services.terminal.Print(bytes); },
+                        IsTerminal(StandardStream::output));
+  services.log.Attach(output);
+  std::optional<LogFile> logFile;
+  try {
+    if (!options.log.empty()) logFile.emplace(*services.files, services.log, options.log);
+  } catch (const SystemError& error) {
+    ReportLogFailure(services.terminal, options.log, error);
+    return kFailed;
+  }
+  Terminal::CatchSignals();
+  if (!StartRun(session)) return kRefused;
+  services.log.Flush();
+  int code = Outcome(services);
+  try {
+    if (logFile) logFile->Save();
+  } catch (const SystemError& error) {
+    ReportLogFailure(services.terminal, options.log, error);
+    if (code == kDone) code = kFailed;
+  }
+  return code;
+}
+
+}  // namespace quiverion::cli

@@ -1,0 +1,105 @@
+#include "cli/terminal.h"
+
+#include <algorithm>
+#include <csignal>
+
+#include "platform/environment.h"
+#include "platform/numbers.h"
+
+namespace quiverion::cli {
+namespace {
+
+volatile std::sig_atomic_t signalSeen = 0;  // the only state a signal handler may touch
+
+extern "C" void HandleSignal(int number) {
+  signalSeen = 1;
+  std::signal(number, SIG_DFL);
+}
+
+std::string WithNewlines(std::string_view text) {
+  std::string lines(text);
+  std::erase(lines, '\r');
+  return lines;
+}
+
+// "1:05"
+std::string MinutesText(double seconds) {
+  const auto whole = static_cast<long long>(seconds + 0.5);
+  const std::string rest = std::to_string(whole % 60);
+  return std::to_string(whole / 60) + (rest.size() < 2 ? ":0" : ":") + rest;
+}
+
+std::string ProgressText(const RunProgress& progress, double seconds) {
+  std::string text =
+      "Datei " + std::to_string(progress.currentFile) + " von " + std::to_string(progress.fileCount) +
+      (progress.errorOccurred ? " (Fehler aufgetreten)  " : "  ") + std::string(progress.event);
+  if (progress.filesDone > 0 && seconds > 0) {
+    const double rate = progress.filesDone / seconds;
+    const double rounded = rate < 10 ? std::max(1, RoundToInt32(rate * 10)) / 10.0 : RoundToInt32(rate);
+    text += "  " + FormatNumber(rounded, ',') + " Dateien/s, noch " +
+            MinutesText((progress.fileCount - progress.filesDone) / rate);
+  }
+  return text;
+}
+
+}  // namespace
+
+Terminal::Terminal(MessageAnswer onProblem)
+    : onProblem_(onProblem), showProgress_(IsTerminal(StandardStream::error)) {}
+
+void Terminal::CatchSignals() {
+  std::signal(SIGINT, HandleSignal);
+  std::signal(SIGTERM, HandleSignal);
+}
+
+void Terminal::Print(std::string_view text) {
+  if (IsTerminal(StandardStream::output)) EraseProgress();
+  if (!WriteToStream(StandardStream::output, text)) outputFailed_ = true;
+}
+
+void Terminal::PrintError(std::string_view text) {
+  EraseProgress();
+  WriteToStream(StandardStream::error, text);
+}
+
+MessageAnswer Terminal::Ask(const Message& message) {
+  PrintError(message.title + "\n" + WithNewlines(message.text) + "\n");
+  switch (message.buttons) {
+    case MessageButtons::ok:
+      return MessageAnswer::ok;
+    case MessageButtons::retryCancel:
+      return MessageAnswer::cancel;
+    case MessageButtons::abortRetryIgnore:
+      break;
+  }
+  return onProblem_;
+}
+
+void Terminal::RunStarted(const RunProgress& /*progress*/) {
+  start_ = lastShown_ = std::chrono::steady_clock::now();
+}
+
+void Terminal::ShowProgress(const RunProgress& progress) {
+  if (!showProgress_) return;
+  const Time now = std::chrono::steady_clock::now();
+  if (progressShown_ && now - lastShown_ < std::chrono::milliseconds(100)) return;
+  lastShown_ = now;
+  const std::string text = ProgressText(progress, std::chrono::duration<double>(now - start_).count());
+  WriteToStream(StandardStream::error, "\r\x1b[K" + text);
+  progressShown_ = true;
+}
+
+void Terminal::RunEnded() {
+  EraseProgress();
+}
+
+void Terminal::EraseProgress() {
+  if (progressShown_) WriteToStream(StandardStream::error, "\r\x1b[K");
+  progressShown_ = false;
+}
+
+bool Terminal::Yield() {
+  return signalSeen != 0;
+}
+
+}  // namespace quiverion::cli

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+#include "platform/user_interface.h"
+
+namespace quiverion::cli {
+
+/// The user interface of the command line: results on standard output, messages and progress on standard
+/// error. A message box is answered by the rule of the contract. The abort request is SIGINT or SIGTERM.
+class Terminal : public UserInterface {
+ public:
+  /// `onProblem`: the answer to the boxes of the pre-run checks, abort or ignore.
+  explicit Terminal(MessageAnswer onProblem = MessageAnswer::abort);
+
+  MessageAnswer Ask(const Message& message) override;
+  void RunStarted(const RunProgress& progress) override;
+  void ShowProgress(const RunProgress& progress) override;
+  void RunEnded() override;
+  bool Yield() override;
+
+  void Print(std::string_view text);
+  void PrintError(std::string_view text);
+
+  /// True where standard output could not take everything (a closed pipe, a full disk).
+  bool OutputFailed() const { return outputFailed_; }
+
+  /// From now on the first SIGINT or SIGTERM asks for the abort and the second ends the program.
+  static void CatchSignals();
+
+ private:
+  void EraseProgress();
+
+  using Time = std::chrono::steady_clock::time_point;
+
+  MessageAnswer onProblem_;
+  bool showProgress_;
+  bool progressShown_ = false;
+  bool outputFailed_ = false;
+  Time start_;
+  Time lastShown_;
+};
+
+}  // namespace quiverion::cli

@@ -1,0 +1,71 @@
+#include "field/binary_reader.h"
+
+#include <algorithm>
+
+#include "platform/system_error.h"
+#include "platform/text.h"
+
+namespace quiverion {
+namespace {
+constexpr std::size_t kBufferSize = 4096;
+}
+
+void BinaryReader::Require(std::uint64_t bytes) const {
+  if (Remaining() < bytes) throw SystemError(ErrorNumber::endOfFile);
+}
+
+void BinaryReader::Refill() {
+  buffer_.resize(kBufferSize);
+  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(unread_, kBufferSize));
+  at_ = 0;
+  end_ = file_.Read(buffer_.data(), wanted);
+  if (end_ < wanted || wanted == 0) throw SystemError(ErrorNumber::endOfFile);
+  unread_ -= end_;
+}
+
+void BinaryReader::Bytes(void* target, std::size_t size) {
+  Require(size);
+  auto* place = static_cast<char*>(target);
+  const std::size_t buffered = std::min(size, end_ - at_);
+  if (buffered > 0) std::memcpy(place, buffer_.data() + at_, buffered);
+  at_ += buffered;
+  place += buffered;
+  size -= buffered;
+  if (size >= kBufferSize) {
+    if (file_.Read(place, size) < size) throw SystemError(ErrorNumber::endOfFile);
+    unread_ -= size;
+  } else if (size > 0) {
+    Refill();
+    if (end_ < size) throw SystemError(ErrorNumber::endOfFile);
+    std::memcpy(place, buffer_.data(), size);
+    at_ = size;
+  }
+}
+
+void BinaryReader::Skip(std::uint64_t bytes) {
+  Require(bytes);
+  while (bytes > 0) {
+    if (at_ == end_) Refill();
+    const std::uint64_t step = std::min<std::uint64_t>(bytes, end_ - at_);
+    at_ += static_cast<std::size_t>(step);
+    bytes -= step;
+  }
+}
+
+void BinaryReader::Text(std::string& value) {
+  std::int32_t count = 0;
+  Int32(count);
+  if (count < 0) throw SystemError(ErrorNumber::invalidCall);
+  Require(static_cast<std::uint64_t>(count));
+  std::string bytes(static_cast<std::size_t>(count), '\0');
+  Bytes(bytes.data(), bytes.size());
+  value = Utf8FromWindows1252(bytes);
+}
+
+bool BinaryReader::Magic(std::string_view expected) {
+  std::string found(expected.size(), '\0');
+  Bytes(found.data(), found.size());
+  return found == expected;
+}
+
+}  // namespace quiverion

@@ -1,0 +1,160 @@
+#include "field/dat_file.h"
+
+#include <algorithm>
+#include <string>
+
+#include "field/dat_fields.h"
+#include "field/dat_line.h"
+#include "field/frames.h"
+#include "platform/numbers.h"
+#include "platform/text.h"
+
+namespace quiverion {
+namespace {
+
+// Grid points without a data line are allowed, so a header alone could ask for any amount of memory. A file
+// may have this many points, and one more for each of its bytes (a data line has sixteen at least).
+constexpr std::int64_t kPointsWithoutData = 1024 * 1024;
+
+class HeaderReader {
+ public:
+  HeaderReader(DatFields& fields, std::string_view wrongKind) : fields_(fields), wrongKind_(wrongKind) {}
+
+  // The text behind the first ":" of the next field, without blanks around it.
+  std::string_view Value() { return ValueOf(fields_.Next()); }
+
+  std::string_view FirstValue() {
+    const std::string_view field = fields_.Next();
+    if (!field.starts_with("Date and time: ")) Refuse();
+    return ValueOf(field);
+  }
+
+  std::int32_t Integer() { return Number(Value()); }
+
+  // "<first>x<second>"
+  void Pair(std::int32_t& first, std::int32_t& second) {
+    const std::string_view text = Value();
+    const std::size_t cross = text.find('x');
+    if (cross == std::string_view::npos) Refuse();
+    first = Number(text.substr(0, cross));
+    second = Number(text.substr(cross + 1));
+  }
+
+ private:
+  [[noreturn]] void Refuse() const { throw FormatError(std::string(wrongKind_)); }
+
+  std::string_view ValueOf(std::string_view field) const {
+    const std::size_t colon = field.find(':');
+    if (colon == std::string_view::npos) Refuse();
+    return TrimBlanks(field.substr(colon + 1));
+  }
+
+  static std::int32_t Number(std::string_view text) {
+    return RoundToInt32(ReadNumberPrefix(TrimBlanks(text)).value);
+  }
+
+  DatFields& fields_;
+  std::string_view wrongKind_;
+};
+
+void ReadHeader(VectorField& field, DatFields& fields, std::string_view wrongKind) {
+  HeaderReader header(fields, wrongKind);
+  field.headerLines[0] = Utf8FromWindows1252(header.FirstValue());
+  for (std::size_t k = 1; k < field.headerLines.size(); ++k) {
+    field.headerLines[k] = Utf8FromWindows1252(header.Value());
+  }
+  header.Pair(field.imageWidth, field.imageHeight);
+  header.Pair(field.windowWidth, field.windowHeight);
+  header.Pair(field.gridStepX, field.gridStepY);
+  field.pixelScale = header.Integer();
+  field.pulseDelay = header.Integer();
+  field.validVectorCount = header.Integer();
+  for (int k = 14; k <= 16; ++k) fields.Next();
+}
+
+// Distance of the first column (row) from the image's edge: the smallest multiple of `step`, at least one,
+// that leaves room for half a window on this side. `limit` is the greatest distance that leaves room on the
+// other side; it only counts where the distance had to grow. Steps are taken one by one in the definition; a
+// step below zero never gets there and runs out of the integer range.
+std::int64_t FirstDistance(std::int64_t step, std::int64_t half, std::int64_t limit, const char* tooLarge) {
+  if (step >= half) return step;
+  const std::int64_t grown = step > 0 ? (half + step - 1) / step * step : 2 * step;
+  if (grown > limit) throw FormatError(tooLarge);
+  if (step < 0) throw SystemError(ErrorNumber::overflow);
+  return grown;
+}
+
+void PlaceGrid(VectorField& field, std::uint64_t fileSize) {
+  if (field.gridStepX == 0 || field.gridStepY == 0) throw SystemError(ErrorNumber::divisionByZero);
+  const std::int64_t halfW = field.windowWidth / 2;
+  const std::int64_t halfH = field.windowHeight / 2;
+  const std::int64_t width = field.imageWidth;
+  const std::int64_t height = field.imageHeight;
+  field.firstPixelX = CheckedInt32(
+      FirstDistance(field.gridStepX, halfW, width - halfW, "    Interrogation Window zu breit!"));
+  field.firstPixelY = CheckedInt32(
+      height - FirstDistance(field.gridStepY, halfH, height - halfH, "    Interrogation Window zu hoch!"));
+  const std::int64_t columns = (width - field.firstPixelX - halfW) / field.gridStepX + 1;
+  const std::int64_t rows = (field.firstPixelY - halfH) / field.gridStepY + 1;
+  if (columns > 0 && rows > 0) {
+    const std::int64_t limit =
+        kPointsWithoutData + static_cast<std::int64_t>(std::min(fileSize, std::uint64_t{1} << 40));
+    if (columns > limit / rows) throw SystemError(ErrorNumber::outOfMemory);
+  }
+  CreateArrays(field, CheckedInt32(columns), CheckedInt32(rows));
+}
+
+void StoreVector(VectorField& field, const DatVector& vector) {
+  const std::int64_t dx = RoundToInt32(vector.x - field.firstPixelX);
+  const std::int64_t dy = static_cast<std::int64_t>(field.firstPixelY) - RoundToInt32(vector.y);
+  const std::int64_t i = dx / field.gridStepX + 1;
+  const std::int64_t j = dy / field.gridStepY + 1;
+  if (i < 1 || i > field.columnCount || j < 1 || j > field.rowCount) {
+    throw SystemError(ErrorNumber::indexOutOfRange);
+  }
+  const auto column = static_cast<std::int32_t>(i);
+  const auto row = static_cast<std::int32_t>(j);
+  field.velX(column, row) = vector.u;
+  field.velY(column, row) = vector.v;
+  field.status(column, row) = 1;
+}
+
+void ReadVectors(VectorField& field, DatFields& fields) {
+  // Commas end fields; files that have none behind the header are the rule and take the quick way.
+  const bool quick = fields.Rest().find(',') == std::string_view::npos;
+  while (!fields.AtEnd()) {
+    DatVector vector;
+    const std::size_t taken = quick ? ParseUsualDatLine(fields.Rest(), vector) : 0;
+    if (taken > 0) {
+      fields.Take(taken);
+    } else {
+      vector = ParseDatLine(fields.Next());
+    }
+    StoreVector(field, vector);
+  }
+}
+
+void SetPositions(VectorField& field) {
+  if (field.pixelScale == 0) throw SystemError(ErrorNumber::divisionByZero);
+  const double scale = field.pixelScale;
+  for (std::int32_t i = 1; i <= field.columnCount; ++i) {
+    const std::int64_t pixel = field.firstPixelX + static_cast<std::int64_t>(i - 1) * field.gridStepX;
+    field.posX[static_cast<std::size_t>(i - 1)] = static_cast<double>(pixel) / scale * 10;
+  }
+  for (std::int32_t j = 1; j <= field.rowCount; ++j) {
+    const std::int64_t pixel = field.firstPixelY - static_cast<std::int64_t>(j - 1) * field.gridStepY;
+    field.posY[static_cast<std::size_t>(j - 1)] = static_cast<double>(pixel) / scale * 10;
+  }
+}
+
+}  // namespace
+
+void ReadDat(VectorField& field, InputFile& file, std::string_view wrongKind) {
+  DatFields fields(file);
+  ReadHeader(field, fields, wrongKind);
+  PlaceGrid(field, file.Size());
+  ReadVectors(field, fields);
+  SetPositions(field);
+}
+
+}  // namespace quiverion

@@ -1,0 +1,91 @@
+#include "field/frames.h"
+
+#include <optional>
+
+namespace quiverion {
+namespace {
+
+constexpr std::string_view kFileAborted = "    Die Bearbeitung der aktuellen Datei wird abgebrochen!";
+
+void LogLine(RunLog& log, std::string_view line) {
+  std::string piece(line);
+  piece.append("\r\n");
+  log.WriteLogLine(piece);
+}
+
+void FailSave(Context& context, std::string_view sentence, const SystemError& error) {
+  LogLines(context.log, {kErrorMark, sentence, ErrorLine(error)});
+  context.runHadError = true;
+}
+
+}  // namespace
+
+void LogLines(RunLog& log, std::initializer_list<std::string_view> lines) {
+  for (const std::string_view line : lines) LogLine(log, line);
+}
+
+std::string ErrorLine(const SystemError& error) {
+  return "    " + ErrorText(error);
+}
+
+void LogWarning(Context& context, std::initializer_list<std::string_view> lines) {
+  LogLine(context.log, kWarningMark);
+  LogLines(context.log, lines);
+  context.runHadError = true;
+}
+
+void FailLoad(Context& context, std::initializer_list<std::string_view> lines) {
+  LogLine(context.log, kErrorMark);
+  LogLines(context.log, lines);
+  LogLine(context.log, kFileAborted);
+  context.abortCurrentFile = true;
+}
+
+void RunLoadFrame(Context& context, const std::string& path, const std::function<void(InputFile&)>& read) {
+  std::unique_ptr<InputFile> file;
+  try {
+    file = context.files.OpenForReading(path);
+  } catch (const std::exception& error) {
+    FailLoad(context,
+             {"    Die aktuelle Datei kann nicht geöffnet werden, da folgender Fehler aufgetreten ist:",
+              ErrorLine(AsSystemError(error))});
+    return;
+  }
+  try {
+    read(*file);
+    LogLine(context.log, "fertig");
+  } catch (const FormatError& error) {
+    FailLoad(context, {error.Message()});
+  } catch (const std::exception& error) {
+    FailLoad(context, {"    Während des Einlesens dieser Datei ist folgender Fehler aufgetreten:",
+                       ErrorLine(AsSystemError(error))});
+  }
+}
+
+bool RunSaveFrame(Context& context, const std::string& path, const std::function<void(ResultFile&)>& write,
+                  const SaveWording& wording) {
+  std::optional<ResultFile> file;
+  try {
+    file.emplace(context.files, &context.ui, path);
+  } catch (const std::exception& error) {
+    FailSave(context, wording.openFailed, AsSystemError(error));
+    return false;
+  }
+  try {
+    write(*file);
+    file->Commit();
+  } catch (const std::exception& error) {
+    if (file->Cancelled()) context.userAbortRequested = true;
+    file.reset();
+    FailSave(
+        context,
+        "    Die Datei '" + path +
+            "' kann nicht gespeichert werden, da während des Schreibens folgender Fehler aufgetreten ist:",
+        AsSystemError(error));
+    return false;
+  }
+  LogLine(context.log, "fertig");
+  return true;
+}
+
+}  // namespace quiverion

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "field/context.h"
+#include "platform/result_file.h"
+#include "platform/system_error.h"
+
+/// The frames of loading and saving own the sequence open / body / close / "fertig", every failure text and
+/// the fate of an incomplete file. A reader or writer supplies only the body.
+namespace quiverion {
+
+/// A file that is not what it should be; the log receives each message on a line (or lines) of its own.
+class FormatError : public std::exception {
+ public:
+  explicit FormatError(std::string message) : message_(std::move(message)) {}
+  const std::string& Message() const { return message_; }
+  const char* what() const noexcept override { return message_.c_str(); }
+
+ private:
+  std::string message_;
+};
+
+inline constexpr std::string_view kErrorMark = "!!! FEHLER !!!";
+inline constexpr std::string_view kWarningMark = "!!! WARNUNG !!!";
+
+/// Logs each text as one piece with a closing line break.
+void LogLines(RunLog& log, std::initializer_list<std::string_view> lines);
+
+/// "    <description>   (Fehler-Nr. <number>)"
+std::string ErrorLine(const SystemError& error);
+
+/// Logs `mark` and the lines and sets runHadError.
+void LogWarning(Context& context, std::initializer_list<std::string_view> lines);
+
+/// Logs the error mark, the lines and that the current file is given up; sets `abortCurrentFile`.
+void FailLoad(Context& context, std::initializer_list<std::string_view> lines);
+
+/// Opens `path`, runs `read` and logs "fertig". Whatever fails is logged as stated for loading and sets
+/// `abortCurrentFile`; nothing is thrown. The announcement has been logged by the caller.
+void RunLoadFrame(Context& context, const std::string& path, const std::function<void(InputFile&)>& read);
+
+/// Wording of a save frame; the exports have a sentence of their own for a file that cannot be opened.
+struct SaveWording {
+  std::string_view openFailed =
+      "    Die aktuelle Datei kann nicht gespeichert werden, da beim Öffnen folgender Fehler aufgetreten "
+      "ist:";
+};
+
+/// Opens a result file for `path`, runs `write`, commits and logs "fertig". A failure is logged as stated for
+/// saving and sets `runHadError`, never `abortCurrentFile`; the old file stays and no part of a new one is
+/// left. A full disk asks Retry or Cancel; Cancel also sets `userAbortRequested`. Returns true where the file
+/// was written.
+bool RunSaveFrame(Context& context, const std::string& path, const std::function<void(ResultFile&)>& write,
+                  const SaveWording& wording = {});
+
+}  // namespace quiverion

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "log/run_log.h"
+
+namespace quiverion {
+
+/// Takes the bytes that a log writer makes.
+using ByteConsumer = std::function<void(std::string_view)>;
+
+/// Gathers what a writer makes and hands it over in large blocks.
+class BufferedLogWriter : public LogSink {
+ public:
+  explicit BufferedLogWriter(ByteConsumer consumer) : consumer_(std::move(consumer)) {}
+
+  void HandOver();
+
+ protected:
+  void HandOverWhenFull();
+  std::string buffer_;
+
+ private:
+  ByteConsumer consumer_;
+};
+
+/// Plain UTF-8 text, line breaks as they come ("\r\n").
+class PlainTextWriter : public BufferedLogWriter {
+ public:
+  using BufferedLogWriter::BufferedLogWriter;
+  void Write(std::string_view text, const LogFormat& format) override;
+};
+
+/// UTF-8 text with "\n" line ends for standard output, in colour where asked. On a terminal control
+/// characters in file names are shown as "?": they must not steer it.
+class TerminalWriter : public BufferedLogWriter {
+ public:
+  TerminalWriter(ByteConsumer consumer, bool colour)
+      : BufferedLogWriter(std::move(consumer)), colour_(colour) {}
+  void Write(std::string_view text, const LogFormat& format) override;
+  void Flush() override { HandOver(); }
+
+ private:
+  bool colour_;
+};
+
+/// The formatted log as RTF (Windows-1252 with \u escapes for what that lacks). Finish closes the document.
+class RtfWriter : public BufferedLogWriter {
+ public:
+  explicit RtfWriter(ByteConsumer consumer);
+  void Write(std::string_view text, const LogFormat& format) override;
+  void Finish();
+
+ private:
+  void ChangeFormat(const LogFormat& format);
+  void AppendEscaped(std::string_view text);
+
+  LogFormat current_;
+};
+
+}  // namespace quiverion

@@ -1,0 +1,185 @@
+#include "macro/command_catalogue.h"
+
+#include <algorithm>
+
+#include "macro/command_actions.h"
+#include "platform/text.h"
+
+namespace quiverion {
+namespace {
+
+constexpr Parameter Text(std::string_view key) {
+  return {key, ParameterKind::text, FileEncoding::text};
+}
+constexpr Parameter Flag(std::string_view key) {
+  return {key, ParameterKind::flag, FileEncoding::bool16};
+}
+constexpr Parameter CheckState(std::string_view key) {
+  return {key, ParameterKind::checkState, FileEncoding::int32};
+}
+constexpr Parameter Integer(std::string_view key) {
+  return {key, ParameterKind::integer, FileEncoding::int32};
+}
+constexpr Parameter Number(std::string_view key) {
+  return {key, ParameterKind::number, FileEncoding::float64};
+}
+
+constexpr Parameter kNames[] = {Text("Prefix"), Text("Postfix")};
+constexpr Parameter kComment[] = {Text("Comment")};
+constexpr Parameter kFileName[] = {Text("FileName")};
+constexpr Parameter kVortexCentres[] = {Text("FileName"), Flag("AutoTrafo")};
+constexpr Parameter kMirror[] = {CheckState("ChkPosX"), CheckState("ChkPosY")};
+constexpr Parameter kXYTrafo[] = {Text("TxtFakX"),   Text("TxtDeltaX"),  Text("TxtFakY"),
+                                  Text("TxtDeltaY"), Text("TxtFakVecX"), Text("TxtFakVecY")};
+// Doubles in memory, rounded to integers in the file: a macro file has always lost the fraction here.
+constexpr Parameter kConstVector[] = {{"XComp", ParameterKind::number, FileEncoding::int32},
+                                      {"YComp", ParameterKind::number, FileEncoding::int32}};
+constexpr Parameter kChecked[] = {Flag("Checked")};
+constexpr Parameter kValue[] = {Number("Value")};
+constexpr Parameter kFaultVectors[] = {
+    CheckState("ChkAbsDeviation"), Text("TxtAbsDeviation"),      CheckState("ChkAbsInterval"),
+    Flag("OptAbsIntOut"),          Text("TxtAbsIntMin"),         Text("TxtAbsIntMax"),
+    CheckState("ChkDirDeviation"), Text("TxtDirDeviation"),      CheckState("ChkXComp"),
+    Flag("OptXCompIntOut"),        Text("TxtXCompIntMin"),       Text("TxtXCompIntMax"),
+    CheckState("ChkYComp"),        Flag("OptYCompIntOut"),       Text("TxtYCompIntMin"),
+    Text("TxtYCompIntMax"),        Integer("CompareVectorType"), Integer("CboMedianX"),
+    Integer("CboMedianY"),         Integer("CboLocalMiddleX"),   Integer("CboLocalMiddleY"),
+    Text("TxtUserVectorX"),        Text("TxtUserVectorY"),       Flag("LogicalOr")};
+
+constexpr CommandRow Menu(std::int32_t eventId, std::string_view name, std::int32_t parent,
+                          std::string_view shortText, std::string_view longText) {
+  return {eventId, name, parent, shortText, longText, {}, 0, nullptr};
+}
+
+// clang-format off
+constexpr CommandRow kRows[] = {
+    Menu(10000, "evtFileMenu", 0, "Datei", "'Datei'-Menü"),
+    {10002, "evtInsertComment", 10000, "Kommentar einfügen",
+     "Kommentar in den Info-Text einfügen", kComment, 0, actions::InsertComment},
+    {10001, "evtSaveVas", 10000, "Speichern unter (*.vas)",
+     "Datei im VAS-Format speichern unter...", kNames, 90, actions::SaveAsVas},
+    Menu(10100, "evtStanfordMenu", 10000, "Exportieren für Stanford", "'Exportieren für Stanford'-Menü"),
+    {10101, "evtStanfordVectorField", 10100, "Vektorfeld",
+     "Vektorfeld für Stanford exportieren", kNames, 500, actions::NotAvailable},
+    {10102, "evtStanfordSwirl2", 10100, "(Swirling Strength)²",
+     "(Swirling Strength)² für Stanford exportieren", kNames, 50, actions::NotAvailable},
+    {10103, "evtStanfordVorticity", 10100, "Vorticity",
+     "Vorticity für Stanford exportieren", kNames, 50, actions::NotAvailable},
+    {10104, "evtStanfordVelocityProfile", 10100, "Geschwindigkeitsprofil",
+     "Geschwindigkeitsprofil für Stanford exportieren", kNames, 10, actions::NotAvailable},
+    Menu(10200, "evtTecPlotMenu", 10000, "Exportieren für TecPlot", "'Exportieren für TecPlot'-Menü"),
+    {10201, "evtTecPlotSwirl", 10200, "Swirling Strength",
+     "Swirling Strength für TecPlot exportieren", kNames, 250, actions::NotAvailable},
+    {10202, "evtTecPlotVorticity", 10200, "Vorticity",
+     "Vorticity für TecPlot exportieren", kNames, 300, actions::NotAvailable},
+    Menu(10300, "evtMatlabMenu", 10000, "Exportieren für Matlab", "'Exportieren für Matlab'-Menü"),
+    {10301, "evtMatlabVectorField", 10300, "Vektorfeld",
+     "Vektorfeld für Matlab exportieren", kNames, 400, actions::NotAvailable},
+    {10302, "evtMatlabSwirl2", 10300, "(Swirling Strength)²",
+     "(Swirling Strength)² für Matlab exportieren", kNames, 50, actions::NotAvailable},
+    Menu(20000, "evtBufferMenu", 0, "Buffer", "'Buffer'-Menü"),
+    {20002, "evtLoadBuffer", 20000, "Datei in Buffer einladen",
+     "Vektorfeld aus Datei in Buffer einladen", kFileName, 0, actions::NotAvailable},
+    {20001, "evtCopyToBuffer", 20000, "Aktuelles Vektorfeld in Buffer kopieren",
+     "Aktuelles Vektorfeld in Buffer kopieren", {}, 0, actions::NotAvailable},
+    {20003, "evtBufferAsMask", 20000, "Buffer als Maske benutzen",
+     "Vektorfeld im Buffer als Maske benutzen", {}, 0, actions::NotAvailable},
+    {20004, "evtAddBuffer", 20000, "Buffer zum Vektorfeld addieren",
+     "Buffer zu aktuellem Vektorfeld addieren", {}, 0, actions::NotAvailable},
+    {20005, "evtSubtractBuffer", 20000, "Buffer vom Vektorfeld subtrahieren",
+     "Buffer von aktuellem Vektorfeld subtrahieren", {}, 0, actions::NotAvailable},
+    {20006, "evtSubtractFromBuffer", 20000, "Vektorfeld vom Buffer subtrahieren",
+     "Vektorfeld vom Buffer subtrahieren (verändert nicht Buffer, sondern Vektorfeld!)", {}, 0, actions::NotAvailable},
+    Menu(30000, "evtEditMenu", 0, "Bearbeiten", "'Bearbeiten'-Menü"),
+    {30001, "evtFaultVectors", 30000, "Fehlerhafte Vektoren suchen",
+     "Fehlerhafte Vektoren suchen", kFaultVectors, 0, actions::NotAvailable},
+    {30002, "evtMirror", 30000, "Vektorfeld spiegeln",
+     "Vektorfeld spiegeln", kMirror, 0, actions::NotAvailable},
+    {30003, "evtXYTrafo", 30000, "Koordinatentransformation",
+     "Koordinatentransformation", kXYTrafo, 0, actions::NotAvailable},
+    Menu(40000, "evtCalcMenu", 0, "Berechnungen", "'Berechnungen'-Menü"),
+    {40001, "evtInterpolation", 40000, "Interpolation",
+     "Ungültige Vektoren durch Interpolation ersetzen", {}, 0, actions::NotAvailable},
+    Menu(40100, "evtFilterMenu", 40000, "Filter", "'Filter'-Menü"),
+    {40101, "evtRect3x3", 40100, "Rechteck (3x3)",
+     "Smoothing mit 3x3 Rechteck-Filter", {}, 0, actions::NotAvailable},
+    {40102, "evtRect5x5", 40100, "Rechteck (5x5)",
+     "Smoothing mit 5x5 Rechteck-Filter", {}, 0, actions::NotAvailable},
+    {40103, "evtGauss3x3", 40100, "Gauß (3x3)",
+     "Smoothing mit 3x3 Gauß-Filter", {}, 0, actions::NotAvailable},
+    {40104, "evtGauss5x5", 40100, "Gauß (5x5)",
+     "Smoothing mit 5x5 Gauß-Filter", {}, 0, actions::NotAvailable},
+    {40105, "evtVelocityProfile", 40100, "Geschwindigkeitsprofil",
+     "Geschwindigkeitsprofil erzeugen", {}, 0, actions::NotAvailable},
+    Menu(40200, "evtConstVectorMenu", 40000, "Konstanten Vektor...", "'Konstanten Vektor...'-Menü"),
+    {40201, "evtAddConstVector", 40200, "...addieren",
+     "Konstanten Vektor addieren", kConstVector, 0, actions::NotAvailable},
+    {40202, "evtSubtractConstVector", 40200, "...subtrahieren",
+     "Konstanten Vektor subtrahieren", kConstVector, 0, actions::NotAvailable},
+    {40002, "evtVortexCentres", 40000, "Wirbelzentren suchen",
+     "Wirbelzentren suchen", kVortexCentres, 0, actions::NotAvailable},
+    Menu(50000, "evtViewMenu", 0, "Ansicht", "'Ansicht'-Menü"),
+    {50001, "evtShowHeader", 50000, "Header anzeigen",
+     "Header nach dem Öffnen in Quiverion automatisch anzeigen?", kChecked, 0, actions::ShowHeader},
+    {50002, "evtShowTable", 50000, "Tabelle anzeigen",
+     "Tabelle nach dem Öffnen in Quiverion automatisch anzeigen?", kChecked, 0, actions::ShowTable},
+    {50003, "evtShowVectorField", 50000, "Vektorfeld anzeigen",
+     "Vektorfeld nach dem Öffnen in Quiverion automatisch zeichnen?", kChecked, 0, actions::ShowVectorField},
+    {50004, "evtShowCoordSystem", 50000, "Koordinatensystem anzeigen",
+     "Vektorfeld in Quiverion mit Koordinatensystem zeichnen?", kChecked, 0, actions::ShowCoordSystem},
+    {50005, "evtAspectRatio", 50000, "Seitenverhältnis 1:1",
+     "Vektorfeld in Quiverion im richtigen Höhen-/Breitenverhältnis zeichnen?", kChecked, 0, actions::AspectRatio},
+    {50006, "evtScaleFactor", 50000, "Benutzerdefinierter Skalierungsfaktor",
+     "Benutzerdefinierten Skalierungsfaktor für die Vektor-Darstellung einstellen", kValue, 0, actions::ScaleFactor},
+    Menu(50100, "evtBackgroundMenu", 50000, "Hintergrund", "'Hintergrund'-Menü"),
+    {50101, "evtNoBackground", 50100, "Kein Hintergrund",
+     "Keinen Hintergrund im Vektorfeld anzeigen", {}, 0, actions::NoBackground},
+    {50102, "evtSwirl2Background", 50100, "(Swirling Strength)²",
+     "(Swirling Strength)² im Vektorfeld als Hintergrund anzeigen", {}, 0, actions::Swirl2Background},
+    {50103, "evtVorticityBackground", 50100, "Vorticity",
+     "Vorticity im Vektorfeld als Hintergrund anzeigen", {}, 0, actions::VorticityBackground},
+    {50104, "evtPaletteMin", 50100, "Minimaler Wert für Farbpalette",
+     "Minimalen Wert für Farbpalette einstellen", kValue, 0, actions::PaletteMin},
+    {50105, "evtPaletteMax", 50100, "Maximaler Wert für Farbpalette",
+     "Maximalen Wert für Farbpalette einstellen", kValue, 0, actions::PaletteMax},
+    {50106, "evtPaletteOptimal", 50100, "Optimale Werte für Farbpalette suchen",
+     "Optimale Werte für Farbpalette suchen", {}, 0, actions::PaletteOptimal},
+    Menu(60000, "evtStatisticsMenu", 0, "Statistik", "'Statistik'-Menü"),
+    {60001, "evtCollectStatistics", 60000, "Vektorfeld für Statistik sammeln",
+     "Vektorfeld für Statistik in Datei (Kollektion) sammeln", kFileName, 0, actions::NotAvailable},
+};
+// clang-format on
+
+constexpr std::string_view kUnknown = "Unbekannt!!!";
+
+}  // namespace
+
+std::span<const CommandRow> CommandCatalogue() {
+  return kRows;
+}
+
+const CommandRow* FindCommand(std::int32_t eventId) {
+  const auto found = std::find_if(std::begin(kRows), std::end(kRows),
+                                  [eventId](const CommandRow& row) { return row.eventId == eventId; });
+  return found == std::end(kRows) ? nullptr : found;
+}
+
+const CommandRow* FindCommand(std::string_view constantName) {
+  const auto found = std::find_if(std::begin(kRows), std::end(kRows), [constantName](const CommandRow& row) {
+    return EqualsIgnoringCase(row.constantName, constantName);
+  });
+  return found == std::end(kRows) ? nullptr : found;
+}
+
+std::span<const Parameter> ParametersOf(std::int32_t eventId) {
+  const CommandRow* const row = FindCommand(eventId);
+  return row == nullptr ? std::span<const Parameter>() : row->parameters;
+}
+
+std::string_view MacroEventDescription(std::int32_t eventId, bool longForm) {
+  const CommandRow* const row = FindCommand(eventId);
+  if (row == nullptr) return kUnknown;
+  return longForm ? row->longText : row->shortText;
+}
+
+}  // namespace quiverion

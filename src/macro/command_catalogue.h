@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "field/context.h"
+#include "macro/macro_event.h"
+
+/// Everything the program knows about its commands, one row each. The command tree, both texts, the macro
+/// file, the JSON form, the size estimate and the dispatch derive from the row: a new command is one row, its
+/// operation and a test.
+namespace quiverion {
+
+/// What a value is for the user (and in JSON).
+enum class ParameterKind {
+  text,
+  flag,
+  checkState,  // 0 unchecked, 1 checked, 2 greyed
+  integer,
+  number,
+};
+
+/// How it lies in a macro file.
+enum class FileEncoding { text, bool16, int32, float64 };
+
+struct Parameter {
+  std::string_view key;
+  ParameterKind kind;
+  FileEncoding encoding;
+};
+
+/// What a running command gets.
+struct CommandCall {
+  Context& context;
+  const MacroEvent& event;
+  const std::string& inputDirectory;  // ends in a separator
+  const std::string& fileName;        // of the current file, without directory
+};
+
+struct CommandRow {
+  std::int32_t eventId;
+  std::string_view constantName;
+  std::int32_t parent;  // 0: a root of the tree
+  std::string_view shortText;
+  std::string_view longText;
+  std::span<const Parameter> parameters;  // in the order of the macro file
+  std::int32_t outputKilobytes;           // estimated size of what it writes per input file
+  void (*run)(const CommandCall& call);   // null: a menu
+
+  bool IsMenu() const { return eventId % 100 == 0; }
+};
+
+/// All rows in the order of the command tree.
+std::span<const CommandRow> CommandCatalogue();
+
+/// The row of an id; null where there is none.
+const CommandRow* FindCommand(std::int32_t eventId);
+
+/// The row of a constant name, without regard to case; null where there is none.
+const CommandRow* FindCommand(std::string_view constantName);
+
+/// The parameters of an id, empty for unknown ones.
+std::span<const Parameter> ParametersOf(std::int32_t eventId);
+
+/// The long or the short text of an id; "Unbekannt!!!" for an unknown one.
+std::string_view MacroEventDescription(std::int32_t eventId, bool longForm);
+
+}  // namespace quiverion

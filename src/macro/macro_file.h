@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "macro/session.h"
+#include "platform/result_file.h"
+
+namespace quiverion {
+
+/// The commands of a macro file; bytes behind the last record are ignored. Throws SystemError where the file
+/// is damaged (negative count or length, or it ends early).
+MacroEventList ReadMacro(InputFile& file);
+
+/// Writes the macro in the form of a macro file. Throws SystemError, also where a command lacks a parameter.
+void WriteMacro(ResultFile& file, const MacroEventList& macro);
+
+/// Replaces the session's macro by the file's. A failure shows a message and leaves the macro unchanged.
+/// Returns true where it was loaded.
+bool LoadMacroFile(Session& session, const std::string& path);
+
+/// Saves the session's macro; missing directories are created. A failure shows a message and leaves an old
+/// file as it was, also where Windows-1252 lacks a character of a text (they are file names: none may change
+/// silently). Returns true where it was saved.
+bool SaveMacroFile(Session& session, const std::string& path);
+
+}  // namespace quiverion

@@ -1,0 +1,122 @@
+#include "macro/run_driver.h"
+
+#include <cmath>
+
+#include "field/frames.h"
+#include "field/load_original_file.h"
+#include "macro/command_catalogue.h"
+#include "platform/numbers.h"
+#include "platform/system_error.h"
+#include "platform/text.h"
+
+namespace quiverion {
+namespace {
+
+void WriteTitle(RunLog& log, std::string_view text) {
+  log.WriteLogLine(MakeTitleLine(text) + "\r\n");
+}
+
+std::string_view Verdict(const Context& context) {
+  if (context.runHadError) {
+    return context.userAbortRequested ? "Makro-Ausführung frühzeitig ABGEBROCHEN nach FEHLER"
+                                      : "Makro-Ausführung FEHLERHAFT beendet";
+  }
+  return context.userAbortRequested ? "Makro-Ausführung frühzeitig ABGEBROCHEN"
+                                    : "Makro-Ausführung erfolgreich beendet";
+}
+
+class Run {
+ public:
+  explicit Run(Session& session) : session_(session), context_(session.context) {
+    progress_.fileCount = session.SelectedFileCount();
+  }
+
+  void Execute() {
+    context_.ui.RunStarted(progress_);
+    const float start = context_.clock.SecondsSinceMidnight();
+    context_.userAbortRequested = false;
+    context_.runHadError = false;
+    for (const std::string& name : session_.selectedFiles) {
+      ++progress_.currentFile;
+      RunFile(name);
+      if (context_.userAbortRequested) break;
+      progress_.filesDone = progress_.currentFile;
+      context_.ui.ShowProgress(progress_);
+    }
+    context_.ui.RunEnded();
+    WriteTitle(context_.log, Verdict(context_));
+    const std::string duration = DurationText(context_.clock.SecondsSinceMidnight() - start);
+    if (!duration.empty()) context_.log.WriteLogLine(duration);
+    context_.log.Flush();
+  }
+
+ private:
+  void RunFile(const std::string& name) {
+    progress_.fileName = TrimBlanks(name);
+    progress_.event = "Laden der Orginaldatei";
+    context_.ui.ShowProgress(progress_);
+    WriteTitle(context_.log, progress_.fileName);
+    Yield();
+    context_.abortCurrentFile = false;
+    Guarded([&] { LoadOriginalFile(context_, session_.inputDirectory + name); });
+    for (const MacroEvent& event : session_.macro) {
+      if (context_.abortCurrentFile) break;
+      if (!RunCommand(event, name)) break;
+    }
+    if (context_.abortCurrentFile) context_.runHadError = true;
+  }
+
+  // False: the user has asked for the abort, the command was not started.
+  bool RunCommand(const MacroEvent& event, const std::string& name) {
+    session_.currentMacroEvent = event;
+    const CommandRow* row = nullptr;
+    Guarded([&] {
+      const std::int32_t eventId = event.EventId();
+      row = FindCommand(eventId);
+      progress_.event = MacroEventDescription(eventId, true);
+    });
+    progress_.errorOccurred = progress_.errorOccurred || context_.runHadError;
+    context_.ui.ShowProgress(progress_);
+    Yield();
+    if (context_.userAbortRequested) return false;
+    if (row != nullptr && row->run != nullptr) {
+      Guarded([&] { row->run({context_, session_.currentMacroEvent, session_.inputDirectory, name}); });
+    }
+    return true;
+  }
+
+  void Yield() {
+    context_.log.Flush();
+    if (context_.ui.Yield()) context_.userAbortRequested = true;
+  }
+
+  template <class Action>
+  void Guarded(Action action) {
+    try {
+      action();
+    } catch (const std::exception& error) {
+      LogLines(context_.log, {kErrorMark, ErrorLine(AsSystemError(error))});
+      context_.abortCurrentFile = true;
+      context_.runHadError = true;
+    }
+  }
+
+  Session& session_;
+  Context& context_;
+  RunProgress progress_;
+};
+
+}  // namespace
+
+std::string DurationText(float seconds) {
+  if (!(seconds > 0)) return {};
+  const int minutes = static_cast<int>(std::nearbyint(seconds - 0.5f)) / 60;
+  const std::string rest = FormatNumber(seconds - static_cast<float>(minutes * 60)) + " s\r\n";
+  return minutes > 0 ? "\r\nDauer: " + std::to_string(minutes) + " min " + rest : "\r\nDauer: " + rest;
+}
+
+void RunMacro(Session& session) {
+  Run(session).Execute();
+}
+
+}  // namespace quiverion

@@ -1,0 +1,21 @@
+#include "macro/series_files.h"
+
+#include <algorithm>
+
+#include "platform/paths.h"
+#include "platform/text.h"
+
+namespace quiverion {
+
+std::vector<std::string> ListSeriesFiles(FileSystem& files, const std::string& directory) {
+  std::vector<std::string> names = files.ListFiles(directory);
+  std::erase_if(names, [](const std::string& name) {
+    if (name.find('.') == std::string::npos) return true;
+    const std::string extension = ExtensionOf(name);
+    return extension != "VAS" && extension != "VEC" && extension != "DAT";
+  });
+  std::sort(names.begin(), names.end(), FileNameLess);
+  return names;
+}
+
+}  // namespace quiverion

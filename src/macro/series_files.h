@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/file_system.h"
+
+namespace quiverion {
+
+/// The files of a directory that can be loaded (VAS, VEC, DAT, any case), in the order of the file list: by
+/// name without regard to case. Throws SystemError.
+std::vector<std::string> ListSeriesFiles(FileSystem& files, const std::string& directory);
+
+}  // namespace quiverion

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "field/context.h"
+#include "macro/macro_event.h"
+
+namespace quiverion {
+
+/// All state of the program: the context of the operations, the macro and the inputs of a run. One per
+/// process, made in main; a test makes as many as it likes.
+struct Session {
+  Session(FileSystem& files, UserInterface& ui, RunLog& log, const Clock& clock)
+      : context(files, ui, log, clock) {}
+
+  Context context;
+
+  MacroEventList macro;
+  MacroEvent currentMacroEvent;  // working slot of the command that runs or is edited
+
+  std::vector<std::string> selectedFiles;  // names without directory, in the order of the file list
+  std::string inputDirectory;              // ends in a separator
+
+  bool busy = false;  // an entry point is running; see BusyGuard
+
+  std::int32_t SelectedFileCount() const { return static_cast<std::int32_t>(selectedFiles.size()); }
+};
+
+/// Keeps a yield from starting a second entry point: each takes a guard first and leaves where it did not get
+/// in.
+class BusyGuard {
+ public:
+  explicit BusyGuard(Session& session) : session_(session), entered_(!session.busy) { session.busy = true; }
+  ~BusyGuard() {
+    if (entered_) session_.busy = false;
+  }
+  BusyGuard(const BusyGuard&) = delete;
+  BusyGuard& operator=(const BusyGuard&) = delete;
+
+  bool Entered() const { return entered_; }
+
+ private:
+  Session& session_;
+  bool entered_;
+};
+
+}  // namespace quiverion

@@ -1,0 +1,21 @@
+#include "platform/clock.h"
+
+#include <chrono>
+#include <ctime>
+
+namespace quiverion {
+
+float SystemClock::SecondsSinceMidnight() const {
+  const auto now = std::chrono::system_clock::now();
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+  const std::chrono::duration<double> fraction = now - std::chrono::system_clock::from_time_t(seconds);
+  std::tm local{};
+#ifdef _WIN32
+  localtime_s(&local, &seconds);
+#else
+  localtime_r(&seconds, &local);
+#endif
+  return static_cast<float>(local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec + fraction.count());
+}
+
+}  // namespace quiverion

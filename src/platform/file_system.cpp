@@ -1,0 +1,33 @@
+#include "platform/file_system.h"
+
+#include "platform/paths.h"
+#include "platform/system_error.h"
+
+namespace quiverion {
+
+bool FileExists(FileSystem& files, const std::string& path) {
+  try {
+    files.OpenForReading(path);
+    return true;
+  } catch (const SystemError&) {
+    return false;
+  }
+}
+
+void CreatePathDirectories(FileSystem& files, const std::string& path) {
+  // Nearly always the directory is there: one look spares a call per path part.
+  const std::string_view directory = DirectoryOf(path);
+  if (directory.empty() || files.IsDirectory(std::string(directory))) return;
+  for (std::size_t p = 0; p < path.size(); ++p) {
+    if (p > 0 && IsPathSeparator(path[p])) files.CreateDirectoryQuietly(path.substr(0, p));
+  }
+}
+
+std::string ReadWholeFile(FileSystem& files, const std::string& path) {
+  const auto file = files.OpenForReading(path);
+  std::string content(static_cast<std::size_t>(file->Size()), '\0');
+  content.resize(file->Read(content.data(), content.size()));
+  return content;
+}
+
+}  // namespace quiverion

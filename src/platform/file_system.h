@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quiverion {
+
+/// A file that is read. Closed on destruction.
+class InputFile {
+ public:
+  virtual ~InputFile() = default;
+
+  /// Length in bytes when the file was opened.
+  virtual std::uint64_t Size() const = 0;
+
+  /// Reads up to `size` bytes from the current position; fewer only at the end of the file. Throws
+  /// SystemError.
+  virtual std::size_t Read(void* target, std::size_t size) = 0;
+};
+
+/// A result file that appears whole or not at all: bytes go to a temporary file beside the place, and only
+/// Commit renames it over `path`. Destroyed without a commit it leaves nothing, and an old file as it was.
+class OutputFile {
+ public:
+  virtual ~OutputFile() = default;
+
+  /// Writes at least one of `size` > 0 bytes and returns how many. Throws SystemError with nothing more
+  /// written, so that the call can be repeated.
+  virtual std::size_t WriteSome(const void* source, std::size_t size) = 0;
+
+  /// Flushes and renames. A file that replaces an existing one is synced to the disk first: what it replaces
+  /// may be the only copy of a measurement. Throws SystemError; may then be repeated.
+  virtual void Commit() = 0;
+};
+
+enum class DriveKind { other, cdRom };
+
+/// The operating system's files. Paths are UTF-8 (bytes that are no UTF-8 pass through) with both separators.
+/// Every operating-system error becomes a SystemError; a path that begins with a drive letter does not exist
+/// where there are no drives.
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+
+  /// Throws SystemError where `path` cannot be opened for reading or is no ordinary file.
+  virtual std::unique_ptr<InputFile> OpenForReading(const std::string& path) = 0;
+
+  /// Throws SystemError where a file cannot be created beside `path`, or `path` is a directory or read-only.
+  virtual std::unique_ptr<OutputFile> CreateResultFile(const std::string& path) = 0;
+
+  /// Creates one directory; errors (it exists already, say) are ignored.
+  virtual void CreateDirectoryQuietly(const std::string& path) = 0;
+
+  /// Names of the ordinary files of a directory, unsorted. Throws SystemError.
+  virtual std::vector<std::string> ListFiles(const std::string& directory) = 0;
+
+  virtual bool IsDirectory(const std::string& path) = 0;
+
+  /// The drive (mount point) that holds `directory`.
+  virtual DriveKind KindOfDrive(const std::string& directory) = 0;
+
+  /// Free bytes of the drive that holds `directory`; 0 where that cannot be told.
+  virtual std::uint64_t FreeDiskBytes(const std::string& directory) = 0;
+};
+
+/// The files of this machine.
+std::unique_ptr<FileSystem> MakeSystemFileSystem();
+
+/// True where `path` can be opened for reading: a missing, unreadable or locked file does not exist.
+bool FileExists(FileSystem& files, const std::string& path);
+
+/// Creates every directory along `path`: for each separator the directory named by what stands before it.
+/// Errors are ignored.
+void CreatePathDirectories(FileSystem& files, const std::string& path);
+
+/// The whole content. Throws SystemError.
+std::string ReadWholeFile(FileSystem& files, const std::string& path);
+
+}  // namespace quiverion

@@ -1,0 +1,19 @@
+#pragma once
+
+namespace quiverion {
+
+/// Watches the floating-point status while it lives. A fast kernel runs inside such a scope; where `Raised`
+/// says true the plain loops must decide whether and where the computation stops. The flags can be raised
+/// without an arithmetic error (a comparison with NaN, a discarded lane), never the other way round.
+class FloatErrorScope {
+ public:
+  FloatErrorScope();
+  ~FloatErrorScope();
+  FloatErrorScope(const FloatErrorScope&) = delete;
+  FloatErrorScope& operator=(const FloatErrorScope&) = delete;
+
+  /// Overflow, division by zero or an invalid operation since the scope began.
+  bool Raised() const;
+};
+
+}  // namespace quiverion

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// Numbers as text and text as numbers, independent of any locale.
+namespace quiverion {
+
+/// The longest prefix of `text` that forms a decimal number: optional sign, digits with at most one ".",
+/// optional exponent ("1E5"). `length` is 0 and `value` is 0 where the text does not begin with a number.
+struct NumberPrefix {
+  double value = 0.0;
+  std::size_t length = 0;
+};
+
+/// Correctly rounded; a number too small for a double is 0. Throws SystemError 6 for one that is too large.
+NumberPrefix ReadNumberPrefix(std::string_view text);
+
+/// The reader of parameter texts: blanks, tabs and line breaks are ignored anywhere in the text, then the
+/// longest prefix that forms a number counts; 0 where none does. Throws SystemError 6 for a number too large.
+double ReadParameterNumber(std::string_view text);
+
+/// Nearest integer, halves to the even neighbour. Throws SystemError 6 where it does not fit (or is no
+/// number).
+std::int32_t RoundToInt32(double value);
+
+/// `value` as a 32-bit integer; throws SystemError 6 where it does not fit.
+std::int32_t CheckedInt32(std::int64_t value);
+
+/// At most 15 significant digits, correctly rounded, no trailing zeros; fixed notation for 1E-4 <= |x| < 1E15
+/// and for 0, else an exponent with sign and at least two digits (1.5E-05). Negative zero is "0"; "NaN",
+/// "Inf", "-Inf".
+std::string FormatNumber(double value, char decimalSeparator = '.');
+
+/// The same with at most 7 significant digits, the precision of a float.
+std::string FormatNumber(float value, char decimalSeparator = '.');
+
+/// Longest text that FormatNumberTo writes.
+inline constexpr std::size_t kMaxNumberLength = 32;
+
+/// FormatNumber into `buffer` (at least kMaxNumberLength bytes), without allocating. Returns the end of the
+/// text.
+char* FormatNumberTo(char* buffer, double value, int digits, char decimalSeparator);
+
+}  // namespace quiverion

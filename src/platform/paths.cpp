@@ -1,0 +1,30 @@
+#include "platform/paths.h"
+
+#include "platform/text.h"
+
+namespace quiverion {
+
+std::string_view FileNameOf(std::string_view path) {
+  const std::size_t last = path.find_last_of("\\/");
+  return last == std::string_view::npos ? path : path.substr(last + 1);
+}
+
+std::string_view DirectoryOf(std::string_view path) {
+  const std::size_t last = path.find_last_of("\\/");
+  return last == std::string_view::npos ? std::string_view() : path.substr(0, last);
+}
+
+std::string_view BaseNameOf(std::string_view fileName) {
+  return fileName.substr(0, fileName.rfind('.'));
+}
+
+std::string ExtensionOf(std::string_view fileName) {
+  return AsciiUpper(fileName.substr(fileName.rfind('.') + 1));
+}
+
+std::string WithSeparator(std::string directory) {
+  if (directory.empty() || !IsPathSeparator(directory.back())) directory.push_back(kPathSeparator);
+  return directory;
+}
+
+}  // namespace quiverion

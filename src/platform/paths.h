@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// Both "\" and "/" separate path parts, on every system: macros and collections move between machines.
+/// Only the file layer turns a path into the operating system's form.
+namespace quiverion {
+
+/// The separator that the program itself adds to paths.
+#ifdef _WIN32
+inline constexpr char kPathSeparator = '\\';
+#else
+inline constexpr char kPathSeparator = '/';
+#endif
+
+constexpr bool IsPathSeparator(char c) {
+  return c == '\\' || c == '/';
+}
+
+/// The part behind the last separator (the whole path if there is none).
+std::string_view FileNameOf(std::string_view path);
+
+/// The part before the last separator (empty if there is none).
+std::string_view DirectoryOf(std::string_view path);
+
+/// The file name without its last "." and what follows (the whole name if there is none).
+std::string_view BaseNameOf(std::string_view fileName);
+
+/// What follows the last "." of a file name, ASCII letters in upper case (the whole name if there is no ".").
+std::string ExtensionOf(std::string_view fileName);
+
+/// `directory` with the system's separator behind it, unless it ends in a separator already.
+std::string WithSeparator(std::string directory);
+
+}  // namespace quiverion

@@ -1,0 +1,103 @@
+// What the program asks of its surroundings beyond files. A port to another system replaces this file.
+#include <langinfo.h>
+#include <locale.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/environment.h"
+#include "platform/system_error.h"
+
+namespace quiverion {
+namespace {
+
+int DescriptorOf(StandardStream stream) {
+  return stream == StandardStream::output ? STDOUT_FILENO : STDERR_FILENO;
+}
+
+std::string NumericLocaleName() {
+  for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
+    const char* const value = std::getenv(variable);
+    if (value != nullptr && *value != '\0') return value;
+  }
+  return {};
+}
+
+std::string NativePath(const std::string& path) {
+  std::string native = path;
+  std::replace(native.begin(), native.end(), '\\', '/');
+  return native;
+}
+
+// A locale can be named without being installed (on a compute node, say); its language still tells.
+bool LanguageWritesComma(std::string_view localeName) {
+  constexpr std::array<std::string_view, 12> languages = {"de", "fr", "it", "es", "nl", "pt",
+                                                          "pl", "cs", "da", "nb", "sv", "fi"};
+  return localeName.size() > 2 && localeName[2] == '_' &&
+         std::find(languages.begin(), languages.end(), localeName.substr(0, 2)) != languages.end();
+}
+
+}  // namespace
+
+bool IsTerminal(StandardStream stream) {
+  return ::isatty(DescriptorOf(stream)) == 1;
+}
+
+bool WriteToStream(StandardStream stream, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(DescriptorOf(stream), bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return true;
+}
+
+void IgnoreBrokenPipes() {
+  std::signal(SIGPIPE, SIG_IGN);
+}
+
+char EnvironmentDecimalSeparator() {
+  const std::string name = NumericLocaleName();
+  if (name.empty()) return '.';
+  const locale_t locale = ::newlocale(LC_NUMERIC_MASK, name.c_str(), nullptr);
+  if (locale == nullptr) return LanguageWritesComma(name) ? ',' : '.';
+  const char separator = *::nl_langinfo_l(RADIXCHAR, locale);
+  ::freelocale(locale);
+  return separator == ',' ? ',' : '.';
+}
+
+std::string AbsolutePath(const std::string& path) {
+  const std::string native = NativePath(path);
+  const bool drive = native.size() > 1 && native[1] == ':';
+  if (native.starts_with('/') || drive) return path;
+  std::error_code ignored;
+  std::string current = std::filesystem::current_path(ignored).string();
+  if (!current.ends_with('/')) current.push_back('/');
+  return current + path.substr(native.starts_with("./") ? 2 : 0);
+}
+
+bool IsSameDirectory(const std::string& a, const std::string& b) {
+  if (a == b) return true;
+  std::error_code failed;
+  return std::filesystem::equivalent(NativePath(a), NativePath(b), failed) && !failed;
+}
+
+std::string ReadStandardInput() {
+  std::string content;
+  std::array<char, 65536> block;
+  for (;;) {
+    const ssize_t count = ::read(STDIN_FILENO, block.data(), block.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw SystemError(ErrorNumber::deviceError);
+    if (count == 0) return content;
+    content.append(block.data(), static_cast<std::size_t>(count));
+  }
+}
+
+}  // namespace quiverion

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/file_system.h"
+#include "platform/user_interface.h"
+
+namespace quiverion {
+
+/// A buffered result file. A full disk or too many open files ask Retry or Cancel where a user interface is
+/// given; Retry repeats the failed write and writing goes on, so no writer has a retry loop of its own. Small
+/// items are gathered, large blocks go to the system as they are. Without a commit nothing appears.
+class ResultFile {
+ public:
+  /// Throws SystemError where the file cannot be opened. `ui` may be null: then every error is thrown at
+  /// once.
+  ResultFile(FileSystem& files, UserInterface* ui, const std::string& path);
+
+  /// Throws SystemError.
+  void Write(std::string_view bytes);
+
+  /// Writes what is left and puts the file in its place. Throws SystemError.
+  void Commit();
+
+  /// True where the user has answered Cancel; the SystemError that was thrown is the one of the write.
+  bool Cancelled() const { return cancelled_; }
+
+ private:
+  template <class Action>
+  auto WithRetry(Action action);
+  void WriteThrough(std::string_view bytes);
+
+  std::unique_ptr<OutputFile> file_;
+  UserInterface* ui_;
+  std::string buffer_;
+  bool cancelled_ = false;
+};
+
+}  // namespace quiverion

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Texts are UTF-8 in memory and Windows-1252 in files. "Characters" are counted in Windows-1252, one per
+/// character. Nothing here depends on a locale. A byte that is no valid UTF-8 counts as one character.
+namespace quiverion {
+
+/// Windows-1252 bytes as UTF-8. The five undefined bytes 81 8D 8F 90 9D become U+0081 ..., so that every
+/// text read from a file is written back byte for byte.
+std::string Utf8FromWindows1252(std::string_view bytes);
+
+struct Windows1252Text {
+  std::string bytes;
+  bool complete = true;  // false: a character that Windows-1252 lacks was written as "?"
+};
+
+/// UTF-8 as Windows-1252 bytes, one per character.
+Windows1252Text Windows1252FromUtf8(std::string_view text);
+
+/// True where Windows-1252 has every character of the UTF-8 text.
+bool FitsWindows1252(std::string_view text);
+
+/// Number of characters of a UTF-8 text.
+std::size_t CharacterCount(std::string_view text);
+
+/// Takes the first character off `text` and returns its code point; a byte that is no valid UTF-8 is U+FFFD.
+char32_t TakeCodePoint(std::string_view& text);
+
+/// Appends a code point as UTF-8.
+void AppendUtf8(std::string& text, char32_t codePoint);
+
+/// Without the blanks (U+0020) at both ends.
+std::string_view TrimBlanks(std::string_view text);
+
+/// ASCII letters in upper case, everything else as it is.
+std::string AsciiUpper(std::string_view text);
+
+/// True where both are equal without regard to the case of ASCII letters.
+bool EqualsIgnoringCase(std::string_view a, std::string_view b);
+
+/// Order of file lists: by name without regard to case, code points where that ties. True where `a` comes
+/// first.
+bool FileNameLess(std::string_view a, std::string_view b);
+
+}  // namespace quiverion

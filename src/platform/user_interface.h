@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace quiverion {
+
+enum class MessageButtons { ok, retryCancel, abortRetryIgnore };
+enum class MessageIcon { information, warning };
+enum class MessageAnswer { ok, retry, cancel, abort, ignore };
+
+/// A message box. Texts are German UTF-8; lines of `text` are separated by "\r\n".
+struct Message {
+  std::string title;
+  std::string text;
+  MessageButtons buttons = MessageButtons::ok;
+  MessageIcon icon = MessageIcon::warning;
+};
+
+/// Where a run is, for a progress window or line.
+struct RunProgress {
+  std::int32_t fileCount = 0;
+  std::int32_t currentFile = 0;  // counted from 1
+  std::int32_t filesDone = 0;
+  std::string fileName;        // of the current file, without blanks around it
+  std::string_view event;      // "Laden der Orginaldatei", then the long description of the running command
+  bool errorOccurred = false;  // shown from the first command that runs after the error
+};
+
+/// The only way the core asks, shows progress and lets window events through. The implementations are a
+/// terminal, a window and a script of answers for tests. Only the core sets the run's flags.
+class UserInterface {
+ public:
+  virtual ~UserInterface() = default;
+
+  /// Shows a message box and returns the answer. Answers that the box does not offer count as its last
+  /// button.
+  virtual MessageAnswer Ask(const Message& box) = 0;
+
+  /// A run begins; until RunEnded no other entry point of the core may be called from a yield.
+  virtual void RunStarted(const RunProgress& progress) = 0;
+
+  /// Something about the progress has changed.
+  virtual void ShowProgress(const RunProgress& progress) = 0;
+
+  virtual void RunEnded() = 0;
+
+  /// Lets pending events through. Returns true where the user has asked (and confirmed) that the run be
+  /// aborted, once or at every further call.
+  virtual bool Yield() = 0;
+};
+
+}  // namespace quiverion
