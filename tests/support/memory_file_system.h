@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/file_system.h"
+#include "platform/system_error.h"
+
+namespace quiverion::test {
+
+/// Files in memory, with "/" and "\" as separators, and with faults on request. The directories "" and "/" exist;
+/// others exist where they were created or where a file lies in them.
+class MemoryFileSystem : public FileSystem {
+ public:
+  std::map<std::string, std::string> files;
+  std::set<std::string> directories;
+  DriveKind drive = DriveKind::other;
+  std::vector<std::uint64_t> freeBytes = {std::uint64_t{1} << 40};  // one answer per question, the last one stays
+
+  /// What goes wrong with the files that are written. Counted over all of them.
+  struct Faults {
+    std::optional<ErrorNumber> open;        // every CreateResultFile
+    std::uint64_t diskSize = std::numeric_limits<std::uint64_t>::max();  // bytes until a write fails ...
+    ErrorNumber write = ErrorNumber::diskFull;                           // ... with this
+    std::optional<ErrorNumber> commit;
+    int commitFailures = std::numeric_limits<int>::max();  // so many times
+  };
+  Faults faults;
+
+  std::map<std::string, ErrorNumber> openErrors;  // of files that are there but cannot be opened
+  std::map<std::string, std::uint64_t> readFailsAt;  // byte at which reading fails with error 57
+
+  int temporaryFiles = 0;  // result files that are open now
+
+  std::unique_ptr<InputFile> OpenForReading(const std::string& path) override;
+  std::unique_ptr<OutputFile> CreateResultFile(const std::string& path) override;
+  void CreateDirectoryQuietly(const std::string& path) override;
+  std::vector<std::string> ListFiles(const std::string& directory) override;
+  bool IsDirectory(const std::string& path) override;
+  DriveKind KindOfDrive(const std::string& directory) override;
+  std::uint64_t FreeDiskBytes(const std::string& directory) override;
+};
+
+}  // namespace quiverion::test

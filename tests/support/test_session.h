@@ -1,0 +1,90 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "macro/session.h"
+#include "support/memory_file_system.h"
+
+namespace quiverion::test {
+
+/// Answers message boxes from a script and records what it was shown.
+class ScriptedUi : public UserInterface {
+ public:
+  std::deque<MessageAnswer> answers;  // without one, a box gets `defaultAnswer`
+  MessageAnswer defaultAnswer = MessageAnswer::cancel;
+  std::function<void(const Message&)> onAsk;  // before the answer: mends the fault, say
+  int abortAtYield = 0;                       // counted from 1; 0: never
+
+  std::vector<Message> messages;
+  std::vector<RunProgress> progress;
+  int yields = 0;
+  bool running = false;
+
+  MessageAnswer Ask(const Message& message) override {
+    messages.push_back(message);
+    if (onAsk) onAsk(message);
+    if (answers.empty()) return defaultAnswer;
+    const MessageAnswer answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+  void RunStarted(const RunProgress& /*progress*/) override { running = true; }
+  void ShowProgress(const RunProgress& shown) override { progress.push_back(shown); }
+  void RunEnded() override { running = false; }
+  bool Yield() override { return ++yields == abortAtYield; }
+};
+
+/// Keeps the pieces of a log.
+class LogRecorder : public LogSink {
+ public:
+  struct Piece {
+    std::string text;
+    LogFormat format;
+  };
+  std::vector<Piece> pieces;
+
+  void Write(std::string_view text, const LogFormat& format) override { pieces.push_back({std::string(text), format}); }
+
+  std::string Text() const {
+    std::string text;
+    for (const Piece& piece : pieces) text += piece.text;
+    return text;
+  }
+};
+
+/// Tells the given times one after the other; the last one stays.
+class ScriptedClock : public Clock {
+ public:
+  mutable std::deque<float> times = {0.0f};
+  float SecondsSinceMidnight() const override {
+    const float time = times.front();
+    if (times.size() > 1) times.pop_front();
+    return time;
+  }
+};
+
+/// A program in memory: a session with all services faked.
+struct TestSession {
+  TestSession() { log.Attach(recorder); }
+
+  MemoryFileSystem files;
+  ScriptedUi ui;
+  RunLog log;
+  LogRecorder recorder;
+  ScriptedClock clock;
+  Session session{files, ui, log, clock};
+  Context& context = session.context;
+
+  /// Takes what has been logged since the last call.
+  std::string TakeLog() {
+    std::string text = recorder.Text();
+    recorder.pieces.clear();
+    return text;
+  }
+};
+
+}  // namespace quiverion::test

@@ -1,0 +1,57 @@
+#!/usr/bin/env bash
+# Holds the include rule of the house: which folder of src/ may include which other, and no Qt in the core.
+#   check_includes.sh SRC        prints every include that breaks the rule; exit code 1 where there is one
+#   check_includes.sh --self-test
+set -euo pipefail
+
+declare -A allowed=(
+  [platform]=""
+  [log]="platform"
+  [field]="log platform"
+  [operations]="field log platform"
+  [macro]="operations field log platform"
+  [cli]="macro operations field log platform version.h nlohmann CLI"
+)
+
+check() {
+  local src=$1 broken=0 folder file line target top
+  for file in $(cd "$src" && find . -mindepth 2 \( -name '*.h' -o -name '*.cpp' \) | sort); do
+    file=${file#./}
+    folder=${file%%/*}
+    if [ -z "${allowed[$folder]+known}" ]; then
+      echo "$file: the folder '$folder' is not in the list of $(basename "$0")"
+      broken=1
+      continue
+    fi
+    while IFS= read -r line; do
+      target=$(sed -E 's/^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]([^">]+)[">].*/\1/' <<<"$line")
+      top=${target%%/*}
+      case $line in
+        *'"'*) [ "$top" = "$folder" ] && continue ;;
+        # Angle brackets: the standard library and the system's own headers (only platform has any of those).
+        *) [[ $target =~ ^[a-z_0-9]+$ ]] && continue
+           [ "$folder" = platform ] && [[ $target =~ ^(sys/)?[a-z]+\.h$ ]] && continue ;;
+      esac
+      if [[ " ${allowed[$folder]} " != *" $top "* ]]; then
+        echo "$file: must not include $target"
+        broken=1
+      fi
+    done < <(grep -E '^[[:space:]]*#[[:space:]]*include' "$src/$file" || true)
+  done
+  return $broken
+}
+
+self_test() {
+  local bad
+  dir=$(mktemp -d)
+  trap 'rm -rf "$dir"' EXIT
+  mkdir "$dir/field" "$dir/platform"
+  printf '#include <vector>\n#include "field/a.h"\n#include "log/b.h"\n' >"$dir/field/good.cpp"
+  check "$dir" >/dev/null || { echo "a good file was refused"; exit 1; }
+  for bad in '"macro/session.h"' '<QString>' '<QtWidgets/QLabel>' '<unistd.h>' '<nlohmann/json.hpp>'; do
+    echo "#include $bad" >"$dir/field/bad.cpp"
+    if check "$dir" >/dev/null; then echo "$bad was let through in field"; exit 1; fi
+  done
+}
+
+if [ "$1" = --self-test ]; then self_test; else check "$1"; fi
