@@ -79,8 +79,8 @@ std::string PairText(std::int32_t a, std::int32_t b, const std::string& unit) {
 
 std::string AsText(const VectorField& field, const Summary& summary) {
   std::string text = Line("Datei", field.filePath);
-  text += Line("Gitter", std::to_string(field.columnCount) + " Spalten x " + std::to_string(field.rowCount) +
-                             " Zeilen");
+  text +=
+      Line("Gitter", std::to_string(field.columnCount) + " Spalten x " + std::to_string(field.rowCount) + " Zeilen");
   text += Line("x", RangeText(summary.x, "mm")) + Line("y", RangeText(summary.y, "mm"));
   text += Line("Vx der gültigen Vektoren", RangeText(summary.velX, "m/s"));
   text += Line("Vy der gültigen Vektoren", RangeText(summary.velY, "m/s"));

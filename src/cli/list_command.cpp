@@ -25,8 +25,7 @@ std::string_view KindName(ParameterKind kind) {
 
 int Depth(const CommandRow& row) {
   int depth = 0;
-  for (const CommandRow* parent = FindCommand(row.parent); parent; parent = FindCommand(parent->parent))
-    ++depth;
+  for (const CommandRow* parent = FindCommand(row.parent); parent; parent = FindCommand(parent->parent)) ++depth;
   return depth;
 }
 
@@ -51,13 +50,12 @@ std::string AsJson() {
     for (const Parameter& parameter : row.parameters) {
       parameters.push_back({{"Key", parameter.key}, {"Kind", KindName(parameter.kind)}});
     }
-    rows.push_back(
-        {{"EventId", row.eventId},
-         {"Constant", row.constantName},
-         {"Parent", row.parent == 0 ? nlohmann::ordered_json() : nlohmann::ordered_json(row.parent)},
-         {"ShortText", row.shortText},
-         {"LongText", row.longText},
-         {"Parameters", parameters}});
+    rows.push_back({{"EventId", row.eventId},
+                    {"Constant", row.constantName},
+                    {"Parent", row.parent == 0 ? nlohmann::ordered_json() : nlohmann::ordered_json(row.parent)},
+                    {"ShortText", row.shortText},
+                    {"LongText", row.longText},
+                    {"Parameters", parameters}});
   }
   return rows.dump(2) + "\n";
 }

@@ -50,8 +50,8 @@ int ImportMacro(const std::string& jsonPath, const std::string& macroPath) {
     services.session.macro = MacroFromJson(text);
   } catch (const std::exception& error) {
     const bool json = dynamic_cast<const MacroJsonError*>(&error) != nullptr;
-    services.terminal.PrintError("'" + jsonPath +
-                                 "': " + (json ? error.what() : ErrorText(AsSystemError(error))) + "\n");
+    services.terminal.PrintError("'" + jsonPath + "': " + (json ? error.what() : ErrorText(AsSystemError(error))) +
+                                 "\n");
     return kFailed;
   }
   return SaveMacroFile(services.session, macroPath) ? services.Done() : static_cast<int>(kFailed);

@@ -34,9 +34,7 @@ class CommandReader {
   }
 
  private:
-  [[noreturn]] void Fail(const std::string& sentence) const {
-    throw MacroJsonError(Place(position_) + sentence);
-  }
+  [[noreturn]] void Fail(const std::string& sentence) const { throw MacroJsonError(Place(position_) + sentence); }
 
   [[noreturn]] void FailKind(std::string_view key, std::string_view expected) const {
     Fail("'" + std::string(key) + "' muss " + std::string(expected) + " sein.");
@@ -124,11 +122,9 @@ Json ValueToJson(const MacroEvent& event, const Parameter& parameter, std::size_
 std::string CommandToJson(const MacroEvent& event, std::size_t position) {
   const std::int32_t eventId = event.EventId();
   const CommandRow* const row = FindCommand(eventId);
-  std::string line =
-      "{\"EventId\": " + (row ? Json(std::string(row->constantName)).dump() : std::to_string(eventId));
+  std::string line = "{\"EventId\": " + (row ? Json(std::string(row->constantName)).dump() : std::to_string(eventId));
   for (const Parameter& parameter : ParametersOf(eventId)) {
-    line += ", " + Json(std::string(parameter.key)).dump() + ": " +
-            ValueToJson(event, parameter, position).dump();
+    line += ", " + Json(std::string(parameter.key)).dump() + ": " + ValueToJson(event, parameter, position).dump();
   }
   return line + "}";
 }

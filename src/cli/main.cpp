@@ -28,8 +28,7 @@ class GermanHelp : public CLI::Formatter {
     Replace(usage, "SUBCOMMAND", "BEFEHL");
     return usage;
   }
-  std::string make_group(std::string group, bool isPositional,
-                         std::vector<const CLI::Option*> options) const override {
+  std::string make_group(std::string group, bool isPositional, std::vector<const CLI::Option*> options) const override {
     if (group == "Options") group = "Optionen";
     return CLI::Formatter::make_group(group, isPositional, options);
   }
@@ -49,13 +48,12 @@ class GermanHelp : public CLI::Formatter {
 // What to do once everything was understood.
 using Action = std::function<int()>;
 
-CLI::Option* AddPath(CLI::App* command, const std::string& name, std::string& target,
-                     const std::string& help) {
+CLI::Option* AddPath(CLI::App* command, const std::string& name, std::string& target, const std::string& help) {
   return command->add_option(name, target, help)->required()->type_name("");
 }
 
-CLI::Option* AddChoice(CLI::App* command, const std::string& name, std::string& target,
-                       const std::string& help, std::vector<std::string> choices) {
+CLI::Option* AddChoice(CLI::App* command, const std::string& name, std::string& target, const std::string& help,
+                       std::vector<std::string> choices) {
   return command->add_option(name, target, help)
       ->type_name("")
       ->check(CLI::Validator(
@@ -81,14 +79,12 @@ void AddRun(CLI::App& app, Action& action, RunArguments& arguments) {
       ->check(CLI::Validator(
           [](std::string& value) {
             const std::string end = AsciiUpper(value.size() < 4 ? value : value.substr(value.size() - 4));
-            return end == ".RTF" || end == ".TXT" ? std::string()
-                                                  : "'" + value + "' endet weder in .rtf noch in .txt";
+            return end == ".RTF" || end == ".TXT" ? std::string() : "'" + value + "' endet weder in .rtf noch in .txt";
           },
           ""));
-  AddChoice(run, "--on-problem", arguments.onProblem,
-            "Antwort auf Probleme vor dem Lauf: abort (Vorgabe) oder ignore", {"abort", "ignore"});
-  AddChoice(run, "--decimal", arguments.decimal, "Dezimaltrennzeichen der geschriebenen Zahlen: . oder ,",
-            {".", ","});
+  AddChoice(run, "--on-problem", arguments.onProblem, "Antwort auf Probleme vor dem Lauf: abort (Vorgabe) oder ignore",
+            {"abort", "ignore"});
+  AddChoice(run, "--decimal", arguments.decimal, "Dezimaltrennzeichen der geschriebenen Zahlen: . oder ,", {".", ","});
   run->add_option("INPUT", options.inputs, "Dateien oder ein Verzeichnis (alle *.vas, *.vec, *.dat darin)")
       ->required()
       ->type_name("");
@@ -96,8 +92,7 @@ void AddRun(CLI::App& app, Action& action, RunArguments& arguments) {
     action = [&arguments] {
       RunOptions& chosen = arguments.options;
       chosen.onProblem = arguments.onProblem == "ignore" ? MessageAnswer::ignore : MessageAnswer::abort;
-      chosen.decimalSeparator =
-          arguments.decimal.empty() ? EnvironmentDecimalSeparator() : arguments.decimal.front();
+      chosen.decimalSeparator = arguments.decimal.empty() ? EnvironmentDecimalSeparator() : arguments.decimal.front();
       return RunSeries(chosen);
     };
   });
@@ -143,8 +138,7 @@ std::string UsageMessage(const CLI::ParseError& error) {
   const std::string name = what.substr(0, what.find_first_of(": "));
   if (dynamic_cast<const CLI::ValidationError*>(&error)) return "Ungültiger Wert: " + what;
   if (dynamic_cast<const CLI::ExtrasError*>(&error)) {
-    return "Unbekanntes Argument: " +
-           what.substr(what.find(": ") == std::string::npos ? 0 : what.find(": ") + 2);
+    return "Unbekanntes Argument: " + what.substr(what.find(": ") == std::string::npos ? 0 : what.find(": ") + 2);
   }
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) return "Wert fehlt oder steht zuviel: " + name;
   if (dynamic_cast<const CLI::RequiredError*>(&error)) {
@@ -156,14 +150,12 @@ std::string UsageMessage(const CLI::ParseError& error) {
 void UseGerman(CLI::App& app, const std::shared_ptr<GermanHelp>& german) {
   app.formatter(german);
   app.set_help_flag("-h,--help", "Diese Hilfe zeigen");
-  for (CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
-    UseGerman(*command, german);
+  for (CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) UseGerman(*command, german);
 }
 
 int Main(int argc, char** argv) {
   IgnoreBrokenPipes();
-  CLI::App app("QuiverionSeries " QUIVERION_VERSION ": Serienauswertung von PIV-Daten",
-               "quiverionseries-cli");
+  CLI::App app("QuiverionSeries " QUIVERION_VERSION ": Serienauswertung von PIV-Daten", "quiverionseries-cli");
   app.set_version_flag("--version", "QuiverionSeries " QUIVERION_VERSION, "Version zeigen");
   app.require_subcommand(1);
   Action action;

@@ -62,9 +62,8 @@ class LogFile {
 };
 
 void ReportLogFailure(Terminal& terminal, const std::string& path, const SystemError& error) {
-  terminal.Ask(
-      {.title = "Log-Datei speichern",
-       .text = "Die Log-Datei kann nicht gespeichert werden unter '" + path + "'!\r\n" + ErrorText(error)});
+  terminal.Ask({.title = "Log-Datei speichern",
+                .text = "Die Log-Datei kann nicht gespeichert werden unter '" + path + "'!\r\n" + ErrorText(error)});
 }
 
 // Adds what one INPUT stands for. False where it lies in another directory than the ones before.
@@ -88,8 +87,7 @@ bool AddInput(Session& session, const std::string& input) {
       selected = std::move(names);
       break;
     }
-    if (std::find(selected.begin(), selected.end(), name) == selected.end())
-      selected.push_back(std::move(name));
+    if (std::find(selected.begin(), selected.end(), name) == selected.end()) selected.push_back(std::move(name));
   }
   return true;
 }
@@ -109,8 +107,7 @@ int RunSeries(const RunOptions& options) {
   for (const std::string& input : options.inputs) {
     try {
       if (!AddInput(session, input)) {
-        services.terminal.PrintError("Alle Eingabedateien müssen in einem Verzeichnis liegen: '" + input +
-                                     "'\n");
+        services.terminal.PrintError("Alle Eingabedateien müssen in einem Verzeichnis liegen: '" + input + "'\n");
         return kUsage;
       }
     } catch (const SystemError& error) {

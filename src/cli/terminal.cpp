@@ -30,9 +30,8 @@ std::string MinutesText(double seconds) {
 }
 
 std::string ProgressText(const RunProgress& progress, double seconds) {
-  std::string text =
-      "Datei " + std::to_string(progress.currentFile) + " von " + std::to_string(progress.fileCount) +
-      (progress.errorOccurred ? " (Fehler aufgetreten)  " : "  ") + std::string(progress.event);
+  std::string text = "Datei " + std::to_string(progress.currentFile) + " von " + std::to_string(progress.fileCount) +
+                     (progress.errorOccurred ? " (Fehler aufgetreten)  " : "  ") + std::string(progress.event);
   if (progress.filesDone > 0 && seconds > 0) {
     const double rate = progress.filesDone / seconds;
     const double rounded = rate < 10 ? std::max(1, RoundToInt32(rate * 10)) / 10.0 : RoundToInt32(rate);
@@ -44,8 +43,7 @@ std::string ProgressText(const RunProgress& progress, double seconds) {
 
 }  // namespace
 
-Terminal::Terminal(MessageAnswer onProblem)
-    : onProblem_(onProblem), showProgress_(IsTerminal(StandardStream::error)) {}
+Terminal::Terminal(MessageAnswer onProblem) : onProblem_(onProblem), showProgress_(IsTerminal(StandardStream::error)) {}
 
 void Terminal::CatchSignals() {
   std::signal(SIGINT, HandleSignal);

@@ -42,6 +42,27 @@ void BinaryReader::Bytes(void* target, std::size_t size) {
   }
 }
 
+void BinaryReader::ReadBlocks(std::vector<std::span<char>> blocks) {
+  std::size_t missing = 0;
+  for (std::span<char>& block : blocks) {
+    const std::size_t buffered = std::min(block.size(), end_ - at_);
+    if (buffered > 0) std::memcpy(block.data(), buffer_.data() + at_, buffered);
+    at_ += buffered;
+    block = block.subspan(buffered);
+    missing += block.size();
+  }
+  if (missing == 0) return;
+  if (unread_ < missing) throw SystemError(ErrorNumber::endOfFile);
+  // The buffer is empty: what follows the blocks fills it in the same call.
+  buffer_.resize(kBufferSize);
+  const auto ahead = static_cast<std::size_t>(std::min<std::uint64_t>(unread_ - missing, kBufferSize));
+  blocks.push_back(std::span(buffer_).first(ahead));
+  if (file_.ReadPieces(blocks) < missing + ahead) throw SystemError(ErrorNumber::endOfFile);
+  unread_ -= missing + ahead;
+  at_ = 0;
+  end_ = ahead;
+}
+
 void BinaryReader::Skip(std::uint64_t bytes) {
   Require(bytes);
   while (bytes > 0) {

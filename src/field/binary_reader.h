@@ -12,8 +12,7 @@
 
 namespace quiverion {
 
-static_assert(std::endian::native == std::endian::little,
-              "binary files are read and written as they lie in memory");
+static_assert(std::endian::native == std::endian::little, "binary files are read and written as they lie in memory");
 
 /// Reads little-endian values from a file through one buffer; large arrays go straight into their place.
 /// Every verb has its counterpart in BinaryWriter, so that one template describes a layout for both. Throws
@@ -35,6 +34,12 @@ class BinaryReader {
   void Doubles(std::span<double> values) { Bytes(values.data(), values.size_bytes()); }
   void Int32s(std::span<std::int32_t> values) { Bytes(values.data(), values.size_bytes()); }
 
+  /// Arrays one after the other, straight from the file into their place in one call.
+  template <class... Arrays>
+  void Blocks(Arrays&&... arrays) {
+    ReadBlocks({BytesOf(arrays)...});
+  }
+
   /// int32 count and that many Windows-1252 characters, as UTF-8.
   void Text(std::string& value);
 
@@ -48,6 +53,12 @@ class BinaryReader {
   void Bytes(void* target, std::size_t size);
 
  private:
+  template <class Array>
+  static std::span<char> BytesOf(Array& array) {
+    const auto bytes = std::as_writable_bytes(std::span(array));
+    return {reinterpret_cast<char*>(bytes.data()), bytes.size()};
+  }
+  void ReadBlocks(std::vector<std::span<char>> blocks);
   void Refill();
 
   InputFile& file_;

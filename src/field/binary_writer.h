@@ -22,6 +22,12 @@ class BinaryWriter {
   void Doubles(std::span<const double> values) { Bytes(values.data(), values.size_bytes()); }
   void Int32s(std::span<const std::int32_t> values) { Bytes(values.data(), values.size_bytes()); }
 
+  /// Arrays one after the other; they must stay unchanged until the file is committed.
+  template <class... Arrays>
+  void Blocks(const Arrays&... arrays) {
+    (file_.WriteKept(BytesOf(arrays)), ...);
+  }
+
   /// int32 count and the characters in Windows-1252; "?" for one that it lacks, see LostText.
   void Text(const std::string& value) {
     const Windows1252Text text = Windows1252FromUtf8(value);
@@ -42,6 +48,11 @@ class BinaryWriter {
   const std::optional<std::string>& LostText() const { return lostText_; }
 
  private:
+  template <class Array>
+  static std::string_view BytesOf(const Array& array) {
+    const auto bytes = std::as_bytes(std::span(array));
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+  }
   void Bytes(const void* source, std::size_t size) { file_.Write({static_cast<const char*>(source), size}); }
 
   ResultFile& file_;

@@ -13,8 +13,9 @@ namespace quiverion {
 /// closing quote.
 class DatFields {
  public:
-  /// Bytes that may be read behind `Rest`: parsers may load whole machine words.
-  static constexpr std::size_t kPadding = 16;
+  /// Bytes that may be read behind `Rest` (zeros): parsers may look at a line of 128 bytes and a word at
+  /// once.
+  static constexpr std::size_t kPadding = 144;
 
   /// Reads the file. Throws SystemError.
   explicit DatFields(InputFile& file);

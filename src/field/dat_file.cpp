@@ -1,7 +1,9 @@
 #include "field/dat_file.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include "field/dat_fields.h"
 #include "field/dat_line.h"
@@ -49,9 +51,7 @@ class HeaderReader {
     return TrimBlanks(field.substr(colon + 1));
   }
 
-  static std::int32_t Number(std::string_view text) {
-    return RoundToInt32(ReadNumberPrefix(TrimBlanks(text)).value);
-  }
+  static std::int32_t Number(std::string_view text) { return RoundToInt32(ReadNumberPrefix(TrimBlanks(text)).value); }
 
   DatFields& fields_;
   std::string_view wrongKind_;
@@ -90,10 +90,10 @@ void PlaceGrid(VectorField& field, std::uint64_t fileSize) {
   const std::int64_t halfH = field.windowHeight / 2;
   const std::int64_t width = field.imageWidth;
   const std::int64_t height = field.imageHeight;
-  field.firstPixelX = CheckedInt32(
-      FirstDistance(field.gridStepX, halfW, width - halfW, "    Interrogation Window zu breit!"));
-  field.firstPixelY = CheckedInt32(
-      height - FirstDistance(field.gridStepY, halfH, height - halfH, "    Interrogation Window zu hoch!"));
+  field.firstPixelX =
+      CheckedInt32(FirstDistance(field.gridStepX, halfW, width - halfW, "    Interrogation Window zu breit!"));
+  field.firstPixelY =
+      CheckedInt32(height - FirstDistance(field.gridStepY, halfH, height - halfH, "    Interrogation Window zu hoch!"));
   const std::int64_t columns = (width - field.firstPixelX - halfW) / field.gridStepX + 1;
   const std::int64_t rows = (field.firstPixelY - halfH) / field.gridStepY + 1;
   if (columns > 0 && rows > 0) {
@@ -104,33 +104,88 @@ void PlaceGrid(VectorField& field, std::uint64_t fileSize) {
   CreateArrays(field, CheckedInt32(columns), CheckedInt32(rows));
 }
 
-void StoreVector(VectorField& field, const DatVector& vector) {
-  const std::int64_t dx = RoundToInt32(vector.x - field.firstPixelX);
-  const std::int64_t dy = static_cast<std::int64_t>(field.firstPixelY) - RoundToInt32(vector.y);
-  const std::int64_t i = dx / field.gridStepX + 1;
-  const std::int64_t j = dy / field.gridStepY + 1;
+// Where on the grid a position lies, along one axis.
+std::int32_t ColumnOf(const VectorField& field, double x) {
+  return CheckedInt32(std::int64_t{RoundToInt32(x - field.firstPixelX)} / field.gridStepX + 1);
+}
+
+std::int32_t RowOf(const VectorField& field, double y) {
+  return CheckedInt32((std::int64_t{field.firstPixelY} - RoundToInt32(y)) / field.gridStepY + 1);
+}
+
+void Store(VectorField& field, std::int32_t i, std::int32_t j, double u, double v) {
   if (i < 1 || i > field.columnCount || j < 1 || j > field.rowCount) {
     throw SystemError(ErrorNumber::indexOutOfRange);
   }
-  const auto column = static_cast<std::int32_t>(i);
-  const auto row = static_cast<std::int32_t>(j);
-  field.velX(column, row) = vector.u;
-  field.velY(column, row) = vector.v;
-  field.status(column, row) = 1;
+  field.velX(i, j) = u;
+  field.velY(i, j) = v;
+  field.status(i, j) = 1;
 }
+
+// The same few positions come again in every row (and every column): remembers the grid index of their text.
+class IndexMemo {
+ public:
+  // `find(value)` tells the index of a position that is not known yet. 0 where the text is no plain number.
+  template <class Find>
+  std::int32_t Index(std::string_view text, Find find) {
+    if (text.size() > 8) return Resolve(text, find);
+    std::uint64_t key = 0;
+    std::memcpy(&key, text.data(), sizeof key);
+    key <<= 64 - 8 * text.size();
+    Entry& entry = entries_[key * 0x9E3779B97F4A7C15 >> (64 - kBits)];
+    if (entry.key != key) entry = {key, Resolve(text, find)};
+    return entry.index;
+  }
+
+ private:
+  template <class Find>
+  static std::int32_t Resolve(std::string_view text, Find find) {
+    double value = 0.0;
+    return ReadPlainNumber(text, value) ? find(value) : 0;
+  }
+
+  static constexpr int kBits = 10;
+  struct Entry {
+    std::uint64_t key = 0;  // the characters; no text has this one
+    std::int32_t index = 0;
+  };
+  std::vector<Entry> entries_ = std::vector<Entry>(std::size_t{1} << kBits);
+};
+
+// Takes lines of the usual shape.
+class QuickReader {
+ public:
+  explicit QuickReader(VectorField& field) : field_(field) {}
+
+  // False, with nothing taken, where the line has another shape or holds an error: the slow way deals with both.
+  bool TakeLine(DatFields& fields) {
+    DatColumns columns;
+    const std::size_t taken = CutUsualDatLine(fields.Rest(), columns);
+    double u = 0.0;
+    double v = 0.0;
+    if (taken == 0 || !ReadPlainNumber(columns.u, u) || !ReadPlainNumber(columns.v, v)) return false;
+    const std::int32_t i = columns_.Index(columns.x, [this](double x) { return ColumnOf(field_, x); });
+    const std::int32_t j = rows_.Index(columns.y, [this](double y) { return RowOf(field_, y); });
+    if (i < 1 || j < 1) return false;
+    Store(field_, i, j, u, v);
+    fields.Take(taken);
+    return true;
+  }
+
+ private:
+  VectorField& field_;
+  IndexMemo columns_;
+  IndexMemo rows_;
+};
 
 void ReadVectors(VectorField& field, DatFields& fields) {
   // Commas end fields; files that have none behind the header are the rule and take the quick way.
   const bool quick = fields.Rest().find(',') == std::string_view::npos;
+  QuickReader reader(field);
   while (!fields.AtEnd()) {
-    DatVector vector;
-    const std::size_t taken = quick ? ParseUsualDatLine(fields.Rest(), vector) : 0;
-    if (taken > 0) {
-      fields.Take(taken);
-    } else {
-      vector = ParseDatLine(fields.Next());
-    }
-    StoreVector(field, vector);
+    if (quick && reader.TakeLine(fields)) continue;
+    const DatVector vector = ParseDatLine(fields.Next());
+    Store(field, ColumnOf(field, vector.x), RowOf(field, vector.y), vector.u, vector.v);
   }
 }
 

@@ -21,86 +21,111 @@ Word Load(const char* text) {
   return word;
 }
 
-// The high bit of the first byte that is a blank or a control character is the lowest one set (exact for that
-// one).
-Word BlankOrControl(Word word) {
-  return (word - kOnes * 0x21) & ~word & kHighs;
-}
+// A set of positions in a line. One word holds 64 characters; longer lines take two.
+struct Positions64 {
+  Word low = 0;
 
-int FirstByte(Word highBits) {
-  return std::countr_zero(highBits) / 8;
-}
-
-// Length of the run of characters up to the next blank or control character, at most `limit`.
-const char* EndOfColumn(const char* text) {
-  for (;; text += 8) {
-    const Word found = BlankOrControl(Load(text));
-    if (found != 0) return text + FirstByte(found);
+  bool Empty() const { return low == 0; }
+  int First() const { return std::countr_zero(low); }
+  int TakeFirst() {
+    const int first = First();
+    low &= low - 1;
+    return first;
   }
+  Positions64 Before(int end) const { return {end >= 64 ? low : low & ((Word{1} << end) - 1)}; }
+  Positions64 ShiftedUp() const { return {low << 1}; }
+  Positions64 Without(Positions64 other) const { return {low & ~other.low}; }
+  Positions64 Complement() const { return {~low}; }
+};
+
+struct Positions128 {
+  Word low = 0;
+  Word high = 0;
+
+  bool Empty() const { return (low | high) == 0; }
+  int First() const { return low != 0 ? std::countr_zero(low) : 64 + std::countr_zero(high); }
+  int TakeFirst() {
+    const int first = First();
+    high &= low != 0 ? ~Word{0} : high - 1;
+    low &= low - 1;
+    return first;
+  }
+  Positions128 Before(int end) const {
+    return {Positions64{low}.Before(end).low, end < 64 ? 0 : Positions64{high}.Before(end - 64).low};
+  }
+  Positions128 ShiftedUp() const { return {low << 1, high << 1 | low >> 63}; }
+  Positions128 Without(Positions128 other) const { return {low & ~other.low, high & ~other.high}; }
+  Positions128 Complement() const { return {~low, ~high}; }
+};
+
+// The characters below `limit` among 64, one bit each. The comparison becomes vector instructions, and a
+// multiplication gathers eight of its bytes.
+template <unsigned char limit>
+Word FindBelow(const char* text) {
+  char below[64];
+  for (int k = 0; k < 64; ++k) below[k] = static_cast<unsigned char>(text[k]) < limit ? 1 : 0;
+  Word found = 0;
+  for (int k = 0; k < 8; ++k) found |= (Load(below + 8 * k) * 0x0102040810204080) >> 56 << (8 * k);
+  return found;
 }
 
 // The number of eight digits with the first in the lowest byte, each as value 0 to 9.
 std::uint64_t EightDigits(Word word) {
   word = word * 10 + (word >> 8);  // pairs
-  return (((word & 0x000000FF000000FF) * 0x000F424000000064 +
-           ((word >> 16) & 0x000000FF000000FF) * 0x0000271000000001) >>
-          32);
-}
-
-// Up to eight characters ending at `end`, as digit values; characters before them are 0.
-Word LastCharacters(const char* end, int count) {
-  const Word word = Load(end - count);
-  return count == 0 ? 0 : (word ^ kOnes * '0') << (64 - 8 * count);
-}
-
-constexpr double kPowersOfTen[] = {1E0, 1E1, 1E2,  1E3,  1E4,  1E5,  1E6,  1E7,
-                                   1E8, 1E9, 1E10, 1E11, 1E12, 1E13, 1E14, 1E15};
-
-// Takes the point out of eight characters of digit values: what stands before it moves up by one byte.
-// Returns the digits behind the point, -1 where there is no point.
-int TakePoint(Word& word) {
-  constexpr Word point = kOnes * ('.' ^ '0');
-  const Word difference = word ^ point;
-  const Word found = (difference - kOnes) & ~difference & kHighs;
-  if (found == 0) return -1;
-  const int position = FirstByte(found);
-  const Word before = (Word{1} << (8 * position)) - 1;
-  word = ((word & before) << 8) | (word & ~before & ~(Word{0xFF} << (8 * position)));
-  return 7 - position;
+  return ((word & 0x000000FF000000FF) * 0x000F424000000064 + (word >> 16 & 0x000000FF000000FF) * 0x0000271000000001) >>
+         32;
 }
 
 bool AllDigits(Word word) {
   return (((word + kOnes * 0x76) | word) & kHighs) == 0;
 }
 
-// A plain decimal number between `text` and `end`: digits and point fit two words and 15 digits.
-bool ParsePlainNumber(const char* text, const char* end, double& value) {
-  const bool negative = *text == '-';
-  text += negative;
-  const auto length = static_cast<int>(end - text);
-  if (length < 1 || length > 15) return false;
-  const int lowCount = length < 8 ? length : 8;
-  Word low = LastCharacters(end, lowCount);
-  int places = TakePoint(low);
-  std::uint64_t digits = 0;
-  if (length > 8) {
-    Word high = LastCharacters(end - 8, length - 8);
-    const bool pointInLow = places >= 0;
-    if (!pointInLow) {
-      const int highPlaces = TakePoint(high);
-      if (highPlaces >= 0) places = highPlaces + 8;
-    }
-    if (!AllDigits(high)) return false;
-    digits = EightDigits(high) * (pointInLow ? 10000000 : 100000000);
+// The first `count` (0 to 8) characters of the word as digit values that end in the highest byte, zeros
+// before them.
+Word Digits(Word characters, int count) {
+  const Word values = characters ^ (kOnes * '0');
+  return values << (32 - 4 * count) << (32 - 4 * count);  // a single shift could be one of 64 bits
+}
+
+constexpr double kPowersOfTen[] = {1E0, 1E1, 1E2, 1E3, 1E4, 1E5, 1E6, 1E7, 1E8};
+constexpr std::uint64_t kIntegerPowersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+
+// The columns of a line one after the other.
+template <class Positions>
+class Columns {
+ public:
+  Columns(const char* text, Positions columns)
+      : text_(text), starts_(columns.Without(columns.ShiftedUp())), ends_(columns.ShiftedUp().Without(columns)) {}
+
+  bool Empty() const { return ends_.Empty(); }
+  void Skip() {
+    starts_.TakeFirst();
+    ends_.TakeFirst();
   }
-  if (!AllDigits(low)) return false;
-  digits += EightDigits(low);
-  if (length == 1 && places >= 0) return false;  // a point alone
-  // Both are exact and the division rounds once: the correctly rounded value.
-  const double magnitude =
-      places > 0 ? static_cast<double>(digits) / kPowersOfTen[places] : static_cast<double>(digits);
-  value = negative ? -magnitude : magnitude;
-  return true;
+  std::string_view Take() {
+    const char* const first = text_ + starts_.TakeFirst();
+    return {first, text_ + ends_.TakeFirst()};
+  }
+
+ private:
+  const char* text_;
+  Positions starts_;
+  Positions ends_;
+};
+
+template <class Positions>
+std::size_t CutColumns(std::string_view text, Positions blanks, Positions controls, DatColumns& result) {
+  const auto end = static_cast<std::size_t>(controls.First());
+  if (end >= text.size() || (text[end] != '\r' && text[end] != '\n')) return 0;
+  Columns<Positions> columns(text.data(), blanks.Complement().Before(static_cast<int>(end)));
+  result.x = columns.Take();
+  result.y = columns.Take();
+  for (int ignored = 3; ignored <= 6; ++ignored) columns.Skip();
+  result.u = columns.Take();
+  if (columns.Empty()) return 0;
+  result.v = columns.Take();
+  const bool pair = text[end] == '\r' && end + 1 < text.size() && text[end + 1] == '\n';
+  return end + (pair ? 2 : 1);
 }
 
 }  // namespace
@@ -116,21 +141,46 @@ DatVector ParseDatLine(std::string_view line) {
   return {columns[1], columns[2], columns[7], columns[8]};
 }
 
+std::size_t CutUsualDatLine(std::string_view text, DatColumns& columns) {
+  Positions128 blanks;
+  Positions128 controls;
+  blanks.low = FindBelow<0x21>(text.data());
+  controls.low = FindBelow<0x20>(text.data());
+  if (controls.low != 0) return CutColumns(text, Positions64{blanks.low}, Positions64{controls.low}, columns);
+  blanks.high = FindBelow<0x21>(text.data() + 64);
+  controls.high = FindBelow<0x20>(text.data() + 64);
+  return controls.Empty() ? 0 : CutColumns(text, blanks, controls, columns);
+}
+
+// Without branches that depend on the digits: what a file holds cannot be predicted.
+bool ReadPlainNumber(std::string_view number, double& value) {
+  const bool negative = number.data()[0] == '-';
+  const char* const text = number.data() + negative;
+  const int length = static_cast<int>(number.size()) - negative;
+  const Word first = Load(text);
+  const Word difference = first ^ (kOnes * '.');
+  const Word points = (difference - kOnes) & ~difference & kHighs;
+  const int pointAt = std::countr_zero(points) / 8;  // 8 where there is none
+  const int whole = std::min(pointAt, length);
+  const int places = std::max(length - whole - 1, 0);
+  if (places > 8 || whole + places < 1 || (pointAt == 8 && length > 8)) return false;
+  const Word wholeDigits = Digits(first, whole);
+  const Word placeDigits = Digits(Load(text + whole + 1), places);
+  if (!AllDigits(wholeDigits) || !AllDigits(placeDigits)) return false;
+  const std::uint64_t digits = EightDigits(wholeDigits) * kIntegerPowersOfTen[places] + EightDigits(placeDigits);
+  // At most fifteen digits (a point leaves room for seven before it): both are exact and the division rounds once, to
+  // the correctly rounded value.
+  const double magnitude = static_cast<double>(static_cast<std::int64_t>(digits)) / kPowersOfTen[places];
+  value = std::bit_cast<double>(std::bit_cast<Word>(magnitude) | Word{negative} << 63);
+  return true;
+}
+
 std::size_t ParseUsualDatLine(std::string_view text, DatVector& vector) {
-  const char* at = text.data();
-  const char* const limit = text.data() + text.size();
-  double* const targets[8] = {&vector.x, &vector.y, nullptr, nullptr, nullptr, nullptr, &vector.u, &vector.v};
-  for (double* const target : targets) {
-    while (*at == ' ') ++at;
-    const char* const end = EndOfColumn(at);
-    if (end == at || end >= limit) return 0;
-    if (target != nullptr && !ParsePlainNumber(at, end, *target)) return 0;
-    at = end;
-  }
-  while (at < limit && static_cast<unsigned char>(*at) >= ' ') at = *at == ' ' ? at + 1 : EndOfColumn(at);
-  if (at >= limit || (*at != '\r' && *at != '\n')) return 0;
-  const bool pair = *at == '\r' && at + 1 < limit && at[1] == '\n';
-  return static_cast<std::size_t>(at - text.data()) + (pair ? 2 : 1);
+  DatColumns columns;
+  const std::size_t taken = CutUsualDatLine(text, columns);
+  const bool plain = taken > 0 && ReadPlainNumber(columns.x, vector.x) && ReadPlainNumber(columns.y, vector.y) &&
+                     ReadPlainNumber(columns.u, vector.u) && ReadPlainNumber(columns.v, vector.v);
+  return plain ? taken : 0;
 }
 
 }  // namespace quiverion

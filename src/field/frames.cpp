@@ -46,9 +46,8 @@ void RunLoadFrame(Context& context, const std::string& path, const std::function
   try {
     file = context.files.OpenForReading(path);
   } catch (const std::exception& error) {
-    FailLoad(context,
-             {"    Die aktuelle Datei kann nicht geöffnet werden, da folgender Fehler aufgetreten ist:",
-              ErrorLine(AsSystemError(error))});
+    FailLoad(context, {"    Die aktuelle Datei kann nicht geöffnet werden, da folgender Fehler aufgetreten ist:",
+                       ErrorLine(AsSystemError(error))});
     return;
   }
   try {
@@ -77,11 +76,10 @@ bool RunSaveFrame(Context& context, const std::string& path, const std::function
   } catch (const std::exception& error) {
     if (file->Cancelled()) context.userAbortRequested = true;
     file.reset();
-    FailSave(
-        context,
-        "    Die Datei '" + path +
-            "' kann nicht gespeichert werden, da während des Schreibens folgender Fehler aufgetreten ist:",
-        AsSystemError(error));
+    FailSave(context,
+             "    Die Datei '" + path +
+                 "' kann nicht gespeichert werden, da während des Schreibens folgender Fehler aufgetreten ist:",
+             AsSystemError(error));
     return false;
   }
   LogLine(context.log, "fertig");

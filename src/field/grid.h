@@ -65,8 +65,7 @@ class Grid {
     return static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows);
   }
   std::size_t Position(std::int32_t i, std::int32_t j) const {
-    return static_cast<std::size_t>(j - 1) * static_cast<std::size_t>(columns_) +
-           static_cast<std::size_t>(i - 1);
+    return static_cast<std::size_t>(j - 1) * static_cast<std::size_t>(columns_) + static_cast<std::size_t>(i - 1);
   }
 
   std::int32_t columns_ = 0;

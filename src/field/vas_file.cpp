@@ -65,9 +65,8 @@ void WriteVas(Context& context, ResultFile& file) {
   const auto background = static_cast<std::int32_t>(field.background);
   vas::View(writer, field, viewFlags, background);
   if (writer.LostText()) {
-    LogWarning(context,
-               {"    Zeichen, die der Zeichensatz der Datei nicht kennt, werden als '?' gespeichert: '" +
-                *writer.LostText() + "'"});
+    LogWarning(context, {"    Zeichen, die der Zeichensatz der Datei nicht kennt, werden als '?' gespeichert: '" +
+                         *writer.LostText() + "'"});
   }
 }
 
@@ -85,8 +84,8 @@ void ReadVas(Context& context, InputFile& file) {
 
 void SaveVas(Context& context, const std::string& path) {
   context.log.WriteLogLine("Datei speichern unter '" + path + "'... ");
-  CreatePathDirectories(context.files, path);
   if (path.size() < 4 || !EqualsIgnoringCase(std::string_view(path).substr(path.size() - 4), ".VAS")) {
+    CreatePathDirectories(context.files, path);
     LogLines(context.log, {kErrorMark, "    Unbekanntes Dateiformat!"});
     context.runHadError = true;
     return;

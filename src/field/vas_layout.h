@@ -43,11 +43,7 @@ constexpr std::uint64_t GridBytes(std::uint64_t columns, std::uint64_t rows) {
 /// Positions, velocities and statuses, row by row; the arrays have their size already.
 template <class Archive, class Field>
 void Arrays(Archive& archive, Field& field) {
-  archive.Doubles(field.posX);
-  archive.Doubles(field.posY);
-  archive.Doubles(field.velX.Values());
-  archive.Doubles(field.velY.Values());
-  archive.Int32s(field.status.Values());
+  archive.Blocks(field.posX, field.posY, field.velX.Values(), field.velY.Values(), field.status.Values());
 }
 
 /// Transformation bookkeeping and the streamline count.

@@ -67,8 +67,7 @@ std::int16_t FrameCount(std::int16_t subType, std::int16_t rows, std::string_vie
     case 2:
       return checked(2, rowsNotDivisibleBy2);
     case 3:
-      return checked(10,
-                     "    Ungültiges VEC-Format: Anzahl der Zeilen nicht durch 10 teilbar (für 10 frames)!");
+      return checked(10, "    Ungültiges VEC-Format: Anzahl der Zeilen nicht durch 10 teilbar (für 10 frames)!");
     default:
       throw FormatError(std::string(kWrongSubType));
   }
@@ -100,8 +99,7 @@ VelocityScale ApplyHeader(VectorField& field, const VecHeader& header) {
   field.headerLines[0] = header.Text(34, 9);
   if (const std::string time = header.Text(43, 9); !time.empty()) field.headerLines[0] += " " + time;
   for (const std::size_t offset : {148u, 188u}) {
-    if (const std::string comment = header.Text(offset, 40); !comment.empty())
-      field.infoText += comment + "\r\n";
+    if (const std::string comment = header.Text(offset, 40); !comment.empty()) field.infoText += comment + "\r\n";
   }
   return {fv, dx == 0 ? fv : dy * fv / dx};
 }
@@ -119,34 +117,49 @@ void WarnOfStatus(Context& context, std::int32_t status) {
   context.runHadError = true;
 }
 
+// The statuses of the first frame, rounded; whatever is not 0 to 4 is warned of. The usual frame takes the quick way,
+// without a branch per value.
+void ConvertStatus(Context& context, std::span<std::int32_t> status, const float* values) {
+  bool usual = true;
+  for (std::size_t p = 0; p < status.size(); ++p) usual &= (values[p] >= -0.5f) & (values[p] <= 4.5f);
+  if (usual) {
+    for (std::size_t p = 0; p < status.size(); ++p) {
+      status[p] = static_cast<std::int32_t>((static_cast<double>(values[p]) + kNoFraction) - kNoFraction);
+    }
+    return;
+  }
+  for (std::size_t p = 0; p < status.size(); ++p) {
+    status[p] = RoundToInt32(static_cast<double>(values[p]));
+    if (status[p] < 0 || status[p] > 4) WarnOfStatus(context, status[p]);
+  }
+}
+
 // `frames` are the nine frames of `count` values each. Only the displacement of the chosen peak is looked at.
 void ConvertExtended(Context& context, VectorField& field, const float* frames, VelocityScale scale) {
   const std::span<std::int32_t> status = field.status.Values();
   const std::size_t count = status.size();
+  ConvertStatus(context, status, frames);
+  double* const velX = field.velX.Values().data();
+  double* const velY = field.velY.Values().data();
   for (std::size_t p = 0; p < count; ++p) {
-    status[p] = RoundToInt32(static_cast<double>(frames[p]));
-    if (status[p] < 0 || status[p] > 4) WarnOfStatus(context, status[p]);
-  }
-  const std::span<double> velX = field.velX.Values();
-  const std::span<double> velY = field.velY.Values();
-  for (std::size_t p = 0; p < count; ++p) {
-    const bool chosen = status[p] >= 1 && status[p] <= 4;
-    const std::size_t frame = chosen ? static_cast<std::size_t>(2 * status[p] - 1) : 0;
-    velX[p] = chosen ? static_cast<double>(frames[frame * count + p]) * scale.u : 0.0;
-    velY[p] = chosen ? static_cast<double>(frames[(frame + 1) * count + p]) * scale.v : 0.0;
+    const auto peak = static_cast<std::size_t>(status[p]);
+    const bool chosen = peak >= 1 && peak <= 4;
+    const float* const displacement = frames + (chosen ? (2 * peak - 1) * count : 0) + p;
+    const double u = static_cast<double>(displacement[0]) * scale.u;
+    const double v = static_cast<double>(displacement[count]) * scale.v;
+    velX[p] = chosen ? u : 0.0;
+    velY[p] = chosen ? v : 0.0;
   }
 }
 
 void ConvertSimple(VectorField& field, const float* frames, VelocityScale scale) {
   const std::span<std::int32_t> status = field.status.Values();
   const std::size_t count = status.size();
-  const std::span<double> velX = field.velX.Values();
-  const std::span<double> velY = field.velY.Values();
-  for (std::size_t p = 0; p < count; ++p) {
-    velX[p] = static_cast<double>(frames[p]) * scale.u;
-    velY[p] = static_cast<double>(frames[count + p]) * scale.v;
-    status[p] = velX[p] == 0 && velY[p] == 0 ? 0 : 1;
-  }
+  double* const velX = field.velX.Values().data();
+  double* const velY = field.velY.Values().data();
+  for (std::size_t p = 0; p < count; ++p) velX[p] = static_cast<double>(frames[p]) * scale.u;
+  for (std::size_t p = 0; p < count; ++p) velY[p] = static_cast<double>(frames[count + p]) * scale.v;
+  for (std::size_t p = 0; p < count; ++p) status[p] = (velX[p] != 0) | (velY[p] != 0) ? 1 : 0;
 }
 
 }  // namespace
@@ -161,8 +174,7 @@ void ReadVec(Context& context, VectorField& field, InputFile& file, std::string_
   if (rows < 1 || columns < 1) throw SystemError(ErrorNumber::indexOutOfRange);
   header.Require(kHeaderSize);
 
-  const auto framesRead =
-      static_cast<std::size_t>(std::min<std::int16_t>(frameCount, 9));  // the peak ratio is not
+  const auto framesRead = static_cast<std::size_t>(std::min<std::int16_t>(frameCount, 9));  // the peak ratio is not
   const std::size_t values =
       framesRead * static_cast<std::size_t>(rows / frameCount) * static_cast<std::size_t>(columns);
   if (file.Size() < kHeaderSize + values * sizeof(float)) throw SystemError(ErrorNumber::endOfFile);
@@ -178,8 +190,8 @@ void ReadVec(Context& context, VectorField& field, InputFile& file, std::string_
   } else {
     ConvertExtended(context, field, frames.get(), scale);
   }
-  field.validVectorCount = static_cast<std::int32_t>(std::count_if(
-      field.status.Values().begin(), field.status.Values().end(), [](std::int32_t s) { return s > 0; }));
+  field.validVectorCount = static_cast<std::int32_t>(
+      std::count_if(field.status.Values().begin(), field.status.Values().end(), [](std::int32_t s) { return s > 0; }));
 }
 
 }  // namespace quiverion

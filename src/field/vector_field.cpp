@@ -12,9 +12,9 @@ constexpr std::int32_t Rgb(int red, int green, int blue) {
   return red + 256 * green + 65536 * blue;
 }
 
-constexpr std::array<std::int32_t, 9> kDefaultColours = {
-    Rgb(0, 0, 255),     Rgb(255, 0, 0), Rgb(0, 200, 0),     Rgb(0, 0, 0),  Rgb(0, 150, 0),
-    Rgb(255, 255, 255), Rgb(255, 0, 0), Rgb(255, 255, 255), Rgb(0, 255, 0)};
+constexpr std::array<std::int32_t, 9> kDefaultColours = {Rgb(0, 0, 255), Rgb(255, 0, 0),     Rgb(0, 200, 0),
+                                                         Rgb(0, 0, 0),   Rgb(0, 150, 0),     Rgb(255, 255, 255),
+                                                         Rgb(255, 0, 0), Rgb(255, 255, 255), Rgb(0, 255, 0)};
 
 // `reset` sets the size of one grid.
 template <class ResetGrid>

@@ -31,8 +31,7 @@ void AppendLines(std::string& target, std::string_view text, bool forTerminal) {
     target.push_back('\n');
     text.remove_prefix(lineBreak + 2);
   }
-  if (forTerminal)
-    std::replace_if(target.begin() + static_cast<std::ptrdiff_t>(start), target.end(), IsControl, '?');
+  if (forTerminal) std::replace_if(target.begin() + static_cast<std::ptrdiff_t>(start), target.end(), IsControl, '?');
 }
 
 void AppendHex(std::string& target, unsigned char byte) {
@@ -99,9 +98,7 @@ void TerminalWriter::Write(std::string_view text, const LogFormat& format) {
     buffer_.append(format.bold ? "\x1b[1m" : "");
     buffer_.append(format.italic ? "\x1b[3m" : "");
     // Black is the terminal's own colour: it may be a dark one.
-    buffer_.append(format.colour == LogColour::red     ? "\x1b[31m"
-                   : format.colour == LogColour::green ? "\x1b[32m"
-                                                       : "");
+    buffer_.append(format.colour == LogColour::red ? "\x1b[31m" : format.colour == LogColour::green ? "\x1b[32m" : "");
   }
   AppendLines(buffer_, text, colour_);
   if (colour_) buffer_.append("\x1b[0m");

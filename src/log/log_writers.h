@@ -37,8 +37,7 @@ class PlainTextWriter : public BufferedLogWriter {
 /// characters in file names are shown as "?": they must not steer it.
 class TerminalWriter : public BufferedLogWriter {
  public:
-  TerminalWriter(ByteConsumer consumer, bool colour)
-      : BufferedLogWriter(std::move(consumer)), colour_(colour) {}
+  TerminalWriter(ByteConsumer consumer, bool colour) : BufferedLogWriter(std::move(consumer)), colour_(colour) {}
   void Write(std::string_view text, const LogFormat& format) override;
   void Flush() override { HandOver(); }
 

@@ -63,8 +63,7 @@ void PaletteOptimal(const CommandCall& call) {
 
 void NotAvailable(const CommandCall& call) {
   const std::int32_t eventId = call.event.EventId();
-  throw SystemError(ErrorNumber::invalidCall, "der Befehl '" +
-                                                  std::string(MacroEventDescription(eventId, true)) +
+  throw SystemError(ErrorNumber::invalidCall, "der Befehl '" + std::string(MacroEventDescription(eventId, true)) +
                                                   "' ist in dieser Version nicht enthalten");
 }
 

@@ -37,17 +37,15 @@ constexpr Parameter kConstVector[] = {{"XComp", ParameterKind::number, FileEncod
 constexpr Parameter kChecked[] = {Flag("Checked")};
 constexpr Parameter kValue[] = {Number("Value")};
 constexpr Parameter kFaultVectors[] = {
-    CheckState("ChkAbsDeviation"), Text("TxtAbsDeviation"),      CheckState("ChkAbsInterval"),
-    Flag("OptAbsIntOut"),          Text("TxtAbsIntMin"),         Text("TxtAbsIntMax"),
-    CheckState("ChkDirDeviation"), Text("TxtDirDeviation"),      CheckState("ChkXComp"),
-    Flag("OptXCompIntOut"),        Text("TxtXCompIntMin"),       Text("TxtXCompIntMax"),
-    CheckState("ChkYComp"),        Flag("OptYCompIntOut"),       Text("TxtYCompIntMin"),
-    Text("TxtYCompIntMax"),        Integer("CompareVectorType"), Integer("CboMedianX"),
-    Integer("CboMedianY"),         Integer("CboLocalMiddleX"),   Integer("CboLocalMiddleY"),
-    Text("TxtUserVectorX"),        Text("TxtUserVectorY"),       Flag("LogicalOr")};
+    CheckState("ChkAbsDeviation"), Text("TxtAbsDeviation"), CheckState("ChkAbsInterval"),  Flag("OptAbsIntOut"),
+    Text("TxtAbsIntMin"),          Text("TxtAbsIntMax"),    CheckState("ChkDirDeviation"), Text("TxtDirDeviation"),
+    CheckState("ChkXComp"),        Flag("OptXCompIntOut"),  Text("TxtXCompIntMin"),        Text("TxtXCompIntMax"),
+    CheckState("ChkYComp"),        Flag("OptYCompIntOut"),  Text("TxtYCompIntMin"),        Text("TxtYCompIntMax"),
+    Integer("CompareVectorType"),  Integer("CboMedianX"),   Integer("CboMedianY"),         Integer("CboLocalMiddleX"),
+    Integer("CboLocalMiddleY"),    Text("TxtUserVectorX"),  Text("TxtUserVectorY"),        Flag("LogicalOr")};
 
-constexpr CommandRow Menu(std::int32_t eventId, std::string_view name, std::int32_t parent,
-                          std::string_view shortText, std::string_view longText) {
+constexpr CommandRow Menu(std::int32_t eventId, std::string_view name, std::int32_t parent, std::string_view shortText,
+                          std::string_view longText) {
   return {eventId, name, parent, shortText, longText, {}, 0, nullptr};
 }
 

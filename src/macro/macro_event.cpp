@@ -42,11 +42,10 @@ const MacroValue& MacroEvent::Get(std::string_view key) const {
 }
 
 double MacroEvent::Number(std::string_view key) const {
-  return std::visit(
-      Overloaded{[](std::int32_t value) { return static_cast<double>(value); },
-                 [](double value) { return value; }, [](bool value) { return value ? -1.0 : 0.0; },
-                 [](const std::string& value) { return ReadParameterNumber(value); }},
-      Get(key));
+  return std::visit(Overloaded{[](std::int32_t value) { return static_cast<double>(value); },
+                               [](double value) { return value; }, [](bool value) { return value ? -1.0 : 0.0; },
+                               [](const std::string& value) { return ReadParameterNumber(value); }},
+                    Get(key));
 }
 
 std::int32_t MacroEvent::Integer(std::string_view key) const {

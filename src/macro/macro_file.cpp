@@ -118,7 +118,6 @@ bool SaveMacroFile(Session& session, const std::string& path) {
     return Fail(session, "Fehler beim Schreiben in die Datei\r\nDer Text '" + *lost +
                              "' enthält Zeichen, die in einer Makrodatei nicht gespeichert werden können.");
   }
-  CreatePathDirectories(session.context.files, path);
   std::optional<ResultFile> file;
   try {
     file.emplace(session.context.files, nullptr, path);

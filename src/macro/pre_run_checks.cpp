@@ -83,8 +83,7 @@ bool PreRunChecks(Session& session) {
   if (!CheckCommands(session, kilobytesPerFile)) return false;
   if (kilobytesPerFile > 0 && session.context.files.KindOfDrive(session.inputDirectory) == DriveKind::cdRom) {
     return Refuse(session, std::string(kMacroErrorTitle),
-                  "Dateien, die sich auf einer CD befinden, können nicht bearbeitet werden!",
-                  MessageIcon::warning);
+                  "Dateien, die sich auf einer CD befinden, können nicht bearbeitet werden!", MessageIcon::warning);
   }
   return CheckDiskSpace(session, session.SelectedFileCount() * kilobytesPerFile);
 }
@@ -93,8 +92,7 @@ bool StartRun(Session& session) {
   const BusyGuard guard(session);
   if (!guard.Entered()) return false;
   if (session.selectedFiles.empty()) {
-    return Refuse(session, "QuiverionSeries", "Sie müssen mindestens eine Datei auswählen!",
-                  MessageIcon::information);
+    return Refuse(session, "QuiverionSeries", "Sie müssen mindestens eine Datei auswählen!", MessageIcon::information);
   }
   if (session.macro.empty()) {
     return Refuse(session, "QuiverionSeries", "Sie müssen wenigstens einen Makrobefehl wählen!",

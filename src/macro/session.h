@@ -12,8 +12,7 @@ namespace quiverion {
 /// All state of the program: the context of the operations, the macro and the inputs of a run. One per
 /// process, made in main; a test makes as many as it likes.
 struct Session {
-  Session(FileSystem& files, UserInterface& ui, RunLog& log, const Clock& clock)
-      : context(files, ui, log, clock) {}
+  Session(FileSystem& files, UserInterface& ui, RunLog& log, const Clock& clock) : context(files, ui, log, clock) {}
 
   Context context;
 

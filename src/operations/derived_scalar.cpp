@@ -1,6 +1,8 @@
 #include "operations/derived_scalar.h"
 
 #include <array>
+#include <bit>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -12,52 +14,55 @@
 namespace quiverion {
 namespace {
 
-// One row of points with the rows below and above. `valid` is 1.0 or 0.0 per vector: doubles select doubles
-// without a change of width. A row outside the grid is the row itself with nothing valid in it.
+// All bits set or none.
+using Mask = std::uint64_t;
+
+// One row of points with the rows below and above. `valid` is a mask per vector, as wide as the doubles it
+// selects. A row outside the grid is the row itself with nothing valid in it.
 struct RowInput {
   std::int32_t columns;
   const double* x;
   double y, yDown, yUp;
   const double *u, *uDown, *uUp;
   const double *v, *vDown, *vUp;
-  const double *valid, *validDown, *validUp;
+  const Mask *valid, *validDown, *validUp;
 };
 
+// `chosen` where the mask has all bits, `other` where it has none. Bit by bit: a branch would keep the loop
+// scalar.
+QUIVERION_ALWAYS_INLINE double Select(Mask mask, double chosen, double other) {
+  return std::bit_cast<double>((std::bit_cast<Mask>(chosen) & mask) | (std::bit_cast<Mask>(other) & ~mask));
+}
+
 // The points between the first and the last column. The same operations on the same operands as the plain
-// loops, so the same bits; a point without a value runs on 0 / 1 and gives +0.0. Quotients are computed even
-// where a neighbour is missing, from selected operands, so no lane divides by zero that the plain loops would
-// not divide.
+// loops, so the same bits; a point without a value runs on 0 / 1 and gives +0.0. Operands are selected before
+// anything is divided, so no lane divides by zero that the plain loops would not divide.
 template <class Formula>
-QUIVERION_ALWAYS_INLINE void InnerPoints(const RowInput& in, double* __restrict target, Formula formula) {
-  const double* const __restrict x = in.x;
-  const double* const __restrict u = in.u, * const __restrict v = in.v;
-  const double* const __restrict uDown = in.uDown, * const __restrict uUp = in.uUp;
-  const double* const __restrict vDown = in.vDown, * const __restrict vUp = in.vUp;
-  const double* const __restrict valid = in.valid, * const __restrict validDown = in.validDown, * const __restrict validUp = in.validUp;
-  const double y = in.y, yDown = in.yDown, yUp = in.yUp;
+QUIVERION_ALWAYS_INLINE void InnerPoints(const RowInput& row, double* __restrict target, Formula formula) {
+  const RowInput in = row;  // a copy cannot alias the target
   const std::int32_t last = in.columns - 1;
   for (std::int32_t i = 1; i < last; ++i) {
-    const double left = valid[i - 1], right = valid[i + 1], down = validDown[i], up = validUp[i];
-    const double weight = valid[i] * (left + right) * (down + up) + (left * right) * (down * up);
-    const bool hasValue = weight > 0.0;
-    const double dx = (right > 0.0 ? x[i + 1] : x[i]) - (left > 0.0 ? x[i - 1] : x[i]);
-    const double dy = (up > 0.0 ? yUp : y) - (down > 0.0 ? yDown : y);
-    const double dxu = (right > 0.0 ? u[i + 1] : u[i]) - (left > 0.0 ? u[i - 1] : u[i]);
-    const double dyu = (up > 0.0 ? uUp[i] : u[i]) - (down > 0.0 ? uDown[i] : u[i]);
-    const double dxv = (right > 0.0 ? v[i + 1] : v[i]) - (left > 0.0 ? v[i - 1] : v[i]);
-    const double dyv = (up > 0.0 ? vUp[i] : v[i]) - (down > 0.0 ? vDown[i] : v[i]);
-    const double safeDx = hasValue ? dx : 1.0, safeDy = hasValue ? dy : 1.0;
-    const double dudx = (hasValue ? dxu : 0.0) * 1000.0 / safeDx;
-    const double dudy = (hasValue ? dyu : 0.0) * 1000.0 / safeDy;
-    const double dvdx = (hasValue ? dxv : 0.0) * 1000.0 / safeDx;
-    const double dvdy = (hasValue ? dyv : 0.0) * 1000.0 / safeDy;
+    const Mask left = in.valid[i - 1], right = in.valid[i + 1], down = in.validDown[i], up = in.validUp[i];
+    const Mask hasValue = (in.valid[i] & (left | right) & (down | up)) | (left & right & down & up);
+    const double x = in.x[i], u = in.u[i], v = in.v[i];
+    const double dx = Select(right, in.x[i + 1], x) - Select(left, in.x[i - 1], x);
+    const double dy = Select(up, in.yUp, in.y) - Select(down, in.yDown, in.y);
+    const double dxu = Select(right, in.u[i + 1], u) - Select(left, in.u[i - 1], u);
+    const double dyu = Select(up, in.uUp[i], u) - Select(down, in.uDown[i], u);
+    const double dxv = Select(right, in.v[i + 1], v) - Select(left, in.v[i - 1], v);
+    const double dyv = Select(up, in.vUp[i], v) - Select(down, in.vDown[i], v);
+    const double safeDx = Select(hasValue, dx, 1.0);
+    const double safeDy = Select(hasValue, dy, 1.0);
+    const double dudx = Select(hasValue, dxu, 0.0) * 1000.0 / safeDx;
+    const double dudy = Select(hasValue, dyu, 0.0) * 1000.0 / safeDy;
+    const double dvdx = Select(hasValue, dxv, 0.0) * 1000.0 / safeDx;
+    const double dvdy = Select(hasValue, dyv, 0.0) * 1000.0 / safeDy;
     target[i] = formula(dudx, dudy, dvdx, dvdy);
   }
 }
 
 struct VorticityFormula {
-  QUIVERION_ALWAYS_INLINE double operator()(double /*dudx*/, double dudy, double dvdx,
-                                            double /*dvdy*/) const {
+  QUIVERION_ALWAYS_INLINE double operator()(double /*dudx*/, double dudy, double dvdx, double /*dvdy*/) const {
     return dvdx - dudy;
   }
 };
@@ -66,9 +71,9 @@ struct SwirlFormula {
   QUIVERION_ALWAYS_INLINE double operator()(double dudx, double dudy, double dvdx, double dvdy) const {
     const double halfTrace = (dudx + dvdy) / 2.0;
     const double q = halfTrace * halfTrace - (dudx * dvdy - dudy * dvdx);
-    const double s = q > 0.0 || q == 0.0 ? 0.0 : -q;
-    const double signedS = dudy < dvdx ? s : -s;
-    return s == 0.0 ? 0.0 : signedS;
+    const double s = q >= 0.0 ? 0.0 : -q;
+    // Adding +0.0 turns -0.0 into +0.0 and changes nothing else.
+    return (dudy < dvdx ? s : -s) + 0.0;
   }
 };
 
@@ -80,21 +85,21 @@ QUIVERION_MULTI_TARGET void InnerSwirl(const RowInput& in, double* target) {
   InnerPoints(in, target, SwirlFormula{});
 }
 
-// Which vectors of the last rows are valid, as doubles.
+// Which vectors of the last rows are valid.
 class ValidRows {
  public:
-  explicit ValidRows(const VectorField& field) : field_(field), nothing_(Width(), 0.0) {
+  explicit ValidRows(const VectorField& field) : field_(field), nothing_(Width(), 0) {
     for (auto& row : rows_) row.resize(Width());
   }
 
   void Fill(std::int32_t j) {
     const std::int32_t* const status = field_.status.Row(j);
-    double* const row = rows_[static_cast<std::size_t>(j % 3)].data();
-    for (std::size_t i = 0; i < Width(); ++i) row[i] = status[i] > 0 ? 1.0 : 0.0;
+    Mask* const row = rows_[static_cast<std::size_t>(j % 3)].data();
+    for (std::size_t i = 0; i < Width(); ++i) row[i] = status[i] > 0 ? ~Mask{0} : Mask{0};
   }
 
   // Row j, filled before; nothing is valid outside the grid.
-  const double* Row(std::int32_t j) const {
+  const Mask* Row(std::int32_t j) const {
     return j < 1 || j > field_.rowCount ? nothing_.data() : rows_[static_cast<std::size_t>(j % 3)].data();
   }
 
@@ -102,8 +107,8 @@ class ValidRows {
   std::size_t Width() const { return static_cast<std::size_t>(field_.columnCount); }
 
   const VectorField& field_;
-  std::vector<double> nothing_;
-  std::array<std::vector<double>, 3> rows_;
+  std::vector<Mask> nothing_;
+  std::array<std::vector<Mask>, 3> rows_;
 };
 
 RowInput InputOfRow(const VectorField& f, const ValidRows& valid, std::int32_t j) {
@@ -122,8 +127,7 @@ RowInput InputOfRow(const VectorField& f, const ValidRows& valid, std::int32_t j
 
 // Row by row along the memory, across output points. Not inlined: its floating-point flags are read after it.
 template <class Inner, class Formula>
-QUIVERION_NO_INLINE void ComputeFast(const VectorField& field, Grid<double>& target, Inner inner,
-                                     Formula formula) {
+QUIVERION_NO_INLINE void ComputeFast(const VectorField& field, Grid<double>& target, Inner inner, Formula formula) {
   ValidRows valid(field);
   valid.Fill(1);
   for (std::int32_t j = 1; j <= field.rowCount; ++j) {

@@ -80,8 +80,7 @@ void SetAspectRatio(Context& context, bool on) {
 
 void SetScaleFactor(Context& context, double value) {
   context.field.scaleFactor = value;
-  context.log.WriteLogLine("Benutzerdefinierten Skalierungsfaktor auf " + FormatNumber(value) +
-                           " gestellt\r\n");
+  context.log.WriteLogLine("Benutzerdefinierten Skalierungsfaktor auf " + FormatNumber(value) + " gestellt\r\n");
 }
 
 void SetBackground(Context& context, Background background) {

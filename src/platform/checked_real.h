@@ -12,8 +12,7 @@ namespace quiverion {
 /// matters, and on double where nothing can go wrong; the bits are the same.
 class CheckedReal {
  public:
-  CheckedReal(double value = 0.0)
-      : value_(value) {}  // NOLINT(google-explicit-constructor): reads like a number
+  CheckedReal(double value = 0.0) : value_(value) {}  // NOLINT(google-explicit-constructor): reads like a number
 
   double Value() const { return value_; }
 

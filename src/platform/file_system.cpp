@@ -1,9 +1,26 @@
 #include "platform/file_system.h"
 
+#include <algorithm>
+
 #include "platform/paths.h"
 #include "platform/system_error.h"
 
 namespace quiverion {
+
+std::size_t InputFile::ReadPieces(std::span<const std::span<char>> pieces) {
+  std::size_t done = 0;
+  for (const std::span<char> piece : pieces) {
+    const std::size_t count = Read(piece.data(), piece.size());
+    done += count;
+    if (count < piece.size()) break;
+  }
+  return done;
+}
+
+std::size_t OutputFile::WriteSomePieces(std::span<const std::string_view> pieces) {
+  const auto first = std::find_if(pieces.begin(), pieces.end(), [](std::string_view piece) { return !piece.empty(); });
+  return WriteSome(first->data(), first->size());
+}
 
 bool FileExists(FileSystem& files, const std::string& path) {
   try {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,9 @@ class InputFile {
   /// Reads up to `size` bytes from the current position; fewer only at the end of the file. Throws
   /// SystemError.
   virtual std::size_t Read(void* target, std::size_t size) = 0;
+
+  /// Reads into several places one after the other, in one call of the system where it can. Returns the bytes read.
+  virtual std::size_t ReadPieces(std::span<const std::span<char>> pieces);
 };
 
 /// A result file that appears whole or not at all: bytes go to a temporary file beside the place, and only
@@ -31,6 +35,10 @@ class OutputFile {
   /// Writes at least one of `size` > 0 bytes and returns how many. Throws SystemError with nothing more
   /// written, so that the call can be repeated.
   virtual std::size_t WriteSome(const void* source, std::size_t size) = 0;
+
+  /// The same for several pieces one after the other (not all of them empty), in one call of the system where
+  /// it can.
+  virtual std::size_t WriteSomePieces(std::span<const std::string_view> pieces);
 
   /// Flushes and renames. A file that replaces an existing one is synced to the disk first: what it replaces
   /// may be the only copy of a measurement. Throws SystemError; may then be repeated.

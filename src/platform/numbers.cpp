@@ -99,10 +99,7 @@ double ReadParameterNumber(std::string_view text) {
 
 std::int32_t RoundToInt32(double value) {
   if (!(value >= -2147483648.5 && value < 2147483647.5)) throw SystemError(ErrorNumber::overflow);
-  // At this magnitude a double has no fraction bits left, so the sum is rounded to an integer, halves to
-  // even.
-  constexpr double noFraction = 6755399441055744.0;  // 1.5 * 2^52
-  return static_cast<std::int32_t>((value + noFraction) - noFraction);
+  return static_cast<std::int32_t>((value + kNoFraction) - kNoFraction);
 }
 
 std::int32_t CheckedInt32(std::int64_t value) {
@@ -121,9 +118,8 @@ char* FormatNumberTo(char* buffer, double value, int digits, char decimalSeparat
   const double magnitude = std::fabs(value);
   const bool fixedNotation = magnitude >= 1E-4 && magnitude < 1E15;
   char scientific[48];
-  char* const end = std::to_chars(scientific, scientific + sizeof scientific, value,
-                                  std::chars_format::scientific, digits - 1)
-                        .ptr;
+  char* const end =
+      std::to_chars(scientific, scientific + sizeof scientific, value, std::chars_format::scientific, digits - 1).ptr;
   const char* const exponentMark = std::find(scientific, end, 'e');
   int exponent = 0;
   std::from_chars(exponentMark + (exponentMark[1] == '+' ? 2 : 1), end, exponent);

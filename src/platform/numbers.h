@@ -21,6 +21,10 @@ NumberPrefix ReadNumberPrefix(std::string_view text);
 /// longest prefix that forms a number counts; 0 where none does. Throws SystemError 6 for a number too large.
 double ReadParameterNumber(std::string_view text);
 
+/// 1.5 * 2^52: a double of this magnitude has no fraction bits, so adding and subtracting it rounds a number below 2^51
+/// to an integer, halves to even.
+inline constexpr double kNoFraction = 6755399441055744.0;
+
 /// Nearest integer, halves to the even neighbour. Throws SystemError 6 where it does not fit (or is no
 /// number).
 std::int32_t RoundToInt32(double value);

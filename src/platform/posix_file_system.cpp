@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <sys/statvfs.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -54,9 +55,8 @@ bool IsDirectoryNative(const std::string& nativePath) {
 [[noreturn]] void ThrowErrno(int code, const std::string& nativePath = {}) {
   switch (code) {
     case ENOENT:
-      throw SystemError(nativePath.empty() || IsDirectoryNative(ParentOf(nativePath))
-                            ? ErrorNumber::fileNotFound
-                            : ErrorNumber::pathNotFound);
+      throw SystemError(nativePath.empty() || IsDirectoryNative(ParentOf(nativePath)) ? ErrorNumber::fileNotFound
+                                                                                      : ErrorNumber::pathNotFound);
     case ENOTDIR:
       throw SystemError(ErrorNumber::pathNotFound);
     case EACCES:
@@ -106,6 +106,9 @@ class Descriptor {
   int number_;
 };
 
+// Pieces of one readv or writev.
+constexpr std::size_t kMaxPieces = 64;
+
 class PosixInputFile : public InputFile {
  public:
   PosixInputFile(int descriptor, std::uint64_t size) : descriptor_(descriptor), size_(size) {}
@@ -123,6 +126,23 @@ class PosixInputFile : public InputFile {
     return done;
   }
 
+  std::size_t ReadPieces(std::span<const std::span<char>> pieces) override {
+    std::array<iovec, kMaxPieces> list{};
+    std::size_t wanted = 0;
+    for (std::size_t k = 0; k < pieces.size() && k < kMaxPieces; ++k) {
+      list[k] = {pieces[k].data(), pieces[k].size()};
+      wanted += pieces[k].size();
+    }
+    if (pieces.size() <= kMaxPieces) {
+      const ssize_t count = ::readv(descriptor_.Number(), list.data(), static_cast<int>(pieces.size()));
+      if (count >= 0 && static_cast<std::size_t>(count) == wanted) return wanted;
+      if (count < 0 && errno != EINTR && errno != EINVAL) ThrowErrno(errno);
+      // A short read (or more than one call can take): start again, piece by piece.
+      if (count > 0 && ::lseek(descriptor_.Number(), -count, SEEK_CUR) < 0) ThrowErrno(errno);
+    }
+    return InputFile::ReadPieces(pieces);
+  }
+
  private:
   Descriptor descriptor_;
   std::uint64_t size_;
@@ -130,27 +150,30 @@ class PosixInputFile : public InputFile {
 
 class PosixOutputFile : public OutputFile {
  public:
-  PosixOutputFile(int descriptor, std::string temporaryPath, std::string path)
-      : descriptor_(descriptor), temporaryPath_(std::move(temporaryPath)), path_(std::move(path)) {}
+  PosixOutputFile(int descriptor, std::string temporaryPath, std::string path, bool replaces)
+      : descriptor_(descriptor),
+        temporaryPath_(std::move(temporaryPath)),
+        path_(std::move(path)),
+        replaces_(replaces) {}
 
   ~PosixOutputFile() override {
     if (!committed_) ::unlink(temporaryPath_.c_str());
   }
 
   std::size_t WriteSome(const void* source, std::size_t size) override {
-    for (;;) {
-      const ssize_t count = ::write(descriptor_.Number(), source, size);
-      if (count > 0) return static_cast<std::size_t>(count);
-      if (count == 0) ThrowErrno(ENOSPC);
-      if (errno != EINTR) ThrowErrno(errno);
-    }
+    return Written([&] { return ::write(descriptor_.Number(), source, size); });
+  }
+
+  std::size_t WriteSomePieces(std::span<const std::string_view> pieces) override {
+    std::array<iovec, kMaxPieces> list{};
+    const std::size_t count = std::min(pieces.size(), kMaxPieces);
+    for (std::size_t k = 0; k < count; ++k) list[k] = {const_cast<char*>(pieces[k].data()), pieces[k].size()};
+    return Written([&] { return ::writev(descriptor_.Number(), list.data(), static_cast<int>(count)); });
   }
 
   void Commit() override {
     if (descriptor_.IsOpen()) {
-      struct stat old {};
-      const bool replaces = ::lstat(path_.c_str(), &old) == 0;
-      if (replaces && ::fsync(descriptor_.Number()) != 0) ThrowErrno(errno);
+      if (replaces_ && ::fsync(descriptor_.Number()) != 0) ThrowErrno(errno);
       if (descriptor_.Close() != 0) ThrowErrno(errno);
     }
     if (::rename(temporaryPath_.c_str(), path_.c_str()) != 0) ThrowErrno(errno, path_);
@@ -158,31 +181,57 @@ class PosixOutputFile : public OutputFile {
   }
 
  private:
+  // Repeats an interrupted call; returns the bytes written, at least one.
+  template <class Call>
+  static std::size_t Written(Call call) {
+    for (;;) {
+      const ssize_t count = call();
+      if (count > 0) return static_cast<std::size_t>(count);
+      if (count == 0) ThrowErrno(ENOSPC);
+      if (errno != EINTR) ThrowErrno(errno);
+    }
+  }
+
   Descriptor descriptor_;
   std::string temporaryPath_;
   std::string path_;
+  bool replaces_;
   bool committed_ = false;
 };
 
-// Beside `nativePath`, with a name that nobody can guess and prepare a link for.
-std::string TemporaryPathFor(const std::string& nativePath) {
-  std::array<unsigned char, 8> random{};
-  if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size())) ThrowErrno(errno);
-  std::string name = "/.quiverion-";
-  for (const unsigned char byte : random) {
-    name.push_back("0123456789abcdef"[byte >> 4]);
-    name.push_back("0123456789abcdef"[byte & 15]);
+// Names for temporary files that nobody can guess and prepare a link for.
+class TemporaryNames {
+ public:
+  // A path beside `nativePath`.
+  std::string PathFor(const std::string& nativePath) {
+    if (used_ == pool_.size()) {
+      if (::getrandom(pool_.data(), pool_.size(), 0) != static_cast<ssize_t>(pool_.size())) ThrowErrno(errno);
+      used_ = 0;
+    }
+    std::string path = ParentOf(nativePath) + "/.quiverion-";
+    for (const std::size_t end = used_ + kNameBytes; used_ < end; ++used_) {
+      path.push_back("0123456789abcdef"[pool_[used_] >> 4]);
+      path.push_back("0123456789abcdef"[pool_[used_] & 15]);
+    }
+    return path + ".tmp";
   }
-  return ParentOf(nativePath) + name + ".tmp";
-}
 
-// What stands at the place must be something that a save may replace.
-void RefuseUnwritableTarget(const std::string& nativePath) {
+ private:
+  static constexpr std::size_t kNameBytes = 8;
+  std::array<unsigned char, 32 * kNameBytes> pool_{};  // one call of the system for many names
+  std::size_t used_ = pool_.size();
+};
+
+// What stands at the place must be something that a save may replace. True where something stands there.
+bool CheckTarget(const std::string& nativePath) {
   struct stat info {};
-  if (::stat(nativePath.c_str(), &info) != 0) return;
+  if (::lstat(nativePath.c_str(), &info) != 0) return false;
+  // A link is replaced itself; what it leads to must be a file that could be written.
+  if (S_ISLNK(info.st_mode) && ::stat(nativePath.c_str(), &info) != 0) return true;
   const bool readOnly = (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
   if (!S_ISREG(info.st_mode) || readOnly) throw SystemError(ErrorNumber::pathAccess);
   if (::access(nativePath.c_str(), W_OK) != 0) ThrowErrno(errno, nativePath);
+  return true;
 }
 
 class PosixFileSystem : public FileSystem {
@@ -194,25 +243,23 @@ class PosixFileSystem : public FileSystem {
     if (descriptor < 0) ThrowErrno(errno, native);
     struct stat info {};
     const bool known = ::fstat(descriptor, &info) == 0;
-    auto file =
-        std::make_unique<PosixInputFile>(descriptor, known ? static_cast<std::uint64_t>(info.st_size) : 0);
+    auto file = std::make_unique<PosixInputFile>(descriptor, known ? static_cast<std::uint64_t>(info.st_size) : 0);
     if (!known || !S_ISREG(info.st_mode)) throw SystemError(ErrorNumber::pathAccess);
     return file;
   }
 
   std::unique_ptr<OutputFile> CreateResultFile(const std::string& path) override {
     std::string native = OpenablePath(path);
-    RefuseUnwritableTarget(native);
-    std::string temporary = TemporaryPathFor(native);
-    const int descriptor =
-        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+    const bool replaces = CheckTarget(native);
+    std::string temporary = temporaryNames_.PathFor(native);
+    const int descriptor = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
     if (descriptor < 0) {
       const int code = errno;
       // The temporary name never exists beforehand: what is missing is the directory.
       if (code == ENOENT) throw SystemError(ErrorNumber::pathNotFound);
       ThrowErrno(code, native);
     }
-    return std::make_unique<PosixOutputFile>(descriptor, std::move(temporary), std::move(native));
+    return std::make_unique<PosixOutputFile>(descriptor, std::move(temporary), std::move(native), replaces);
   }
 
   void CreateDirectoryQuietly(const std::string& path) override {
@@ -225,8 +272,7 @@ class PosixFileSystem : public FileSystem {
     if (!stream) ThrowErrno(errno, native);
     std::vector<std::string> names;
     for (errno = 0; const dirent* entry = ::readdir(stream.get()); errno = 0) {
-      if (entry->d_type == DT_REG ||
-          (entry->d_type != DT_DIR && IsOrdinaryFile(stream.get(), entry->d_name))) {
+      if (entry->d_type == DT_REG || (entry->d_type != DT_DIR && IsOrdinaryFile(stream.get(), entry->d_name))) {
         names.emplace_back(entry->d_name);
       }
     }
@@ -254,6 +300,8 @@ class PosixFileSystem : public FileSystem {
   }
 
  private:
+  TemporaryNames temporaryNames_;
+
   static bool IsOrdinaryFile(DIR* directory, const char* name) {
     struct stat info {};
     return ::fstatat(::dirfd(directory), name, &info, 0) == 0 && S_ISREG(info.st_mode);

@@ -1,11 +1,16 @@
 #include "platform/result_file.h"
 
+#include <algorithm>
+#include <span>
+
 #include "platform/system_error.h"
 
 namespace quiverion {
 namespace {
 
 constexpr std::size_t kBufferSize = 32 * 1024;
+constexpr std::size_t kSmallBlock = 8 * 1024;  // copying is cheaper than a piece of its own
+constexpr std::size_t kMaxKept = 16;
 
 bool CanBeMended(ErrorNumber number) {
   return number == ErrorNumber::diskFull || number == ErrorNumber::tooManyFiles;
@@ -25,8 +30,16 @@ Message RetryBox(ErrorNumber number) {
 
 }  // namespace
 
-ResultFile::ResultFile(FileSystem& files, UserInterface* ui, const std::string& path)
-    : file_(files.CreateResultFile(path)), ui_(ui) {}
+ResultFile::ResultFile(FileSystem& files, UserInterface* ui, const std::string& path) : ui_(ui) {
+  try {
+    file_ = files.CreateResultFile(path);
+  } catch (const SystemError& error) {
+    // Nearly always the directory is there; only where it is not the way along the path is looked at.
+    if (error.Number() != ErrorNumber::pathNotFound) throw;
+    CreatePathDirectories(files, path);
+    file_ = files.CreateResultFile(path);
+  }
+}
 
 template <class Action>
 auto ResultFile::WithRetry(Action action) {
@@ -43,27 +56,48 @@ auto ResultFile::WithRetry(Action action) {
   }
 }
 
-void ResultFile::WriteThrough(std::string_view bytes) {
-  while (!bytes.empty()) {
-    bytes.remove_prefix(WithRetry([&] { return file_->WriteSome(bytes.data(), bytes.size()); }));
+void ResultFile::WriteOut() {
+  std::vector<std::string_view> pieces;
+  std::size_t at = 0;
+  for (const KeptPiece& kept : kept_) {
+    pieces.push_back(std::string_view(buffer_).substr(at, kept.bufferEnd - at));
+    pieces.push_back(kept.bytes);
+    at = kept.bufferEnd;
   }
+  pieces.push_back(std::string_view(buffer_).substr(at));
+  for (std::span<std::string_view> rest = pieces; !rest.empty();) {
+    if (rest.front().empty()) {
+      rest = rest.subspan(1);
+      continue;
+    }
+    std::size_t written = WithRetry([&] { return file_->WriteSomePieces(rest); });
+    while (written > 0) {
+      const std::size_t step = std::min(written, rest.front().size());
+      rest.front().remove_prefix(step);
+      written -= step;
+      if (rest.front().empty()) rest = rest.subspan(1);
+    }
+  }
+  buffer_.clear();
+  kept_.clear();
 }
 
 void ResultFile::Write(std::string_view bytes) {
-  if (buffer_.size() + bytes.size() > kBufferSize) {
-    WriteThrough(buffer_);
-    buffer_.clear();
+  buffer_.append(bytes);
+  if (buffer_.size() >= kBufferSize) WriteOut();
+}
+
+void ResultFile::WriteKept(std::string_view bytes) {
+  if (bytes.size() < kSmallBlock) {
+    Write(bytes);
+    return;
   }
-  if (bytes.size() >= kBufferSize) {
-    WriteThrough(bytes);
-  } else {
-    buffer_.append(bytes);
-  }
+  kept_.push_back({buffer_.size(), bytes});
+  if (kept_.size() == kMaxKept) WriteOut();
 }
 
 void ResultFile::Commit() {
-  WriteThrough(buffer_);
-  buffer_.clear();
+  WriteOut();
   WithRetry([&] { file_->Commit(); });
 }
 

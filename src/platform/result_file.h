@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/file_system.h"
 #include "platform/user_interface.h"
@@ -21,6 +22,9 @@ class ResultFile {
   /// Throws SystemError.
   void Write(std::string_view bytes);
 
+  /// The same for bytes that stay where they are, unchanged, until the commit: they are not copied.
+  void WriteKept(std::string_view bytes);
+
   /// Writes what is left and puts the file in its place. Throws SystemError.
   void Commit();
 
@@ -30,11 +34,17 @@ class ResultFile {
  private:
   template <class Action>
   auto WithRetry(Action action);
-  void WriteThrough(std::string_view bytes);
+  void WriteOut();
 
   std::unique_ptr<OutputFile> file_;
   UserInterface* ui_;
+  // What has not been written: bytes of the buffer, up to the ends given, with kept pieces between them.
+  struct KeptPiece {
+    std::size_t bufferEnd;
+    std::string_view bytes;
+  };
   std::string buffer_;
+  std::vector<KeptPiece> kept_;
   bool cancelled_ = false;
 };
 
