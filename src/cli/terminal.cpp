@@ -43,7 +43,10 @@ std::string ProgressText(const RunProgress& progress, double seconds) {
 
 }  // namespace
 
-Terminal::Terminal(MessageAnswer onProblem) : onProblem_(onProblem), showProgress_(IsTerminal(StandardStream::error)) {}
+Terminal::Terminal(MessageAnswer onProblem)
+    : onProblem_(onProblem),
+      outputIsTerminal_(IsTerminal(StandardStream::output)),
+      showProgress_(IsTerminal(StandardStream::error)) {}
 
 void Terminal::CatchSignals() {
   std::signal(SIGINT, HandleSignal);
@@ -51,7 +54,7 @@ void Terminal::CatchSignals() {
 }
 
 void Terminal::Print(std::string_view text) {
-  if (IsTerminal(StandardStream::output)) EraseProgress();
+  if (outputIsTerminal_) EraseProgress();
   if (!WriteToStream(StandardStream::output, text)) outputFailed_ = true;
 }
 

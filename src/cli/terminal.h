@@ -36,6 +36,7 @@ class Terminal : public UserInterface {
   using Time = std::chrono::steady_clock::time_point;
 
   MessageAnswer onProblem_;
+  bool outputIsTerminal_;
   bool showProgress_;
   bool progressShown_ = false;
   bool outputFailed_ = false;

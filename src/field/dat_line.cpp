@@ -5,21 +5,14 @@
 #include <cstdint>
 #include <cstring>
 
+#include "platform/byte_words.h"
 #include "platform/numbers.h"
 
 namespace quiverion {
 namespace {
 
-using Word = std::uint64_t;  // eight characters, the first in the lowest byte
-
-constexpr Word kOnes = 0x0101010101010101;
-constexpr Word kHighs = 0x8080808080808080;
-
-Word Load(const char* text) {
-  Word word;
-  std::memcpy(&word, text, sizeof word);
-  return word;
-}
+using words::Load;
+using words::Word;
 
 // A set of positions in a line. One word holds 64 characters; longer lines take two.
 struct Positions64 {
@@ -77,13 +70,13 @@ std::uint64_t EightDigits(Word word) {
 }
 
 bool AllDigits(Word word) {
-  return (((word + kOnes * 0x76) | word) & kHighs) == 0;
+  return (((word + words::kOnes * 0x76) | word) & words::kHighs) == 0;
 }
 
 // The first `count` (0 to 8) characters of the word as digit values that end in the highest byte, zeros
 // before them.
 Word Digits(Word characters, int count) {
-  const Word values = characters ^ (kOnes * '0');
+  const Word values = characters ^ (words::kOnes * '0');
   return values << (32 - 4 * count) << (32 - 4 * count);  // a single shift could be one of 64 bits
 }
 
@@ -158,9 +151,7 @@ bool ReadPlainNumber(std::string_view number, double& value) {
   const char* const text = number.data() + negative;
   const int length = static_cast<int>(number.size()) - negative;
   const Word first = Load(text);
-  const Word difference = first ^ (kOnes * '.');
-  const Word points = (difference - kOnes) & ~difference & kHighs;
-  const int pointAt = std::countr_zero(points) / 8;  // 8 where there is none
+  const int pointAt = words::FirstByte(words::FirstBytesEqual<'.'>(first));  // 8 where there is none
   const int whole = std::min(pointAt, length);
   const int places = std::max(length - whole - 1, 0);
   if (places > 8 || whole + places < 1 || (pointAt == 8 && length > 8)) return false;

@@ -1,8 +1,9 @@
 #include "log/log_writers.h"
 
 #include <algorithm>
-#include <array>
+#include <charconv>
 
+#include "platform/byte_words.h"
 #include "platform/text.h"
 
 namespace quiverion {
@@ -10,12 +11,23 @@ namespace {
 
 constexpr std::size_t kBlockSize = 64 * 1024;
 
-// Bytes that stand for themselves in RTF.
-constexpr std::array<bool, 256> kPlainInRtf = [] {
-  std::array<bool, 256> plain{};
-  for (std::size_t byte = 0x20; byte < 0x7F; ++byte) plain[byte] = byte != '\\' && byte != '{' && byte != '}';
-  return plain;
-}();
+bool IsPlainInRtf(char c) {
+  return c >= 0x20 && c < 0x7F && c != '\\' && c != '{' && c != '}';
+}
+
+// Length of the characters at the beginning that stand for themselves in RTF, eight at a time.
+std::size_t PlainPrefix(std::string_view text) {
+  std::size_t length = 0;
+  for (; length + 8 <= text.size(); length += 8) {
+    const words::Word word = words::Load(text.data() + length);
+    const words::Word special = (word & words::kHighs) | words::BytesBelow<0x20>(word) |
+                                words::FirstBytesEqual<0x7F>(word) | words::FirstBytesEqual<'\\'>(word) |
+                                words::FirstBytesEqual<'{'>(word) | words::FirstBytesEqual<'}'>(word);
+    if (special != 0) break;
+  }
+  while (length < text.size() && IsPlainInRtf(text[length])) ++length;
+  return length;
+}
 
 bool IsControl(char c) {
   return (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7F;
@@ -34,6 +46,11 @@ void AppendLines(std::string& target, std::string_view text, bool forTerminal) {
   if (forTerminal) std::replace_if(target.begin() + static_cast<std::ptrdiff_t>(start), target.end(), IsControl, '?');
 }
 
+void AppendNumber(std::string& target, int number) {
+  char digits[12];
+  target.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+}
+
 void AppendHex(std::string& target, unsigned char byte) {
   target.append("\\'");
   target.push_back("0123456789abcdef"[byte >> 4]);
@@ -43,7 +60,8 @@ void AppendHex(std::string& target, unsigned char byte) {
 // One UTF-16 unit as RTF writes it: a signed decimal number, then "?" for readers that do not know it.
 void AppendUnit(std::string& target, char32_t unit) {
   const int number = unit < 0x8000 ? static_cast<int>(unit) : static_cast<int>(unit) - 0x10000;
-  target.append("\\u").append(std::to_string(number)).push_back('?');
+  AppendNumber(target.append("\\u"), number);
+  target.push_back('?');
 }
 
 void AppendRtfCharacter(std::string& target, char32_t c) {
@@ -62,13 +80,11 @@ void AppendRtfCharacter(std::string& target, char32_t c) {
     default:
       break;
   }
-  std::string utf8;
-  AppendUtf8(utf8, c);
-  const Windows1252Text single = Windows1252FromUtf8(utf8);
+  const int single = Windows1252Byte(c);
   if (c < 0x20 || c == 0x7F) {
     target.push_back('?');
-  } else if (single.complete) {
-    AppendHex(target, static_cast<unsigned char>(single.bytes.front()));
+  } else if (single >= 0) {
+    AppendHex(target, static_cast<unsigned char>(single));
   } else if (c >= 0x10000) {
     AppendUnit(target, 0xD800 + ((c - 0x10000) >> 10));
     AppendUnit(target, 0xDC00 + ((c - 0x10000) & 0x3FF));
@@ -119,15 +135,14 @@ void RtfWriter::ChangeFormat(const LogFormat& format) {
   }
   if (format.bold != current_.bold) buffer_.append(format.bold ? "\\b" : "\\b0");
   if (format.italic != current_.italic) buffer_.append(format.italic ? "\\i" : "\\i0");
-  if (format.points != current_.points) buffer_.append("\\fs").append(std::to_string(2 * format.points));
+  if (format.points != current_.points) AppendNumber(buffer_.append("\\fs"), 2 * format.points);
   buffer_.push_back(' ');
   current_ = format;
 }
 
 void RtfWriter::AppendEscaped(std::string_view text) {
   while (!text.empty()) {
-    std::size_t plain = 0;
-    while (plain < text.size() && kPlainInRtf[static_cast<unsigned char>(text[plain])]) ++plain;
+    const std::size_t plain = PlainPrefix(text);
     buffer_.append(text.substr(0, plain));
     text.remove_prefix(plain);
     if (text.starts_with("\r\n")) {
@@ -140,8 +155,20 @@ void RtfWriter::AppendEscaped(std::string_view text) {
 }
 
 void RtfWriter::Write(std::string_view text, const LogFormat& format) {
+  for (const Remembered& piece : remembered_) {
+    if (piece.text == text && piece.after == format && piece.before == current_) {
+      buffer_.append(piece.rtf);
+      current_ = format;
+      HandOverWhenFull();
+      return;
+    }
+  }
+  const LogFormat before = current_;
+  const std::size_t start = buffer_.size();
   ChangeFormat(format);
   AppendEscaped(text);
+  remembered_[oldest_] = {std::string(text), before, format, buffer_.substr(start)};
+  oldest_ = 1 - oldest_;
   HandOverWhenFull();
 }
 

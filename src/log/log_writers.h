@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -55,6 +56,16 @@ class RtfWriter : public BufferedLogWriter {
  private:
   void ChangeFormat(const LogFormat& format);
   void AppendEscaped(std::string_view text);
+
+  // A file can warn about every vector: the same two pieces many thousand times. Their RTF is kept.
+  struct Remembered {
+    std::string text;
+    LogFormat before;
+    LogFormat after;
+    std::string rtf;
+  };
+  std::array<Remembered, 2> remembered_;
+  std::size_t oldest_ = 0;
 
   LogFormat current_;
 };

@@ -13,7 +13,8 @@ constexpr std::string_view kNothingShown =
     "Jetzt wird weder Tabelle noch Vektorfeld angezeigt. Das ist in Quiverion nicht erlaubt!\r\n";
 
 std::string SwitchedTo(std::string_view name, bool on) {
-  return "'" + std::string(name) + (on ? "' eingeschaltet\r\n" : "' ausgeschaltet\r\n");
+  std::string text = "'";
+  return text.append(name).append(on ? "' eingeschaltet\r\n" : "' ausgeschaltet\r\n");
 }
 
 void LogSwitch(Context& context, std::string_view name, bool on) {

@@ -49,15 +49,6 @@ bool IsValidDecoding(char32_t codePoint, std::size_t length) {
   return length != 4 || (codePoint >= 0x10000 && codePoint < 0x110000);
 }
 
-// The byte of a code point, -1 where Windows-1252 lacks it.
-int Windows1252Byte(char32_t codePoint) {
-  if (codePoint < 0x80 || (codePoint >= 0xA0 && codePoint < 0x100)) return static_cast<int>(codePoint);
-  for (std::size_t k = 0; k < kWindows1252High.size(); ++k) {
-    if (kWindows1252High[k] == codePoint) return static_cast<int>(0x80 + k);
-  }
-  return -1;
-}
-
 // Simple lower case of the letters that Windows-1252 has, and of nothing else.
 char32_t LowerCase(char32_t c) {
   if ((c >= U'A' && c <= U'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7)) return c + 0x20;
@@ -90,6 +81,14 @@ char32_t TakeCodePoint(std::string_view& text) {
   }
   text.remove_prefix(taken);
   return codePoint;
+}
+
+int Windows1252Byte(char32_t codePoint) {
+  if (codePoint < 0x80 || (codePoint >= 0xA0 && codePoint < 0x100)) return static_cast<int>(codePoint);
+  for (std::size_t k = 0; k < kWindows1252High.size(); ++k) {
+    if (kWindows1252High[k] == codePoint) return static_cast<int>(0x80 + k);
+  }
+  return -1;
 }
 
 void AppendUtf8(std::string& text, char32_t c) {

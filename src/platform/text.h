@@ -20,6 +20,9 @@ struct Windows1252Text {
 /// UTF-8 as Windows-1252 bytes, one per character.
 Windows1252Text Windows1252FromUtf8(std::string_view text);
 
+/// The Windows-1252 byte of a code point, -1 where it lacks it.
+int Windows1252Byte(char32_t codePoint);
+
 /// True where Windows-1252 has every character of the UTF-8 text.
 bool FitsWindows1252(std::string_view text);
 

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+/// Eight characters at a time in a 64-bit word, the first in the lowest byte. Results have the high bit of each byte
+/// that is meant.
+namespace quiverion::words {
+
+static_assert(std::endian::native == std::endian::little, "the first character is the lowest byte");
+
+using Word = std::uint64_t;
+
+inline constexpr Word kOnes = 0x0101010101010101;
+inline constexpr Word kHighs = 0x8080808080808080;
+
+/// Eight bytes from `text`, which must be readable.
+inline Word Load(const char* text) {
+  Word word;
+  std::memcpy(&word, text, sizeof word);
+  return word;
+}
+
+/// Bytes below `limit` (at most 0x80), exactly.
+template <Word limit>
+constexpr Word BytesBelow(Word word) {
+  return ~(((word & ~kHighs) + kOnes * (0x80 - limit)) | word) & kHighs;
+}
+
+/// Bytes equal to `character`. Only the first one found is exact: behind it a byte may be meant by mistake.
+template <Word character>
+constexpr Word FirstBytesEqual(Word word) {
+  const Word difference = word ^ (kOnes * character);
+  return (difference - kOnes) & ~difference & kHighs;
+}
+
+/// Position of the first byte meant, 8 where there is none.
+constexpr int FirstByte(Word highBits) {
+  return std::countr_zero(highBits) / 8;
+}
+
+}  // namespace quiverion::words
