@@ -14,7 +14,7 @@ namespace {
 constexpr int kFiles = 2000;
 
 std::string NameOf(int k) {
-  return "f" + std::to_string(k) + ".vas";
+  return std::to_string(k) + ".vas";
 }
 
 std::string SmallField() {

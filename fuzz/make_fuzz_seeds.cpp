@@ -1,0 +1,114 @@
+// Writes small valid files to begin with: make_fuzz_seeds DIR makes DIR/vas, DIR/dat, DIR/vec and DIR/mak.
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <string_view>
+
+#include "generator/sample_files.h"
+#include "macro/command_catalogue.h"
+#include "macro/macro_file.h"
+#include "platform/file_system.h"
+
+namespace quiverion::fuzz {
+namespace {
+
+class SeedWriter {
+ public:
+  explicit SeedWriter(std::string directory) : directory_(std::move(directory)) {}
+
+  void Put(const std::string& name, std::string_view bytes) {
+    ResultFile file = Create(name);
+    file.Write(bytes);
+    file.Commit();
+  }
+  void Put(const std::string& name, const MacroEventList& macro) {
+    ResultFile file = Create(name);
+    WriteMacro(file, macro);
+    file.Commit();
+  }
+
+ private:
+  ResultFile Create(const std::string& name) {
+    const std::string path = directory_ + "/" + name;
+    CreatePathDirectories(*files_, path);
+    return ResultFile(*files_, nullptr, path);
+  }
+
+  std::unique_ptr<FileSystem> files_ = MakeSystemFileSystem();
+  std::string directory_;
+};
+
+MacroEvent EventWithParameters(const CommandRow& row) {
+  MacroEvent event(row.eventId);
+  for (const Parameter& parameter : row.parameters) {
+    switch (parameter.kind) {
+      case ParameterKind::text:
+        event.Set(parameter.key, std::string("Größe 1.5"));
+        break;
+      case ParameterKind::flag:
+        event.Set(parameter.key, true);
+        break;
+      case ParameterKind::checkState:
+      case ParameterKind::integer:
+        event.Set(parameter.key, std::int32_t{1});
+        break;
+      case ParameterKind::number:
+        event.Set(parameter.key, -2.5);
+        break;
+    }
+  }
+  return event;
+}
+
+void WriteFieldSeeds(SeedWriter& seeds) {
+  const samples::SampleField small = samples::MakeSampleField({.columns = 8, .rows = 6});
+  const samples::SampleField single = samples::MakeSampleField({.columns = 1, .rows = 1, .maskedBody = false});
+  samples::SampleField streamlines = samples::MakeSampleField({.columns = 3, .rows = 2});
+  streamlines.streamlines.resize(52);
+  seeds.Put("vas/small.vas", samples::VasBytes(small));
+  seeds.Put("vas/single.vas", samples::VasBytes(single));
+  seeds.Put("vas/streamlines.vas", samples::VasBytes(streamlines));
+  std::string lines = samples::DatBytes(small);
+  seeds.Put("dat/small.dat", lines);
+  seeds.Put("dat/single.dat", samples::DatBytes(single));
+  std::erase(lines, '\r');
+  std::erase(lines, '"');
+  std::replace(lines.begin(), lines.end(), ',', ';');
+  seeds.Put("dat/newlines.dat", lines);
+  for (const int subType : {1, 2, 3}) {
+    const std::string number = std::to_string(subType);
+    seeds.Put("vec/small" + number + ".vec", samples::VecBytes(small, subType));
+    seeds.Put("vec/single" + number + ".vec", samples::VecBytes(single, subType));
+  }
+}
+
+void WriteMacroSeeds(SeedWriter& seeds) {
+  MacroEventList all;
+  for (const CommandRow& row : CommandCatalogue()) {
+    if (row.IsMenu()) continue;
+    all.push_back(EventWithParameters(row));
+    if (!row.parameters.empty()) seeds.Put("mak/" + std::string(row.constantName) + ".mak", {all.back()});
+  }
+  seeds.Put("mak/all.mak", all);
+  seeds.Put("mak/empty.mak", MacroEventList{});
+}
+
+}  // namespace
+}  // namespace quiverion::fuzz
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: %s directory\n", argv[0]);
+    return 1;
+  }
+  try {
+    quiverion::fuzz::SeedWriter seeds(argv[1]);
+    quiverion::fuzz::WriteFieldSeeds(seeds);
+    quiverion::fuzz::WriteMacroSeeds(seeds);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
+  return 0;
+}

@@ -1,0 +1,160 @@
+#include "cli/macro_json.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "macro/command_catalogue.h"
+#include "platform/system_error.h"
+
+namespace quiverion::cli {
+namespace {
+
+MacroEvent Event(std::int32_t eventId, std::initializer_list<std::pair<const char*, MacroValue>> values = {}) {
+  MacroEvent event(eventId);
+  for (const auto& [key, value] : values) event.Set(key, value);
+  return event;
+}
+
+// One command of every kind of parameter, and what it looks like.
+const std::pair<MacroEvent, std::string> kCommands[] = {
+    {Event(40103), R"({"EventId": "evtGauss3x3"})"},
+    {Event(40201, {{"XComp", 2.5}, {"YComp", -1.0}}),
+     R"({"EventId": "evtAddConstVector", "XComp": 2.5, "YComp": -1.0})"},
+    {Event(10001, {{"Prefix", std::string("sub\\")}, {"Postfix", std::string("_\"ä€")}}),
+     R"({"EventId": "evtSaveVas", "Prefix": "sub\\", "Postfix": "_\"ä€"})"},
+    {Event(50001, {{"Checked", true}}), R"({"EventId": "evtShowHeader", "Checked": true})"},
+    {Event(50002, {{"Checked", 0}}), R"({"EventId": "evtShowTable", "Checked": false})"},
+    {Event(30002, {{"ChkPosX", 1}, {"ChkPosY", 2.0}}), R"({"EventId": "evtMirror", "ChkPosX": 1, "ChkPosY": 2})"},
+    {Event(50104, {{"Value", 1e-300}}), R"({"EventId": "evtPaletteMin", "Value": 1e-300})"},
+    {Event(12345), R"({"EventId": 12345})"},
+    {Event(-1), R"({"EventId": -1})"},
+    {Event(10000), R"({"EventId": "evtFileMenu"})"}};
+
+TEST(MacroJson, WritesACommandPerLineWithNamesAndKeysInFileOrder) {
+  for (const auto& [event, line] : kCommands) EXPECT_EQ(MacroToJson({event}), "[\n  " + line + "\n]\n");
+  EXPECT_EQ(MacroToJson({Event(40103), Event(12345)}),
+            "[\n  {\"EventId\": \"evtGauss3x3\"},\n  {\"EventId\": 12345}\n]\n");
+  EXPECT_EQ(MacroToJson({}), "[]\n");
+}
+
+TEST(MacroJson, ReadsWhatItWrites) {
+  for (const auto& [event, line] : kCommands) {
+    const MacroEventList macro = MacroFromJson("[" + line + "]");
+    ASSERT_EQ(macro.size(), 1u);
+    EXPECT_EQ(macro[0].Values().size(), event.Values().size()) << line;
+    EXPECT_EQ(MacroToJson(macro), "[\n  " + line + "\n]\n");
+  }
+  EXPECT_TRUE(MacroFromJson(" [ ] ").empty());
+}
+
+TEST(MacroJson, AcceptsOtherFormsOfTheSameCommand) {
+  struct Case {
+    const char* json;
+    std::string exported;
+  };
+  const Case cases[] = {
+      {R"([{"XCOMP": 2, "ycomp": -1, "eventid": 40201}])",
+       R"({"EventId": "evtAddConstVector", "XComp": 2.0, "YComp": -1.0})"},
+      {R"([{"EventId": "EVTGAUSS3X3"}])", R"({"EventId": "evtGauss3x3"})"},
+      {R"([{"Value": 3, "EventId": "evtScaleFactor"}])", R"({"EventId": "evtScaleFactor", "Value": 3.0})"},
+      {R"([{"EventId": 10002, "Comment": "\u00e4\u0000"}])",
+       "{\"EventId\": \"evtInsertComment\", \"Comment\": \"ä\\u0000\"}"},
+      {R"([{"EventId": 30002, "ChkPosX": -2147483648, "ChkPosY": 2147483647}])",
+       R"({"EventId": "evtMirror", "ChkPosX": -2147483648, "ChkPosY": 2147483647})"},
+      {R"([{"EventId": 40201, "XComp": -2147483648, "YComp": 2147483647}])",
+       R"({"EventId": "evtAddConstVector", "XComp": -2147483648.0, "YComp": 2147483647.0})"}};
+  for (const Case& c : cases) {
+    try {
+      EXPECT_EQ(MacroToJson(MacroFromJson(c.json)), "[\n  " + c.exported + "\n]\n");
+    } catch (const std::exception& error) {
+      ADD_FAILURE() << c.json << ": " << error.what();
+    }
+  }
+}
+
+TEST(MacroJson, KeepsTheBitsOfANumber) {
+  for (const double value : {0.1, -0.0, 1.0 / 3.0, 5e-324, 1.7976931348623157e308, 123456789012345678.0}) {
+    const double read = MacroFromJson(MacroToJson({Event(50006, {{"Value", value}})}))[0].Number("Value");
+    EXPECT_EQ(read, value);
+    EXPECT_EQ(std::signbit(read), std::signbit(value));
+  }
+}
+
+TEST(MacroJson, NamesThePositionAndTheKeyOfWhatIsWrong) {
+  const std::string wrongId = "'EventId' muss eine ganze Zahl oder der Name eines Befehls sein.";
+  struct Case {
+    const char* json;
+    std::string message;
+  };
+  const Case cases[] = {
+      {"", "Kein gültiges JSON, Fehler bei Byte 1."},
+      {"[{]", "Kein gültiges JSON, Fehler bei Byte 3."},
+      {"[] []", "Kein gültiges JSON, Fehler bei Byte 4."},
+      {"[\"\xE4\"]", "Kein gültiges JSON, Fehler bei Byte 4."},
+      {"{\"EventId\": 40103}", "Ein Feld [ ... ] von Befehlen wird erwartet."},
+      {"null", "Ein Feld [ ... ] von Befehlen wird erwartet."},
+      {"[40103]", "Befehl 1: Ein Objekt { ... } wird erwartet."},
+      {R"([{"EventId": 40103}, []])", "Befehl 2: Ein Objekt { ... } wird erwartet."},
+      {"[{}]", "Befehl 1: Der Schlüssel 'EventId' fehlt."},
+      {R"([{"EventId": 40103}, {"EventId": 40101}, {"Value": 1}])", "Befehl 3: Der Schlüssel 'EventId' fehlt."},
+      {R"([{"EventId": "evtGauss7x7"}])", "Befehl 1: " + wrongId},
+      {R"([{"EventId": ""}])", "Befehl 1: " + wrongId},
+      {R"([{"EventId": 40103.0}])", "Befehl 1: " + wrongId},
+      {R"([{"EventId": true}])", "Befehl 1: " + wrongId},
+      {R"([{"EventId": 2147483648}])", "Befehl 1: " + wrongId},
+      {R"([{"EventId": -2147483649}])", "Befehl 1: " + wrongId},
+      {R"([{"EventId": 18446744073709551615}])", "Befehl 1: " + wrongId},
+      {R"([{"EventId": 40103, "Value": 1}])", "Befehl 1: Der Schlüssel 'Value' ist unbekannt."},
+      {R"([{"EventId": 12345, "Prefix": ""}])", "Befehl 1: Der Schlüssel 'Prefix' ist unbekannt."},
+      {R"([{"EventId": 10001, "Prefix": ""}])", "Befehl 1: Der Schlüssel 'Postfix' fehlt."},
+      {R"([{"EventId": 10002, "Comment": "a", "comment": "b"}])",
+       "Befehl 1: Der Schlüssel 'comment' kommt zweimal vor."},
+      {R"([{"EventId": 10002, "Comment": 5}])", "Befehl 1: 'Comment' muss ein Text sein."},
+      {R"([{"EventId": 10002, "Comment": null}])", "Befehl 1: 'Comment' muss ein Text sein."},
+      {R"([{"EventId": 50001, "Checked": 1}])", "Befehl 1: 'Checked' muss true oder false sein."},
+      {R"([{"EventId": 50001, "Checked": "true"}])", "Befehl 1: 'Checked' muss true oder false sein."},
+      {R"([{"EventId": 30002, "ChkPosX": true, "ChkPosY": 0}])", "Befehl 1: 'ChkPosX' muss eine ganze Zahl sein."},
+      {R"([{"EventId": 30002, "ChkPosX": 0, "ChkPosY": 1.5}])", "Befehl 1: 'ChkPosY' muss eine ganze Zahl sein."},
+      {R"([{"EventId": 30002, "ChkPosX": 0, "ChkPosY": 2147483648}])",
+       "Befehl 1: 'ChkPosY' muss eine ganze Zahl sein."},
+      {R"([{"EventId": 50006, "Value": "2"}])", "Befehl 1: 'Value' muss eine Zahl sein."},
+      {R"([{"EventId": 50006, "Value": false}])", "Befehl 1: 'Value' muss eine Zahl sein."},
+      {R"([{"EventId": 40201, "XComp": 0, "YComp": 3e9}])",
+       "Befehl 1: 'YComp' muss eine Zahl, die in die Makrodatei passt sein."}};
+  for (const Case& c : cases) {
+    try {
+      MacroFromJson(c.json);
+      ADD_FAILURE() << "accepted: " << c.json;
+    } catch (const MacroJsonError& error) {
+      EXPECT_EQ(error.what(), c.message) << c.json;
+    }
+  }
+}
+
+TEST(MacroJson, RefusesANumberTooLargeForADouble) {
+  for (const char* json : {R"([{"EventId": 50006, "Value": 1e400}])", R"([{"EventId": 50006, "Value": -1e400}])"}) {
+    EXPECT_THROW(MacroFromJson(json), MacroJsonError) << json;
+  }
+}
+
+TEST(MacroJson, RefusesAKeyThatComesTwice) {
+  EXPECT_THROW(MacroFromJson(R"([{"EventId": 10002, "Comment": "a", "Comment": "b"}])"), MacroJsonError);
+}
+
+TEST(MacroJson, RefusesToWriteWhatHasNoJsonForm) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (const double value : {infinity, -infinity, std::nan("")}) {
+    try {
+      MacroToJson({Event(40103), Event(50006, {{"Value", value}})});
+      ADD_FAILURE() << value;
+    } catch (const MacroJsonError& error) {
+      EXPECT_EQ(std::string(error.what()), "Befehl 2: 'Value' ist keine endliche Zahl.");
+    }
+  }
+  EXPECT_THROW(MacroToJson({Event(50006)}), SystemError) << "a missing parameter";
+}
+
+}  // namespace
+}  // namespace quiverion::cli

@@ -1,0 +1,206 @@
+#include "program.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
+namespace quiverion::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr auto kPause = std::chrono::milliseconds(10);
+
+std::string ReadAll(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file) << path;
+  return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+// A file without a name, open in all processes that come from this one.
+class UnnamedFile {
+ public:
+  UnnamedFile() : file_(std::tmpfile()) {}
+  ~UnnamedFile() { std::fclose(file_); }
+  UnnamedFile(const UnnamedFile&) = delete;
+  UnnamedFile& operator=(const UnnamedFile&) = delete;
+
+  int Descriptor() const { return ::fileno(file_); }
+  void Fill(const std::string& content) {
+    std::fwrite(content.data(), 1, content.size(), file_);
+    std::rewind(file_);
+  }
+  std::string Content() {
+    std::rewind(file_);
+    std::string content;
+    for (int c; (c = std::fgetc(file_)) != EOF;) content.push_back(static_cast<char>(c));
+    return content;
+  }
+
+ private:
+  std::FILE* file_;
+};
+
+// Never returns in the child.
+pid_t Start(const Workplace& place, const std::vector<std::string>& arguments, int input, int output, int error) {
+  std::vector<char*> words = {const_cast<char*>(CLI_PROGRAM)};
+  for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+  words.push_back(nullptr);
+  const pid_t process = ::fork();
+  if (process != 0) return process;
+  ::dup2(input, STDIN_FILENO);
+  ::dup2(output, STDOUT_FILENO);
+  ::dup2(error, STDERR_FILENO);
+  ::setenv("LC_ALL", "C", 1);
+  if (::chdir(place.Path().c_str()) == 0) ::execv(CLI_PROGRAM, words.data());
+  ::_exit(99);
+}
+
+void SetStatus(Outcome& outcome, int status) {
+  if (WIFEXITED(status)) outcome.code = WEXITSTATUS(status);
+  if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
+}
+
+// A line of /proc/<process>/status, behind its name.
+std::string StatusLine(pid_t process, const std::string& name) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/status");
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with(name)) return line.substr(name.size());
+  }
+  return {};
+}
+
+}  // namespace
+
+Workplace::Workplace() {
+  std::string pattern = testing::TempDir() + "quiverion_XXXXXX";
+  path_ = fs::canonical(::mkdtemp(pattern.data())).string() + "/";
+}
+
+Workplace::~Workplace() {
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+}
+
+void Workplace::Write(const std::string& name, const std::string& content) const {
+  fs::create_directories(fs::path(path_ + name).parent_path());
+  std::ofstream file(path_ + name, std::ios::binary);
+  file << content;
+  EXPECT_TRUE(file.flush()) << name;
+}
+
+std::string Workplace::Read(const std::string& name) const {
+  return ReadAll(path_ + name);
+}
+
+bool Workplace::Has(const std::string& name) const {
+  return fs::exists(path_ + name);
+}
+
+std::vector<std::string> Workplace::Files() const {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::recursive_directory_iterator(path_)) {
+    if (entry.is_regular_file()) names.push_back(entry.path().string().substr(path_.size()));
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+Outcome RunProgram(const Workplace& place, const std::vector<std::string>& arguments, const std::string& input,
+                   const std::string& output) {
+  UnnamedFile in, out, err;
+  in.Fill(input);
+  const int device = output.empty() ? -1 : ::open(output.c_str(), O_WRONLY | O_CLOEXEC);
+  const pid_t process =
+      Start(place, arguments, in.Descriptor(), device < 0 ? out.Descriptor() : device, err.Descriptor());
+  int status = 0;
+  ::waitpid(process, &status, 0);
+  if (device >= 0) ::close(device);
+  Outcome outcome{.out = out.Content(), .err = err.Content()};
+  SetStatus(outcome, status);
+  return outcome;
+}
+
+StalledProgram::StalledProgram(const Workplace& place, const std::vector<std::string>& arguments) {
+  int ends[2] = {-1, -1};
+  EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+  ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
+  const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+  process_ = Start(place, arguments, nothing, ends[1], nothing);
+  ::close(nothing);
+  ::close(ends[1]);
+  output_ = ends[0];
+}
+
+StalledProgram::~StalledProgram() {
+  if (process_ > 0) {
+    ::kill(process_, SIGKILL);
+    ::waitpid(process_, nullptr, 0);
+  }
+  ::close(output_);
+}
+
+bool StalledProgram::WaitUntilStalled() const {
+  int before = 0;
+  int same = 0;
+  for (int k = 0; k < 6000; ++k) {
+    int waiting = 0;
+    ::ioctl(output_, FIONREAD, &waiting);
+    const bool asleep = StatusLine(process_, "State:").find('S') != std::string::npos;
+    same = asleep && waiting > 0 && waiting == before ? same + 1 : 0;
+    if (same == 20) return true;
+    before = waiting;
+    std::this_thread::sleep_for(kPause);
+  }
+  return false;
+}
+
+void StalledProgram::Signal(int number) const {
+  ::kill(process_, number);
+  for (int k = 0; k < 500; ++k) {
+    const std::string pending = StatusLine(process_, "ShdPnd:");
+    const bool ended = StatusLine(process_, "State:").find('Z') != std::string::npos;
+    if (ended || pending.find_first_not_of("\t0") == std::string::npos) return;
+    std::this_thread::sleep_for(kPause);
+  }
+}
+
+bool StalledProgram::EndsByItself(Outcome& outcome) {
+  for (int k = 0; k < 300; ++k) {
+    int status = 0;
+    if (::waitpid(process_, &status, WNOHANG) == process_) {
+      process_ = -1;
+      SetStatus(outcome, status);
+      return true;
+    }
+    std::this_thread::sleep_for(kPause);
+  }
+  return false;
+}
+
+Outcome StalledProgram::Finish() {
+  Outcome outcome;
+  char block[4096];
+  for (ssize_t count; (count = ::read(output_, block, sizeof block)) > 0;) {
+    outcome.out.append(block, static_cast<std::size_t>(count));
+  }
+  int status = 0;
+  ::waitpid(process_, &status, 0);
+  process_ = -1;
+  SetStatus(outcome, status);
+  return outcome;
+}
+
+}  // namespace quiverion::cli

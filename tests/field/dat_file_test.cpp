@@ -1,0 +1,389 @@
+#include "field/dat_file.h"
+
+#include <bit>
+#include <random>
+
+#include "field/field_fixture.h"
+#include "generator/sample_files.h"
+
+namespace quiverion::test {
+namespace {
+
+const std::string kNotKorvo = "    Ungültiges Dateiformat: Nicht von Korvo!";
+const std::string kTooWide = "    Interrogation Window zu breit!";
+const std::string kTooHigh = "    Interrogation Window zu hoch!";
+
+/// A DAT file of 64 x 64 pixels, window 32, step 16: columns at 16, 32, 48 and rows at 48, 32, 16 pixels.
+struct DatImage {
+  std::vector<std::string> header = {"Date and time: 24.11.03 10:15:02",
+                                     "File:duese_2.tif",
+                                     "Project:   Freistrahl  ",
+                                     "Operator:",
+                                     "\"Flow: D\xFCse, Querschnitt 1\"",
+                                     "Laser: Nd:YAG",
+                                     "Comment: x",
+                                     "Image: 64x64",
+                                     "Window: 32x32",
+                                     "Grid: 16x16",
+                                     "Scale: 77",
+                                     "Delay: 50",
+                                     "Valid: 77",
+                                     "Method: none",
+                                     "",
+                                     "x y dx dy d SNR u v"};
+  std::string data;
+
+  std::string Build(const std::string& lineEnd = "\r\n") const {
+    std::string text;
+    for (const std::string& field : header) text += field + lineEnd;
+    return text + data;
+  }
+};
+
+class DatFile : public FieldTest {
+ protected:
+  std::string LoadDat(const DatImage& image) { return Load("in.dat", image.Build()); }
+  std::string LoadLines(const std::string& data) {
+    DatImage image;
+    image.data = data;
+    return LoadDat(image);
+  }
+  std::int32_t FilledPoints() const {
+    const auto values = field_.status.Values();
+    return static_cast<std::int32_t>(std::count(values.begin(), values.end(), 1));
+  }
+};
+
+TEST_F(DatFile, ReadsHeaderGridAndVectors) {
+  EXPECT_EQ(LoadLines("32.0 48.0 0 0 0 0 1.5 -0.25\r\n"), Loaded("in.dat"));
+  const std::array<std::string, 7> header = {"24.11.03 10:15:02",   "duese_2.tif", "Freistrahl", "",
+                                             "Düse, Querschnitt 1", "Nd:YAG",      "x"};
+  EXPECT_EQ(field_.headerLines, header);
+  EXPECT_EQ(field_.firstPixelX, 16);
+  EXPECT_EQ(field_.firstPixelY, 48);
+  EXPECT_EQ(field_.columnCount, 3);
+  EXPECT_EQ(field_.rowCount, 3);
+  EXPECT_EQ(field_.pixelScale, 77);
+  EXPECT_EQ(field_.pulseDelay, 50);
+  EXPECT_EQ(field_.validVectorCount, 77) << "as the file states it";
+  EXPECT_TRUE(SameBits(field_.posX, std::vector<double>{16.0 / 77 * 10, 32.0 / 77 * 10, 48.0 / 77 * 10}));
+  EXPECT_TRUE(SameBits(field_.posY, std::vector<double>{48.0 / 77 * 10, 32.0 / 77 * 10, 16.0 / 77 * 10}));
+  EXPECT_EQ(field_.velX(2, 1), 1.5);
+  EXPECT_EQ(field_.velY(2, 1), -0.25);
+  EXPECT_EQ(field_.status(2, 1), 1);
+  EXPECT_EQ(FilledPoints(), 1);
+  for (const double velocity : {field_.velX(1, 1), field_.velY(3, 3)}) EXPECT_EQ(velocity, 0);
+}
+
+TEST_F(DatFile, PutsEachLineAtItsGridPoint) {
+  struct Case {
+    std::string line;
+    std::int32_t column, row;
+    double u, v;
+  };
+  const Case cases[] = {
+      {"16 48 0 0 0 0 1 2", 1, 1, 1, 2},
+      {"48 16 0 0 0 0 1 2 9 9 9", 3, 3, 1, 2},
+      {"   16    16  a b c d   1   2   ", 1, 3, 1, 2},
+      {"31.5 33.5 0 0 0 0 1 2", 2, 1, 1, 2},  // 15.5 is 16, 33.5 is 34
+      {"30.5 32.5 0 0 0 0 1 2", 1, 2, 1, 2},  // 14.5 is 14, 32.5 is 32
+      {"0.6 63.4 0 0 0 0 1 2", 1, 1, 1, 2},   // less than a step outside belongs to the edge
+      {"63.4 0.6 0 0 0 0 1 2", 3, 3, 1, 2},
+      {"3.2E1 4.8e+1 0 0 0 0 15e-1 -25E-2", 2, 1, 1.5, -0.25},
+      {"+32 48. 0 0 0 0 +.5 -.5", 2, 1, 0.5, -0.5},
+      {"32px 48px 0 0 0 0 1.5m/s x", 2, 1, 1.5, 0},
+      {"32 48", 2, 1, 0, 0},
+      {"32 48 0 0 0 0 7", 2, 1, 7, 0},
+      {"32\t1 48 0 0 0 0 1\t5 2", 2, 1, 1, 2},  // a tab belongs to its column
+      {"32 48 1e999 x 0 0 -0 -0.0", 2, 1, -0.0, -0.0},
+      {"32 48 0 0 0 0 nan inf", 2, 1, 0, 0},
+      {"32 48 0 0 0 0 0.1234567890123456789 123456789012345678", 2, 1, 0.1234567890123456789, 123456789012345678.0},
+      {"\"32 48 a,b 0 0 0 1 2\"", 2, 1, 1, 2},
+      {"\"32 48 0 0 0 0 1 2", 2, 1, 1, 2},
+      {"  \"32 48 0 0 0 0 1 2\"  ", 2, 1, 1, 2}};
+  for (const Case& c : cases) {
+    for (const char* const lineEnd : {"\r\n", "\n", "\r", ""}) {
+      ASSERT_EQ(LoadLines(c.line + lineEnd), Loaded("in.dat")) << c.line;
+      EXPECT_EQ(field_.status(c.column, c.row), 1) << c.line;
+      EXPECT_TRUE(SameBits({&field_.velX(c.column, c.row), 1}, {&c.u, 1})) << c.line;
+      EXPECT_TRUE(SameBits({&field_.velY(c.column, c.row), 1}, {&c.v, 1})) << c.line;
+      EXPECT_EQ(FilledPoints(), 1) << c.line;
+    }
+  }
+}
+
+TEST_F(DatFile, RefusesLinesOutsideTheGridAndNumbersTooLarge) {
+  const std::pair<std::string, int> cases[] = {{"0 48 0 0 0 0 1 2", 9},          {"64 48 0 0 0 0 1 2", 9},
+                                               {"16 64 0 0 0 0 1 2", 9},         {"16 0 0 0 0 0 1 2", 9},
+                                               {"-1000 48 0 0 0 0 1 2", 9},      {"16 -1e9 0 0 0 0 1 2", 9},
+                                               {"16 48 0 0 0 0 1 2\r\n\r\n", 9},  // a blank line is (0, 0)
+                                               {"16 48 0 0 0 0 1 2\r\n  ", 9},   {"x", 9},
+                                               {"3e9 48 0 0 0 0 1 2", 6},        {"16 -3e9 0 0 0 0 1 2", 6},
+                                               {"16 48 0 0 0 0 1e999 2", 6},     {"16 48 0 0 0 0 1 -1e309", 6},
+                                               {"16 48 0 0 0 0 1,500 2", 9}};  // the rest is a line of its own
+  for (const auto& [lines, number] : cases) EXPECT_EQ(LoadLines(lines), ReadFailed("in.dat", number)) << lines;
+}
+
+TEST_F(DatFile, EndsFieldsAtCommasAndEveryLineEnd) {
+  EXPECT_EQ(LoadLines("16 48 0 0 0 0 1 2, 32 48 0 0 0 0 3 4\n48 48 0 0 0 0 5 6\r16 32 0 0 0 0 7 8\r\n"
+                      "16 48 0 0 0 0 9 10"),
+            Loaded("in.dat"));
+  EXPECT_EQ(FilledPoints(), 4);
+  EXPECT_EQ(field_.velX(2, 1), 3);
+  EXPECT_EQ(field_.velX(3, 1), 5);
+  EXPECT_EQ(field_.velX(1, 2), 7);
+  EXPECT_EQ(field_.velX(1, 1), 9) << "the later line counts";
+  EXPECT_EQ(LoadLines("16 48 0 0 0 0 1 2 9,32 48 0 0 0 0 3 4\n48 48 0 0 0 5,16 48 5\n"), Loaded("in.dat"));
+  EXPECT_EQ(FilledPoints(), 3);
+  EXPECT_EQ(field_.velX(1, 1), 0) << "a later line again, with too few columns";
+  for (const std::string lineEnd : {"\n", "\r", "\r\n", ",", " \n", "\n  "}) {
+    DatImage image;
+    image.data = "32 48 0 0 0 0 1 2" + lineEnd + "16 16 0 0 0 0 3 4";
+    EXPECT_EQ(Load("in.dat", image.Build(lineEnd)), Loaded("in.dat"));
+    EXPECT_EQ(FilledPoints(), 2);
+    EXPECT_EQ(field_.headerLines[6], "x");
+  }
+}
+
+// A comma turns the quick way through the lines off: a last line that stands there once or twice makes no difference.
+TEST_F(DatFile, TheQuickWayGivesTheSameField) {
+  std::mt19937_64 random(7);
+  const auto below = [&](std::uint64_t limit) { return random() % limit; };
+  const auto pick = [&](std::initializer_list<std::string> choices) {
+    return *(choices.begin() + below(choices.size()));
+  };
+  const auto position = [&](std::uint64_t limit) {
+    const std::string whole = std::to_string(below(below(20) == 0 ? limit + 40 : limit));
+    return pick({"", "", "", "0", "+", "-0"}) + whole +
+           pick({"", "", ".", ".0", ".5", ".499999", ".50000001", "E0", "e-1", ".0px", "0.000000"});
+  };
+  const auto velocity = [&] {
+    return pick({"", "-"}) + std::to_string(below(40000)) + pick({"", ".", "."}) + std::to_string(below(1000000)) +
+           pick({"", "", "", "", "x", "E-5"});
+  };
+  int loaded = 0;
+  for (int turn = 0; turn < 1500; ++turn) {
+    DatImage image;
+    image.header[7] = "Image: 640x480";
+    for (std::uint64_t k = 0, count = below(turn % 2 == 0 ? 3 : 30); k < count; ++k) {
+      image.data += position(620) + pick({" ", " ", "  "}) + position(460) + " 1 2 3 4 " + velocity() + " " +
+                    velocity() + pick({"\r\n", "\r\n", " 9\n", "\r"});
+    }
+    const std::string last = "16 464 0 0 0 0 1 2";
+    image.data += last;
+    const std::string quickLog = LoadDat(image);
+    const VectorField quick = field_;
+    image.data += "," + last;
+    ASSERT_EQ(LoadDat(image), quickLog) << image.data;
+    ASSERT_EQ(FirstDifference(field_, quick), "") << image.data;
+    loaded += context_.abortCurrentFile ? 0 : 1;
+  }
+  EXPECT_GT(loaded, 300);
+  EXPECT_LT(loaded, 1400);
+}
+
+TEST_F(DatFile, RefusesWhatKorvoDidNotWrite) {
+  const auto refused = [&](std::size_t field, const std::string& text) {
+    DatImage image;
+    image.header[field - 1] = text;
+    EXPECT_EQ(LoadDat(image), LoadRefused("in.dat", kNotKorvo)) << text;
+  };
+  for (const std::string first : {"Date and Time: 1", "date and time: 1", "Date and time:1", "Date and time", "Date",
+                                  "", "\tDate and time: 1", "xDate and time: 1"}) {
+    refused(1, first);
+  }
+  for (std::size_t field = 2; field <= 13; ++field) refused(field, "no colon");
+  for (std::size_t field = 8; field <= 10; ++field) {
+    refused(field, "64x64");  // the colon is missing
+    refused(field, "Size: 64 64");
+    refused(field, "Size: 64X64");
+    refused(field, "x:");
+  }
+  DatImage image;
+  image.header[4] = "Flow: Nozzle, section 1";  // a comma without quotes ends the field
+  EXPECT_EQ(LoadDat(image), LoadRefused("in.dat", kNotKorvo));
+  image = {};
+  image.header[0] = "   \"Date and time: \"";
+  EXPECT_EQ(LoadDat(image), Loaded("in.dat"));
+  EXPECT_EQ(field_.headerLines[0], "");
+}
+
+TEST_F(DatFile, AHeaderThatEndsEarlyIsAReadError) {
+  const DatImage whole;
+  for (std::size_t count = 0; count <= 16; ++count) {
+    DatImage image;
+    image.header.resize(count);
+    EXPECT_EQ(LoadDat(image), count < 16 ? ReadFailed("in.dat", 62) : Loaded("in.dat")) << count;
+  }
+  const std::string text = whole.Build("\n");
+  for (std::size_t length = 0; length < text.size(); ++length) Load("in.dat", text.substr(0, length));
+  EXPECT_EQ(Load("in.dat", text.substr(0, text.size() - 1)), Loaded("in.dat"));
+}
+
+TEST_F(DatFile, ReadsNumbersOfTheHeaderByTheirPrefix) {
+  const auto pair = [&](const std::string& text) {
+    DatImage image;
+    image.header[7] = text;
+    LoadDat(image);
+    return std::pair(field_.imageWidth, field_.imageHeight);
+  };
+  using Size = std::pair<std::int32_t, std::int32_t>;
+  EXPECT_EQ(pair("Image [px]: 2016 x 1616"), Size(2016, 1616));
+  EXPECT_EQ(pair("Image:64x48x7"), Size(64, 48));
+  EXPECT_EQ(pair("Image:62.5px x 63.5"), Size(62, 0)) << "the first x splits";
+  EXPECT_EQ(pair("Image: 62.5x63.5:9"), Size(62, 64));
+  EXPECT_EQ(pair("Image: x"), Size(0, 0));
+  EXPECT_EQ(pair("x: +6.4e1x6,4"), Size(64, 6));
+  DatImage image;
+  image.header[10] = "Scale: 80.5 px/cm";
+  image.header[11] = "Delay: -2.5";
+  image.header[12] = "Valid: many";
+  EXPECT_EQ(LoadDat(image), Loaded("in.dat"));
+  EXPECT_EQ(field_.pixelScale, 80);
+  EXPECT_EQ(field_.pulseDelay, -2);
+  EXPECT_EQ(field_.validVectorCount, 0);
+  for (const std::size_t field : {7u, 8u, 9u}) {
+    image = {};
+    image.header[field] = "Size: 99999999999x1";
+    EXPECT_EQ(LoadDat(image), ReadFailed("in.dat", 6));
+  }
+  image = {};
+  image.header[11] = "Delay: 1e400";
+  EXPECT_EQ(LoadDat(image), ReadFailed("in.dat", 6));
+}
+
+TEST_F(DatFile, AScaleOfZeroIsFoundBehindTheLines) {
+  DatImage image;
+  image.header[10] = "Scale: 0.5";
+  EXPECT_EQ(LoadDat(image), ReadFailed("in.dat", 11));
+  image.data = "1000 48";
+  EXPECT_EQ(LoadDat(image), ReadFailed("in.dat", 9));
+}
+
+struct Placement {
+  std::int32_t imageWidth, imageHeight, windowWidth, windowHeight, stepX, stepY;
+};
+
+std::string Times(std::int32_t a, std::int32_t b) {
+  return std::to_string(a) + "x" + std::to_string(b);
+}
+
+// How loading ends and what grid it gives, step by step as the placement is defined.
+struct PlacedGrid {
+  std::string refusal;
+  int number = 0;
+  std::int64_t firstX = 0, firstY = 0, columns = 0, rows = 0;
+};
+
+PlacedGrid PlaceStepByStep(const Placement& p) {
+  PlacedGrid grid;
+  const std::int64_t halfW = p.windowWidth / 2;
+  const std::int64_t halfH = p.windowHeight / 2;
+  if (p.stepX == 0 || p.stepY == 0) return {"", 11};
+  for (grid.firstX = p.stepX; grid.firstX < halfW;) {
+    grid.firstX += p.stepX;
+    if (grid.firstX > p.imageWidth - halfW) return {kTooWide};
+    if (p.stepX < 0) return {"", 6};  // falls for ever
+  }
+  for (grid.firstY = p.imageHeight - p.stepY; p.imageHeight - grid.firstY < halfH;) {
+    grid.firstY -= p.stepY;
+    if (grid.firstY < halfH) return {kTooHigh};
+    if (p.stepY < 0) return {"", 6};
+  }
+  grid.columns = (p.imageWidth - grid.firstX - halfW) / p.stepX + 1;
+  grid.rows = (grid.firstY - halfH) / p.stepY + 1;
+  if (grid.columns < 1 || grid.rows < 1) grid.number = 9;
+  return grid;
+}
+
+TEST_F(DatFile, PlacesTheGridAsDefined) {
+  const auto check = [&](const Placement& p) {
+    DatImage image;
+    image.header[7] = "Image:" + Times(p.imageWidth, p.imageHeight);
+    image.header[8] = "Window:" + Times(p.windowWidth, p.windowHeight);
+    image.header[9] = "Grid:" + Times(p.stepX, p.stepY);
+    const PlacedGrid expected = PlaceStepByStep(p);
+    const std::string log = LoadDat(image);
+    const std::string where = image.header[7] + " " + image.header[8] + " " + image.header[9];
+    if (!expected.refusal.empty()) {
+      ASSERT_EQ(log, LoadRefused("in.dat", expected.refusal)) << where;
+    } else if (expected.number != 0) {
+      ASSERT_EQ(log, ReadFailed("in.dat", expected.number)) << where;
+    } else {
+      ASSERT_EQ(log, Loaded("in.dat")) << where;
+      ASSERT_EQ(field_.firstPixelX, expected.firstX) << where;
+      ASSERT_EQ(field_.firstPixelY, expected.firstY) << where;
+      ASSERT_EQ(field_.columnCount, expected.columns) << where;
+      ASSERT_EQ(field_.rowCount, expected.rows) << where;
+    }
+  };
+  check({2016, 1616, 32, 32, 16, 16});
+  check({64, 48, 33, 31, 7, 5});
+  std::mt19937_64 random(3);
+  const auto draw = [&](std::int32_t low, std::int32_t high) {
+    return low + static_cast<std::int32_t>(random() % static_cast<std::uint64_t>(high - low + 1));
+  };
+  for (int turn = 0; turn < 4000; ++turn) {
+    const bool odd = turn % 4 == 0;  // signs and sizes that no camera has
+    check({draw(odd ? -50 : 1, 200), draw(odd ? -50 : 1, 200), draw(odd ? -90 : 0, 120), draw(odd ? -90 : 0, 120),
+           draw(odd ? -20 : 1, 40), draw(odd ? -20 : 1, 40)});
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST_F(DatFile, RefusesAWindowThatTheImageDoesNotHold) {
+  const std::pair<Placement, std::string> cases[] = {{{64, 64, 100, 32, 16, 16}, kTooWide},
+                                                     {{64, 64, 32, 100, 16, 16}, kTooHigh},
+                                                     {{64, 64, 100, 100, 16, 16}, kTooWide}};
+  for (const auto& [p, refusal] : cases) {
+    DatImage image;
+    image.header[8] = "Window: " + Times(p.windowWidth, p.windowHeight);
+    EXPECT_EQ(LoadDat(image), LoadRefused("in.dat", refusal));
+  }
+  for (const char* const steps : {"0x16", "16x0", "0.5x16"}) {
+    DatImage image;
+    image.header[8] = "Window: 1000x1000";
+    image.header[9] = std::string("Grid: ") + steps;
+    EXPECT_EQ(LoadDat(image), ReadFailed("in.dat", 11));
+  }
+}
+
+TEST_F(DatFile, AHeaderAloneDoesNotTakeMuchMemory) {
+  const auto load = [&](std::int32_t width, std::int32_t height) {
+    DatImage image;
+    image.header[7] = "Image: " + Times(width, height);
+    image.header[8] = "Window: 2x2";
+    image.header[9] = "Grid: 1x1";
+    return LoadDat(image);
+  };
+  const long before = PeakMemory();
+  EXPECT_EQ(load(2147483647, 2147483647), ReadFailed("in.dat", 7));
+  EXPECT_EQ(load(2147483647, 3), ReadFailed("in.dat", 7));
+  EXPECT_EQ(load(20000, 20000), ReadFailed("in.dat", 7));
+  EXPECT_LT(PeakMemory() - before, 50 * 1024);
+  EXPECT_EQ(load(1025, 1025), Loaded("in.dat")) << "a sparse field of a million points";
+  EXPECT_EQ(field_.columnCount, 1024);
+}
+
+TEST_F(DatFile, ReadsWhatTheSampleGeneratorWrites) {
+  for (const auto& [columns, rows] : {std::pair(1, 1), std::pair(8, 6), std::pair(60, 45)}) {
+    const samples::SampleField sample = samples::MakeSampleField({.columns = columns, .rows = rows, .holeShare = 0.1});
+    EXPECT_EQ(Load("in.DAT", samples::DatBytes(sample)), Loaded("in.DAT"));
+    ASSERT_EQ(field_.columnCount, columns);
+    ASSERT_EQ(field_.rowCount, rows);
+    EXPECT_TRUE(SameBits(field_.velX.Values(), sample.u));
+    EXPECT_TRUE(SameBits(field_.velY.Values(), sample.v));
+    for (int row = 1; row <= rows; ++row) {
+      EXPECT_EQ(field_.posY[static_cast<std::size_t>(row - 1)], samples::PositionY(sample, row));
+      for (int column = 1; column <= columns; ++column) {
+        EXPECT_EQ(field_.status(column, row), sample.status[samples::PointIndex(sample, column, row)] > 0 ? 1 : 0);
+        EXPECT_EQ(field_.posX[static_cast<std::size_t>(column - 1)], samples::PositionX(sample, column));
+      }
+    }
+    EXPECT_EQ(field_.headerLines, sample.headerLines);
+    EXPECT_EQ(field_.validVectorCount, samples::ValidVectorCount(sample));
+  }
+}
+
+}  // namespace
+}  // namespace quiverion::test

@@ -1,0 +1,317 @@
+#include "macro/run_driver.h"
+
+#include "field/load_original_file.h"
+#include "macro/command_actions.h"
+#include "run_fixture.h"
+
+namespace quiverion::test {
+namespace {
+
+std::string Line(std::size_t left, const std::string& text, std::size_t right) {
+  return std::string(left, '-') + " " + text + " " + std::string(right, '-') + "\r\n";
+}
+
+const std::string kTitleA = Line(47, "a.vas", 47);
+const std::string kTitleB = Line(47, "b.vas", 47);
+const std::string kLoadA = "Orginaldatei '/serie/a.vas' einladen... fertig\r\n";
+const std::string kLoadB = "Orginaldatei '/serie/b.vas' einladen... fertig\r\n";
+const std::string kSuccess = Line(32, "Makro-Ausführung erfolgreich beendet", 31);
+const std::string kFaulty = Line(32, "Makro-Ausführung FEHLERHAFT beendet", 32);
+const std::string kAborted = Line(30, "Makro-Ausführung frühzeitig ABGEBROCHEN", 30);
+const std::string kAbortedAfterError = Line(24, "Makro-Ausführung frühzeitig ABGEBROCHEN nach FEHLER", 24);
+const std::string kNoBackground = "'Keinen Hintergrund im Vektorfeld anzeigen' gewählt\r\n";
+const std::string kVorticity = "'Vorticity als Hintergrund im Vektorfeld anzeigen' gewählt\r\n";
+const std::string kComment = "Kommentar in Info-Text einfügen... fertig\r\n";
+const std::string kCannotOpenMissing =
+    "!!! FEHLER !!!\r\n"
+    "    Die aktuelle Datei kann nicht geöffnet werden, da folgender Fehler aufgetreten ist:\r\n"
+    "    Datei nicht gefunden   (Fehler-Nr. 53)\r\n"
+    "    Die Bearbeitung der aktuellen Datei wird abgebrochen!\r\n";
+
+MacroEvent Comment(const std::string& text) {
+  return Event(10002, {{"Comment", text}});
+}
+
+class RunDriver : public RunTest {
+ protected:
+  void AddTwoFiles() {
+    AddFile("a.vas", samples::VasBytes(SmallSample(0)));
+    AddFile("b.vas", samples::VasBytes(SmallSample(1)));
+  }
+  VectorField FieldIn(const std::string& path) {
+    TestSession reader;
+    reader.files.files = files;
+    LoadOriginalFile(reader.context, path);
+    EXPECT_FALSE(reader.context.abortCurrentFile) << path;
+    return reader.context.field;
+  }
+};
+
+TEST_F(RunDriver, GoesOnBehindAFileThatCannotBeLoaded) {
+  Select("fehlt.vas");
+  AddFile("b.vas", samples::VasBytes(SmallSample()));
+  program.clock.times = {100.0f, 103.25f};
+  session.macro = {Comment("c"), SaveEvent("", "_neu")};
+  RunMacro(session);
+  const auto& verdict = program.recorder.pieces[program.recorder.pieces.size() - 2];
+  EXPECT_EQ(verdict.text, kFaulty);
+  EXPECT_EQ(verdict.format.colour, LogColour::red);
+  EXPECT_EQ(program.TakeLog(), Line(45, "fehlt.vas", 45) + "Orginaldatei '/serie/fehlt.vas' einladen... " +
+                                   kCannotOpenMissing + kTitleB + kLoadB + kComment +
+                                   "Datei speichern unter '/serie/b_neu.vas'... fertig\r\n" + kFaulty +
+                                   "\r\nDauer: 3.25 s\r\n");
+  EXPECT_TRUE(files.contains("/serie/b_neu.vas"));
+  EXPECT_EQ(ui.yields, 1 + 3) << "one behind each title, one before each command";
+}
+
+TEST_F(RunDriver, EndsAtTheYieldWhereTheAbortWasAskedFor) {
+  AddTwoFiles();
+  const MacroEventList macro = {Event(50101), Event(50103), Event(50004, {{"Checked", true}})};
+  const std::string commands[] = {kNoBackground, kVorticity, "'Koordinatensystem anzeigen' eingeschaltet\r\n"};
+  const std::string all = commands[0] + commands[1] + commands[2];
+  struct Case {
+    int abortAt;
+    int yields;  // an abort behind a title is noticed at the first command only
+    std::string log;
+    std::int32_t filesDone;
+  };
+  const Case cases[] = {{1, 2, kTitleA + kLoadA + kAborted, 0},
+                        {2, 2, kTitleA + kLoadA + kAborted, 0},
+                        {3, 3, kTitleA + kLoadA + commands[0] + kAborted, 0},
+                        {4, 4, kTitleA + kLoadA + commands[0] + commands[1] + kAborted, 0},
+                        {5, 6, kTitleA + kLoadA + all + kTitleB + kLoadB + kAborted, 1},
+                        {6, 6, kTitleA + kLoadA + all + kTitleB + kLoadB + kAborted, 1},
+                        {8, 8, kTitleA + kLoadA + all + kTitleB + kLoadB + commands[0] + commands[1] + kAborted, 1},
+                        {9, 8, kTitleA + kLoadA + all + kTitleB + kLoadB + all + kSuccess, 2}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.abortAt);
+    ui.yields = 0;
+    ui.abortAtYield = c.abortAt;
+    EXPECT_EQ(RunLogOf(macro), c.log);
+    EXPECT_EQ(ui.yields, c.yields);
+    EXPECT_EQ(ui.progress.back().filesDone, c.filesDone);
+    EXPECT_EQ(program.context.userAbortRequested, c.abortAt < 9);
+  }
+}
+
+TEST_F(RunDriver, GivesOneOfFourVerdicts) {
+  AddFile("a.vas", samples::VasBytes(SmallSample()));
+  struct Case {
+    bool error, abort;
+    std::string verdict;
+  };
+  for (const Case& c : {Case{true, true, kAbortedAfterError},
+                        {true, false, kFaulty},
+                        {false, true, kAborted},
+                        {false, false, kSuccess}}) {
+    ui.yields = 0;
+    ui.abortAtYield = c.abort ? 3 : 0;
+    program.files.faults.open = c.error ? std::optional(ErrorNumber::accessDenied) : std::nullopt;
+    const std::string log = RunLogOf({SaveEvent("", "_x"), Event(50101)});
+    EXPECT_TRUE(log.ends_with("\r\n" + c.verdict)) << log;
+    EXPECT_EQ(program.context.runHadError, c.error);
+  }
+}
+
+TEST(RunDuration, IsWrittenInMinutesAndSeconds) {
+  const std::pair<float, const char*> cases[] = {
+      {75.5f, "1 min 15.5 s"},     {3.25f, "3.25 s"},        {59.9f, "59.9 s"},
+      {60.0f, "1 min 0 s"},        {119.7f, "1 min 59.7 s"}, {120.0f, "2 min 0 s"},
+      {60.5f, "1 min 0.5 s"},      {59.96f, "59.96 s"},      {0.0625f, "0.0625 s"},
+      {3725.75f, "62 min 5.75 s"}, {0.00005f, "5E-05 s"},    {12345.678f, "205 min 45.67773 s"}};
+  for (const auto& [seconds, text] : cases)
+    EXPECT_EQ(DurationText(seconds), "\r\nDauer: " + std::string(text) + "\r\n");
+  for (const float seconds : {0.0f, -1.0f, -86390.0f}) EXPECT_EQ(DurationText(seconds), "");
+}
+
+TEST_F(RunDriver, WritesNoDurationForARunAcrossMidnight) {
+  AddFile("a.vas", samples::VasBytes(SmallSample()));
+  program.clock.times = {86399.5f, 2.0f};
+  EXPECT_EQ(RunLogOf({Event(50101)}), kTitleA + kLoadA + kNoBackground + kSuccess);
+  program.clock.times = {86300.0f, 86375.5f};
+  EXPECT_EQ(RunLogOf({Event(50101)}), kTitleA + kLoadA + kNoBackground + kSuccess + "\r\nDauer: 1 min 15.5 s\r\n");
+}
+
+TEST_F(RunDriver, GivesUpAFileWhoseCommandThrows) {
+  samples::SampleField collapsed = SmallSample(), atRest = SmallSample();
+  collapsed.gridStep = 0;  // all positions are equal
+  for (double& u : atRest.u) u = 0;
+  for (double& v : atRest.v) v = 0;
+  AddFile("a.vas", samples::VasBytes(collapsed));
+  AddFile("b.vas", samples::VasBytes(atRest));
+  EXPECT_EQ(RunLogOf({Event(50103), Event(50106), SaveEvent("", "_x")}),
+            kTitleA + kLoadA + kVorticity +
+                "Optimale Werte für Farbpalette automatisch suchen... !!! FEHLER !!!\r\n"
+                "    Division durch Null   (Fehler-Nr. 11)\r\n" +
+                kTitleB + kLoadB + kVorticity +
+                "Optimale Werte für Farbpalette automatisch suchen... fertig\r\n"
+                "    Minimaler Wert auf 0 eingestellt\r\n    Maximaler Wert auf 0 eingestellt\r\n"
+                "Datei speichern unter '/serie/b_x.vas'... fertig\r\n" +
+                kFaulty);
+  EXPECT_FALSE(files.contains("/serie/a_x.vas"));
+}
+
+TEST_F(RunDriver, GivesUpAFileWhoseCommandCannotBeCarriedOut) {
+  AddTwoFiles();
+  const std::string invalidCall = "    Ungültiger Prozeduraufruf oder ungültiges Argument";
+  const std::pair<MacroEvent, std::string> cases[] = {
+      {Event(10002), invalidCall + "   (Fehler-Nr. 5)\r\n"},
+      {Event(50002), invalidCall + "   (Fehler-Nr. 5)\r\n"},
+      {Event(10001, {{"Prefix", std::string()}}), invalidCall + "   (Fehler-Nr. 5)\r\n"},
+      {Event(50006, {{"Value", std::string("1e400")}}), "    Überlauf   (Fehler-Nr. 6)\r\n"}};
+  for (const auto& [broken, line] : cases) {
+    const std::string failed = kNoBackground + "!!! FEHLER !!!\r\n" + line;
+    EXPECT_EQ(RunLogOf({Event(50101), broken, Event(50103)}),
+              kTitleA + kLoadA + failed + kTitleB + kLoadB + failed + kFaulty);
+  }
+}
+
+TEST_F(RunDriver, NamesACommandThatThisVersionDoesNotHave) {
+  const CommandRow* missing = nullptr;
+  for (const CommandRow& row : CommandCatalogue()) {
+    if (row.run == actions::NotAvailable) missing = &row;
+  }
+  if (missing == nullptr) return;
+  AddFile("a.vas", samples::VasBytes(SmallSample()));
+  EXPECT_EQ(
+      RunLogOf({Event(missing->eventId), Event(50101)}),
+      kTitleA + kLoadA + "!!! FEHLER !!!\r\n    Ungültiger Prozeduraufruf oder ungültiges Argument (der Befehl '" +
+          std::string(missing->longText) + "' ist in dieser Version nicht enthalten)   (Fehler-Nr. 5)\r\n" + kFaulty);
+}
+
+TEST_F(RunDriver, DoesNothingForMenusAndUnknownIds) {
+  AddFile("a.vas", samples::VasBytes(SmallSample()));
+  EXPECT_EQ(RunLogOf({Event(12345), Event(10000), Event(50100), Event(-1), Event(50101)}),
+            kTitleA + kLoadA + kNoBackground + kSuccess);
+  std::vector<std::string_view> shown;
+  for (const RunProgress& p : ui.progress) shown.push_back(p.event);
+  EXPECT_EQ(shown, (std::vector<std::string_view>{
+                       "Laden der Orginaldatei", "Unbekannt!!!", "'Datei'-Menü", "'Hintergrund'-Menü", "Unbekannt!!!",
+                       "Keinen Hintergrund im Vektorfeld anzeigen", "Keinen Hintergrund im Vektorfeld anzeigen"}));
+  EXPECT_EQ(ui.yields, 6);
+}
+
+TEST_F(RunDriver, RunsTheNextCommandBehindAFailedSave) {
+  AddFile("a.vas", samples::VasBytes(SmallSample()));
+  program.files.faults.open = ErrorNumber::accessDenied;
+  EXPECT_EQ(RunLogOf({SaveEvent("", "_x"), Comment("c")}),
+            kTitleA + kLoadA +
+                "Datei speichern unter '/serie/a_x.vas'... !!! FEHLER !!!\r\n"
+                "    Die aktuelle Datei kann nicht gespeichert werden, da beim Öffnen folgender Fehler aufgetreten "
+                "ist:\r\n    Zugriff verweigert   (Fehler-Nr. 70)\r\n" +
+                kComment + kFaulty);
+  EXPECT_FALSE(program.context.abortCurrentFile);
+}
+
+TEST_F(RunDriver, EndsWhereAFullDiskIsAnsweredWithCancel) {
+  AddTwoFiles();
+  program.files.faults.diskSize = 100;
+  ui.answers = {MessageAnswer::retry, MessageAnswer::cancel};
+  EXPECT_EQ(RunLogOf({SaveEvent("neu\\", ""), Comment("c")}),
+            kTitleA + kLoadA +
+                "Datei speichern unter '/serie/neu\\a.vas'... !!! FEHLER !!!\r\n"
+                "    Die Datei '/serie/neu\\a.vas' kann nicht gespeichert werden, da während des Schreibens "
+                "folgender "
+                "Fehler aufgetreten ist:\r\n    Datenträger voll   (Fehler-Nr. 61)\r\n" +
+                kAbortedAfterError);
+  ASSERT_EQ(ui.messages.size(), 2u);
+  EXPECT_EQ(ui.messages[1].title, "QuiverionSeries  -  Fehler beim Schreiben");
+  EXPECT_EQ(ui.messages[1].text,
+            "Fehler: Der Datenträger ist voll!\r\nVersuchen Sie mehr Speicherplatz frei zu machen!");
+  EXPECT_EQ(ui.messages[1].buttons, MessageButtons::retryCancel);
+  EXPECT_EQ(files.size(), 2u) << "no part of a result is left";
+  EXPECT_EQ(ui.progress.back().filesDone, 0);
+}
+
+TEST_F(RunDriver, SavesTheWholeFileWhereRetryFindsRoom) {
+  AddFile("a.vas", samples::VasBytes(SmallSample()));
+  program.files.faults.diskSize = 100;
+  ui.answers = {MessageAnswer::retry};
+  ui.onAsk = [&](const Message&) { program.files.faults.diskSize = 1 << 20; };
+  EXPECT_TRUE(RunLogOf({SaveEvent("", "_x")}).ends_with(kSuccess));
+  EXPECT_EQ(files["/serie/a_x.vas"], files["/serie/a.vas"]);
+}
+
+std::string Shown(const RunProgress& p) {
+  return std::to_string(p.currentFile) + "/" + std::to_string(p.fileCount) + " " + p.fileName + ", done " +
+         std::to_string(p.filesDone) + (p.errorOccurred ? ", error: " : ": ") + std::string(p.event);
+}
+
+TEST_F(RunDriver, ShowsTheErrorFromTheFirstCommandBehindIt) {
+  AddFile(" a.vas ", samples::VasBytes(SmallSample()));  // the name is shown without the blanks
+  session.selectedFiles.back() = " a.vas";
+  files["/serie/ a.vas"] = files["/serie/ a.vas "];
+  Select("b.vas");
+  AddFile("c.vas", samples::VasBytes(SmallSample()));
+  const std::string log = RunLogOf({Event(50101), Event(50102)});
+  EXPECT_TRUE(log.starts_with(kTitleA + "Orginaldatei '/serie/ a.vas' einladen... fertig\r\n")) << log;
+  const std::string load = "Laden der Orginaldatei", first = "Keinen Hintergrund im Vektorfeld anzeigen",
+                    second = "(Swirling Strength)² im Vektorfeld als Hintergrund anzeigen";
+  std::vector<std::string> shown;
+  for (const RunProgress& p : ui.progress) shown.push_back(Shown(p));
+  EXPECT_EQ(shown, (std::vector<std::string>{
+                       "1/3 a.vas, done 0: " + load, "1/3 a.vas, done 0: " + first, "1/3 a.vas, done 0: " + second,
+                       "1/3 a.vas, done 1: " + second, "2/3 b.vas, done 1: " + load, "2/3 b.vas, done 2: " + load,
+                       "3/3 c.vas, done 2: " + load, "3/3 c.vas, done 2, error: " + first,
+                       "3/3 c.vas, done 2, error: " + second, "3/3 c.vas, done 3, error: " + second}));
+}
+
+TEST_F(RunDriver, ComposesTheOutputPath) {
+  struct Case {
+    std::string name, prefix, postfix, output, logged;
+  };
+  const Case cases[] = {{"a.b.vas", "", "", "a.b.vas", "a.b.vas"},
+                        {"Run07.VAS", "VF of ", "_s", "VF of Run07_s.vas", "VF of Run07_s.vas"},
+                        {"a.vas", "neu\\", "", "neu/a.vas", "neu\\a.vas"},
+                        {"a.vas", "neu/tief\\x_", "", "neu/tief/x_a.vas", "neu/tief\\x_a.vas"},
+                        {"a.vas", "", ".v2", "a.v2.vas", "a.v2.vas"}};
+  for (const Case& c : cases) {
+    session.selectedFiles.clear();
+    files.clear();
+    program.files.directories.clear();
+    AddFile(c.name, samples::VasBytes(SmallSample()));
+    const std::string log = RunLogOf({Comment("neu"), SaveEvent(c.prefix, c.postfix)});
+    EXPECT_NE(log.find("Datei speichern unter '/serie/" + c.logged + "'... fertig\r\n" + kSuccess), std::string::npos)
+        << log;
+    EXPECT_EQ(files.size(), c.name == c.output ? 1u : 2u) << c.output;
+    ASSERT_TRUE(files.contains("/serie/" + c.output)) << c.output;
+    EXPECT_TRUE(FieldIn("/serie/" + c.output).infoText.ends_with("\r\nneu\r\n"));
+  }
+}
+
+TEST_F(RunDriver, CarriesOnlyThePaletteSettingAndTheViewerSettingsToTheNextFile) {
+  samples::SampleField first = SmallSample();
+  first.paletteSetting = 17.5;
+  first.viewerSettings = {1.5, 2.5, 3.5};
+  first.scaleFactor = 4;
+  first.paletteMin = -9;
+  first.background = 2;
+  first.showTable = true;
+  AddFile("a.vas", samples::VasBytes(first));
+  AddFile("b.dat", samples::DatBytes(SmallSample(1)));
+  RunLogOf({SaveEvent("", "_s"), Comment("a"), Event(50006, {{"Value", 7.0}}), Event(50001, {{"Checked", true}})});
+  const VectorField saved = FieldIn("/serie/b_s.vas");
+  EXPECT_EQ(saved.paletteSetting, 17.5);
+  EXPECT_EQ(saved.viewerSettings, (std::array<double, 3>{1.5, 2.5, 3.5}));
+  EXPECT_EQ(saved.scaleFactor, 1.0);
+  EXPECT_EQ(std::pair(saved.paletteMin, saved.paletteMax), std::pair(0.0, 100000.0));
+  EXPECT_EQ(saved.background, Background::none);
+  EXPECT_FALSE(saved.showTable || saved.showHeader);
+  EXPECT_TRUE(saved.showVectorField);
+  EXPECT_EQ(saved.infoText, "");
+  EXPECT_EQ(saved.offsetX, 0.0);
+}
+
+TEST_F(RunDriver, ForgetsTheFlagsOfTheRunBefore) {
+  AddTwoFiles();
+  program.files.openErrors["/serie/a.vas"] = ErrorNumber::accessDenied;
+  ui.abortAtYield = 3;
+  EXPECT_TRUE(RunLogOf({Event(50101)}).ends_with(kAbortedAfterError));
+  program.files.openErrors.clear();
+  ui.abortAtYield = 0;
+  EXPECT_TRUE(RunLogOf({Event(50101)}).ends_with(kNoBackground + kSuccess));
+  EXPECT_FALSE(ui.progress.back().errorOccurred);
+}
+
+}  // namespace
+}  // namespace quiverion::test
