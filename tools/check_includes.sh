@@ -14,30 +14,30 @@ declare -A allowed=(
 )
 
 check() {
-  local src=$1 broken=0 folder file line target top
-  for file in $(cd "$src" && find . -mindepth 2 \( -name '*.h' -o -name '*.cpp' \) | sort); do
-    file=${file#./}
+  local src=$1 broken=0 file line folder target top
+  while IFS=: read -r file line; do
     folder=${file%%/*}
     if [ -z "${allowed[$folder]+known}" ]; then
       echo "$file: the folder '$folder' is not in the list of $(basename "$0")"
       broken=1
       continue
     fi
-    while IFS= read -r line; do
-      target=$(sed -E 's/^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]([^">]+)[">].*/\1/' <<<"$line")
-      top=${target%%/*}
-      case $line in
-        *'"'*) [ "$top" = "$folder" ] && continue ;;
-        # Angle brackets: the standard library and the system's own headers (only platform has any of those).
-        *) [[ $target =~ ^[a-z_0-9]+$ ]] && continue
-           [ "$folder" = platform ] && [[ $target =~ ^(sys/)?[a-z]+\.h$ ]] && continue ;;
-      esac
-      if [[ " ${allowed[$folder]} " != *" $top "* ]]; then
-        echo "$file: must not include $target"
-        broken=1
-      fi
-    done < <(grep -E '^[[:space:]]*#[[:space:]]*include' "$src/$file" || true)
-  done
+    target=${line#*[\"<]}
+    target=${target%%[\">]*}
+    top=${target%%/*}
+    case $line in
+      *'"'*) [ "$top" = "$folder" ] && continue ;;
+      # Angle brackets: the standard library and the system's own headers (only platform has any of those).
+      *)
+        [[ $target =~ ^[a-z_0-9]+$ ]] && continue
+        [ "$folder" = platform ] && [[ $target =~ ^(sys/)?[a-z]+\.h$ ]] && continue
+        ;;
+    esac
+    if [[ " ${allowed[$folder]} " != *" $top "* ]]; then
+      echo "$file: must not include $target"
+      broken=1
+    fi
+  done < <(cd "$src" && grep -rE --include='*.h' --include='*.cpp' '^[[:space:]]*#[[:space:]]*include' -- */ | sort)
   return $broken
 }
 

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "macro/command_catalogue.h"
 #include "platform/text.h"
@@ -91,7 +92,8 @@ class CommandReader {
     }
     if (!value.is_number()) FailKind(parameter.key, "eine Zahl");
     const double number = value.get<double>();
-    const bool fits = parameter.encoding != FileEncoding::int32 || std::fabs(number) < 2147483647.0;
+    // What is rounded to 32 bits in the file must fit after the rounding.
+    const bool fits = parameter.encoding != FileEncoding::int32 || (number >= -2147483648.5 && number < 2147483647.5);
     if (!std::isfinite(number) || !fits) FailKind(parameter.key, "eine Zahl, die in die Makrodatei passt");
     return number;
   }
@@ -129,6 +131,30 @@ std::string CommandToJson(const MacroEvent& event, std::size_t position) {
   return line + "}";
 }
 
+// The parser itself would keep one of two values and say nothing.
+Json ParseJson(std::string_view text) {
+  std::vector<std::set<std::string>> keys;
+  std::size_t position = 0;
+  const auto watch = [&](int depth, Json::parse_event_t event, Json& parsed) {
+    if (event == Json::parse_event_t::object_start) {
+      keys.emplace_back();
+      position += depth == 1 ? 1 : 0;
+    }
+    if (event == Json::parse_event_t::object_end) keys.pop_back();
+    if (event == Json::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second) {
+      throw MacroJsonError(Place(position) + "Der Schlüssel '" + parsed.get<std::string>() + "' kommt zweimal vor.");
+    }
+    return true;
+  };
+  try {
+    return Json::parse(text, watch);
+  } catch (const Json::parse_error& error) {
+    throw MacroJsonError("Kein gültiges JSON, Fehler bei Byte " + std::to_string(error.byte) + ".");
+  } catch (const Json::out_of_range&) {
+    throw MacroJsonError("Befehl " + std::to_string(position) + ": Eine Zahl ist zu groß.");
+  }
+}
+
 }  // namespace
 
 std::string MacroToJson(const MacroEventList& macro) {
@@ -140,12 +166,7 @@ std::string MacroToJson(const MacroEventList& macro) {
 }
 
 MacroEventList MacroFromJson(std::string_view text) {
-  Json array;
-  try {
-    array = Json::parse(text);
-  } catch (const Json::parse_error& error) {
-    throw MacroJsonError("Kein gültiges JSON, Fehler bei Byte " + std::to_string(error.byte) + ".");
-  }
+  const Json array = ParseJson(text);
   if (!array.is_array()) throw MacroJsonError("Ein Feld [ ... ] von Befehlen wird erwartet.");
   MacroEventList macro;
   for (const Json& object : array) macro.push_back(CommandReader(object, macro.size() + 1).Read());

@@ -113,14 +113,11 @@ void AddMacro(CLI::App& app, Action& action, FileArguments& files) {
   CLI::App* const exported = macro->add_subcommand("export", "Makro als JSON ausgeben");
   AddPath(exported, "MAKRO", files.first, "Makrodatei (*.mak)");
   exported->callback([&] { action = [&files] { return ExportMacro(files.first); }; });
-  CLI::App* const import = macro->add_subcommand("import", "JSON als Makrodatei schreiben");
-  AddPath(import, "JSON", files.first, "JSON-Datei, - für die Standardeingabe");
-  AddPath(import, "MAKRO", files.second, "Makrodatei (*.mak), die geschrieben wird");
-  import->callback([&] { action = [&files] { return ImportMacro(files.first, files.second);
-};
-}  // namespace
-);
-}  // namespace quiverion::cli
+  CLI::App* const imported = macro->add_subcommand("import", "JSON als Makrodatei schreiben");
+  AddPath(imported, "JSON", files.first, "JSON-Datei, - für die Standardeingabe");
+  AddPath(imported, "MAKRO", files.second, "Makrodatei (*.mak), die geschrieben wird");
+  imported->callback([&] { action = [&files] { return ImportMacro(files.first, files.second); }; });
+}
 
 void AddQueries(CLI::App& app, Action& action, FileArguments& files) {
   CLI::App* const info = app.add_subcommand("info", "Inhalt einer VAS-, DAT- oder VEC-Datei zeigen");
@@ -133,7 +130,7 @@ void AddQueries(CLI::App& app, Action& action, FileArguments& files) {
 }
 
 // CLI11 words its errors in English; the kind and the names in it are enough for a German sentence.
-std::string UsageMessage(const CLI::ParseError& error) {
+std::string UsageMessage(const CLI::App& app, const CLI::ParseError& error) {
   const std::string what = error.what();
   const std::string name = what.substr(0, what.find_first_of(": "));
   if (dynamic_cast<const CLI::ValidationError*>(&error)) return "Ungültiger Wert: " + what;
@@ -142,6 +139,8 @@ std::string UsageMessage(const CLI::ParseError& error) {
   }
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) return "Wert fehlt oder steht zuviel: " + name;
   if (dynamic_cast<const CLI::RequiredError*>(&error)) {
+    const std::vector<std::string> unknown = app.remaining(true);
+    if (!unknown.empty()) return "Unbekannter Befehl: " + unknown.front();
     return what.find("ubcommand") != std::string::npos ? "Ein Befehl fehlt." : "Argument fehlt: " + name;
   }
   return "Ungültiger Aufruf: " + name;
@@ -177,7 +176,7 @@ int Main(int argc, char** argv) {
     terminal.Print(std::string(version.what()) + "\n");
     return kDone;
   } catch (const CLI::ParseError& error) {
-    terminal.PrintError(UsageMessage(error) + "\nHilfe zeigt: quiverionseries-cli --help\n");
+    terminal.PrintError(UsageMessage(app, error) + "\nHilfe zeigt: quiverionseries-cli --help\n");
     return kUsage;
   } catch (const std::exception& error) {
     terminal.PrintError(ErrorText(AsSystemError(error)) + "\n");

@@ -124,14 +124,18 @@ int RunSeries(const RunOptions& options) {
                         IsTerminal(StandardStream::output));
   services.log.Attach(output);
   std::optional<LogFile> logFile;
-  try {
+  // Opened before the first file is touched: a log that cannot be written must not be noticed after hours. Opened after
+  // the checks: a run that they refuse writes nothing.
+  const auto openLog = [&] {
     if (!options.log.empty()) logFile.emplace(*services.files, services.log, options.log);
+    Terminal::CatchSignals();
+  };
+  try {
+    if (!StartRun(session, openLog)) return kRefused;
   } catch (const SystemError& error) {
     ReportLogFailure(services.terminal, options.log, error);
     return kFailed;
   }
-  Terminal::CatchSignals();
-  if (!StartRun(session)) return kRefused;
   services.log.Flush();
   int code = Outcome(services);
   try {

@@ -11,9 +11,10 @@ namespace {
 
 volatile std::sig_atomic_t signalSeen = 0;  // the only state a signal handler may touch
 
-extern "C" void HandleSignal(int number) {
+extern "C" void HandleSignal(int /*number*/) {
   signalSeen = 1;
-  std::signal(number, SIG_DFL);
+  std::signal(SIGINT, SIG_DFL);
+  std::signal(SIGTERM, SIG_DFL);
 }
 
 std::string WithNewlines(std::string_view text) {

@@ -155,10 +155,18 @@ bool ReadPlainNumber(std::string_view number, double& value) {
   const int whole = std::min(pointAt, length);
   const int places = std::max(length - whole - 1, 0);
   if (places > 8 || whole + places < 1 || (pointAt == 8 && length > 8)) return false;
-  const Word wholeDigits = Digits(first, whole);
-  const Word placeDigits = Digits(Load(text + whole + 1), places);
-  if (!AllDigits(wholeDigits) || !AllDigits(placeDigits)) return false;
-  const std::uint64_t digits = EightDigits(wholeDigits) * kIntegerPowersOfTen[places] + EightDigits(placeDigits);
+  const Word placesText = Load(text + whole + 1);
+  std::uint64_t digits = 0;
+  if (whole + places <= 8) {
+    const Word all = Digits(first, whole) >> (8 * places % 64) | Digits(placesText, places);
+    if (!AllDigits(all)) return false;
+    digits = EightDigits(all);
+  } else {
+    const Word wholeDigits = Digits(first, whole);
+    const Word placeDigits = Digits(placesText, places);
+    if (!AllDigits(wholeDigits) || !AllDigits(placeDigits)) return false;
+    digits = EightDigits(wholeDigits) * kIntegerPowersOfTen[places] + EightDigits(placeDigits);
+  }
   // At most fifteen digits (a point leaves room for seven before it): both are exact and the division rounds once, to
   // the correctly rounded value.
   const double magnitude = static_cast<double>(static_cast<std::int64_t>(digits)) / kPowersOfTen[places];

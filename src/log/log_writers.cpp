@@ -43,7 +43,13 @@ void AppendLines(std::string& target, std::string_view text, bool forTerminal) {
     target.push_back('\n');
     text.remove_prefix(lineBreak + 2);
   }
-  if (forTerminal) std::replace_if(target.begin() + static_cast<std::ptrdiff_t>(start), target.end(), IsControl, '?');
+  if (!forTerminal) return;
+  std::replace_if(target.begin() + static_cast<std::ptrdiff_t>(start), target.end(), IsControl, '?');
+  // U+0080 to U+009F are controls in one character.
+  for (std::size_t at = target.find('\xC2', start); at != std::string::npos; at = target.find('\xC2', at + 1)) {
+    const bool control = at + 1 < target.size() && (static_cast<unsigned char>(target[at + 1]) & 0xE0) == 0x80;
+    if (control) target.replace(at, 2, "?");
+  }
 }
 
 void AppendNumber(std::string& target, int number) {

@@ -65,11 +65,12 @@ MacroEvent ReadRecord(BinaryReader& reader) {
   return event;
 }
 
-// A text that a macro file cannot hold.
+// A text that is to be written and that a macro file cannot hold.
 std::optional<std::string> FindLostText(const MacroEventList& macro) {
   for (const MacroEvent& event : macro) {
-    for (const auto& [key, value] : event.Values()) {
-      const auto* text = std::get_if<std::string>(&value);
+    for (const Parameter& parameter : ParametersOf(event.EventId())) {
+      const MacroValue* const value = event.Find(parameter.key);
+      const auto* text = value == nullptr ? nullptr : std::get_if<std::string>(value);
       if (text != nullptr && !FitsWindows1252(*text)) return *text;
     }
   }

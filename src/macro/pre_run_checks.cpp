@@ -88,7 +88,7 @@ bool PreRunChecks(Session& session) {
   return CheckDiskSpace(session, session.SelectedFileCount() * kilobytesPerFile);
 }
 
-bool StartRun(Session& session) {
+bool StartRun(Session& session, const std::function<void()>& beforeRun) {
   const BusyGuard guard(session);
   if (!guard.Entered()) return false;
   if (session.selectedFiles.empty()) {
@@ -99,6 +99,7 @@ bool StartRun(Session& session) {
                   MessageIcon::information);
   }
   if (!PreRunChecks(session)) return false;
+  if (beforeRun) beforeRun();
   RunMacro(session);
   return true;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "macro/session.h"
 
 namespace quiverion {
@@ -9,8 +11,8 @@ namespace quiverion {
 /// writes no field. Returns true where the run may start.
 bool PreRunChecks(Session& session);
 
-/// What the Start button does: files and commands must be there, then the checks, then the run.
-/// Returns false where the run was refused and nothing was written.
-bool StartRun(Session& session);
+/// What the Start button does: files and commands must be there, then the checks, then the run. `beforeRun` is called
+/// when nothing stands in the way any more. Returns false where the run was refused and nothing was written.
+bool StartRun(Session& session, const std::function<void()>& beforeRun = {});
 
 }  // namespace quiverion

@@ -3,6 +3,7 @@
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -138,15 +139,24 @@ QUIVERION_NO_INLINE void ComputeFast(const VectorField& field, Grid<double>& tar
   }
 }
 
-// The fast kernel works on scratch memory. Only where a floating-point flag was raised the plain loops run in
-// place: they stop at the exact point, if there is one.
+// Two positions that some point could take its difference between are equal. A division of NaN by their distance raises
+// no flag, but stops the computation all the same.
+bool HasEqualPositions(std::span<const double> positions) {
+  bool equal = false;
+  for (std::size_t k = 1; k < positions.size(); ++k) equal |= positions[k] == positions[k - 1];
+  for (std::size_t k = 2; k < positions.size(); ++k) equal |= positions[k] == positions[k - 2];
+  return equal;
+}
+
+// The fast kernel works on scratch memory. Only where a floating-point flag was raised the plain loops run in place:
+// they stop at the exact point, if there is one.
 template <class Inner, class Formula, class CheckedFormula>
 void Calculate(VectorField& field, Inner inner, Formula formula, CheckedFormula checkedFormula) {
   Grid<double> scratch;
   scratch.ResetUninitialised(field.columnCount, field.rowCount);
   const FloatErrorScope errors;
   ComputeFast(field, scratch, inner, formula);
-  if (errors.Raised()) {
+  if (errors.Raised() || HasEqualPositions(field.posX) || HasEqualPositions(field.posY)) {
     plain::ComputeDerived<CheckedReal>(field, field.derivedScalar, checkedFormula);
   } else {
     std::swap(field.derivedScalar, scratch);

@@ -184,7 +184,7 @@ TEST(DerivedScalar, StopsAtTheExactPointOfAnArithmeticError) {
       {"equal columns", [](VectorField& f) { f.posX[1] = f.posX[2]; }, ErrorNumber::divisionByZero, 3, 1},
       {"equal rows", [](VectorField& f) { f.posY[0] = f.posY[1]; }, ErrorNumber::divisionByZero, 1, 1},
       {"equal rows at the end", [](VectorField& f) { f.posY[1] = f.posY[2]; }, ErrorNumber::divisionByZero, 1, 3},
-      {"velocities too far apart", [](VectorField& f) { f.velX(3, 1) = -1e308; }, ErrorNumber::overflow, 2, 1},
+      {"velocities too far apart", [](VectorField& f) { f.velX(3, 1) = -1e308; }, ErrorNumber::overflow, 3, 1},
       {"a velocity times 1000", [](VectorField& f) { f.velY(3, 2) = 1e306; }, ErrorNumber::overflow, 2, 2},
       {"the first point", [](VectorField& f) { f.velX(1, 2) = 1.7e308; }, ErrorNumber::overflow, 1, 1}};
   for (const Stop& stop : stops) {
