@@ -1,6 +1,7 @@
 #include "field/vec_file.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cstring>
 #include <memory>
@@ -117,12 +118,21 @@ void WarnOfStatus(Context& context, std::int32_t status) {
   context.runHadError = true;
 }
 
-// The statuses of the first frame, rounded; whatever is not 0 to 4 is warned of. The usual frame takes the quick way,
-// without a branch per value.
+// True where every value is 0 to 4.5 (and not -0): seen as integers, floats of one sign keep their order, and the loop
+// has no branch.
+bool AreUsualStatuses(std::span<const float> values) {
+  constexpr auto limit = std::bit_cast<std::int32_t>(4.5f);
+  std::int32_t signs = 0;
+  for (const float value : values) {
+    const auto bits = std::bit_cast<std::int32_t>(value);
+    signs |= bits | (limit - (bits & 0x7FFFFFFF));
+  }
+  return signs >= 0;
+}
+
+// The statuses of the first frame, rounded; whatever is not 0 to 4 is warned of. The usual frame takes the quick way.
 void ConvertStatus(Context& context, std::span<std::int32_t> status, const float* values) {
-  bool usual = true;
-  for (std::size_t p = 0; p < status.size(); ++p) usual &= (values[p] >= -0.5f) & (values[p] <= 4.5f);
-  if (usual) {
+  if (AreUsualStatuses({values, status.size()})) {
     for (std::size_t p = 0; p < status.size(); ++p) {
       status[p] = static_cast<std::int32_t>((static_cast<double>(values[p]) + kNoFraction) - kNoFraction);
     }

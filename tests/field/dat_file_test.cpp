@@ -112,6 +112,15 @@ TEST_F(DatFile, PutsEachLineAtItsGridPoint) {
   }
 }
 
+TEST_F(DatFile, RoundsTheDistanceInXAndThePositionInY) {
+  DatImage image;
+  image.header[8] = "Window: 30x30";
+  image.header[9] = "Grid: 15x15";  // first pixels 15 and 49
+  image.data = "44.5 34.5 0 0 0 0 1 2";
+  EXPECT_EQ(LoadDat(image), Loaded("in.dat"));
+  EXPECT_EQ(field_.status(3, 2), 1) << "29.5 is 30, 34.5 is 34";
+}
+
 TEST_F(DatFile, RefusesLinesOutsideTheGridAndNumbersTooLarge) {
   const std::pair<std::string, int> cases[] = {{"0 48 0 0 0 0 1 2", 9},          {"64 48 0 0 0 0 1 2", 9},
                                                {"16 64 0 0 0 0 1 2", 9},         {"16 0 0 0 0 0 1 2", 9},
@@ -164,12 +173,15 @@ TEST_F(DatFile, TheQuickWayGivesTheSameField) {
   int loaded = 0;
   for (int turn = 0; turn < 1500; ++turn) {
     DatImage image;
-    image.header[7] = "Image: 640x480";
+    const bool fine = turn % 4 < 2;  // a grid where every half pixel counts
+    image.header[7] = fine ? "Image: 64x52" : "Image: 640x480";
+    image.header[8] = fine ? "Window: 2x2" : "Window: 32x32";
+    image.header[9] = fine ? "Grid: 1x1" : "Grid: 16x16";
     for (std::uint64_t k = 0, count = below(turn % 2 == 0 ? 3 : 30); k < count; ++k) {
-      image.data += position(620) + pick({" ", " ", "  "}) + position(460) + " 1 2 3 4 " + velocity() + " " +
-                    velocity() + pick({"\r\n", "\r\n", " 9\n", "\r"});
+      image.data += position(fine ? 60 : 620) + pick({" ", " ", "  "}) + position(fine ? 50 : 460) + " 1 2 3 4 " +
+                    velocity() + " " + velocity() + pick({"\r\n", "\r\n", " 9\n", "\r"});
     }
-    const std::string last = "16 464 0 0 0 0 1 2";
+    const std::string last = "16 48 0 0 0 0 1 2";
     image.data += last;
     const std::string quickLog = LoadDat(image);
     const VectorField quick = field_;

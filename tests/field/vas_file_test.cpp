@@ -159,6 +159,25 @@ TEST_F(VasFile, ALoadResetsBeforeItOpensTheFile) {
   EXPECT_EQ(field_.paletteSetting, 300);
 }
 
+TEST(CreateArrays, FillsAllSixWithZeros) {
+  VectorField field = FieldOfImage();
+  for (double& value : field.derivedScalar.Values()) value = 5;
+  for (const auto& [columns, rows] : {std::pair(3, 2), std::pair(2, 2), std::pair(5, 4)}) {
+    CreateArrays(field, columns, rows);
+    const std::vector<double> zeros(static_cast<std::size_t>(columns * rows));
+    for (Grid<double>* const grid : {&field.velX, &field.velY, &field.derivedScalar}) {
+      EXPECT_TRUE(SameBits(grid->Values(), zeros));
+      for (double& value : grid->Values()) value = 7;
+    }
+    EXPECT_TRUE(SameBits(field.posX, std::span(zeros).first(static_cast<std::size_t>(columns))));
+    EXPECT_TRUE(SameBits(field.posY, std::span(zeros).first(static_cast<std::size_t>(rows))));
+    EXPECT_EQ(std::ranges::count(field.status.Values(), 0), columns * rows);
+    field.posX[0] = field.posY[0] = field.status(1, 1) = 7;
+  }
+  EXPECT_EQ(ErrorOf([&] { CreateArrays(field, 0, 3); }), 9);
+  EXPECT_EQ(ErrorOf([&] { CreateArrays(field, 3, -1); }), 9);
+}
+
 TEST_F(VasFile, TheDerivedScalarIsZeroAfterEveryLoad) {
   const samples::SampleField sample = samples::MakeSampleField({.columns = 8, .rows = 6});
   const std::pair<std::string, std::string> inputs[] = {{"a.vas", samples::VasBytes(sample)},
