@@ -169,7 +169,7 @@ void ConvertSimple(VectorField& field, const float* frames, VelocityScale scale)
   double* const velY = field.velY.Values().data();
   for (std::size_t p = 0; p < count; ++p) velX[p] = static_cast<double>(frames[p]) * scale.u;
   for (std::size_t p = 0; p < count; ++p) velY[p] = static_cast<double>(frames[count + p]) * scale.v;
-  for (std::size_t p = 0; p < count; ++p) status[p] = (velX[p] != 0) | (velY[p] != 0) ? 1 : 0;
+  for (std::size_t p = 0; p < count; ++p) status[p] = (velX[p] != 0) | (velY[p] != 0);
 }
 
 }  // namespace
