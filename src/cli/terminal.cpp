@@ -5,6 +5,7 @@
 
 #include "platform/environment.h"
 #include "platform/numbers.h"
+#include "platform/text.h"
 
 namespace quiverion::cli {
 namespace {
@@ -23,6 +24,13 @@ std::string WithNewlines(std::string_view text) {
   return lines;
 }
 
+// True where the text leaves the terminal at the beginning of a line; what ends the colour may stand behind the break.
+bool EndsLine(std::string_view text) {
+  constexpr std::string_view plainAgain = "\x1b[0m";
+  if (text.ends_with(plainAgain)) text.remove_suffix(plainAgain.size());
+  return text.ends_with('\n');
+}
+
 // "1:05"
 std::string MinutesText(double seconds) {
   const auto whole = static_cast<long long>(seconds + 0.5);
@@ -30,15 +38,18 @@ std::string MinutesText(double seconds) {
   return std::to_string(whole / 60) + (rest.size() < 2 ? ":0" : ":") + rest;
 }
 
+// One line of at most 79 characters: a longer one would wrap, and only its last part could be erased.
 std::string ProgressText(const RunProgress& progress, double seconds) {
-  std::string text = "Datei " + std::to_string(progress.currentFile) + " von " + std::to_string(progress.fileCount) +
-                     (progress.errorOccurred ? " (Fehler aufgetreten)  " : "  ") + std::string(progress.event);
+  std::string text = "Datei " + std::to_string(progress.currentFile) + " von " + std::to_string(progress.fileCount);
   if (progress.filesDone > 0 && seconds > 0) {
     const double rate = progress.filesDone / seconds;
     const double rounded = rate < 10 ? std::max(1, RoundToInt32(rate * 10)) / 10.0 : RoundToInt32(rate);
-    text += "  " + FormatNumber(rounded, ',') + " Dateien/s, noch " +
+    text += ", " + FormatNumber(rounded, ',') + " Dateien/s, noch " +
             MinutesText((progress.fileCount - progress.filesDone) / rate);
   }
+  text += progress.errorOccurred ? " (Fehler aufgetreten): " : ": ";
+  std::string_view event = progress.event;
+  while (!event.empty() && CharacterCount(text) < 79) AppendUtf8(text, TakeCodePoint(event));
   return text;
 }
 
@@ -55,7 +66,10 @@ void Terminal::CatchSignals() {
 }
 
 void Terminal::Print(std::string_view text) {
-  if (outputIsTerminal_) EraseProgress();
+  if (outputIsTerminal_) {
+    EraseProgress();
+    insideLine_ = !EndsLine(text);
+  }
   if (!WriteToStream(StandardStream::output, text)) outputFailed_ = true;
 }
 
@@ -82,9 +96,9 @@ void Terminal::RunStarted(const RunProgress& /*progress*/) {
 }
 
 void Terminal::ShowProgress(const RunProgress& progress) {
-  if (!showProgress_) return;
+  if (!showProgress_ || insideLine_) return;
   const Time now = std::chrono::steady_clock::now();
-  if (progressShown_ && now - lastShown_ < std::chrono::milliseconds(100)) return;
+  if (now - lastShown_ < std::chrono::milliseconds(100)) return;
   lastShown_ = now;
   const std::string text = ProgressText(progress, std::chrono::duration<double>(now - start_).count());
   WriteToStream(StandardStream::error, "\r\x1b[K" + text);

@@ -39,6 +39,7 @@ class Terminal : public UserInterface {
   bool outputIsTerminal_;
   bool showProgress_;
   bool progressShown_ = false;
+  bool insideLine_ = false;  // the log has begun a line on the same terminal: the progress must not erase it
   bool outputFailed_ = false;
   Time start_;
   Time lastShown_;

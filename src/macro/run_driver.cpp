@@ -41,7 +41,7 @@ class Run {
       RunFile(name);
       if (context_.userAbortRequested) break;
       progress_.filesDone = progress_.currentFile;
-      context_.ui.ShowProgress(progress_);
+      ShowProgress();
     }
     context_.ui.RunEnded();
     WriteTitle(context_.log, Verdict(context_));
@@ -54,7 +54,7 @@ class Run {
   void RunFile(const std::string& name) {
     progress_.fileName = TrimBlanks(name);
     progress_.event = "Laden der Orginaldatei";
-    context_.ui.ShowProgress(progress_);
+    ShowProgress();
     WriteTitle(context_.log, progress_.fileName);
     Yield();
     context_.abortCurrentFile = false;
@@ -76,13 +76,18 @@ class Run {
       progress_.event = MacroEventDescription(eventId, true);
     });
     progress_.errorOccurred = progress_.errorOccurred || context_.runHadError;
-    context_.ui.ShowProgress(progress_);
+    ShowProgress();
     Yield();
     if (context_.userAbortRequested) return false;
     if (row != nullptr && row->run != nullptr) {
       Guarded([&] { row->run({context_, session_.currentMacroEvent, session_.inputDirectory, name}); });
     }
     return true;
+  }
+
+  void ShowProgress() {
+    context_.log.Flush();
+    context_.ui.ShowProgress(progress_);
   }
 
   void Yield() {

@@ -41,7 +41,8 @@ class OutputFile {
   virtual std::size_t WriteSomePieces(std::span<const std::string_view> pieces);
 
   /// Flushes and renames. A file that replaces an existing one is synced to the disk first: what it replaces
-  /// may be the only copy of a measurement. Throws SystemError; may then be repeated.
+  /// may be the only copy of a measurement. Throws SystemError; may then be repeated, but once
+  /// the bytes could not be flushed it fails again each time.
   virtual void Commit() = 0;
 };
 

@@ -78,8 +78,11 @@ std::string AbsolutePath(const std::string& path) {
   if (native.starts_with('/') || drive) return path;
   std::error_code ignored;
   std::string current = std::filesystem::current_path(ignored).string();
+  std::size_t start = 0;
+  while (native.compare(start, 2, "./") == 0) start += 2;
+  if (start == native.size() || native.substr(start) == ".") return current;
   if (!current.ends_with('/')) current.push_back('/');
-  return current + path.substr(native.starts_with("./") ? 2 : 0);
+  return current + path.substr(start);
 }
 
 bool IsSameDirectory(const std::string& a, const std::string& b) {

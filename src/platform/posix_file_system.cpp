@@ -166,15 +166,21 @@ class PosixOutputFile : public OutputFile {
 
   std::size_t WriteSomePieces(std::span<const std::string_view> pieces) override {
     std::array<iovec, kMaxPieces> list{};
-    const std::size_t count = std::min(pieces.size(), kMaxPieces);
-    for (std::size_t k = 0; k < count; ++k) list[k] = {const_cast<char*>(pieces[k].data()), pieces[k].size()};
+    std::size_t count = 0;
+    for (const std::string_view piece : pieces) {
+      if (!piece.empty()) list[count++] = {const_cast<char*>(piece.data()), piece.size()};
+      if (count == kMaxPieces) break;
+    }
     return Written([&] { return ::writev(descriptor_.Number(), list.data(), static_cast<int>(count)); });
   }
 
   void Commit() override {
+    // What was not flushed is not there, and a second try would not say so: the first failure stays.
+    if (flushError_ != 0) ThrowErrno(flushError_);
     if (descriptor_.IsOpen()) {
-      if (replaces_ && ::fsync(descriptor_.Number()) != 0) ThrowErrno(errno);
-      if (descriptor_.Close() != 0) ThrowErrno(errno);
+      if (replaces_ && ::fsync(descriptor_.Number()) != 0) flushError_ = errno;
+      if (descriptor_.Close() != 0 && flushError_ == 0) flushError_ = errno;
+      if (flushError_ != 0) ThrowErrno(flushError_);
     }
     if (::rename(temporaryPath_.c_str(), path_.c_str()) != 0) ThrowErrno(errno, path_);
     committed_ = true;
@@ -197,6 +203,7 @@ class PosixOutputFile : public OutputFile {
   std::string path_;
   bool replaces_;
   bool committed_ = false;
+  int flushError_ = 0;
 };
 
 // Names for temporary files that nobody can guess and prepare a link for.
