@@ -19,7 +19,8 @@ namespace quiverion::bench {
 class ScratchDirectory {
  public:
   ScratchDirectory() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "quiverion-bench-XXXXXX").string();
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / ("quiverion-bench-" + std::string(6, 'X'))).string();
     path_ = ::mkdtemp(pattern.data());
   }
   ~ScratchDirectory() { std::filesystem::remove_all(path_); }

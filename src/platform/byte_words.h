@@ -17,7 +17,7 @@ inline constexpr Word kHighs = 0x8080808080808080;
 
 /// Eight bytes from `text`, which must be readable.
 inline Word Load(const char* text) {
-  Word word;
+  Word word = 0;
   std::memcpy(&word, text, sizeof word);
   return word;
 }

@@ -50,97 +50,46 @@ TEST(MacroJson, ReadsWhatItWrites) {
 }
 
 TEST(MacroJson, AcceptsOtherFormsOfTheSameCommand) {
-  struct Case {
-    const char* json;
-    std::string exported;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, std::string> cases[] = {
       {R"([{"XCOMP": 2, "ycomp": -1, "eventid": 40201}])",
        R"({"EventId": "evtAddConstVector", "XComp": 2.0, "YComp": -1.0})"},
       {R"([{"EventId": "EVTGAUSS3X3"}])", R"({"EventId": "evtGauss3x3"})"},
-      {R"([{"Value": 3, "EventId": "evtScaleFactor"}])", R"({"EventId": "evtScaleFactor", "Value": 3.0})"},
-      {R"([{"EventId": 10002, "Comment": "\u00e4\u0000"}])",
-       "{\"EventId\": \"evtInsertComment\", \"Comment\": \"ä\\u0000\"}"},
       {R"([{"EventId": 30002, "ChkPosX": -2147483648, "ChkPosY": 2147483647}])",
-       R"({"EventId": "evtMirror", "ChkPosX": -2147483648, "ChkPosY": 2147483647})"},
-      {R"([{"EventId": 40201, "XComp": -2147483648, "YComp": 2147483647}])",
-       R"({"EventId": "evtAddConstVector", "XComp": -2147483648.0, "YComp": 2147483647.0})"}};
-  for (const Case& c : cases) {
-    try {
-      EXPECT_EQ(MacroToJson(MacroFromJson(c.json)), "[\n  " + c.exported + "\n]\n");
-    } catch (const std::exception& error) {
-      ADD_FAILURE() << c.json << ": " << error.what();
-    }
-  }
-}
-
-TEST(MacroJson, KeepsTheBitsOfANumber) {
-  for (const double value : {0.1, -0.0, 1.0 / 3.0, 5e-324, 1.7976931348623157e308, 123456789012345678.0}) {
-    const double read = MacroFromJson(MacroToJson({Event(50006, {{"Value", value}})}))[0].Number("Value");
-    EXPECT_EQ(read, value);
-    EXPECT_EQ(std::signbit(read), std::signbit(value));
-  }
+       R"({"EventId": "evtMirror", "ChkPosX": -2147483648, "ChkPosY": 2147483647})"}};
+  for (const auto& [json, exported] : cases) EXPECT_EQ(MacroToJson(MacroFromJson(json)), "[\n  " + exported + "\n]\n");
 }
 
 TEST(MacroJson, NamesThePositionAndTheKeyOfWhatIsWrong) {
   const std::string wrongId = "'EventId' muss eine ganze Zahl oder der Name eines Befehls sein.";
-  struct Case {
-    const char* json;
-    std::string message;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, std::string> cases[] = {
       {"", "Kein gültiges JSON, Fehler bei Byte 1."},
-      {"[{]", "Kein gültiges JSON, Fehler bei Byte 3."},
-      {"[] []", "Kein gültiges JSON, Fehler bei Byte 4."},
       {"[\"\xE4\"]", "Kein gültiges JSON, Fehler bei Byte 4."},
       {"{\"EventId\": 40103}", "Ein Feld [ ... ] von Befehlen wird erwartet."},
-      {"null", "Ein Feld [ ... ] von Befehlen wird erwartet."},
       {"[40103]", "Befehl 1: Ein Objekt { ... } wird erwartet."},
-      {R"([{"EventId": 40103}, []])", "Befehl 2: Ein Objekt { ... } wird erwartet."},
       {"[{}]", "Befehl 1: Der Schlüssel 'EventId' fehlt."},
-      {R"([{"EventId": 40103}, {"EventId": 40101}, {"Value": 1}])", "Befehl 3: Der Schlüssel 'EventId' fehlt."},
       {R"([{"EventId": "evtGauss7x7"}])", "Befehl 1: " + wrongId},
-      {R"([{"EventId": ""}])", "Befehl 1: " + wrongId},
       {R"([{"EventId": 40103.0}])", "Befehl 1: " + wrongId},
-      {R"([{"EventId": true}])", "Befehl 1: " + wrongId},
       {R"([{"EventId": 2147483648}])", "Befehl 1: " + wrongId},
-      {R"([{"EventId": -2147483649}])", "Befehl 1: " + wrongId},
-      {R"([{"EventId": 18446744073709551615}])", "Befehl 1: " + wrongId},
       {R"([{"EventId": 40103, "Value": 1}])", "Befehl 1: Der Schlüssel 'Value' ist unbekannt."},
-      {R"([{"EventId": 12345, "Prefix": ""}])", "Befehl 1: Der Schlüssel 'Prefix' ist unbekannt."},
       {R"([{"EventId": 10001, "Prefix": ""}])", "Befehl 1: Der Schlüssel 'Postfix' fehlt."},
       {R"([{"EventId": 10002, "Comment": "a", "comment": "b"}])",
        "Befehl 1: Der Schlüssel 'comment' kommt zweimal vor."},
       {R"([{"EventId": 10002, "Comment": 5}])", "Befehl 1: 'Comment' muss ein Text sein."},
-      {R"([{"EventId": 10002, "Comment": null}])", "Befehl 1: 'Comment' muss ein Text sein."},
       {R"([{"EventId": 50001, "Checked": 1}])", "Befehl 1: 'Checked' muss true oder false sein."},
-      {R"([{"EventId": 50001, "Checked": "true"}])", "Befehl 1: 'Checked' muss true oder false sein."},
-      {R"([{"EventId": 30002, "ChkPosX": true, "ChkPosY": 0}])", "Befehl 1: 'ChkPosX' muss eine ganze Zahl sein."},
       {R"([{"EventId": 30002, "ChkPosX": 0, "ChkPosY": 1.5}])", "Befehl 1: 'ChkPosY' muss eine ganze Zahl sein."},
       {R"([{"EventId": 30002, "ChkPosX": 0, "ChkPosY": 2147483648}])",
        "Befehl 1: 'ChkPosY' muss eine ganze Zahl sein."},
       {R"([{"EventId": 50006, "Value": "2"}])", "Befehl 1: 'Value' muss eine Zahl sein."},
-      {R"([{"EventId": 50006, "Value": false}])", "Befehl 1: 'Value' muss eine Zahl sein."},
       {R"([{"EventId": 40201, "XComp": 0, "YComp": 3e9}])",
        "Befehl 1: 'YComp' muss eine Zahl, die in die Makrodatei passt sein."}};
-  for (const Case& c : cases) {
+  for (const auto& [json, message] : cases) {
     try {
-      MacroFromJson(c.json);
-      ADD_FAILURE() << "accepted: " << c.json;
+      MacroFromJson(json);
+      ADD_FAILURE() << "accepted: " << json;
     } catch (const MacroJsonError& error) {
-      EXPECT_EQ(error.what(), c.message) << c.json;
+      EXPECT_EQ(error.what(), message) << json;
     }
   }
-}
-
-TEST(MacroJson, RefusesANumberTooLargeForADouble) {
-  for (const char* json : {R"([{"EventId": 50006, "Value": 1e400}])", R"([{"EventId": 50006, "Value": -1e400}])"}) {
-    EXPECT_THROW(MacroFromJson(json), MacroJsonError) << json;
-  }
-}
-
-TEST(MacroJson, RefusesAKeyThatComesTwice) {
-  EXPECT_THROW(MacroFromJson(R"([{"EventId": 10002, "Comment": "a", "Comment": "b"}])"), MacroJsonError);
 }
 
 TEST(MacroJson, RefusesToWriteWhatHasNoJsonForm) {

@@ -85,7 +85,7 @@ std::string StatusLine(pid_t process, const std::string& name) {
 }  // namespace
 
 Workplace::Workplace() {
-  std::string pattern = testing::TempDir() + "quiverion_XXXXXX";
+  std::string pattern = testing::TempDir() + "quiverion_" + std::string(6, 'X');
   path_ = fs::canonical(::mkdtemp(pattern.data())).string() + "/";
 }
 

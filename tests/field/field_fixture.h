@@ -3,65 +3,18 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include <cstring>
 #include <string>
 #include <string_view>
 
 #include "field/load_original_file.h"
 #include "field/vas_file.h"
+#include "support/bytes.h"
 #include "support/error_of.h"
 #include "support/field_builder.h"
 #include "support/field_compare.h"
 #include "support/test_session.h"
 
 namespace quiverion::test {
-
-/// Composes a file by hand, independently of the program's writers.
-class Bytes {
- public:
-  Bytes& I16(int value) { return Value(static_cast<std::int16_t>(value)); }
-  Bytes& I32(std::int32_t value) { return Value(value); }
-  Bytes& F32(float value) { return Value(value); }
-  Bytes& F64(double value) { return Value(value); }
-  Bytes& Raw(std::string_view bytes) {
-    bytes_.append(bytes);
-    return *this;
-  }
-  /// Count and bytes.
-  Bytes& Text(std::string_view bytes) { return I32(static_cast<std::int32_t>(bytes.size())).Raw(bytes); }
-  Bytes& Zeros(std::size_t count) {
-    bytes_.append(count, '\0');
-    return *this;
-  }
-  const std::string& Get() const { return bytes_; }
-
- private:
-  template <class T>
-  Bytes& Value(T value) {
-    char raw[sizeof value];
-    std::memcpy(raw, &value, sizeof value);
-    bytes_.append(raw, sizeof value);
-    return *this;
-  }
-  std::string bytes_;
-};
-
-/// A file that gets shorter between the look at its size and the reading.
-class ShrunkFile : public InputFile {
- public:
-  ShrunkFile(std::string content, std::uint64_t claimed) : content_(std::move(content)), claimed_(claimed) {}
-  std::uint64_t Size() const override { return claimed_; }
-  std::size_t Read(void* target, std::size_t size) override {
-    const std::size_t count = content_.copy(static_cast<char*>(target), size, at_);
-    at_ += count;
-    return count;
-  }
-
- private:
-  std::string content_;
-  std::uint64_t claimed_;
-  std::size_t at_ = 0;
-};
 
 inline std::string Loading(const std::string& path) {
   return "Orginaldatei '" + path + "' einladen... ";
@@ -81,6 +34,23 @@ inline std::string ReadFailed(const std::string& path, int number) {
   return LoadRefused(
       path, "    Während des Einlesens dieser Datei ist folgender Fehler aufgetreten:\r\n" + ErrorTextOf(number));
 }
+
+/// A file that gets shorter between the look at its size and the reading.
+class ShrunkFile : public InputFile {
+ public:
+  ShrunkFile(std::string content, std::uint64_t claimed) : content_(std::move(content)), claimed_(claimed) {}
+  std::uint64_t Size() const override { return claimed_; }
+  std::size_t Read(void* target, std::size_t size) override {
+    const std::size_t count = content_.copy(static_cast<char*>(target), size, at_);
+    at_ += count;
+    return count;
+  }
+
+ private:
+  std::string content_;
+  std::uint64_t claimed_;
+  std::size_t at_ = 0;
+};
 
 /// Loads and saves in a file system in memory and returns what was logged. A load sees only its own flags.
 class FieldTest : public testing::Test {

@@ -70,52 +70,28 @@ struct VasImage {
 inline VectorField FieldOfImage() {
   VectorField field;
   CreateArrays(field, 3, 2);
-  for (std::int32_t i = 1; i <= 3; ++i) field.posX[static_cast<std::size_t>(i - 1)] = i - 0.5;
-  field.posY[0] = 9.25;
-  field.posY[1] = 8.25;
+  field.posX.assign({0.5, 1.5, 2.5});
+  field.posY.assign({9.25, 8.25});
   for (std::int32_t j = 1; j <= 2; ++j) {
     for (std::int32_t i = 1; i <= 3; ++i) {
       field.velX(i, j) = 10 * i + j;
       field.velY(i, j) = -10 * i - j;
     }
   }
-  field.status(1, 1) = 1;
-  field.status(3, 1) = -1;
-  field.status(1, 2) = 4;
-  field.status(2, 2) = 2147483647;
-  field.status(3, 2) = -2147483647 - 1;
+  std::ranges::copy(VasImage().status, field.status.Values().begin());
   field.headerLines = {"24.11.03 10:15:00", "Düse", "", "cm²", "\xC2\x81\xC2\x8D\xC2\x8F\xC2\x90\xC2\x9D", "6", "7"};
   field.infoText = "Zeile 1\r\nStrömung\r\n";
-  field.imageWidth = 640;
-  field.imageHeight = 480;
-  field.windowWidth = 32;
-  field.windowHeight = 24;
-  field.gridStepX = 16;
-  field.gridStepY = 12;
-  field.firstPixelX = 20;
-  field.firstPixelY = 470;
-  field.pixelScale = 80;
-  field.pulseDelay = 50;
-  field.validVectorCount = -7;
-  field.offsetX = 101;
-  field.offsetY = 102;
-  field.galileiPointSet = kFlagTrue;
-  field.galileiPointX = 103;
-  field.galileiPointY = 104;
-  field.galileiVelX = 105;
-  field.galileiVelY = 106;
-  field.streamlineCount = 2;
-  field.streamlineSetting = 17;
+  field.imageWidth = 640, field.imageHeight = 480, field.windowWidth = 32, field.windowHeight = 24;
+  field.gridStepX = 16, field.gridStepY = 12, field.firstPixelX = 20, field.firstPixelY = 470;
+  field.pixelScale = 80, field.pulseDelay = 50, field.validVectorCount = -7;
+  field.offsetX = 101, field.offsetY = 102, field.galileiPointSet = kFlagTrue;
+  field.galileiPointX = 103, field.galileiPointY = 104, field.galileiVelX = 105, field.galileiVelY = 106;
+  field.streamlineCount = 2, field.streamlineSetting = 17;
   field.streamlines[0] = {1, 2, 3, 4};
   field.streamlines[1] = {5, 6, 7, 8};
-  field.showTable = true;
-  field.showVectorField = false;
-  field.aspectRatio1to1 = kFlagTrue;
+  field.showTable = true, field.showVectorField = false, field.aspectRatio1to1 = kFlagTrue;
   field.background = Background::vorticity;
-  field.scaleFactor = 2.5;
-  field.paletteMin = -200;
-  field.paletteSetting = 300;
-  field.paletteMax = 400;
+  field.scaleFactor = 2.5, field.paletteMin = -200, field.paletteSetting = 300, field.paletteMax = 400;
   field.viewerSettings = {501, 502, 503};
   field.colours = {1, 2, 3, 4, 5, 6, 7, 8, 0x7FFFFFFF};
   return field;

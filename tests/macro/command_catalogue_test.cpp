@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 
 namespace quiverion::test {
@@ -25,11 +24,9 @@ constexpr Entry kTree[] = {
     {10001, "evtSaveVas", 10000, "Speichern unter (*.vas)", "Datei im VAS-Format speichern unter..."},
     {10100, "evtStanfordMenu", 10000, "Exportieren für Stanford", "'Exportieren für Stanford'-Menü"},
     {10101, "evtStanfordVectorField", 10100, "Vektorfeld", "Vektorfeld für Stanford exportieren"},
-    {10102, "evtStanfordSwirl2", 10100, "(Swirling Strength)²",
-     "(Swirling Strength)² für Stanford exportieren"},
+    {10102, "evtStanfordSwirl2", 10100, "(Swirling Strength)²", "(Swirling Strength)² für Stanford exportieren"},
     {10103, "evtStanfordVorticity", 10100, "Vorticity", "Vorticity für Stanford exportieren"},
-    {10104, "evtStanfordVelocityProfile", 10100, "Geschwindigkeitsprofil",
-     "Geschwindigkeitsprofil für Stanford exportieren"},
+    {10104, "evtStanfordVelocityProfile", 10100, "Geschwindigkeitsprofil", "Geschwindigkeitsprofil für Stanford exportieren"},
     {10200, "evtTecPlotMenu", 10000, "Exportieren für TecPlot", "'Exportieren für TecPlot'-Menü"},
     {10201, "evtTecPlotSwirl", 10200, "Swirling Strength", "Swirling Strength für TecPlot exportieren"},
     {10202, "evtTecPlotVorticity", 10200, "Vorticity", "Vorticity für TecPlot exportieren"},
@@ -40,12 +37,9 @@ constexpr Entry kTree[] = {
     {20002, "evtLoadBuffer", 20000, "Datei in Buffer einladen", "Vektorfeld aus Datei in Buffer einladen"},
     {20001, "evtCopyToBuffer", 20000, "Aktuelles Vektorfeld in Buffer kopieren", kSame},
     {20003, "evtBufferAsMask", 20000, "Buffer als Maske benutzen", "Vektorfeld im Buffer als Maske benutzen"},
-    {20004, "evtAddBuffer", 20000, "Buffer zum Vektorfeld addieren",
-     "Buffer zu aktuellem Vektorfeld addieren"},
-    {20005, "evtSubtractBuffer", 20000, "Buffer vom Vektorfeld subtrahieren",
-     "Buffer von aktuellem Vektorfeld subtrahieren"},
-    {20006, "evtSubtractFromBuffer", 20000, "Vektorfeld vom Buffer subtrahieren",
-     "Vektorfeld vom Buffer subtrahieren (verändert nicht Buffer, sondern Vektorfeld!)"},
+    {20004, "evtAddBuffer", 20000, "Buffer zum Vektorfeld addieren", "Buffer zu aktuellem Vektorfeld addieren"},
+    {20005, "evtSubtractBuffer", 20000, "Buffer vom Vektorfeld subtrahieren", "Buffer von aktuellem Vektorfeld subtrahieren"},
+    {20006, "evtSubtractFromBuffer", 20000, "Vektorfeld vom Buffer subtrahieren", "Vektorfeld vom Buffer subtrahieren (verändert nicht Buffer, sondern Vektorfeld!)"},
     {30000, "evtEditMenu", 0, "Bearbeiten", "'Bearbeiten'-Menü"},
     {30001, "evtFaultVectors", 30000, "Fehlerhafte Vektoren suchen", kSame},
     {30002, "evtMirror", 30000, "Vektorfeld spiegeln", kSame},
@@ -63,31 +57,21 @@ constexpr Entry kTree[] = {
     {40202, "evtSubtractConstVector", 40200, "...subtrahieren", "Konstanten Vektor subtrahieren"},
     {40002, "evtVortexCentres", 40000, "Wirbelzentren suchen", kSame},
     {50000, "evtViewMenu", 0, "Ansicht", "'Ansicht'-Menü"},
-    {50001, "evtShowHeader", 50000, "Header anzeigen",
-     "Header nach dem Öffnen in Quiverion automatisch anzeigen?"},
-    {50002, "evtShowTable", 50000, "Tabelle anzeigen",
-     "Tabelle nach dem Öffnen in Quiverion automatisch anzeigen?"},
-    {50003, "evtShowVectorField", 50000, "Vektorfeld anzeigen",
-     "Vektorfeld nach dem Öffnen in Quiverion automatisch zeichnen?"},
-    {50004, "evtShowCoordSystem", 50000, "Koordinatensystem anzeigen",
-     "Vektorfeld in Quiverion mit Koordinatensystem zeichnen?"},
-    {50005, "evtAspectRatio", 50000, "Seitenverhältnis 1:1",
-     "Vektorfeld in Quiverion im richtigen Höhen-/Breitenverhältnis zeichnen?"},
-    {50006, "evtScaleFactor", 50000, "Benutzerdefinierter Skalierungsfaktor",
-     "Benutzerdefinierten Skalierungsfaktor für die Vektor-Darstellung einstellen"},
+    {50001, "evtShowHeader", 50000, "Header anzeigen", "Header nach dem Öffnen in Quiverion automatisch anzeigen?"},
+    {50002, "evtShowTable", 50000, "Tabelle anzeigen", "Tabelle nach dem Öffnen in Quiverion automatisch anzeigen?"},
+    {50003, "evtShowVectorField", 50000, "Vektorfeld anzeigen", "Vektorfeld nach dem Öffnen in Quiverion automatisch zeichnen?"},
+    {50004, "evtShowCoordSystem", 50000, "Koordinatensystem anzeigen", "Vektorfeld in Quiverion mit Koordinatensystem zeichnen?"},
+    {50005, "evtAspectRatio", 50000, "Seitenverhältnis 1:1", "Vektorfeld in Quiverion im richtigen Höhen-/Breitenverhältnis zeichnen?"},
+    {50006, "evtScaleFactor", 50000, "Benutzerdefinierter Skalierungsfaktor", "Benutzerdefinierten Skalierungsfaktor für die Vektor-Darstellung einstellen"},
     {50100, "evtBackgroundMenu", 50000, "Hintergrund", "'Hintergrund'-Menü"},
     {50101, "evtNoBackground", 50100, "Kein Hintergrund", "Keinen Hintergrund im Vektorfeld anzeigen"},
-    {50102, "evtSwirl2Background", 50100, "(Swirling Strength)²",
-     "(Swirling Strength)² im Vektorfeld als Hintergrund anzeigen"},
+    {50102, "evtSwirl2Background", 50100, "(Swirling Strength)²", "(Swirling Strength)² im Vektorfeld als Hintergrund anzeigen"},
     {50103, "evtVorticityBackground", 50100, "Vorticity", "Vorticity im Vektorfeld als Hintergrund anzeigen"},
-    {50104, "evtPaletteMin", 50100, "Minimaler Wert für Farbpalette",
-     "Minimalen Wert für Farbpalette einstellen"},
-    {50105, "evtPaletteMax", 50100, "Maximaler Wert für Farbpalette",
-     "Maximalen Wert für Farbpalette einstellen"},
+    {50104, "evtPaletteMin", 50100, "Minimaler Wert für Farbpalette", "Minimalen Wert für Farbpalette einstellen"},
+    {50105, "evtPaletteMax", 50100, "Maximaler Wert für Farbpalette", "Maximalen Wert für Farbpalette einstellen"},
     {50106, "evtPaletteOptimal", 50100, "Optimale Werte für Farbpalette suchen", kSame},
     {60000, "evtStatisticsMenu", 0, "Statistik", "'Statistik'-Menü"},
-    {60001, "evtCollectStatistics", 60000, "Vektorfeld für Statistik sammeln",
-     "Vektorfeld für Statistik in Datei (Kollektion) sammeln"},
+    {60001, "evtCollectStatistics", 60000, "Vektorfeld für Statistik sammeln", "Vektorfeld für Statistik in Datei (Kollektion) sammeln"},
 };
 // clang-format on
 
@@ -113,64 +97,6 @@ TEST(CommandCatalogue, TellsUnknownIds) {
     EXPECT_EQ(MacroEventDescription(id, false), "Unbekannt!!!") << id;
     EXPECT_EQ(FindCommand(id), nullptr) << id;
     EXPECT_TRUE(ParametersOf(id).empty()) << id;
-  }
-}
-
-TEST(CommandCatalogue, FindsConstantNamesWithoutRegardToCase) {
-  ASSERT_NE(FindCommand("EVTXYTRAFO"), nullptr);
-  EXPECT_EQ(FindCommand("EVTXYTRAFO")->eventId, 30003);
-  EXPECT_EQ(FindCommand("evtXYTraf"), nullptr);
-  EXPECT_EQ(FindCommand(""), nullptr);
-}
-
-// Per parameter its key and its kind in memory and in the file: t text, f flag, c check state, i integer,
-// r number rounded to an integer in the file, n number.
-std::string Signature(std::int32_t eventId) {
-  std::string text;
-  for (const Parameter& p : ParametersOf(eventId)) {
-    const bool integer = p.encoding == FileEncoding::int32;
-    char kind = '?';
-    if (p.kind == ParameterKind::text && p.encoding == FileEncoding::text) kind = 't';
-    if (p.kind == ParameterKind::flag && p.encoding == FileEncoding::bool16) kind = 'f';
-    if (p.kind == ParameterKind::checkState && integer) kind = 'c';
-    if (p.kind == ParameterKind::integer && integer) kind = 'i';
-    if (p.kind == ParameterKind::number) kind = integer ? 'r' : 'n';
-    if (p.kind == ParameterKind::number && !integer && p.encoding != FileEncoding::float64) kind = '?';
-    text.append(text.empty() ? "" : " ").append(p.key).append(":").append(1, kind);
-  }
-  return text;
-}
-
-TEST(CommandCatalogue, KnowsTheParametersOfEveryCommandInFileOrder) {
-  const std::string names = "Prefix:t Postfix:t", fileName = "FileName:t", checked = "Checked:f", value = "Value:n";
-  std::map<std::int32_t, std::string> expected = {
-      {10002, "Comment:t"},
-      {20002, fileName},
-      {60001, fileName},
-      {40002, "FileName:t AutoTrafo:f"},
-      {30001,
-       "ChkAbsDeviation:c TxtAbsDeviation:t ChkAbsInterval:c OptAbsIntOut:f TxtAbsIntMin:t TxtAbsIntMax:t "
-       "ChkDirDeviation:c TxtDirDeviation:t ChkXComp:c OptXCompIntOut:f TxtXCompIntMin:t TxtXCompIntMax:t "
-       "ChkYComp:c OptYCompIntOut:f TxtYCompIntMin:t TxtYCompIntMax:t CompareVectorType:i CboMedianX:i "
-       "CboMedianY:i CboLocalMiddleX:i CboLocalMiddleY:i TxtUserVectorX:t TxtUserVectorY:t LogicalOr:f"},
-      {30002, "ChkPosX:c ChkPosY:c"},
-      {30003, "TxtFakX:t TxtDeltaX:t TxtFakY:t TxtDeltaY:t TxtFakVecX:t TxtFakVecY:t"},
-      {40201, "XComp:r YComp:r"},
-      {40202, "XComp:r YComp:r"},
-      {50006, value},
-      {50104, value},
-      {50105, value}};
-  for (const int id : {10001, 10101, 10102, 10103, 10104, 10201, 10202, 10301, 10302}) expected[id] = names;
-  for (const int id : {50001, 50002, 50003, 50004, 50005}) expected[id] = checked;
-  for (const CommandRow& row : CommandCatalogue())
-    EXPECT_EQ(Signature(row.eventId), expected[row.eventId]) << row.eventId;
-}
-
-TEST(CommandCatalogue, EstimatesTheSizeOfWhatACommandWrites) {
-  std::map<std::int32_t, std::int32_t> expected = {{10001, 90},  {10101, 500}, {10102, 50},  {10103, 50}, {10104, 10},
-                                                   {10201, 250}, {10202, 300}, {10301, 400}, {10302, 50}};
-  for (const CommandRow& row : CommandCatalogue()) {
-    EXPECT_EQ(row.outputKilobytes, expected[row.eventId]) << row.eventId;
   }
 }
 

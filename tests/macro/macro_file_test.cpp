@@ -3,30 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "run_fixture.h"
+#include "support/bytes.h"
 
 namespace quiverion::test {
 namespace {
-
-// A macro file, item by item.
-class Bytes {
- public:
-  Bytes& I32(std::int32_t value) { return Raw(&value, 4); }
-  Bytes& I16(std::int16_t value) { return Raw(&value, 2); }
-  Bytes& F64(double value) { return Raw(&value, 8); }
-  Bytes& Text(const std::string& windows1252) {
-    I32(static_cast<std::int32_t>(windows1252.size()));
-    bytes_ += windows1252;
-    return *this;
-  }
-  operator std::string() const { return bytes_; }  // NOLINT(google-explicit-constructor)
-
- private:
-  Bytes& Raw(const void* source, std::size_t size) {
-    bytes_.append(static_cast<const char*>(source), size);
-    return *this;
-  }
-  std::string bytes_;
-};
 
 class MacroFile : public testing::Test {
  protected:
@@ -150,29 +130,6 @@ TEST_F(MacroFile, ReadsBackWhatItWrote) {
   }
 }
 
-TEST_F(MacroFile, StoresTheKindsOfTheFileInMemory) {
-  const MacroEventList macro =
-      Load(Bytes().I32(4).I32(40201).I32(2).I32(-2).I32(50006).F64(2.5).I32(50001).I16(0).I32(10002).Text("\xDF\x81"));
-  EXPECT_EQ(*macro[0].Find("xcomp"), MacroValue(2));
-  EXPECT_EQ(*macro[1].Find("Value"), MacroValue(2.5));
-  EXPECT_EQ(*macro[2].Find("Checked"), MacroValue(false));
-  EXPECT_EQ(*macro[3].Find("Comment"), MacroValue(std::string("ß\u0081")));
-}
-
-TEST_F(MacroFile, ReadsAnyFlagButZeroAsTrueAndWritesMinusOne) {
-  for (const std::int16_t flag : {std::int16_t{1}, std::int16_t{-1}, std::int16_t{256}, std::int16_t{-32768}}) {
-    const MacroEventList macro = Load(Bytes().I32(1).I32(50001).I16(flag));
-    EXPECT_TRUE(macro[0].Flag("Checked")) << flag;
-    EXPECT_EQ(Save(macro), std::string(Bytes().I32(1).I32(50001).I16(-1))) << flag;
-  }
-}
-
-TEST_F(MacroFile, IgnoresWhatFollowsTheLastCommand) {
-  const MacroEventList macro = Load(Bytes().I32(1).I32(40103).I32(10001).Text("old"));
-  ASSERT_EQ(macro.size(), 1u);
-  EXPECT_EQ(Save(macro), std::string(Bytes().I32(1).I32(40103)));
-}
-
 TEST_F(MacroFile, RefusesAFileThatIsCutAnywhere) {
   for (const FileCase& c : Examples()) {
     for (std::size_t size = 0; size < c.bytes.size(); ++size) {
@@ -195,26 +152,6 @@ TEST_F(MacroFile, RefusesDamagedCountsAndLengths) {
   program.files.files["/bad.mak"] = Examples()[3].bytes;
   program.files.readFailsAt["/bad.mak"] = 40;
   ExpectRefused(Examples()[3].bytes);
-}
-
-TEST_F(MacroFile, KeepsTheMacroWhereThereIsNoFile) {
-  program.session.macro = {Event(40101), Event(40102)};
-  for (const char* path : {"/missing.mak", "/no/where.mak"}) {
-    EXPECT_FALSE(LoadMacroFile(program.session, path));
-    ExpectMessage("Fehler beim Öffnen der Datei!");
-  }
-  program.files.files["/locked.mak"] = Bytes().I32(0);
-  program.files.openErrors["/locked.mak"] = ErrorNumber::accessDenied;
-  EXPECT_FALSE(LoadMacroFile(program.session, "/locked.mak"));
-  ExpectMessage("Fehler beim Öffnen der Datei!");
-  EXPECT_EQ(program.session.macro.size(), 2u);
-}
-
-TEST_F(MacroFile, CreatesMissingDirectoriesOnSaving) {
-  program.session.macro = {Event(40101)};
-  EXPECT_TRUE(SaveMacroFile(program.session, "/neu\\tief/m.mak"));
-  EXPECT_EQ(program.files.files["/neu/tief/m.mak"], std::string(Bytes().I32(1).I32(40101)));
-  EXPECT_EQ(program.session.macro.size(), 1u);
 }
 
 struct SaveFailure {

@@ -42,12 +42,6 @@ class PreRun : public RunTest {
   }
 };
 
-TEST_F(PreRun, PassesSilentlyWhereAllIsWell) {
-  Select("a.vas");
-  EXPECT_TRUE(Check({SaveEvent("", ""), Event(40103), Event(12345)}));
-  EXPECT_TRUE(ui.messages.empty());
-}
-
 TEST_F(PreRun, WantsFilesFirstAndThenCommands) {
   session.selectedFiles.clear();
   EXPECT_FALSE(StartRun(session));
@@ -86,24 +80,6 @@ TEST_F(PreRun, AsksForEveryInputFileThatCannotBeOpened) {
   }
 }
 
-TEST_F(PreRun, GoesOnWithAFileThatAppearsBeforeRetry) {
-  Select("spät.vas");
-  ui.answers = {retry, retry};
-  ui.onAsk = [&](const Message&) {
-    if (ui.messages.size() == 2) files["/serie/spät.vas"] = "x";
-  };
-  EXPECT_TRUE(Check({Event(40103)}));
-  EXPECT_EQ(ui.messages.size(), 2u);
-}
-
-TEST_F(PreRun, TrimsThePathInTheMessageOnly) {
-  session.inputDirectory = " /serie/";
-  session.selectedFiles = {"a.vas "};
-  ui.answers = {abort};
-  EXPECT_FALSE(Check({Event(40103)}));
-  ExpectMissing(0, "/serie/a.vas");
-}
-
 TEST_F(PreRun, ChecksTheFilesForTheBuffer) {
   const auto load = [](const std::string& name) { return Event(20002, {{"FileName", name}}); };
   const std::string text = "Die in den Buffer einzuladende Datei '";
@@ -114,22 +90,6 @@ TEST_F(PreRun, ChecksTheFilesForTheBuffer) {
     ExpectBox(k, "QuiverionSeries  -  Fehler im Makro", text + "C:\\weg.vec" + kCannotOpen);
   }
   ExpectBox(2, "QuiverionSeries  -  Fehler im Makro", text + "/auch weg.dat" + kCannotOpen);
-}
-
-TEST_F(PreRun, AsksForInputFilesBeforeFilesForTheBuffer) {
-  Select("weg.vas");
-  ui.defaultAnswer = ignore;
-  program.files.freeBytes = {0};
-  EXPECT_TRUE(Check({Event(20002, {{"FileName", std::string("/b")}}), SaveEvent("", "")}));
-  ASSERT_EQ(ui.messages.size(), 3u);
-  ExpectMissing(0, "/serie/weg.vas");
-  EXPECT_TRUE(ui.messages[1].text.starts_with("Die in den Buffer einzuladende Datei '/b'"));
-  ExpectLowSpace(2, "180", "0");
-}
-
-TEST_F(PreRun, LeavesADamagedBufferCommandToTheRun) {
-  EXPECT_TRUE(Check({Event(20002)}));
-  EXPECT_TRUE(ui.messages.empty());
 }
 
 TEST_F(PreRun, RefusesACdOnlyWhereSomethingIsWritten) {
@@ -198,44 +158,6 @@ TEST_F(PreRun, NamesTheDriveInUpperCase) {
   ui.answers = {abort};
   EXPECT_FALSE(Check({Event(10001)}));
   ExpectLowSpace(0, "90", "0", "D");
-}
-
-TEST_F(PreRun, RefusedStartsNothing) {
-  program.files.freeBytes = {0};
-  session.macro = {SaveEvent("", "_neu")};
-  ui.answers = {abort};
-  EXPECT_FALSE(StartRun(session));
-  EXPECT_EQ(program.TakeLog(), "");
-  EXPECT_EQ(ui.yields, 0);
-  EXPECT_TRUE(ui.progress.empty());
-  EXPECT_EQ(files.size(), 1u);
-  EXPECT_FALSE(session.busy);
-}
-
-// A window that lets its Start button through while a run goes on.
-class PressingUi : public ScriptedUi {
- public:
-  Session* session = nullptr;
-  std::vector<bool> started;
-  bool Yield() override {
-    started.push_back(StartRun(*session));
-    return ScriptedUi::Yield();
-  }
-};
-
-TEST_F(PreRun, RefusesASecondRunFromAYield) {
-  files["/serie/a.vas"] = samples::VasBytes(SmallSample());
-  PressingUi pressing;
-  Session busy(program.files, pressing, program.log, program.clock);
-  pressing.session = &busy;
-  busy.inputDirectory = "/serie/";
-  busy.selectedFiles = {"a.vas"};
-  busy.macro = {Event(50101)};
-  EXPECT_TRUE(StartRun(busy));
-  EXPECT_EQ(pressing.started, (std::vector<bool>{false, false}));
-  EXPECT_TRUE(pressing.messages.empty());
-  pressing.started.clear();
-  EXPECT_TRUE(StartRun(busy)) << "the first run is over";
 }
 
 }  // namespace

@@ -141,17 +141,6 @@ TEST(DerivedScalarKernel, GivesTheBitsOfThePlainLoopsOnEverySize) {
   }
 }
 
-TEST(DerivedScalarKernel, NeverGivesNegativeZeroAsSwirlingStrength) {
-  std::uint64_t seed = 9000;
-  ForEverySize([&](std::int32_t columns, std::int32_t rows) {
-    for (const Mix& mix : kCarriedMixes) {
-      VectorField field = RandomField(++seed, columns, rows, mix);
-      CalcSwirlingStrength(field);
-      for (const double value : field.derivedScalar.Values()) ASSERT_FALSE(value == 0.0 && std::signbit(value)) << seed;
-    }
-  });
-}
-
 TEST(DerivedScalarKernel, StopsWhereThePlainLoopsStop) {
   const Mix mixes[] = {{.invalid = 100, .huge = 20},
                        {.invalid = 100, .special = 50, .notFinite = 50, .huge = 50},
@@ -175,60 +164,6 @@ TEST(DerivedScalarKernel, StopsWhereThePlainLoopsStop) {
       }
     });
     EXPECT_GT(stops, 100) << "the mixes must contain errors";
-  }
-}
-
-// Errors that only one of the four quotients meets, and equal positions between values that are not finite.
-TEST(DerivedScalarKernel, StopsWhereThePlainLoopsStopInRareFields) {
-  using Value = double (*)(double, double);
-  struct Rare {
-    const char* name;
-    Value u, v;
-    bool equalColumns, equalRows;
-  };
-  const Rare fields[] = {
-      {"overflow in du/dx only", [](double x, double) { return x * 1e307; }, [](double, double) { return 0.0; }, false,
-       false},
-      {"overflow in du/dy only", [](double, double y) { return y * 1e307; }, [](double, double) { return 0.0; }, false,
-       false},
-      {"overflow in dv/dx only", [](double, double) { return 0.0; }, [](double x, double) { return x * 1e307; }, false,
-       false},
-      {"overflow in dv/dy only", [](double, double) { return 0.0; }, [](double, double y) { return y * 1e307; }, false,
-       false},
-      {"equal columns, u and v NaN", [](double, double) { return kNaN; }, [](double, double) { return kNaN; }, true,
-       false},
-      {"equal columns, v NaN", [](double, double) { return 1.0; }, [](double, double) { return kNaN; }, true, false},
-      {"equal rows, u NaN", [](double, double) { return kNaN; }, [](double, double) { return 1.0; }, false, true},
-      {"equal rows, u infinite", [](double, double y) { return y > 1 ? kInfinity : 0.0; },
-       [](double, double) { return kNaN; }, false, true}};
-  for (const Quantity& quantity : kQuantities) {
-    for (const Rare& rare : fields) {
-      for (const auto& [columns, rows] : {std::pair{2, 2}, {4, 3}, {12, 6}}) {
-        VectorField field = MakeField(columns, rows);
-        SetVelocities(field, rare.u, rare.v);
-        if (rare.equalColumns) std::fill(field.posX.begin(), field.posX.end(), 5.0);
-        if (rare.equalRows) std::fill(field.posY.begin(), field.posY.end(), 5.0);
-        Grid<double> expected = field.derivedScalar;
-        EXPECT_EQ(ErrorOf([&] { quantity.checked(field, expected); }), ErrorOf([&] { quantity.calculate(field); }))
-            << quantity.name << ", " << rare.name << ", " << columns << "x" << rows;
-        EXPECT_EQ(FirstDifference(expected, field.derivedScalar), "") << quantity.name << ", " << rare.name;
-      }
-    }
-  }
-}
-
-TEST(DerivedScalarKernel, ChangesNothingButTheDerivedScalar) {
-  for (const Quantity& quantity : kQuantities) {
-    VectorField field = RandomField(7, 20, 11, {.invalid = 200, .special = 200});
-    const VectorField before = field;
-    quantity.calculate(field);
-    EXPECT_EQ(field.posX, before.posX);
-    EXPECT_EQ(field.posY, before.posY);
-    EXPECT_EQ(FirstDifference(before.velX, field.velX) + FirstDifference(before.velY, field.velY), "");
-    EXPECT_TRUE(
-        std::equal(before.status.Values().begin(), before.status.Values().end(), field.status.Values().begin()));
-    EXPECT_EQ(field.derivedScalar.Columns(), 20);
-    EXPECT_EQ(field.derivedScalar.Rows(), 11);
   }
 }
 

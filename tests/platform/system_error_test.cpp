@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <new>
-#include <stdexcept>
-
 namespace quiverion::test {
 namespace {
 
@@ -29,15 +26,6 @@ TEST(SystemError, HasAGermanTextForEveryNumber) {
   }
   EXPECT_EQ(ErrorText(SystemError(ErrorNumber::deviceError, "Network is down")),
             "Geräte-E/A-Fehler (Network is down)   (Fehler-Nr. 57)");
-}
-
-TEST(SystemError, StandsForWhateverWasThrown) {
-  EXPECT_EQ(AsSystemError(std::bad_alloc()).Number(), ErrorNumber::outOfMemory);
-  EXPECT_EQ(AsSystemError(std::bad_array_new_length()).Number(), ErrorNumber::outOfMemory);
-  EXPECT_EQ(AsSystemError(std::length_error("vector")).Number(), ErrorNumber::outOfMemory);
-  EXPECT_EQ(AsSystemError(SystemError(ErrorNumber::diskFull, "x")).Description(), "Datenträger voll (x)");
-  EXPECT_EQ(ErrorText(AsSystemError(std::runtime_error("odd"))),
-            "Ungültiger Prozeduraufruf oder ungültiges Argument (odd)   (Fehler-Nr. 5)");
 }
 
 }  // namespace

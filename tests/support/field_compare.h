@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <ranges>
 #include <span>
 #include <string>
 
@@ -17,63 +18,37 @@ inline bool SameBits(std::span<const double> a, std::span<const double> b) {
   });
 }
 
-/// Names the first item of two fields that differs; empty where they are the same but for the path.
+template <class Value>
+bool SameItem(const Value& a, const Value& b) {
+  if constexpr (std::is_same_v<Value, double>) {
+    return SameBits({&a, 1}, {&b, 1});
+  } else if constexpr (requires { a.Values(); }) {
+    return std::ranges::equal(a.Values(), b.Values(), [](auto x, auto y) { return SameItem(x, y); });
+  } else if constexpr (std::ranges::range<Value>) {
+    return std::ranges::equal(a, b, [](const auto& x, const auto& y) { return SameItem(x, y); });
+  } else {
+    return a == b;
+  }
+}
+
+/// Names the items of two fields that differ; empty where they are the same but for the path.
 inline std::string FirstDifference(const VectorField& a, const VectorField& b) {
-  std::string difference;
-  const auto check = [&difference](bool same, const char* name) {
-    if (!same && difference.empty()) difference = name;
+  using F = VectorField;
+  std::string different;
+  const auto check = [&](const char* group, auto... members) {
+    int item = 0;
+    ((++item, SameItem(a.*members, b.*members) || !(different += group + std::to_string(item) + " ").empty()), ...);
   };
-  const auto same = [](double x, double y) { return SameBits({&x, 1}, {&y, 1}); };
-#define QUIVERION_CHECK(item) check(a.item == b.item, #item)
-#define QUIVERION_CHECK_DOUBLE(item) check(same(a.item, b.item), #item)
-#define QUIVERION_CHECK_DOUBLES(item) check(SameBits(a.item, b.item), #item)
-  QUIVERION_CHECK(columnCount);
-  QUIVERION_CHECK(rowCount);
-  QUIVERION_CHECK_DOUBLES(posX);
-  QUIVERION_CHECK_DOUBLES(posY);
-  QUIVERION_CHECK_DOUBLES(velX.Values());
-  QUIVERION_CHECK_DOUBLES(velY.Values());
-  check(std::ranges::equal(a.status.Values(), b.status.Values()), "status");
-  QUIVERION_CHECK_DOUBLES(derivedScalar.Values());
-  QUIVERION_CHECK(headerLines);
-  QUIVERION_CHECK(infoText);
-  QUIVERION_CHECK(imageWidth);
-  QUIVERION_CHECK(imageHeight);
-  QUIVERION_CHECK(windowWidth);
-  QUIVERION_CHECK(windowHeight);
-  QUIVERION_CHECK(gridStepX);
-  QUIVERION_CHECK(gridStepY);
-  QUIVERION_CHECK(firstPixelX);
-  QUIVERION_CHECK(firstPixelY);
-  QUIVERION_CHECK(pixelScale);
-  QUIVERION_CHECK(pulseDelay);
-  QUIVERION_CHECK(validVectorCount);
-  QUIVERION_CHECK_DOUBLE(offsetX);
-  QUIVERION_CHECK_DOUBLE(offsetY);
-  QUIVERION_CHECK(galileiPointSet);
-  QUIVERION_CHECK_DOUBLE(galileiPointX);
-  QUIVERION_CHECK_DOUBLE(galileiPointY);
-  QUIVERION_CHECK_DOUBLE(galileiVelX);
-  QUIVERION_CHECK_DOUBLE(galileiVelY);
-  QUIVERION_CHECK(streamlineCount);
-  QUIVERION_CHECK(streamlineSetting);
-  for (std::size_t k = 0; k < a.streamlines.size(); ++k) QUIVERION_CHECK_DOUBLES(streamlines[k]);
-  QUIVERION_CHECK(showHeader);
-  QUIVERION_CHECK(showTable);
-  QUIVERION_CHECK(showVectorField);
-  QUIVERION_CHECK(showCoordSystem);
-  QUIVERION_CHECK(aspectRatio1to1);
-  QUIVERION_CHECK(background);
-  QUIVERION_CHECK_DOUBLE(scaleFactor);
-  QUIVERION_CHECK_DOUBLE(paletteMin);
-  QUIVERION_CHECK_DOUBLE(paletteMax);
-  QUIVERION_CHECK_DOUBLE(paletteSetting);
-  QUIVERION_CHECK_DOUBLES(viewerSettings);
-  QUIVERION_CHECK(colours);
-#undef QUIVERION_CHECK
-#undef QUIVERION_CHECK_DOUBLE
-#undef QUIVERION_CHECK_DOUBLES
-  return difference;
+  check("grid ", &F::columnCount, &F::rowCount, &F::posX, &F::posY, &F::velX, &F::velY, &F::status, &F::derivedScalar);
+  check("text ", &F::headerLines, &F::infoText);
+  check("image ", &F::imageWidth, &F::imageHeight, &F::windowWidth, &F::windowHeight, &F::gridStepX, &F::gridStepY,
+        &F::firstPixelX, &F::firstPixelY, &F::pixelScale, &F::pulseDelay, &F::validVectorCount);
+  check("frame ", &F::offsetX, &F::offsetY, &F::galileiPointSet, &F::galileiPointX, &F::galileiPointY, &F::galileiVelX,
+        &F::galileiVelY, &F::streamlineCount, &F::streamlineSetting, &F::streamlines);
+  check("view ", &F::showHeader, &F::showTable, &F::showVectorField, &F::showCoordSystem, &F::aspectRatio1to1,
+        &F::background, &F::scaleFactor, &F::paletteMin, &F::paletteMax, &F::paletteSetting, &F::viewerSettings,
+        &F::colours);
+  return different;
 }
 
 }  // namespace quiverion::test

@@ -110,7 +110,9 @@ bool MemoryFileSystem::IsDirectory(const std::string& path) {
   return after != files.end() && after->first.starts_with(prefix);
 }
 
-DriveKind MemoryFileSystem::KindOfDrive(const std::string& /*directory*/) { return drive; }
+DriveKind MemoryFileSystem::KindOfDrive(const std::string& /*directory*/) {
+  return drive;
+}
 
 std::uint64_t MemoryFileSystem::FreeDiskBytes(const std::string& /*directory*/) {
   const std::uint64_t answer = freeBytes.front();

@@ -24,7 +24,7 @@ class MemoryFileSystem : public FileSystem {
 
   /// What goes wrong with the files that are written. Counted over all of them.
   struct Faults {
-    std::optional<ErrorNumber> open;        // every CreateResultFile
+    std::optional<ErrorNumber> open;                                     // every CreateResultFile
     std::uint64_t diskSize = std::numeric_limits<std::uint64_t>::max();  // bytes until a write fails ...
     ErrorNumber write = ErrorNumber::diskFull;                           // ... with this
     std::optional<ErrorNumber> commit;
@@ -32,7 +32,7 @@ class MemoryFileSystem : public FileSystem {
   };
   Faults faults;
 
-  std::map<std::string, ErrorNumber> openErrors;  // of files that are there but cannot be opened
+  std::map<std::string, ErrorNumber> openErrors;     // of files that are there but cannot be opened
   std::map<std::string, std::uint64_t> readFailsAt;  // byte at which reading fails with error 57
 
   int temporaryFiles = 0;  // result files that are open now
