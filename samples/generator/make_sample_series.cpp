@@ -132,8 +132,7 @@ int WriteSeries(const Arguments& arguments) {
     const SampleFile file = MakeFile(MakeSampleField(options), k);
     const std::string name = FileName(k + 1, arguments.count, file.extension);
     if (!WriteFile(directory / name, file.bytes)) {
-      std::cerr << "Die Datei '" << name << "' kann in '" << arguments.directory
-                << "' nicht geschrieben werden.\n";
+      std::cerr << "Die Datei '" << name << "' kann in '" << arguments.directory << "' nicht geschrieben werden.\n";
       return kExitWriteError;
     }
   }

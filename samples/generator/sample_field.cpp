@@ -121,8 +121,8 @@ double RoundVelocity(double value) {
 
 // Every point uses up the same random numbers whatever becomes of it, so that switching the holes, the
 // outliers or the body off leaves all other vectors as they are.
-void FillPoint(const SampleOptions& options, const Flow& flow, RandomSource& random, SampleField& field,
-               int column, int row) {
+void FillPoint(const SampleOptions& options, const Flow& flow, RandomSource& random, SampleField& field, int column,
+               int row) {
   const std::array<double, 2> noise = random.Normal();
   const double lot = random.Uniform();
   const double size = 15.0 + 25.0 * random.Uniform();  // m/s

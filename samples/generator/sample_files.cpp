@@ -49,10 +49,10 @@ class ByteWriter {
 
 // Characters of the bytes 80 to 9F; the five bytes without a character of their own stand for U+0081 and so
 // on.
-constexpr std::array<char32_t, 32> kUpperControlZone = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+constexpr std::array<char32_t, 32> kUpperControlZone = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                                        0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                                        0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                                        0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 // Takes one character off the front of a text of well-formed UTF-8.
 char32_t TakeCodePoint(std::string_view& text) {
@@ -80,9 +80,9 @@ void WriteVasHead(const SampleField& field, ByteWriter& out) {
   out.Raw("Quiverion");
   out.Int16(1);
   for (const std::string& line : field.headerLines) out.CountedText(line);
-  for (const int value : {field.imageWidth, field.imageHeight, field.windowWidth, field.windowHeight,
-                          field.gridStep, field.gridStep, field.firstPixelX, field.firstPixelY,
-                          field.pixelScale, field.pulseDelay, field.columns, field.rows}) {
+  for (const int value :
+       {field.imageWidth, field.imageHeight, field.windowWidth, field.windowHeight, field.gridStep, field.gridStep,
+        field.firstPixelX, field.firstPixelY, field.pixelScale, field.pulseDelay, field.columns, field.rows}) {
     out.Int32(value);
   }
   out.Int32(ValidVectorCount(field));
@@ -158,8 +158,8 @@ std::string DatField(std::string_view label, std::string_view value) {
 }
 
 std::string DatHeader(const SampleField& field) {
-  constexpr std::array<std::string_view, 7> kLabels = {
-      "Date and time", "Bilddatei", "Projekt", "Bearbeiter", "Strömung", "Lichtquelle", "Kommentar"};
+  constexpr std::array<std::string_view, 7> kLabels = {"Date and time", "Bilddatei",   "Projekt",  "Bearbeiter",
+                                                       "Strömung",      "Lichtquelle", "Kommentar"};
   const auto size = [](int x, int y) { return std::to_string(x) + "x" + std::to_string(y); };
   std::string text;
   for (std::size_t k = 0; k < kLabels.size(); ++k) text += DatField(kLabels[k], field.headerLines[k]);
@@ -212,8 +212,7 @@ VecScales MakeVecScales(const SampleField& field) {
   return scales;
 }
 
-void WriteVecScale(ByteWriter& out, float factor, float offset, std::string_view unit,
-                   std::string_view name) {
+void WriteVecScale(ByteWriter& out, float factor, float offset, std::string_view unit, std::string_view name) {
   out.Float(factor);
   out.Float(offset);
   out.FixedText(unit, 11);
@@ -255,8 +254,7 @@ float Displacement(const SampleField& field, const VecScales& scales, int compon
 }
 
 // Frame numbers count from 1.
-float VecValue(const SampleField& field, const VecScales& scales, int subType, int frame, int column,
-               int row) {
+float VecValue(const SampleField& field, const VecScales& scales, int subType, int frame, int column, int row) {
   const std::size_t point = PointIndex(field, column, row);
   if (subType == 2) return Displacement(field, scales, frame - 1, point);
   const std::int32_t status = VecStatus(field, column, row);
