@@ -134,10 +134,39 @@ DatVector ParseDatLine(std::string_view line) {
   return {columns[1], columns[2], columns[7], columns[8]};
 }
 
+// The most usual line: nothing before the first column, single blanks between columns, at most 64 characters. Then
+// every blank ends a column and begins the next. 0 where the line has another shape.
+inline std::size_t CutSingleBlanks(std::string_view text, Word blanks, DatColumns& result) {
+  const Word pairs = blanks & blanks << 1;
+  Positions64 ends{blanks};
+  std::size_t start = 0;
+  bool allBlanks = (blanks & 1) == 0;
+  const auto take = [&] {
+    const auto end = static_cast<std::size_t>(ends.TakeFirst());
+    const std::string_view column(text.data() + start, end - start);
+    allBlanks = allBlanks && end < 64 && text.data()[end] == ' ';
+    start = end + 1;
+    return column;
+  };
+  result.x = take();
+  result.y = take();
+  for (int ignored = 3; ignored <= 6; ++ignored) take();
+  result.u = take();
+  if (!allBlanks) return 0;
+  result.v = take();
+  while (allBlanks && start < 64) take();
+  const std::size_t end = start - 1;  // behind the last column: what ends the line, or what has another shape
+  if (end >= 64 || end >= text.size() || (text[end] != '\r' && text[end] != '\n')) return 0;
+  if ((pairs & ((Word{1} << end) - 1)) != 0 || pairs >> end & 1) return 0;
+  const bool pair = text[end] == '\r' && end + 1 < text.size() && text[end + 1] == '\n';
+  return end + (pair ? 2 : 1);
+}
+
 std::size_t CutUsualDatLine(std::string_view text, DatColumns& columns) {
   Positions128 blanks;
   Positions128 controls;
   blanks.low = FindBelow<0x21>(text.data());
+  if (const std::size_t taken = CutSingleBlanks(text, blanks.low, columns); taken > 0) return taken;
   controls.low = FindBelow<0x20>(text.data());
   if (controls.low != 0) return CutColumns(text, Positions64{blanks.low}, Positions64{controls.low}, columns);
   blanks.high = FindBelow<0x21>(text.data() + 64);
