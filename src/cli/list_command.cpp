@@ -32,7 +32,7 @@ int Depth(const CommandRow& row) {
 std::string AsText() {
   std::string text;
   for (const CommandRow& row : CommandCatalogue()) {
-    text.append(static_cast<std::size_t>(2 * Depth(row)), ' ');
+    text.append(2 * static_cast<std::size_t>(Depth(row)), ' ');
     text.append(std::to_string(row.eventId)).append("\t").append(row.constantName);
     text.append("\t").append(row.shortText).append("\t").append(row.longText).append("\t");
     for (std::size_t k = 0; k < row.parameters.size(); ++k) {

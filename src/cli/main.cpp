@@ -53,7 +53,7 @@ CLI::Option* AddPath(CLI::App* command, const std::string& name, std::string& ta
 }
 
 CLI::Option* AddChoice(CLI::App* command, const std::string& name, std::string& target, const std::string& help,
-                       std::vector<std::string> choices) {
+                       const std::vector<std::string>& choices) {
   return command->add_option(name, target, help)
       ->type_name("")
       ->check(CLI::Validator(

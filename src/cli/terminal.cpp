@@ -1,6 +1,7 @@
 #include "cli/terminal.h"
 
 #include <algorithm>
+#include <cmath>
 #include <csignal>
 
 #include "platform/environment.h"
@@ -33,7 +34,7 @@ bool EndsLine(std::string_view text) {
 
 // "1:05"
 std::string MinutesText(double seconds) {
-  const auto whole = static_cast<long long>(seconds + 0.5);
+  const long long whole = std::llround(seconds);
   const std::string rest = std::to_string(whole % 60);
   return std::to_string(whole / 60) + (rest.size() < 2 ? ":0" : ":") + rest;
 }

@@ -124,7 +124,7 @@ char* FormatNumberTo(char* buffer, double value, int digits, char decimalSeparat
   int exponent = 0;
   std::from_chars(exponentMark + (exponentMark[1] == '+' ? 2 : 1), end, exponent);
 
-  char digitText[20];
+  char digitText[20] = {};
   int count = 0;
   for (const char* p = scientific; p < exponentMark; ++p) {
     if (IsDigit(*p)) digitText[count++] = *p;
