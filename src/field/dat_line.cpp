@@ -106,10 +106,18 @@ class Columns {
   Positions ends_;
 };
 
+// The position behind the line end (CR LF, LF or CR) at `end`; 0 where none is there.
+inline std::size_t BehindLineEnd(std::string_view text, std::size_t end) {
+  if (end >= text.size() || (text[end] != '\r' && text[end] != '\n')) return 0;
+  const bool pair = text[end] == '\r' && end + 1 < text.size() && text[end + 1] == '\n';
+  return end + (pair ? 2 : 1);
+}
+
 template <class Positions>
 std::size_t CutColumns(std::string_view text, Positions blanks, Positions controls, DatColumns& result) {
   const auto end = static_cast<std::size_t>(controls.First());
-  if (end >= text.size() || (text[end] != '\r' && text[end] != '\n')) return 0;
+  const std::size_t behindLine = BehindLineEnd(text, end);
+  if (behindLine == 0) return 0;
   Columns<Positions> columns(text.data(), blanks.Complement().Before(static_cast<int>(end)));
   result.x = columns.Take();
   result.y = columns.Take();
@@ -117,8 +125,7 @@ std::size_t CutColumns(std::string_view text, Positions blanks, Positions contro
   result.u = columns.Take();
   if (columns.Empty()) return 0;
   result.v = columns.Take();
-  const bool pair = text[end] == '\r' && end + 1 < text.size() && text[end + 1] == '\n';
-  return end + (pair ? 2 : 1);
+  return behindLine;
 }
 
 }  // namespace
@@ -156,10 +163,10 @@ inline std::size_t CutSingleBlanks(std::string_view text, Word blanks, DatColumn
   result.v = take();
   while (allBlanks && start < 64) take();
   const std::size_t end = start - 1;  // behind the last column: what ends the line, or what has another shape
-  if (end >= 64 || end >= text.size() || (text[end] != '\r' && text[end] != '\n')) return 0;
+  const std::size_t behindLine = end < 64 ? BehindLineEnd(text, end) : 0;
+  if (behindLine == 0) return 0;
   if ((pairs & ((Word{1} << end) - 1)) != 0 || pairs >> end & 1) return 0;
-  const bool pair = text[end] == '\r' && end + 1 < text.size() && text[end + 1] == '\n';
-  return end + (pair ? 2 : 1);
+  return behindLine;
 }
 
 std::size_t CutUsualDatLine(std::string_view text, DatColumns& columns) {
