@@ -4,6 +4,7 @@
 #include <memory>
 #include <string_view>
 
+#include "field/dat_line.h"
 #include "platform/file_system.h"
 
 namespace quiverion {
@@ -13,9 +14,8 @@ namespace quiverion {
 /// closing quote.
 class DatFields {
  public:
-  /// Bytes that may be read behind `Rest` (zeros): parsers may look at a line of 128 bytes and a word at
-  /// once.
-  static constexpr std::size_t kPadding = 144;
+  /// Bytes that may be read behind `Rest` (zeros): parsers may look at a whole chunk of text at once.
+  static constexpr std::size_t kPadding = DatLines::kBehind;
 
   /// Reads the file. Throws SystemError.
   explicit DatFields(InputFile& file);

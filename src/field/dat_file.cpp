@@ -1,13 +1,15 @@
 #include "field/dat_file.h"
 
 #include <algorithm>
-#include <cstring>
+#include <array>
+#include <bit>
 #include <string>
 #include <vector>
 
 #include "field/dat_fields.h"
 #include "field/dat_line.h"
 #include "field/frames.h"
+#include "platform/multi_target.h"
 #include "platform/numbers.h"
 #include "platform/text.h"
 
@@ -113,7 +115,7 @@ std::int32_t RowOf(const VectorField& field, double y) {
   return CheckedInt32((std::int64_t{field.firstPixelY} - RoundToInt32(y)) / field.gridStepY + 1);
 }
 
-void Store(VectorField& field, std::int32_t i, std::int32_t j, double u, double v) {
+QUIVERION_ALWAYS_INLINE void Store(VectorField& field, std::int32_t i, std::int32_t j, double u, double v) {
   if (i < 1 || i > field.columnCount || j < 1 || j > field.rowCount) {
     throw SystemError(ErrorNumber::indexOutOfRange);
   }
@@ -122,72 +124,88 @@ void Store(VectorField& field, std::int32_t i, std::int32_t j, double u, double 
   field.status(i, j) = 1;
 }
 
-// The same few positions come again in every row (and every column): remembers the grid index of their text.
+// The same few positions come again in every row (and every column): remembers the grid index of their text. A hash
+// table with linear probing.
 class IndexMemo {
  public:
-  // `find(value)` tells the index of a position that is not known yet. 0 where the text is no plain number.
+  // `find(value)` tells the index of a position that is not known yet. `text`: as DatLines gives it.
   template <class Find>
-  std::int32_t Index(std::string_view text, Find find) {
-    if (text.size() > 8) return Resolve(text, find);
-    std::uint64_t key = 0;
-    std::memcpy(&key, text.data(), sizeof key);
-    key <<= 64 - 8 * text.size();
-    Entry& entry = entries_[key * 0x9E3779B97F4A7C15 >> (64 - kBits)];
-    if (entry.key != key) entry = {key, Resolve(text, find)};
-    return entry.index;
+  std::int32_t Index(std::uint64_t text, Find find) {
+    if (text == last_.text) return last_.index;
+    std::size_t slot = text * 0x9E3779B97F4A7C15 >> (64 - kBits);
+    while (entries_[slot].text != text && entries_[slot].text != 0) slot = (slot + 1) % kSlots;
+    if (entries_[slot].text == 0) Learn(slot, {text, find(ValueOf(text))});
+    last_ = entries_[slot];
+    return last_.index;
   }
 
  private:
-  template <class Find>
-  static std::int32_t Resolve(std::string_view text, Find find) {
-    double value = 0.0;
-    return ReadPlainNumber(text, value) ? find(value) : 0;
-  }
-
-  static constexpr int kBits = 10;
   struct Entry {
-    std::uint64_t key = 0;  // the characters; no text has this one
+    std::uint64_t text = 0;  // no position has this one
     std::int32_t index = 0;
   };
-  std::vector<Entry> entries_ = std::vector<Entry>(std::size_t{1} << kBits);
+
+  // A full table begins anew.
+  void Learn(std::size_t slot, Entry entry) {
+    if (++used_ > kSlots / 2) {
+      std::fill(entries_.begin(), entries_.end(), Entry{});
+      used_ = 1;
+    }
+    entries_[slot] = entry;
+  }
+
+  static double ValueOf(std::uint64_t text) {
+    const auto characters = std::bit_cast<std::array<char, sizeof text>>(text);
+    const std::string_view all(characters.data(), characters.size());
+    return ReadNumberPrefix(all.substr(all.find_first_not_of('\0'))).value;
+  }
+
+  static constexpr int kBits = 11;
+  static constexpr std::size_t kSlots = std::size_t{1} << kBits;
+  std::vector<Entry> entries_ = std::vector<Entry>(kSlots);
+  std::size_t used_ = 0;
+  Entry last_;
 };
 
-// Takes lines of the usual shape.
-class QuickReader {
+class VectorReader {
  public:
-  explicit QuickReader(VectorField& field) : field_(field) {}
+  explicit VectorReader(VectorField& field) : field_(field) {}
 
-  // False, with nothing taken, where the line has another shape or holds an error: the slow way deals with both.
-  bool TakeLine(DatFields& fields) {
-    DatColumns columns;
-    const std::size_t taken = CutUsualDatLine(fields.Rest(), columns);
-    double u = 0.0;
-    double v = 0.0;
-    if (taken == 0 || !ReadPlainNumber(columns.u, u) || !ReadPlainNumber(columns.v, v)) return false;
-    const std::int32_t i = columns_.Index(columns.x, [this](double x) { return ColumnOf(field_, x); });
-    const std::int32_t j = rows_.Index(columns.y, [this](double y) { return RowOf(field_, y); });
-    if (i < 1 || j < 1) return false;
-    Store(field_, i, j, u, v);
-    fields.Take(taken);
-    return true;
+  void Read(DatFields& fields) {
+    while (!fields.AtEnd()) {
+      if (!TakeUsualLines(fields)) StoreLine(fields.Next());
+    }
   }
 
  private:
+  // False where the next line has another shape.
+  bool TakeUsualLines(DatFields& fields) {
+    const std::string_view text = fields.Rest();
+    const std::size_t taken = lines_.Take(text);
+    for (int k = 0; k < lines_.Count(); ++k) {
+      if (lines_.IsPlain(k)) {
+        const std::int32_t i = columns_.Index(lines_.XText(k), [this](double x) { return ColumnOf(field_, x); });
+        const std::int32_t j = rows_.Index(lines_.YText(k), [this](double y) { return RowOf(field_, y); });
+        Store(field_, i, j, lines_.Vx(k), lines_.Vy(k));
+      } else {
+        const std::string_view line = text.substr(lines_.Begin(k));
+        StoreLine(line.substr(0, line.find_first_of("\r\n")));
+      }
+    }
+    fields.Take(taken);
+    return taken > 0;
+  }
+
+  void StoreLine(std::string_view line) {
+    const DatVector vector = ParseDatLine(line);
+    Store(field_, ColumnOf(field_, vector.x), RowOf(field_, vector.y), vector.u, vector.v);
+  }
+
   VectorField& field_;
   IndexMemo columns_;
   IndexMemo rows_;
+  DatLines lines_;
 };
-
-void ReadVectors(VectorField& field, DatFields& fields) {
-  // Commas end fields; files that have none behind the header are the rule and take the quick way.
-  const bool quick = fields.Rest().find(',') == std::string_view::npos;
-  QuickReader reader(field);
-  while (!fields.AtEnd()) {
-    if (quick && reader.TakeLine(fields)) continue;
-    const DatVector vector = ParseDatLine(fields.Next());
-    Store(field, ColumnOf(field, vector.x), RowOf(field, vector.y), vector.u, vector.v);
-  }
-}
 
 void SetPositions(VectorField& field) {
   if (field.pixelScale == 0) throw SystemError(ErrorNumber::divisionByZero);
@@ -208,7 +226,7 @@ void ReadDat(VectorField& field, InputFile& file, std::string_view wrongKind) {
   DatFields fields(file);
   ReadHeader(field, fields, wrongKind);
   PlaceGrid(field, file.Size());
-  ReadVectors(field, fields);
+  VectorReader(field).Read(fields);
   SetPositions(field);
 }
 

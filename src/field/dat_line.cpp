@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstdint>
-#include <cstring>
 
 #include "platform/byte_words.h"
+#include "platform/multi_target.h"
 #include "platform/numbers.h"
 
 namespace quiverion {
@@ -14,118 +13,91 @@ namespace {
 using words::Load;
 using words::Word;
 
-// A set of positions in a line. One word holds 64 characters; longer lines take two.
-struct Positions64 {
-  Word low = 0;
-
-  bool Empty() const { return low == 0; }
-  int First() const { return std::countr_zero(low); }
-  int TakeFirst() {
-    const int first = First();
-    low &= low - 1;
-    return first;
+// One bit for each of the characters that `isMeant` holds for, 64 to a word. The comparison becomes vector
+// instructions; a multiplication gathers eight of its bytes, each 0 or 1, in the highest one.
+template <std::size_t size, class IsMeant>
+QUIVERION_ALWAYS_INLINE void FindCharacters(const char* text, Word* found, IsMeant isMeant) {
+  constexpr std::size_t kPart = 1024;
+  for (std::size_t part = 0; part < size; part += kPart) {
+    char meant[kPart];
+    for (std::size_t k = 0; k < kPart; ++k) meant[k] = isMeant(static_cast<unsigned char>(text[part + k])) ? 1 : 0;
+    unsigned char bits[kPart / 8];
+    for (std::size_t k = 0; k < kPart / 8; ++k) {
+      bits[k] = static_cast<unsigned char>(Load(meant + 8 * k) * 0x0102040810204080 >> 56);
+    }
+    for (std::size_t k = 0; k < kPart / 64; ++k) found[part / 64 + k] = words::Load(bits + 8 * k);
   }
-  Positions64 Before(int end) const { return {end >= 64 ? low : low & ((Word{1} << end) - 1)}; }
-  Positions64 ShiftedUp() const { return {low << 1}; }
-  Positions64 Without(Positions64 other) const { return {low & ~other.low}; }
-  Positions64 Complement() const { return {~low}; }
-};
+}
 
-struct Positions128 {
-  Word low = 0;
-  Word high = 0;
+// Stops end a field, or a line of the usual shape (control characters); separators end a column.
+QUIVERION_MULTI_TARGET void FindEnds(const char* text, Word* separators, Word* stops) {
+  FindCharacters<DatLines::kChunk>(text, stops, [](unsigned char c) { return (c < ' ') | (c == ','); });
+  FindCharacters<DatLines::kChunk>(text, separators, [](unsigned char c) { return (c <= ' ') | (c == ','); });
+}
 
-  bool Empty() const { return (low | high) == 0; }
-  int First() const { return low != 0 ? std::countr_zero(low) : 64 + std::countr_zero(high); }
-  int TakeFirst() {
-    const int first = First();
-    high &= low != 0 ? ~Word{0} : high - 1;
-    low &= low - 1;
-    return first;
-  }
-  Positions128 Before(int end) const {
-    return {Positions64{low}.Before(end).low, end < 64 ? 0 : Positions64{high}.Before(end - 64).low};
-  }
-  Positions128 ShiftedUp() const { return {low << 1, high << 1 | low >> 63}; }
-  Positions128 Without(Positions128 other) const { return {low & ~other.low, high & ~other.high}; }
-  Positions128 Complement() const { return {~low, ~high}; }
-};
+// The bits from position `at`: kWindow of them, or some more.
+constexpr int kWindow = 57;
+QUIVERION_ALWAYS_INLINE Word Window(const Word* bits, std::size_t at) {
+  return Load(reinterpret_cast<const char*>(bits) + at / 8) >> at % 8;
+}
 
-// The characters below `limit` among 64, one bit each. The comparison becomes vector instructions, and a
-// multiplication gathers eight of its bytes.
-template <unsigned char limit>
-Word FindBelow(const char* text) {
-  char below[64];
-  for (int k = 0; k < 64; ++k) below[k] = static_cast<unsigned char>(text[k]) < limit ? 1 : 0;
-  Word found = 0;
-  for (int k = 0; k < 8; ++k) found |= (Load(below + 8 * k) * 0x0102040810204080) >> 56 << (8 * k);
-  return found;
+// The last `count` (1 to 8) characters that end at `end`, in the highest bytes.
+QUIVERION_ALWAYS_INLINE Word LastCharacters(const char* end, std::size_t count) {
+  return Load(end - count) << (64 - 8 * count);
 }
 
 // The number of eight digits with the first in the lowest byte, each as value 0 to 9.
-std::uint64_t EightDigits(Word word) {
+QUIVERION_ALWAYS_INLINE Word EightDigits(Word word) {
   word = word * 10 + (word >> 8);  // pairs
   return ((word & 0x000000FF000000FF) * 0x000F424000000064 + (word >> 16 & 0x000000FF000000FF) * 0x0000271000000001) >>
          32;
 }
 
-bool AllDigits(Word word) {
-  return (((word + words::kOnes * 0x76) | word) & words::kHighs) == 0;
+// Ten to the power of `exponent` (0 to 7), exactly. A table would have to be gathered from, which is slower.
+QUIVERION_ALWAYS_INLINE double PowerOfTen(Word exponent) {
+  return ((exponent & 1) != 0 ? 1E1 : 1E0) * ((exponent & 2) != 0 ? 1E2 : 1E0) * ((exponent & 4) != 0 ? 1E4 : 1E0);
 }
 
-// The first `count` (0 to 8) characters of the word as digit values that end in the highest byte, zeros
-// before them.
-Word Digits(Word characters, int count) {
-  const Word values = characters ^ (words::kOnes * '0');
-  return values << (32 - 4 * count) << (32 - 4 * count);  // a single shift could be one of 64 bits
+// How many bytes above the highest one meant: 7 where none is.
+QUIVERION_ALWAYS_INLINE Word BytesAbove(Word highBits) {
+  return static_cast<Word>(std::countl_zero(highBits | 1)) / 8;
 }
 
-constexpr double kPowersOfTen[] = {1E0, 1E1, 1E2, 1E3, 1E4, 1E5, 1E6, 1E7, 1E8};
-constexpr std::uint64_t kIntegerPowersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
-
-// The columns of a line one after the other.
-template <class Positions>
-class Columns {
- public:
-  Columns(const char* text, Positions columns)
-      : text_(text), starts_(columns.Without(columns.ShiftedUp())), ends_(columns.ShiftedUp().Without(columns)) {}
-
-  bool Empty() const { return ends_.Empty(); }
-  void Skip() {
-    starts_.TakeFirst();
-    ends_.TakeFirst();
-  }
-  std::string_view Take() {
-    const char* const first = text_ + starts_.TakeFirst();
-    return {first, text_ + ends_.TakeFirst()};
-  }
-
- private:
-  const char* text_;
-  Positions starts_;
-  Positions ends_;
-};
-
-// The position behind the line end (CR LF, LF or CR) at `end`; 0 where none is there.
-inline std::size_t BehindLineEnd(std::string_view text, std::size_t end) {
-  if (end >= text.size() || (text[end] != '\r' && text[end] != '\n')) return 0;
-  const bool pair = text[end] == '\r' && end + 1 < text.size() && text[end + 1] == '\n';
-  return end + (pair ? 2 : 1);
+// Keeps the `count` (0 to 7) highest bytes.
+QUIVERION_ALWAYS_INLINE Word HighestBytes(Word word, Word count) {
+  return word >> 8 >> (56 - 8 * count) << (56 - 8 * count) << 8;
 }
 
-template <class Positions>
-std::size_t CutColumns(std::string_view text, Positions blanks, Positions controls, DatColumns& result) {
-  const auto end = static_cast<std::size_t>(controls.First());
-  const std::size_t behindLine = BehindLineEnd(text, end);
-  if (behindLine == 0) return 0;
-  Columns<Positions> columns(text.data(), blanks.Complement().Before(static_cast<int>(end)));
-  result.x = columns.Take();
-  result.y = columns.Take();
-  for (int ignored = 3; ignored <= 6; ++ignored) columns.Skip();
-  result.u = columns.Take();
-  if (columns.Empty()) return 0;
-  result.v = columns.Take();
-  return behindLine;
+// The byte below the `count` (0 to 7) highest ones, as the lowest byte.
+QUIVERION_ALWAYS_INLINE Word ByteBelow(Word word, Word count) {
+  return word << 8 * count >> 56;
+}
+
+// A number that ends with the sixteen characters `head`, `tail`, in front of it a blank. Nonzero where it is of another
+// shape than DatLines::IsPlain says. Branches would stand in the way of vector instructions.
+QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
+  const Word places = BytesAbove(words::BytesBelow<1>(tail ^ words::kOnes * '.'));
+  const Word placeDigits = HighestBytes(tail ^ words::kOnes * '0', places);
+  const Word beforePoint = tail << 8 * places << 8 | head >> (56 - 8 * places);
+  const Word whole = BytesAbove(words::BytesFrom<10>(beforePoint ^ words::kOnes * '0'));
+  const Word wholeDigits = HighestBytes(beforePoint ^ words::kOnes * '0', whole);
+  const Word beforeDigits = beforePoint << 8 * whole;
+  const Word negative = ((beforeDigits >> 56 ^ '-') - 1) >> 63;
+  const Word refused = (ByteBelow(tail, places) ^ '.') | words::BytesFrom<10>(placeDigits) |
+                       (whole + places - 1) >> 63 | (ByteBelow(beforeDigits, negative) ^ ' ');
+
+  // At most fourteen digits: all of this is exact up to the division, which rounds once, to the correctly rounded value.
+  const auto wholeValue = static_cast<double>(static_cast<std::int64_t>(EightDigits(wholeDigits)));
+  const auto placesValue = static_cast<double>(static_cast<std::int64_t>(EightDigits(placeDigits)));
+  const double power = PowerOfTen(places);
+  const double magnitude = (wholeValue * power + placesValue) / power;
+  value = std::bit_cast<double>(std::bit_cast<Word>(magnitude) | negative << 63);
+  return refused;
+}
+
+QUIVERION_MULTI_TARGET void ReadAll(std::size_t count, const Word* heads, const Word* tails, double* values,
+                                    Word* refused) {
+  for (std::size_t k = 0; k < count; ++k) refused[k] = ReadNumber(heads[k], tails[k], values[k]);
 }
 
 }  // namespace
@@ -141,81 +113,71 @@ DatVector ParseDatLine(std::string_view line) {
   return {columns[1], columns[2], columns[7], columns[8]};
 }
 
-// The most usual line: nothing before the first column, single blanks between columns, at most 64 characters. Then
-// every blank ends a column and begins the next. 0 where the line has another shape.
-inline std::size_t CutSingleBlanks(std::string_view text, Word blanks, DatColumns& result) {
-  const Word pairs = blanks & blanks << 1;
-  Positions64 ends{blanks};
-  std::size_t start = 0;
-  bool allBlanks = (blanks & 1) == 0;
-  const auto take = [&] {
-    const auto end = static_cast<std::size_t>(ends.TakeFirst());
-    const std::string_view column(text.data() + start, end - start);
-    allBlanks = allBlanks && end < 64 && text.data()[end] == ' ';
-    start = end + 1;
-    return column;
-  };
-  result.x = take();
-  result.y = take();
-  for (int ignored = 3; ignored <= 6; ++ignored) take();
-  result.u = take();
-  if (!allBlanks) return 0;
-  result.v = take();
-  while (allBlanks && start < 64) take();
-  const std::size_t end = start - 1;  // behind the last column: what ends the line, or what has another shape
-  const std::size_t behindLine = end < 64 ? BehindLineEnd(text, end) : 0;
-  if (behindLine == 0) return 0;
-  if ((pairs & ((Word{1} << end) - 1)) != 0 || pairs >> end & 1) return 0;
-  return behindLine;
+std::size_t DatLines::Take(std::string_view text) {
+  FindEnds(text.data(), separators_.data(), stops_.data());
+  const std::size_t taken = Cut(text);
+  ReadAll(2 * static_cast<std::size_t>(count_), heads_.data(), tails_.data(), values_.data(), refused_.data());
+  return taken;
 }
 
-std::size_t CutUsualDatLine(std::string_view text, DatColumns& columns) {
-  Positions128 blanks;
-  Positions128 controls;
-  blanks.low = FindBelow<0x21>(text.data());
-  if (const std::size_t taken = CutSingleBlanks(text, blanks.low, columns); taken > 0) return taken;
-  controls.low = FindBelow<0x20>(text.data());
-  if (controls.low != 0) return CutColumns(text, Positions64{blanks.low}, Positions64{controls.low}, columns);
-  blanks.high = FindBelow<0x21>(text.data() + 64);
-  controls.high = FindBelow<0x20>(text.data() + 64);
-  return controls.Empty() ? 0 : CutColumns(text, blanks, controls, columns);
+// Takes the first position out of a set. 64 where it is empty.
+QUIVERION_ALWAYS_INLINE std::size_t TakeFirst(Word& positions) {
+  const int first = std::countr_zero(positions);
+  positions &= positions - 1;
+  return static_cast<std::size_t>(first);
 }
 
-// Without branches that depend on the digits: what a file holds cannot be predicted.
-bool ReadPlainNumber(std::string_view number, double& value) {
-  const bool negative = number.data()[0] == '-';
-  const char* const text = number.data() + negative;
-  const int length = static_cast<int>(number.size()) - negative;
-  const Word first = Load(text);
-  const int pointAt = words::FirstByte(words::FirstBytesEqual<'.'>(first));  // 8 where there is none
-  const int whole = std::min(pointAt, length);
-  const int places = std::max(length - whole - 1, 0);
-  if (places > 8 || whole + places < 1 || (pointAt == 8 && length > 8)) return false;
-  const Word placesText = Load(text + whole + 1);
-  std::uint64_t digits = 0;
-  if (whole + places <= 8) {
-    const Word all = Digits(first, whole) >> (8 * places % 64) | Digits(placesText, places);
-    if (!AllDigits(all)) return false;
-    digits = EightDigits(all);
-  } else {
-    const Word wholeDigits = Digits(first, whole);
-    const Word placeDigits = Digits(placesText, places);
-    if (!AllDigits(wholeDigits) || !AllDigits(placeDigits)) return false;
-    digits = EightDigits(wholeDigits) * kIntegerPowersOfTen[places] + EightDigits(placeDigits);
+// Lines are found one after the other, so the way to the next line is kept short: its end is looked for where the first
+// line's length lets expect it, without a look at what is between.
+std::size_t DatLines::Cut(std::string_view text) {
+  count_ = 0;
+  const int firstLength = stops_[0] != 0 ? std::countr_zero(stops_[0]) : 64 + std::countr_zero(stops_[1]);
+  constexpr int margin = 32;
+  const auto skipped = static_cast<std::size_t>(std::clamp(firstLength - margin, 0, kWindow));
+  return CutSimilarLines(text.data(), std::min(text.size(), kChunk - kLongestLine), skipped);
+}
+
+// The first two columns lie within one window, and all that is of interest behind them within the next.
+QUIVERION_MULTI_TARGET std::size_t DatLines::CutSimilarLines(const char* text, std::size_t end, std::size_t skipped) {
+  std::size_t at = 0;
+  std::size_t count = 0;
+  while (at < end) {
+    const char* const line = text + at;
+    const Word stops = Window(stops_.data(), at + skipped);
+    const Word earlierStops = Window(stops_.data(), at) & ~(~Word{0} << skipped);
+    const std::size_t lineEnd = skipped + static_cast<std::size_t>(std::countr_zero(stops));
+    if (stops == 0 || earlierStops != 0 || (line[lineEnd] != '\r' && line[lineEnd] != '\n')) break;
+
+    const Word separators = Window(separators_.data(), at);
+    Word starts = ~separators & (separators << 1 | 1);
+    Word ends = separators & ~(separators << 1 | 1);  // behind something else
+    const std::size_t xStart = TakeFirst(starts);
+    const std::size_t xEnd = TakeFirst(ends);
+    const std::size_t yStart = TakeFirst(starts);
+    const std::size_t yEnd = TakeFirst(ends);
+    if (yEnd > 63) break;
+    const Word restSeparators = Window(separators_.data(), at + yEnd);
+    Word restEnds = restSeparators & ~(restSeparators << 1 | 1);
+    for (int column = 3; column <= 6; ++column) restEnds &= restEnds - 1;
+    if (restEnds == 0) break;
+    const std::size_t uEnd = yEnd + TakeFirst(restEnds);
+    if (restEnds == 0) break;
+    const std::size_t vEnd = yEnd + TakeFirst(restEnds);
+    if (vEnd > lineEnd || xEnd - xStart > 8 || yEnd - yStart > 8 || line[xStart] == '"') break;
+
+    begins_[count] = at;
+    x_[count] = LastCharacters(line + xEnd, xEnd - xStart);
+    y_[count] = LastCharacters(line + yEnd, yEnd - yStart);
+    heads_[2 * count] = Load(line + uEnd - 16);
+    tails_[2 * count] = Load(line + uEnd - 8);
+    heads_[2 * count + 1] = Load(line + vEnd - 16);
+    tails_[2 * count + 1] = Load(line + vEnd - 8);
+    ++count;
+    at += lineEnd + 1;
+    if (line[lineEnd] == '\r' && line[lineEnd + 1] == '\n') ++at;
   }
-  // At most fifteen digits (a point leaves room for seven before it): both are exact and the division rounds once, to
-  // the correctly rounded value.
-  const double magnitude = static_cast<double>(static_cast<std::int64_t>(digits)) / kPowersOfTen[places];
-  value = std::bit_cast<double>(std::bit_cast<Word>(magnitude) | Word{negative} << 63);
-  return true;
-}
-
-std::size_t ParseUsualDatLine(std::string_view text, DatVector& vector) {
-  DatColumns columns;
-  const std::size_t taken = CutUsualDatLine(text, columns);
-  const bool plain = taken > 0 && ReadPlainNumber(columns.x, vector.x) && ReadPlainNumber(columns.y, vector.y) &&
-                     ReadPlainNumber(columns.u, vector.u) && ReadPlainNumber(columns.v, vector.v);
-  return plain ? taken : 0;
+  count_ = static_cast<int>(count);
+  return at;
 }
 
 }  // namespace quiverion

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "operations/derived_scalar_plain.h"
-#include "operations/multi_target.h"
 #include "platform/checked_real.h"
 #include "platform/float_errors.h"
+#include "platform/multi_target.h"
 
 namespace quiverion {
 namespace {

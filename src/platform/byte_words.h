@@ -16,7 +16,7 @@ inline constexpr Word kOnes = 0x0101010101010101;
 inline constexpr Word kHighs = 0x8080808080808080;
 
 /// Eight bytes from `text`, which must be readable.
-inline Word Load(const char* text) {
+inline Word Load(const void* text) {
   Word word = 0;
   std::memcpy(&word, text, sizeof word);
   return word;
@@ -26,6 +26,12 @@ inline Word Load(const char* text) {
 template <Word limit>
 constexpr Word BytesBelow(Word word) {
   return ~(((word & ~kHighs) + kOnes * (0x80 - limit)) | word) & kHighs;
+}
+
+/// Bytes that are `limit` (at most 0x80) or more, exactly.
+template <Word limit>
+constexpr Word BytesFrom(Word word) {
+  return (((word & ~kHighs) + kOnes * (0x80 - limit)) | word) & kHighs;
 }
 
 /// Bytes equal to `character`. Only the first one found is exact: behind it a byte may be meant by mistake.

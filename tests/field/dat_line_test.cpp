@@ -6,22 +6,23 @@
 #include <array>
 #include <bit>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
-#include "field/dat_fields.h"
+#include "platform/numbers.h"
 
 namespace quiverion::test {
 namespace {
 
-// A text with the padding that the quick parser may read, and not a byte more.
+// A text with what may be read around it, and not a byte more.
 class PaddedText {
  public:
-  explicit PaddedText(const std::string& text) : size_(text.size()), bytes_(new char[size_ + DatFields::kPadding]) {
-    std::copy(text.begin(), text.end(), bytes_.get());
-    std::fill_n(bytes_.get() + size_, DatFields::kPadding, '\0');
+  explicit PaddedText(std::string_view text)
+      : size_(text.size()), bytes_(new char[DatLines::kBefore + size_ + DatLines::kBehind]()) {
+    std::copy(text.begin(), text.end(), bytes_.get() + DatLines::kBefore);
   }
-  std::string_view Get() const { return {bytes_.get(), size_}; }
+  std::string_view Get() const { return {bytes_.get() + DatLines::kBefore, size_}; }
 
  private:
   std::size_t size_;
@@ -32,29 +33,58 @@ std::array<std::uint64_t, 4> BitsOf(const DatVector& vector) {
   return std::bit_cast<std::array<std::uint64_t, 4>>(vector);
 }
 
-// Takes one line off the text. True where the quick parser took it; it must then agree with the definition.
-bool Agree(std::string_view text) {
-  DatVector quick;
-  const std::size_t taken = ParseUsualDatLine(text, quick);
-  if (taken == 0) return false;
-  const std::size_t length = std::min(text.find_first_of("\r\n"), text.size());
-  const std::string_view line = text.substr(0, length);
-  EXPECT_EQ(taken, length + (text.substr(length).starts_with("\r\n") ? 2 : 1)) << line;
-  EXPECT_LE(taken, text.size()) << line;
-  EXPECT_NE(line.substr(std::min(line.find_first_not_of(' '), line.size())).substr(0, 1), "\"") << line;
-  EXPECT_EQ(BitsOf(quick), BitsOf(ParseDatLine(line))) << line;
-  return true;
+double ValueOf(std::uint64_t text) {
+  const auto characters = std::bit_cast<std::array<char, 8>>(text);
+  const std::string_view all(characters.data(), characters.size());
+  return ReadNumberPrefix(all.substr(std::min(all.find_first_not_of('\0'), all.size()))).value;
+}
+
+struct Taken {
+  int lines = 0;
+  int plain = 0;
+};
+
+// Takes lines off the text. Each of them must be a whole line, and its numbers those of the definition.
+Taken TakeAndCompare(std::string_view text) {
+  const auto lines = std::make_unique<DatLines>();
+  const PaddedText padded(text);
+  const std::size_t taken = lines->Take(padded.Get());
+  Taken result{lines->Count(), 0};
+  std::size_t at = 0;
+  for (int k = 0; k < result.lines; ++k) {
+    EXPECT_EQ(lines->Begin(k), at);
+    const std::size_t end = text.find_first_of(",\r\n", at);
+    if (end == std::string_view::npos || text[end] == ',') {
+      ADD_FAILURE() << "took what is no line: " << text.substr(at);
+      return result;
+    }
+    const std::string_view line = text.substr(at, end - at);
+    EXPECT_NE(line.substr(std::min(line.find_first_not_of(' '), line.size())).substr(0, 1), "\"") << line;
+    DatVector expected = ParseDatLine(line);
+    DatVector actual{ValueOf(lines->XText(k)), ValueOf(lines->YText(k)), expected.u, expected.v};
+    if (lines->IsPlain(k)) {
+      ++result.plain;
+      actual.u = lines->Vx(k);
+      actual.v = lines->Vy(k);
+    }
+    EXPECT_EQ(BitsOf(actual), BitsOf(expected)) << line;
+    at = end + (text.substr(end).starts_with("\r\n") ? 2 : 1);
+  }
+  EXPECT_EQ(at, taken);
+  return result;
 }
 
 // clang-format off
 constexpr std::string_view kOddNumbers[] = {
     "", ".", "-", "+1", "-.", "--1", "1.2.3", "1e5", "1E-3", "e", "x", "-0", "-0.0", "0", "12a", "nan", "\xFC", "1\xB2",
     "\"1", "0x1", "1.", "-.5", ".5", "1-", "1:2", "1/2", "00000000000000001", "999999999999999", "9999999999999999",
-    "-999999999999999", "0.00000000000001", "1.0E"};
+    "-999999999999999", "0.00000000000001", "1.0E", "1234567.", "-1234567.", "-123456.7654321", ".1234567", "1.12345678",
+    "12345678.5", "x.5", "-x.5", "1,5", "3.5.", "0.0000001"};
 // clang-format on
 
-TEST(DatLine, TheQuickParserGivesTheBitsOfTheDefinition) {
-  const char* const ends[] = {"\r\n", "\n", "\r", " \r\n", " 9.5\r\n", "\r\r\n", "x\n"};
+TEST(DatLine, ManyLinesAtOnceGiveTheBitsOfTheDefinition) {
+  const char* const ends[] = {"\r\n", "\n", "\r", " \r\n", " 9.5\r\n", "\r\r\n", "x\n", "\t\n", ",\n"};
+  const std::string usual = "16 48.0000 0.8 -0.4 0.894 2.10 -12.34567 1234.5678 2.236068\r\n";
   for (std::size_t column = 0; column < 8; ++column) {
     for (const std::string_view odd : kOddNumbers) {
       for (const char* const blank : {" ", "  ", "\t"}) {
@@ -63,22 +93,62 @@ TEST(DatLine, TheQuickParserGivesTheBitsOfTheDefinition) {
           for (std::size_t k = 0; k < 8; ++k) {
             line += (k == 0 ? "" : k == column ? blank : " ") + (k == column ? std::string(odd) : "-12.3456");
           }
-          Agree(PaddedText(line + end).Get());
-          Agree(PaddedText(line + end + line).Get());
+          TakeAndCompare(line + end);
+          TakeAndCompare(line.append(end) + line);
+          TakeAndCompare(usual + line + usual);
         }
       }
     }
   }
-  EXPECT_TRUE(Agree(PaddedText("16 48.0000 0.8 -0.4 0.894 2.10 -12.34567 1234.5678 2.236068\r\n16 4").Get()));
+}
+
+TEST(DatLine, LinesOfTheUsualShapeAreTakenTogether) {
+  std::string single;
+  std::string padded;
+  for (int k = 0; k < 40; ++k) {
+    single +=
+        "8 " + std::to_string(100 * k) + " -0.4 0.8 0.9 2.10 -12.345678 " + std::to_string(k) + ".678901 2.23\r\n";
+    padded += "   224.0  1008.0    1.000    0.003   1.000  3.9  0.009765 -0.000033 0.009765\n";
+  }
+  for (const std::string& text : {single, padded}) {
+    const Taken taken = TakeAndCompare(text);
+    EXPECT_EQ(taken.lines, 40);
+    EXPECT_EQ(taken.plain, 40);
+  }
+}
+
+TEST(DatLine, LinesOfEveryLength) {
+  for (std::size_t length = 0; length < 160; ++length) {
+    const std::string usual = "8 8 1 2 3 4 5.5 6.5";
+    TakeAndCompare(usual + "\r\n" + usual + " " + std::string(length, '7') + "\r\n" + usual + "\r\n");
+    TakeAndCompare(usual + " " + std::string(length, '7') + "\n" + usual + "\n" + usual);
+    TakeAndCompare(std::string(length, ' ') + usual + "\n" + usual + "\n");
+    TakeAndCompare("8 8 1 2 3 " + std::string(length, '7') + " 5.5 6.5\r\n" + usual + "\r\n");
+  }
+}
+
+// Line ends and commas where a line is expected to go on, columns missing, blanks anywhere.
+TEST(DatLine, RandomTextsGiveTheBitsOfTheDefinition) {
+  std::mt19937 random(20);
+  const std::string_view alphabet = "          0123456789....--\r\n,x\"";
+  const std::string usual = "16 48 0.894 -0.411 0.984 2.10 -12.345678 0.234567 2.236068\r\n";
+  int taken = 0;
+  for (int round = 0; round < 4000; ++round) {
+    std::string text = usual + usual + usual + usual;
+    for (int change = 0; change < 6; ++change) {
+      text[usual.size() / 2 + random() % (text.size() - usual.size() / 2)] = alphabet[random() % alphabet.size()];
+    }
+    taken += TakeAndCompare(text).lines;
+  }
+  EXPECT_GT(taken, 4000);
 }
 
 TEST(DatLine, EveryByteInANumberIsSeen) {
   for (int byte = 0; byte < 256; ++byte) {
     for (std::size_t at = 0; at < 15; ++at) {
-      std::string number = "123456.78901234";
+      std::string number = "-20010.0000012 ";  // no great exponent behind any place
       number[at] = static_cast<char>(byte);
-      const PaddedText text("16 48 0 0 0 0 " + number + " 1\r\n");
-      Agree(text.Get());
+      TakeAndCompare("16 48 0 0 0 0 " + number + "1.5\r\n16 48 0 0 0 0 1.5 " + number + "\r\n");
     }
   }
 }
