@@ -8,6 +8,7 @@
 #include <string>
 
 #include "field/frames.h"
+#include "platform/multi_target.h"
 #include "platform/numbers.h"
 #include "platform/text.h"
 
@@ -120,24 +121,25 @@ void WarnOfStatus(Context& context, std::int32_t status) {
 
 // True where every value is 0 to 4.5 (and not -0): seen as integers, floats of one sign keep their order, and the loop
 // has no branch.
-bool AreUsualStatuses(std::span<const float> values) {
+QUIVERION_MULTI_TARGET bool AreUsualStatuses(const float* values, std::size_t count) {
   constexpr auto limit = std::bit_cast<std::int32_t>(4.5f);
   std::int32_t signs = 0;
-  for (const float value : values) {
-    const auto bits = std::bit_cast<std::int32_t>(value);
+  for (std::size_t p = 0; p < count; ++p) {
+    const auto bits = std::bit_cast<std::int32_t>(values[p]);
     signs |= bits | (limit - (bits & 0x7FFFFFFF));
   }
   return signs >= 0;
 }
 
+QUIVERION_MULTI_TARGET void RoundUsualStatuses(const float* values, std::size_t count, std::int32_t* status) {
+  for (std::size_t p = 0; p < count; ++p) {
+    status[p] = static_cast<std::int32_t>((static_cast<double>(values[p]) + kNoFraction) - kNoFraction);
+  }
+}
+
 // The statuses of the first frame, rounded; whatever is not 0 to 4 is warned of. The usual frame takes the quick way.
 void ConvertStatus(Context& context, std::span<std::int32_t> status, const float* values) {
-  if (AreUsualStatuses({values, status.size()})) {
-    for (std::size_t p = 0; p < status.size(); ++p) {
-      status[p] = static_cast<std::int32_t>((static_cast<double>(values[p]) + kNoFraction) - kNoFraction);
-    }
-    return;
-  }
+  if (AreUsualStatuses(values, status.size())) return RoundUsualStatuses(values, status.size(), status.data());
   for (std::size_t p = 0; p < status.size(); ++p) {
     status[p] = RoundToInt32(static_cast<double>(values[p]));
     if (status[p] < 0 || status[p] > 4) WarnOfStatus(context, status[p]);
@@ -145,12 +147,8 @@ void ConvertStatus(Context& context, std::span<std::int32_t> status, const float
 }
 
 // `frames` are the nine frames of `count` values each. Only the displacement of the chosen peak is looked at.
-void ConvertExtended(Context& context, VectorField& field, const float* frames, VelocityScale scale) {
-  const std::span<std::int32_t> status = field.status.Values();
-  const std::size_t count = status.size();
-  ConvertStatus(context, status, frames);
-  double* const velX = field.velX.Values().data();
-  double* const velY = field.velY.Values().data();
+QUIVERION_MULTI_TARGET void ConvertExtended(const float* frames, std::size_t count, const std::int32_t* status,
+                                            VelocityScale scale, double* velX, double* velY) {
   for (std::size_t p = 0; p < count; ++p) {
     const auto peak = static_cast<std::size_t>(status[p]);
     const bool chosen = peak >= 1 && peak <= 4;
@@ -162,14 +160,22 @@ void ConvertExtended(Context& context, VectorField& field, const float* frames, 
   }
 }
 
-void ConvertSimple(VectorField& field, const float* frames, VelocityScale scale) {
-  const std::span<std::int32_t> status = field.status.Values();
-  const std::size_t count = status.size();
-  double* const velX = field.velX.Values().data();
-  double* const velY = field.velY.Values().data();
-  for (std::size_t p = 0; p < count; ++p) velX[p] = static_cast<double>(frames[p]) * scale.u;
-  for (std::size_t p = 0; p < count; ++p) velY[p] = static_cast<double>(frames[count + p]) * scale.v;
-  for (std::size_t p = 0; p < count; ++p) status[p] = (velX[p] != 0) | (velY[p] != 0);
+// One pass, so each value is touched once; all operands are plain pointers, so the compiler can go several vectors wide.
+QUIVERION_MULTI_TARGET void ConvertSimple(const float* frames, std::size_t count, VelocityScale scale, double* velX,
+                                          double* velY, std::int32_t* status) {
+  for (std::size_t p = 0; p < count; ++p) {
+    const double x = static_cast<double>(frames[p]) * scale.u;
+    const double y = static_cast<double>(frames[count + p]) * scale.v;
+    velX[p] = x;
+    velY[p] = y;
+    status[p] = (x != 0) | (y != 0);
+  }
+}
+
+QUIVERION_MULTI_TARGET std::int32_t CountValid(const std::int32_t* status, std::size_t count) {
+  std::int32_t valid = 0;
+  for (std::size_t p = 0; p < count; ++p) valid += status[p] > 0;
+  return valid;
 }
 
 }  // namespace
@@ -195,13 +201,17 @@ void ReadVec(Context& context, VectorField& field, InputFile& file, std::string_
   if (file.Read(frames.get(), values * sizeof(float)) < values * sizeof(float)) {
     throw SystemError(ErrorNumber::endOfFile);
   }
+  const std::span<std::int32_t> status = field.status.Values();
+  const std::size_t count = status.size();
+  double* const velX = field.velX.Values().data();
+  double* const velY = field.velY.Values().data();
   if (subType == 2) {
-    ConvertSimple(field, frames.get(), scale);
+    ConvertSimple(frames.get(), count, scale, velX, velY, status.data());
   } else {
-    ConvertExtended(context, field, frames.get(), scale);
+    ConvertStatus(context, status, frames.get());
+    ConvertExtended(frames.get(), count, status.data(), scale, velX, velY);
   }
-  field.validVectorCount = static_cast<std::int32_t>(
-      std::count_if(field.status.Values().begin(), field.status.Values().end(), [](std::int32_t s) { return s > 0; }));
+  field.validVectorCount = CountValid(status.data(), count);
 }
 
 }  // namespace quiverion
