@@ -41,9 +41,4 @@ constexpr Word FirstBytesEqual(Word word) {
   return (difference - kOnes) & ~difference & kHighs;
 }
 
-/// Position of the first byte meant, 8 where there is none.
-constexpr int FirstByte(Word highBits) {
-  return std::countr_zero(highBits) / 8;
-}
-
 }  // namespace quiverion::words
