@@ -188,7 +188,7 @@ class VectorReader {
         const std::int32_t j = rows_.Index(lines_.YText(k), [this](double y) { return RowOf(field_, y); });
         Store(field_, i, j, lines_.Vx(k), lines_.Vy(k));
       } else {
-        const std::string_view line = text.substr(lines_.Begin(k));
+        const std::string_view line(lines_.Begin(k), text.data() + taken);
         StoreLine(line.substr(0, line.find_first_of("\r\n")));
       }
     }

@@ -114,10 +114,22 @@ DatVector ParseDatLine(std::string_view line) {
 }
 
 std::size_t DatLines::Take(std::string_view text) {
-  FindEnds(text.data(), separators_.data(), stops_.data());
-  const std::size_t taken = Cut(text);
+  constexpr std::size_t scannedLines = kChunk - kLongestLine;
+  if (chunk_ == nullptr || static_cast<std::size_t>(text.data() - chunk_) >= scannedLines) {
+    FindEnds(text.data(), separators_.data(), stops_.data());
+    chunk_ = text.data();
+  }
+  const auto begin = static_cast<std::size_t>(text.data() - chunk_);
+  const std::size_t end = CutSimilarLines(begin, std::min(begin + text.size(), scannedLines));
   ReadAll(2 * static_cast<std::size_t>(count_), heads_.data(), tails_.data(), values_.data(), refused_.data());
-  return taken;
+  return end - begin;
+}
+
+// Up to the next stop, or the length of two windows.
+std::size_t DatLines::LengthOfLine(std::size_t at) const {
+  const Word near = Window(stops_.data(), at);
+  if (near != 0) return static_cast<std::size_t>(std::countr_zero(near));
+  return kWindow + static_cast<std::size_t>(std::countr_zero(Window(stops_.data(), at + kWindow)));
 }
 
 // Takes the first position out of a set. 64 where it is empty.
@@ -128,21 +140,15 @@ QUIVERION_ALWAYS_INLINE std::size_t TakeFirst(Word& positions) {
 }
 
 // Lines are found one after the other, so the way to the next line is kept short: its end is looked for where the first
-// line's length lets expect it, without a look at what is between.
-std::size_t DatLines::Cut(std::string_view text) {
-  count_ = 0;
-  const int firstLength = stops_[0] != 0 ? std::countr_zero(stops_[0]) : 64 + std::countr_zero(stops_[1]);
-  constexpr int margin = 32;
-  const auto skipped = static_cast<std::size_t>(std::clamp(firstLength - margin, 0, kWindow));
-  return CutSimilarLines(text.data(), std::min(text.size(), kChunk - kLongestLine), skipped);
-}
-
-// The first two columns lie within one window, and all that is of interest behind them within the next.
-QUIVERION_MULTI_TARGET std::size_t DatLines::CutSimilarLines(const char* text, std::size_t end, std::size_t skipped) {
-  std::size_t at = 0;
+// line's length lets expect it, without a look at what is between. The first two columns lie within one window, and all
+// that is of interest behind them within the next.
+QUIVERION_MULTI_TARGET std::size_t DatLines::CutSimilarLines(std::size_t at, std::size_t end) {
+  constexpr std::size_t margin = 32;
+  const std::size_t firstLength = LengthOfLine(at);
+  const std::size_t skipped = firstLength < margin ? 0 : std::min<std::size_t>(firstLength - margin, kWindow);
   std::size_t count = 0;
   while (at < end) {
-    const char* const line = text + at;
+    const char* const line = chunk_ + at;
     const Word stops = Window(stops_.data(), at + skipped);
     const Word earlierStops = Window(stops_.data(), at) & ~(~Word{0} << skipped);
     const std::size_t lineEnd = skipped + static_cast<std::size_t>(std::countr_zero(stops));
@@ -165,7 +171,7 @@ QUIVERION_MULTI_TARGET std::size_t DatLines::CutSimilarLines(const char* text, s
     const std::size_t vEnd = yEnd + TakeFirst(restEnds);
     if (vEnd > lineEnd || xEnd - xStart > 8 || yEnd - yStart > 8 || line[xStart] == '"') break;
 
-    begins_[count] = at;
+    begins_[count] = line;
     x_[count] = LastCharacters(line + xEnd, xEnd - xStart);
     y_[count] = LastCharacters(line + yEnd, yEnd - yStart);
     heads_[2 * count] = Load(line + uEnd - 16);

@@ -33,7 +33,8 @@ class DatLines {
   static constexpr std::size_t kBehind = kChunk;
 
   /// Takes the lines of the usual shape that `text` begins with, as many as fit, and reads their numbers. Returns the
-  /// bytes taken, line ends included.
+  /// bytes taken, line ends included. The next call goes on behind them, or farther behind, in the same memory: what has
+  /// been looked at is not looked at again.
   std::size_t Take(std::string_view text);
 
   int Count() const { return count_; }
@@ -50,8 +51,8 @@ class DatLines {
   double Vx(int line) const { return values_[U(line)]; }
   double Vy(int line) const { return values_[V(line)]; }
 
-  /// Where the line begins in the text that was passed to Take.
-  std::size_t Begin(int line) const { return begins_[static_cast<std::size_t>(line)]; }
+  /// Where the line begins.
+  const char* Begin(int line) const { return begins_[static_cast<std::size_t>(line)]; }
 
  private:
   static constexpr std::size_t kLines = kChunk / 16;  // eight columns and their ends are sixteen bytes
@@ -60,13 +61,14 @@ class DatLines {
 
   static constexpr std::size_t kLongestLine = 128;
 
-  std::size_t Cut(std::string_view text);
-  std::size_t CutSimilarLines(const char* text, std::size_t end, std::size_t skipped);
+  std::size_t LengthOfLine(std::size_t at) const;
+  std::size_t CutSimilarLines(std::size_t at, std::size_t end);
 
+  const char* chunk_ = nullptr;  // where the masks begin
   int count_ = 0;
   std::array<std::uint64_t, kChunk / 64> separators_;  // one bit for each character of the chunk
   std::array<std::uint64_t, kChunk / 64> stops_;
-  std::array<std::size_t, kLines> begins_;
+  std::array<const char*, kLines> begins_;
   std::array<std::uint64_t, kLines> x_;
   std::array<std::uint64_t, kLines> y_;
   std::array<std::uint64_t, 2 * kLines> tails_;  // the last eight characters of a velocity

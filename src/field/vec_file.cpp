@@ -178,6 +178,21 @@ QUIVERION_MULTI_TARGET std::int32_t CountValid(const std::int32_t* status, std::
   return valid;
 }
 
+// `frames` are the frames of the file one after the other, each of as many values as the field has vectors.
+void ConvertFrames(Context& context, VectorField& field, std::int16_t subType, const float* frames,
+                   VelocityScale scale) {
+  const std::span<std::int32_t> status = field.status.Values();
+  double* const velX = field.velX.Values().data();
+  double* const velY = field.velY.Values().data();
+  if (subType == 2) {
+    ConvertSimple(frames, status.size(), scale, velX, velY, status.data());
+  } else {
+    ConvertStatus(context, status, frames);
+    ConvertExtended(frames, status.size(), status.data(), scale, velX, velY);
+  }
+  field.validVectorCount = CountValid(status.data(), status.size());
+}
+
 }  // namespace
 
 void ReadVec(Context& context, VectorField& field, InputFile& file, std::string_view rowsNotDivisibleBy2) {
@@ -201,17 +216,7 @@ void ReadVec(Context& context, VectorField& field, InputFile& file, std::string_
   if (file.Read(frames.get(), values * sizeof(float)) < values * sizeof(float)) {
     throw SystemError(ErrorNumber::endOfFile);
   }
-  const std::span<std::int32_t> status = field.status.Values();
-  const std::size_t count = status.size();
-  double* const velX = field.velX.Values().data();
-  double* const velY = field.velY.Values().data();
-  if (subType == 2) {
-    ConvertSimple(frames.get(), count, scale, velX, velY, status.data());
-  } else {
-    ConvertStatus(context, status, frames.get());
-    ConvertExtended(frames.get(), count, status.data(), scale, velX, velY);
-  }
-  field.validVectorCount = CountValid(status.data(), count);
+  ConvertFrames(context, field, subType, frames.get(), scale);
 }
 
 }  // namespace quiverion

@@ -31,7 +31,7 @@ constexpr Word BytesBelow(Word word) {
 /// Bytes that are `limit` (at most 0x80) or more, exactly.
 template <Word limit>
 constexpr Word BytesFrom(Word word) {
-  return (((word & ~kHighs) + kOnes * (0x80 - limit)) | word) & kHighs;
+  return BytesBelow<limit>(word) ^ kHighs;
 }
 
 /// Bytes equal to `character`. Only the first one found is exact: behind it a byte may be meant by mistake.

@@ -52,7 +52,7 @@ Taken TakeAndCompare(std::string_view text) {
   Taken result{lines->Count(), 0};
   std::size_t at = 0;
   for (int k = 0; k < result.lines; ++k) {
-    EXPECT_EQ(lines->Begin(k), at);
+    EXPECT_EQ(lines->Begin(k) - padded.Get().data(), static_cast<std::ptrdiff_t>(at));
     const std::size_t end = text.find_first_of(",\r\n", at);
     if (end == std::string_view::npos || text[end] == ',') {
       ADD_FAILURE() << "took what is no line: " << text.substr(at);
