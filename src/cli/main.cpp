@@ -14,7 +14,7 @@ namespace {
 class GermanHelp : public CLI::Formatter {
  public:
   GermanHelp() {
-    label("REQUIRED", "(nötig)");
+    label("REQUIRED", "(Pflicht)");
     label("POSITIONALS", "Argumente");
     label("Positionals", "Argumente");
     label("TEXT", "TEXT");

@@ -133,6 +133,15 @@ Outcome RunProgram(const Workplace& place, const std::vector<std::string>& argum
   return outcome;
 }
 
+void ExpectApproved(const Workplace& place, const std::string& name, std::string text) {
+  for (std::size_t at; (at = text.find(place.Path())) != std::string::npos;) {
+    text.replace(at, place.Path().size(), "<hier>/");
+  }
+  const std::string path = std::string(APPROVED_TEXTS) + "/" + name;
+  if (std::getenv("QUIVERION_APPROVE") != nullptr) std::ofstream(path, std::ios::binary) << text;
+  EXPECT_EQ(text, ReadAll(path)) << name;
+}
+
 StalledProgram::StalledProgram(const Workplace& place, const std::vector<std::string>& arguments) {
   int ends[2] = {-1, -1};
   EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);

@@ -6,16 +6,6 @@ namespace {
 
 using VasFaults = FieldTest;
 
-TEST_F(VasFaults, AFileOfAnotherKindIsRefused) {
-  VasImage image;
-  for (const std::string magic : {"quiverion", "QUIVERION", "Quiverio ", "\0\0\0\0\0\0\0\0\0"}) {
-    image.magic = magic;
-    image.magic.resize(9);
-    EXPECT_EQ(Load("in.vas", image.Build()), LoadRefused("in.vas", "    Dies ist keine gültige VAS-Datei!"));
-    EXPECT_FALSE(context_.runHadError) << "the driver marks the run";
-  }
-}
-
 TEST_F(VasFaults, AFileThatEndsEarlyIsAReadErrorAtEveryLength) {
   const std::string bytes = VasImage().Build();
   for (std::size_t length = 0; length < bytes.size(); ++length) {
@@ -55,22 +45,6 @@ TEST_F(VasFaults, CountsAreCheckedBeforeMemoryIsTaken) {
   EXPECT_LT(PeakMemory() - before, 50 * 1024);
 }
 
-TEST_F(VasFaults, AFileThatCannotBeOpenedIsNamedWithItsError) {
-  const std::string sentence =
-      "    Die aktuelle Datei kann nicht geöffnet werden, da folgender Fehler aufgetreten ist:\r\n";
-  files_.openErrors["locked.vas"] = ErrorNumber::accessDenied;
-  const std::pair<std::string, int> cases[] = {{"gone.vas", 53}, {"gone/a.dat", 76}, {"locked.vas", 70}, {"a.VEC", 53}};
-  for (const auto& [path, number] : cases) {
-    EXPECT_EQ(LoadExisting(path), LoadRefused(path, sentence + ErrorTextOf(number)));
-    EXPECT_FALSE(context_.runHadError);
-  }
-}
-
-constexpr std::string_view kOpenFailed =
-    "!!! FEHLER !!!\r\n"
-    "    Die aktuelle Datei kann nicht gespeichert werden, da beim Öffnen folgender Fehler aufgetreten "
-    "ist:\r\n";
-
 std::string WriteFailed(const std::string& path, int number) {
   return "Datei speichern unter '" + path + "'... !!! FEHLER !!!\r\n    Die Datei '" + path +
          "' kann nicht gespeichert werden, da während des Schreibens folgender Fehler aufgetreten ist:\r\n" +
@@ -92,13 +66,6 @@ TEST_F(VasSaveFaults, OnlyTheExtensionVasIsWritten) {
     EXPECT_EQ(Save(path), "Datei speichern unter '" + path + "'... fertig\r\n");
     EXPECT_EQ(files_.files.count(path), 1u) << "missing directories are created";
   }
-}
-
-TEST_F(VasSaveFaults, AFileThatCannotBeCreatedIsAnError) {
-  files_.faults.open = ErrorNumber::accessDenied;
-  EXPECT_EQ(Save("a.vas"), "Datei speichern unter 'a.vas'... " + std::string(kOpenFailed) + ErrorTextOf(70) + "\r\n");
-  EXPECT_TRUE(context_.runHadError);
-  EXPECT_FALSE(context_.userAbortRequested);
 }
 
 TEST_F(VasSaveFaults, CancelOnAFullDiskKeepsTheOldFileAndEndsTheRun) {

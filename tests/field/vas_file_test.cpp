@@ -3,7 +3,6 @@
 #include <limits>
 
 #include "field/vas_image.h"
-#include "generator/sample_files.h"
 
 namespace quiverion::test {
 namespace {
@@ -17,16 +16,6 @@ TEST_F(VasFile, HoldsEveryItemInItsPlace) {
   EXPECT_EQ(Save("out.vas"), "Datei speichern unter 'out.vas'... fertig\r\n");
   EXPECT_EQ(files_.files["out.vas"], VasImage().Build());
   EXPECT_FALSE(context_.runHadError);
-}
-
-TEST_F(VasFile, ALoadAndASaveGiveTheSameBytes) {
-  const std::pair<int, int> sizes[] = {{1, 1}, {1, 9}, {9, 1}, {8, 6}, {125, 100}};
-  for (const auto& [columns, rows] : sizes) {
-    const std::string bytes = samples::VasBytes(samples::MakeSampleField({.columns = columns, .rows = rows}));
-    EXPECT_EQ(Load("in.vas", bytes), Loaded("in.vas"));
-    Save("out.vas");
-    EXPECT_TRUE(files_.files["out.vas"] == bytes) << columns << " x " << rows;
-  }
 }
 
 TEST_F(VasFile, CarriesWhatItDoesNotInterpret) {
@@ -76,7 +65,7 @@ TEST_F(VasFile, ReplacesForeignValues) {
 }
 
 TEST_F(VasFile, KeepsFiftyStreamlinesAndReadsTheRestFromItsTruePlace) {
-  for (const std::int32_t count : {0, 1, 50, 51, 52, 600}) {
+  for (const std::int32_t count : {0, 50, 51, 600}) {
     VasImage image;
     image.streamlineCount = count;
     image.streamlines.clear();

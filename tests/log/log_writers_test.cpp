@@ -41,22 +41,6 @@ std::string Terminal(std::initializer_list<std::string_view> pieces, bool colour
   return output.bytes;
 }
 
-TEST(RtfWriter, WritesFormatsWhereTheyChange) {
-  EXPECT_EQ(Rtf({"-- Titel --\r\n", "Orginaldatei einladen... ", "fertig\r\n", "    1\r\n", "    2\r\n",
-                 "!!! FEHLER !!!\r\n", "    3\r\n", "Ende\r\n"}),
-            std::string(kRtfHead) +
-                "\\b -- Titel --\\par\r\n"
-                "Orginaldatei einladen... "
-                "\\cf3\\b0 fertig\\par\r\n"
-                "\\i\\fs16     1\\par\r\n"
-                "    2\\par\r\n"
-                "\\cf2\\i0\\fs20 !!! FEHLER !!!\\par\r\n"
-                "\\i\\fs16     3\\par\r\n"
-                "\\cf1\\b\\i0\\fs20 Ende\\par\r\n"
-                "}\r\n");
-  EXPECT_EQ(Rtf({}), std::string(kRtfHead) + "}\r\n");
-}
-
 TEST(RtfWriter, EscapesWhatRtfDoesNotHold) {
   const std::pair<std::string_view, std::string_view> cases[] = {
       {"C:\\a{1}\\b.vas", "C:\\\\a\\{1\\}\\\\b.vas"},
