@@ -27,12 +27,10 @@ struct NumberCase {
 };
 
 TEST(NumberPrefix, TakesTheLongestNumber) {
-  const NumberCase cases[] = {
-      {"12.5px", 12.5, 4}, {".5", 0.5, 2},    {"5.", 5, 2},   {"-.5e1", -5, 5},    {"+4", 4, 2},
-      {"3E", 3, 1},        {"3e+", 3, 1},     {"3e-x", 3, 1}, {"3e5", 3e5, 3},     {"3E-2x", 0.03, 4},
-      {"1e+2", 100, 4},    {"1.2.3", 1.2, 3}, {"1,5", 1, 1},  {"0x10", 0, 1},      {"1e5.5", 1e5, 3},
-      {"1d5", 1, 1},       {"007", 7, 3},     {"1 2", 1, 1},  {"5.e2", 500, 4},    {"-0", -0.0, 2},
-      {"2.5-1", 2.5, 3},   {"1e2e3", 100, 3}, {"9e0", 9, 3},  {"+1.5E+01", 15, 8}, {"1E05", 1e5, 4}};
+  const NumberCase cases[] = {{"12.5px", 12.5, 4}, {".5", 0.5, 2},    {"5.", 5, 2},     {"-.5e1", -5, 5},
+                              {"+4", 4, 2},        {"3E", 3, 1},      {"3e+", 3, 1},    {"3E-2x", 0.03, 4},
+                              {"1e+2", 100, 4},    {"1.2.3", 1.2, 3}, {"1,5", 1, 1},    {"0x10", 0, 1},
+                              {"1e5.5", 1e5, 3},   {"-0", -0.0, 2},   {"5.e2", 500, 4}, {"+1.5E+01", 15, 8}};
   for (const NumberCase& c : cases) {
     const NumberPrefix found = ReadNumberPrefix(c.text);
     EXPECT_EQ(std::bit_cast<std::uint64_t>(found.value), std::bit_cast<std::uint64_t>(c.value)) << c.text;
@@ -41,8 +39,7 @@ TEST(NumberPrefix, TakesTheLongestNumber) {
 }
 
 TEST(NumberPrefix, IsNothingWhereNoNumberBegins) {
-  for (const char* text : {"",   "+", "-",   ".",   "-.",   "+.e3",     "--4",      "+-4", "-+4", " 5", "\t5",
-                           "e5", "x", "inf", "nan", "-inf", "INFINITY", "\xD9\xA1", ",5",  "$1",  "(1)"}) {
+  for (const char* text : {"", "-", ".", "+.e3", "--4", " 5", "\t5", "e5", "inf", "nan", "\xD9\xA1", ",5"}) {
     const NumberPrefix found = ReadNumberPrefix(text);
     EXPECT_EQ(found.value, 0.0) << text;
     EXPECT_EQ(found.length, 0u) << text;
