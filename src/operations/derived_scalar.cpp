@@ -1,7 +1,6 @@
 #include "operations/derived_scalar.h"
 
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <span>
 #include <utility>
@@ -10,13 +9,11 @@
 #include "operations/derived_scalar_plain.h"
 #include "platform/checked_real.h"
 #include "platform/float_errors.h"
+#include "platform/lanes.h"
 #include "platform/multi_target.h"
 
 namespace quiverion {
 namespace {
-
-// All bits set or none.
-using Mask = std::uint64_t;
 
 // One row of points with the rows below and above. `valid` is a mask per vector, as wide as the doubles it
 // selects. A row outside the grid is the row itself with nothing valid in it.
@@ -28,12 +25,6 @@ struct RowInput {
   const double *v, *vDown, *vUp;
   const Mask *valid, *validDown, *validUp;
 };
-
-// `chosen` where the mask has all bits, `other` where it has none. Bit by bit: a branch would keep the loop
-// scalar.
-QUIVERION_ALWAYS_INLINE double Select(Mask mask, double chosen, double other) {
-  return std::bit_cast<double>((std::bit_cast<Mask>(chosen) & mask) | (std::bit_cast<Mask>(other) & ~mask));
-}
 
 // The points between the first and the last column. The same operations on the same operands as the plain
 // loops, so the same bits; a point without a value runs on 0 / 1 and gives +0.0. Operands are selected before
@@ -96,7 +87,7 @@ class ValidRows {
   void Fill(std::int32_t j) {
     const std::int32_t* const status = field_.status.Row(j);
     Mask* const row = rows_[static_cast<std::size_t>(j % 3)].data();
-    for (std::size_t i = 0; i < Width(); ++i) row[i] = status[i] > 0 ? ~Mask{0} : Mask{0};
+    for (std::size_t i = 0; i < Width(); ++i) row[i] = MaskOf(status[i] > 0);
   }
 
   // Row j, filled before; nothing is valid outside the grid.
@@ -139,8 +130,8 @@ QUIVERION_NO_INLINE void ComputeFast(const VectorField& field, Grid<double>& tar
   }
 }
 
-// Two positions that some point could take its difference between are equal. A division of NaN by their distance raises
-// no flag, but stops the computation all the same.
+// Two positions that some point could take its difference between are equal. Dividing 0 or NaN by their distance raises
+// no flag that is watched, but stops the computation all the same.
 bool HasEqualPositions(std::span<const double> positions) {
   bool equal = false;
   for (std::size_t k = 1; k < positions.size(); ++k) equal |= positions[k] == positions[k - 1];

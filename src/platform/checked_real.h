@@ -38,4 +38,12 @@ class CheckedReal {
   double value_;
 };
 
+/// The number behind a Real of either kind.
+inline double ToDouble(double value) {
+  return value;
+}
+inline double ToDouble(CheckedReal value) {
+  return value.Value();
+}
+
 }  // namespace quiverion

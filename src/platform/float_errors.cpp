@@ -4,7 +4,7 @@
 
 namespace quiverion {
 namespace {
-constexpr int kErrors = FE_OVERFLOW | FE_DIVBYZERO | FE_INVALID;
+constexpr int kErrors = FE_OVERFLOW | FE_DIVBYZERO;
 }
 
 FloatErrorScope::FloatErrorScope() {

@@ -4,7 +4,9 @@ namespace quiverion {
 
 /// Watches the floating-point status while it lives. A fast kernel runs inside such a scope; where `Raised`
 /// says true the plain loops must decide whether and where the computation stops. The flags can be raised
-/// without an arithmetic error (a comparison with NaN, a discarded lane), never the other way round.
+/// without an arithmetic error (by a discarded lane), never the other way round: an operation on finite numbers
+/// whose result is not finite raises one of them, except 0 / 0, which a kernel that may divide by zero looks for
+/// itself. Invalid operations on NaN and infinities that come from a file are no errors and do not count.
 class FloatErrorScope {
  public:
   FloatErrorScope();
@@ -12,7 +14,7 @@ class FloatErrorScope {
   FloatErrorScope(const FloatErrorScope&) = delete;
   FloatErrorScope& operator=(const FloatErrorScope&) = delete;
 
-  /// Overflow, division by zero or an invalid operation since the scope began.
+  /// Overflow or division by zero since the scope began.
   bool Raised() const;
 };
 

@@ -13,7 +13,9 @@
 #if defined(__GNUC__)
 #define QUIVERION_ALWAYS_INLINE inline __attribute__((always_inline))
 #define QUIVERION_NO_INLINE __attribute__((noinline))
+#define QUIVERION_LAMBDA_INLINE __attribute__((always_inline))
 #else
 #define QUIVERION_ALWAYS_INLINE inline
 #define QUIVERION_NO_INLINE
+#define QUIVERION_LAMBDA_INLINE
 #endif

@@ -2,6 +2,7 @@
 
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 namespace quiverion {
 
@@ -40,6 +41,12 @@ std::string_view ErrorDescription(ErrorNumber number) {
 SystemError::SystemError(ErrorNumber number, std::string_view detail)
     : number_(number), description_(ErrorDescription(number)) {
   if (!detail.empty()) description_.append(" (").append(detail).append(")");
+}
+
+SystemError SystemError::Saying(ErrorNumber number, std::string description) {
+  SystemError error(number);
+  error.description_ = std::move(description);
+  return error;
 }
 
 std::string ErrorText(const SystemError& error) {

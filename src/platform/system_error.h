@@ -34,6 +34,9 @@ class SystemError : public std::exception {
   /// `detail` stands behind the description in parentheses where it is not empty.
   SystemError(ErrorNumber number, std::string_view detail);
 
+  /// An error with a description of its own in place of the number's.
+  static SystemError Saying(ErrorNumber number, std::string description);
+
   ErrorNumber Number() const { return number_; }
   const std::string& Description() const { return description_; }
   const char* what() const noexcept override { return description_.c_str(); }

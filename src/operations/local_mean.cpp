@@ -1,0 +1,90 @@
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "operations/compare_vectors.h"
+#include "platform/lanes.h"
+
+namespace quiverion {
+namespace {
+
+constexpr std::int32_t kBlock = 32;  // output points whose sums grow side by side
+
+// A grid with zeros for what is not valid and around the columns, so that every window lies inside it.
+class PaddedGrid {
+ public:
+  PaddedGrid(const VectorField& field, const Grid<double>& source, std::int32_t pad)
+      : left_(pad), stride_(static_cast<std::ptrdiff_t>(field.columnCount) + 2 * std::ptrdiff_t{pad} + kBlock) {
+    elements_.assign(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(field.rowCount), 0.0);
+    for (std::int32_t j = 1; j <= field.rowCount; ++j) {
+      double* const target = elements_.data() + (j - 1) * stride_ + left_;
+      const std::int32_t* const status = field.status.Row(j);
+      const double* const values = source.Row(j);
+      for (std::int32_t i = 0; i < field.columnCount; ++i) target[i] = SelectOrZero(MaskOf(status[i] > 0), values[i]);
+    }
+  }
+
+  const double* At(std::int32_t i, std::int32_t j) const {
+    return elements_.data() + (j - 1) * stride_ + left_ + (i - 1);
+  }
+  std::ptrdiff_t Stride() const { return stride_; }
+
+ private:
+  std::ptrdiff_t left_, stride_;
+  std::vector<double> elements_;
+};
+
+// Sums over the windows of kBlock neighbouring points, each in the order of the definition: columns from left to right,
+// in each the rows upwards. `first` is the lowest row of the first point's own column; `ownRow` is left out there.
+QUIVERION_MULTI_TARGET void SumWindows(const double* first, std::ptrdiff_t stride, std::int32_t halfX,
+                                       std::int32_t rows, std::int32_t ownRow, double* target) {
+  double sums[kBlock] = {};
+  for (std::int32_t k = -halfX; k <= halfX; ++k) {
+    const double* source = first + k;
+    for (std::int32_t row = 0; row < rows; ++row, source += stride) {
+      if (k == 0 && row == ownRow) continue;
+      for (std::int32_t b = 0; b < kBlock; ++b) sums[b] += source[b];
+    }
+  }
+  for (std::int32_t b = 0; b < kBlock; ++b) target[b] = sums[b];
+}
+
+QUIVERION_MULTI_TARGET void DivideRow(const double* sums, const double* counts, std::int32_t columns,
+                                      double* __restrict target) {
+  for (std::int32_t i = 0; i < columns; ++i) {
+    const Mask some = MaskOf(counts[i] > 0.0);
+    target[i] = SelectOrZero(some, sums[i] / Select(some, counts[i], 1.0));
+  }
+}
+
+}  // namespace
+
+void LocalMeans(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare) {
+  const std::int32_t columns = field.columnCount, rows = field.rowCount;
+  const WindowCounts valid(columns, rows, [&](std::int32_t i, std::int32_t j) { return field.status(i, j) > 0; });
+  std::vector<double> counts(static_cast<std::size_t>(columns));
+  std::vector<double> sums(static_cast<std::size_t>(columns) + kBlock);
+  const auto average = [&](const Grid<double>& source, Grid<double>& target) {
+    const PaddedGrid padded(field, source, window.halfX);
+    for (std::int32_t j = 1; j <= rows; ++j) {
+      const std::int32_t lowest = std::max(1, j - window.halfY), highest = std::min(rows, j + window.halfY);
+      for (std::int32_t i = 1; i <= columns; i += kBlock) {
+        SumWindows(padded.At(i, lowest), padded.Stride(), window.halfX, highest - lowest + 1, j - lowest,
+                   sums.data() + i - 1);
+      }
+      for (std::int32_t i = 1; i <= columns; ++i) {
+        const std::uint32_t own = field.status(i, j) > 0 ? 1 : 0;
+        counts[static_cast<std::size_t>(i - 1)] = valid.Around(i, j, window) - own;
+      }
+      DivideRow(sums.data(), counts.data(), columns, target.Row(j));
+    }
+  };
+  if (compare.needMagnitude) average(magnitudes.values, compare.magnitude);
+  if (compare.needDirection) {
+    average(field.velX, compare.x);
+    average(field.velY, compare.y);
+  }
+}
+
+}  // namespace quiverion

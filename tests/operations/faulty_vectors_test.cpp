@@ -1,0 +1,212 @@
+#include "operations/faulty_vectors.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "kernel_compare.h"
+#include "operations/compare_vectors.h"
+#include "operations/faulty_vectors_plain.h"
+#include "support/test_session.h"
+
+namespace quiverion::test {
+namespace {
+
+using Type = CompareVectorType;
+
+FaultyVectorCriteria Deviation(Type type, std::int32_t halfX, std::int32_t halfY) {
+  FaultyVectorCriteria criteria;
+  criteria.magnitudeDeviation = true;
+  criteria.magnitudePercent = 30.0;
+  criteria.compareVectorType = type;
+  criteria.halfWidthX = halfX;
+  criteria.halfWidthY = halfY;
+  criteria.userX = 3.0;
+  criteria.userY = -2.0;
+  return criteria;
+}
+
+void ExpectDefinition(const FaultyVectorCriteria& criteria, int leastStops) {
+  const int stops =
+      ExpectSameAsPlain([&](VectorField& field) { RejectFaultyVectors(field, criteria); },
+                        [&](VectorField& field) { plain::RejectFaultyVectors<CheckedReal>(field, criteria); });
+  EXPECT_GE(stops, leastStops) << "the mixes must contain errors";
+}
+
+TEST(FaultyVectors, EveryCompareVectorDecidesAsThePlainLoops) {
+  const std::pair<std::int32_t, std::int32_t> windows[] = {{0, 0}, {1, 1}, {2, 2},           {1, 2},
+                                                           {3, 0}, {4, 5}, {199, 2147483647}};
+  for (const Type type : {Type::localMean, Type::fieldMean, Type::median, Type::userVector}) {
+    for (const auto& [halfX, halfY] : windows) {
+      if ((type == Type::fieldMean || type == Type::userVector) && halfX > 0) continue;
+      FaultyVectorCriteria criteria = Deviation(type, halfX, halfY);
+      ExpectDefinition(criteria, 20);
+      criteria.directionDeviation = true;
+      criteria.directionDegrees = 40.0;
+      criteria.logicalOr = true;
+      ExpectDefinition(criteria, 20);
+      criteria.magnitudeDeviation = false;
+      ExpectDefinition(criteria, 20);
+      if (HasFailure()) FAIL() << static_cast<int>(type) << " " << halfX << " " << halfY;
+    }
+  }
+}
+
+// The compare vectors themselves, also where no decision depends on their last bit.
+TEST(FaultyVectors, CompareVectorsHaveTheBitsOfThePlainLoops) {
+  const auto check = [](const VectorField& field, const FaultyVectorCriteria& criteria, std::uint64_t seed) {
+    CompareVectors compare(criteria);
+    compare.Reset(field.columnCount, field.rowCount);
+    const Window window = {criteria.halfWidthX, criteria.halfWidthY};
+    const bool isMean = criteria.compareVectorType == Type::localMean;
+    (isMean ? LocalMeans : Medians)(field, MagnitudesOf(field), window, compare);
+    for (std::int32_t i = 1; i <= field.columnCount; ++i) {
+      for (std::int32_t j = 1; j <= field.rowCount; ++j) {
+        if (field.status(i, j) < 1) continue;
+        const auto expected = (isMean ? plain::LocalMean<double> : plain::Median<double>)(field, i, j, criteria);
+        ASSERT_TRUE(SameNumber(expected.magnitude, compare.magnitude(i, j))) << i << "," << j << " seed " << seed;
+        ASSERT_TRUE(SameNumber(expected.x, compare.x(i, j)) && SameNumber(expected.y, compare.y(i, j)))
+            << i << "," << j << " seed " << seed << " window " << window.halfX << "," << window.halfY;
+      }
+    }
+  };
+  std::uint64_t seed = 100;
+  for (const Type type : {Type::localMean, Type::median}) {
+    for (const auto& [halfX, halfY] : {std::pair{1, 1}, {2, 2}, {1, 0}, {6, 3}, {20, 20}}) {
+      FaultyVectorCriteria criteria = Deviation(type, halfX, halfY);
+      criteria.directionDeviation = true;
+      for (const auto& [columns, rows] : {std::pair{7, 5}, {23, 19}, {70, 9}, {1, 12}}) {
+        ++seed;
+        for (const Mix& mix : kCarriedMixes) check(RandomField(seed, columns, rows, mix), criteria, seed);
+        for (const Mix& mix : kTiedMixes) check(RandomField(seed, columns, rows, mix), criteria, seed);
+        if (HasFatalFailure()) return;
+      }
+    }
+  }
+}
+
+// More ranks than one block of the rank set holds, and a window that is sparse in them.
+TEST(FaultyVectors, RanksAcrossBlocks) {
+  const VectorField original = RandomField(5, 131, 97, {.invalid = 50, .special = 20});
+  for (const std::int32_t half : {1, 3, 45}) {
+    FaultyVectorCriteria criteria = Deviation(Type::median, half, half == 1 ? 3 : half);
+    criteria.magnitudePercent = half == 45 ? 20.0 : 60.0;
+    if (half == 45) criteria.halfWidthY = 2;
+    VectorField field = original, expected = original;
+    RejectFaultyVectors(field, criteria);
+    plain::RejectFaultyVectors<double>(expected, criteria);
+    EXPECT_EQ(ResultDifference(expected, field), "") << half;
+  }
+}
+
+// All criteria on a few vectors whose answer is plain to see. The compare vector is (2, 0).
+TEST(FaultyVectors, Criteria) {
+  const auto interval = [](bool outside, double low, double high) {
+    return IntervalCriterion{true, outside, low, high};
+  };
+  struct Case {
+    const char* name;
+    std::function<void(FaultyVectorCriteria&)> select;
+    std::vector<int> faulty;  // of the vectors below, counted from 0
+  };
+  //                        0: length 2    1: length 3  2: rest     3: against it  4: at right angles
+  const double u[] = {2.0, 3.0, 0.0, -2.0, 0.0};
+  const double v[] = {0.0, 0.0, 0.0, 0.0, 2.5};
+  const Case cases[] = {
+      {"magnitude deviates", [](auto& c) { c.magnitudeDeviation = true, c.magnitudePercent = 30.0; }, {1, 2}},
+      {"exactly the allowed", [](auto& c) { c.magnitudeDeviation = true, c.magnitudePercent = 50.0; }, {2}},
+      {"magnitude outside", [&](auto& c) { c.magnitude = interval(true, 2.0, 2.5); }, {1, 2}},
+      {"magnitude inside", [&](auto& c) { c.magnitude = interval(false, 2.0, 3.0); }, {4}},
+      {"direction", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 89.0; }, {2, 3, 4}},
+      {"direction, wide", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 179.9; }, {2, 3}},
+      // 3.14159265359 / 3.141592654 * 180 is a little below 180.
+      {"direction, widest", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 179.99999998; }, {2}},
+      {"direction, none allowed", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 0.0; }, {2, 3, 4}},
+      {"direction, less than none",
+       [](auto& c) { c.directionDeviation = true, c.directionDegrees = -1.0; },
+       {0, 1, 2, 3, 4}},
+      {"x outside", [&](auto& c) { c.xComponent = interval(true, 0.0, 2.0); }, {1, 3}},
+      {"y inside", [&](auto& c) { c.yComponent = interval(false, 2.0, 3.0); }, {4}},
+      {"all of two",
+       [&](auto& c) {
+         c.xComponent = interval(true, 0.0, 2.0);
+         c.magnitude = interval(true, 0.0, 2.5);
+       },
+       {1}},
+      {"one of two",
+       [&](auto& c) {
+         c.xComponent = interval(true, 0.0, 2.0);
+         c.yComponent = interval(false, 2.0, 3.0);
+         c.logicalOr = true;
+       },
+       {1, 3, 4}},
+      {"none selected", [](auto&) {}, {}},
+  };
+  for (const Case& test : cases) {
+    VectorField field = MakeField(5, 1);
+    field.validVectorCount = 5;
+    std::copy(std::begin(u), std::end(u), field.velX.Row(1));
+    std::copy(std::begin(v), std::end(v), field.velY.Row(1));
+    FaultyVectorCriteria criteria;
+    criteria.compareVectorType = Type::userVector;
+    criteria.userX = 2.0;
+    test.select(criteria);
+    RejectFaultyVectors(field, criteria);
+    std::vector<int> faulty;
+    for (int i = 0; i < 5; ++i) {
+      if (field.status(i + 1, 1) == 0) faulty.push_back(i);
+    }
+    EXPECT_EQ(faulty, test.faulty) << test.name;
+    EXPECT_EQ(field.validVectorCount, 5 - static_cast<int>(faulty.size())) << test.name;
+  }
+}
+
+// Angles so close to the allowed one that only the stated formula tells.
+TEST(FaultyVectors, DirectionsAtTheLimitTakeTheFormula) {
+  std::mt19937_64 random(11);
+  for (int round = 0; round < 300; ++round) {
+    FaultyVectorCriteria criteria;
+    criteria.directionDeviation = true;
+    criteria.compareVectorType = Type::userVector;
+    const double start = Uniform(random, 0.0, 6.28), degrees = round % 4 == 0 ? 0.0 : Uniform(random, 0.0, 180.0);
+    criteria.userX = std::cos(start);
+    criteria.userY = std::sin(start);
+    criteria.directionDegrees = degrees;
+    VectorField field = MakeField(41, 1);
+    for (std::int32_t i = 1; i <= 41; ++i) {
+      const double angle = start + degrees * 3.141592654 / 180.0 + (i - 21) * 1e-14 * (1 << round % 8);
+      field.velX(i, 1) = 3.0 * std::cos(angle);
+      field.velY(i, 1) = 3.0 * std::sin(angle);
+    }
+    VectorField expected = field;
+    plain::RejectFaultyVectors<double>(expected, criteria);
+    RejectFaultyVectors(field, criteria);
+    ASSERT_EQ(ResultDifference(expected, field), "") << round;
+  }
+}
+
+TEST(FaultyVectors, RefusesWhatADamagedMacroHolds) {
+  const auto errorOf = [](FaultyVectorCriteria criteria) {
+    VectorField field = MakeField(3, 3);
+    return ErrorOf([&] { RejectFaultyVectors(field, criteria); });
+  };
+  EXPECT_EQ(errorOf(Deviation(static_cast<Type>(0), 1, 1)), 5);
+  EXPECT_EQ(errorOf(Deviation(static_cast<Type>(65537), 1, 1)), 5);
+  EXPECT_EQ(errorOf(Deviation(Type::median, -1, 1)), 5);
+  EXPECT_EQ(errorOf(Deviation(Type::localMean, 1, -2147483647 - 1)), 5);
+  EXPECT_EQ(errorOf(Deviation(Type::userVector, -1, -1)), 0) << "no window is needed";
+  FaultyVectorCriteria interval = Deviation(static_cast<Type>(9), -1, -1);
+  interval.magnitudeDeviation = false;
+  interval.xComponent = {true, true, -1.0, 1.0};
+  EXPECT_EQ(errorOf(interval), 0) << "no compare vector is needed";
+}
+
+TEST(FaultyVectors, LogsOnlyTheAnnouncementWithoutACriterion) {
+  TestSession program;
+  program.context.field = MakeField(2, 2);
+  FindFaultyVectors(program.context, {});
+  EXPECT_EQ(program.TakeLog(), "Fehlerhafte Vektoren suchen... ");
+}
+
+}  // namespace
+}  // namespace quiverion::test

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/error_of.h"
+#include "support/random_fields.h"
+
+/// Fast operations beside the plain loops of their definition: the same bits, the same stop.
+namespace quiverion::test {
+
+/// Where two fields differ in what operations change; empty where they do not.
+inline std::string ResultDifference(const VectorField& expected, const VectorField& actual) {
+  if (const auto x = FirstDifference(expected.velX, actual.velX); !x.empty()) return "velX" + x;
+  if (const auto y = FirstDifference(expected.velY, actual.velY); !y.empty()) return "velY" + y;
+  for (std::int32_t j = 1; j <= expected.rowCount; ++j) {
+    for (std::int32_t i = 1; i <= expected.columnCount; ++i) {
+      if (expected.status(i, j) == actual.status(i, j)) continue;
+      return "status(" + std::to_string(i) + "," + std::to_string(j) + "): expected " +
+             std::to_string(expected.status(i, j)) + ", is " + std::to_string(actual.status(i, j));
+    }
+  }
+  if (expected.validVectorCount != actual.validVectorCount) return "validVectorCount";
+  return {};
+}
+
+/// Mixes in which something overflows.
+inline constexpr Mix kStoppedMixes[] = {{.invalid = 100, .huge = 15},
+                                        {.invalid = 300, .special = 50, .notFinite = 50, .huge = 40},
+                                        {.invalid = 700, .huge = 150}};
+
+/// Mixes with ties.
+inline constexpr Mix kTiedMixes[] = {{.invalid = 100, .quantised = 1000},
+                                     {.invalid = 50, .special = 300, .quantised = 700},
+                                     {.invalid = 50, .special = 200, .notFinite = 60, .quantised = 600}};
+
+/// Runs both on random fields of every size and mix and expects the same field and the same error. Both are called as
+/// f(field). Returns how many computations stopped at an error.
+template <class Fast, class Plain>
+int ExpectSameAsPlain(Fast fast, Plain plain) {
+  std::uint64_t seed = 1;
+  int stops = 0;
+  const auto compare = [&](std::int32_t columns, std::int32_t rows, const Mix& mix) {
+    VectorField field = RandomField(++seed, columns, rows, mix);
+    VectorField expected = field;
+    const int expectedError = ErrorOf([&] { plain(expected); });
+    const int error = ErrorOf([&] { fast(field); });
+    stops += error != 0 ? 1 : 0;
+    EXPECT_EQ(expectedError, error) << columns << "x" << rows << " seed " << seed;
+    EXPECT_EQ(ResultDifference(expected, field), "") << columns << "x" << rows << " seed " << seed;
+  };
+  ForEverySize([&](std::int32_t columns, std::int32_t rows) {
+    for (const Mix& mix : kCarriedMixes) compare(columns, rows, mix);
+    for (const Mix& mix : kTiedMixes) compare(columns, rows, mix);
+    for (const Mix& mix : kStoppedMixes) {
+      if (!testing::Test::HasFailure()) compare(columns, rows, mix);
+    }
+  });
+  return stops;
+}
+
+}  // namespace quiverion::test
