@@ -142,40 +142,55 @@ void SumAny(const SourceRows& source, const WeightMatrix& weights, std::int32_t 
   }
 }
 
-// The new vectors of a row from its sums; the divisor is made safe where there is nothing to divide.
-QUIVERION_MULTI_TARGET void DivideRow(const std::int32_t* status, const double* old, const double* sum,
-                                      const double* sumW, std::size_t count, double* __restrict target) {
+// The new vectors of a row from its sums; the divisor is made safe where there is nothing to divide. `isFilled` becomes
+// 1 or 0.
+QUIVERION_MULTI_TARGET void DivideRow(const VectorField& field, std::int32_t j, const RowSums& sums, Result& result,
+                                      std::int32_t* __restrict isFilled) {
+  const auto count = static_cast<std::size_t>(field.columnCount);
+  const std::int32_t* const status = field.status.Row(j);
+  const double *const oldU = field.velX.Row(j), *const oldV = field.velY.Row(j);
+  const double *const sumU = sums.u.data(), *const sumV = sums.v.data(), *const sumW = sums.w.data();
+  double *__restrict u = result.velX.Row(j), *__restrict v = result.velY.Row(j);
   for (std::size_t i = 0; i < count; ++i) {
     const Mask change = MaskOf(status[i] >= 0) & MaskOf(sumW[i] != 0.0);
-    target[i] = Select(change, sum[i] / Select(change, sumW[i], 1.0), old[i]);
+    const double divisor = Select(change, sumW[i], 1.0);
+    u[i] = Select(change, sumU[i] / divisor, oldU[i]);
+    v[i] = Select(change, sumV[i] / divisor, oldV[i]);
+  }
+  for (std::size_t i = 0; i < count; ++i) isFilled[i] = static_cast<std::int32_t>(sumW[i] != 0.0 ? 1.0 : 0.0);
+}
+
+// The same where all vectors have the same mean.
+QUIVERION_MULTI_TARGET void SpreadRow(const VectorField& field, std::int32_t j, double meanU, double meanV,
+                                      Result& result) {
+  const auto count = static_cast<std::size_t>(field.columnCount);
+  const std::int32_t* const status = field.status.Row(j);
+  const double *const oldU = field.velX.Row(j), *const oldV = field.velY.Row(j);
+  double *__restrict u = result.velX.Row(j), *__restrict v = result.velY.Row(j);
+  for (std::size_t i = 0; i < count; ++i) {
+    const Mask change = MaskOf(status[i] >= 0);
+    u[i] = Select(change, meanU, oldU[i]);
+    v[i] = Select(change, meanV, oldV[i]);
   }
 }
 
 // The new statuses of a row; returns how many vectors are valid more than before.
-QUIVERION_MULTI_TARGET std::int32_t StatusRow(const std::int32_t* status, const double* sumW, std::size_t count,
-                                              std::int32_t* __restrict target) {
-  std::int32_t gained = 0;
+QUIVERION_MULTI_TARGET std::int32_t StatusRow(const std::int32_t* status, const std::int32_t* isFilled,
+                                              std::size_t count, std::int32_t* __restrict target) {
+  std::int32_t gained = 0, lost = 0;
   for (std::size_t i = 0; i < count; ++i) {
-    const std::int32_t old = status[i];
-    const std::int32_t filled = sumW[i] != 0.0 ? 2 : 0;
-    target[i] = old < 0 ? old : filled;
-    gained += (old == 0 ? 1 : 0) & (filled >> 1);
-    gained -= (old > 0 ? 1 : 0) & ~(filled >> 1);
+    const std::int32_t old = status[i], filled = isFilled[i];
+    target[i] = old < 0 ? old : 2 * filled;
+    gained += old == 0 ? filled : 0;
+    lost += old > 0 ? 1 - filled : 0;
   }
-  return gained;
-}
-
-void FinishRow(const VectorField& field, std::int32_t j, const RowSums& sums, Result& result) {
-  const auto count = static_cast<std::size_t>(field.columnCount);
-  const std::int32_t* const status = field.status.Row(j);
-  DivideRow(status, field.velX.Row(j), sums.u.data(), sums.w.data(), count, result.velX.Row(j));
-  DivideRow(status, field.velY.Row(j), sums.v.data(), sums.w.data(), count, result.velY.Row(j));
-  result.gained += StatusRow(status, sums.w.data(), count, result.status.Row(j));
+  return gained - lost;
 }
 
 void FilterRows(const VectorField& field, const WeightMatrix& weights, Result& result) {
   SourceRows source(field, weights);
   RowSums sums(source.Columns());
+  std::vector<std::int32_t> isFilled(source.Columns());
   const auto isSquare = [&weights](std::int32_t half) {
     return weights.FirstK() == -half && weights.LastK() == half && weights.FirstL() == -half && weights.LastL() == half;
   };
@@ -188,7 +203,8 @@ void FilterRows(const VectorField& field, const WeightMatrix& weights, Result& r
     } else {
       SumAny(source, weights, j, sums);
     }
-    FinishRow(field, j, sums, result);
+    DivideRow(field, j, sums, result, isFilled.data());
+    result.gained += StatusRow(field.status.Row(j), isFilled.data(), isFilled.size(), result.status.Row(j));
   }
 }
 
@@ -214,16 +230,21 @@ void SumWholeRows(const SourceRows& source, std::int32_t j, double weight, doubl
 void FilterWholeRows(const VectorField& field, double weight, Result& result) {
   constexpr auto step = static_cast<std::int32_t>(kProfileRows);
   SourceRows source(field, WeightMatrix(0, 0, 0, step - 1, weight));
-  RowSums sums(source.Columns());
+  std::vector<std::int32_t> isFilled(source.Columns());
   for (std::int32_t j = 1; j <= field.rowCount; j += step) {
     source.FillUpTo(j + step - 1);
     double totals[kProfileRows][3];
     SumWholeRows(source, j, weight, totals);
     for (std::int32_t r = 0; r < step && j + r <= field.rowCount; ++r) {
-      std::fill(sums.u.begin(), sums.u.end(), totals[r][0]);
-      std::fill(sums.v.begin(), sums.v.end(), totals[r][1]);
-      std::fill(sums.w.begin(), sums.w.end(), totals[r][2]);
-      FinishRow(field, j + r, sums, result);
+      const auto& [sumU, sumV, sumW] = totals[r];
+      std::fill(isFilled.begin(), isFilled.end(), sumW != 0.0 ? 1 : 0);
+      if (sumW != 0.0) {
+        SpreadRow(field, j + r, sumU / sumW, sumV / sumW, result);
+      } else {
+        std::copy_n(field.velX.Row(j + r), isFilled.size(), result.velX.Row(j + r));
+        std::copy_n(field.velY.Row(j + r), isFilled.size(), result.velY.Row(j + r));
+      }
+      result.gained += StatusRow(field.status.Row(j + r), isFilled.data(), isFilled.size(), result.status.Row(j + r));
     }
   }
 }

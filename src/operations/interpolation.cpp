@@ -15,7 +15,10 @@
 namespace quiverion {
 namespace {
 
-using Position = std::size_t;  // of an element in memory, from 0
+// Of a vector, both counted from 0.
+struct Place {
+  std::uint32_t column, row;
+};
 
 bool IsInteresting(std::int32_t status) {
   return status == 0 || status == plain::kFilledInThisPass;
@@ -30,18 +33,6 @@ QUIVERION_MULTI_TARGET bool HasInteresting(const std::int32_t* status, std::size
   return found != 0;
 }
 
-template <class Visit>
-void ForEachInteresting(std::span<const std::int32_t> status, Visit visit) {
-  constexpr std::size_t block = 64;
-  for (Position begin = 0; begin < status.size(); begin += block) {
-    const std::size_t count = std::min(block, status.size() - begin);
-    if (!HasInteresting(status.data() + begin, count)) continue;
-    for (Position p = begin; p < begin + count; ++p) {
-      if (IsInteresting(status[p])) visit(p);
-    }
-  }
-}
-
 // Fills the same vectors in the same passes as the plain loops, but looks only at the invalid ones: they lie in buckets
 // by the number of their valid neighbours, and filling a vector moves its neighbours up. Each is looked at no more than
 // nine times, so a hole costs its size and not its size times its depth.
@@ -49,8 +40,8 @@ class HoleFiller {
  public:
   explicit HoleFiller(VectorField& field)
       : field_(field),
-        width_(static_cast<std::size_t>(field.columnCount)),
-        height_(static_cast<std::size_t>(field.rowCount)),
+        width_(static_cast<std::uint32_t>(field.columnCount)),
+        height_(static_cast<std::uint32_t>(field.rowCount)),
         status_(field.status.Values()),
         velX_(field.velX.Values()),
         velY_(field.velY.Values()),
@@ -64,8 +55,10 @@ class HoleFiller {
       const std::uint8_t most = TakeFullest();
       if (most == 0) return false;
       FillPass(most);
-      for (const Position p : pass_) status_[p] = plain::kFilled;
-      for (const Position p : pass_) ForEachNeighbourOf(p, [this](Position q) { GainNeighbour(q); });
+      for (const Place place : pass_) status_[At(place)] = plain::kFilled;
+      for (const Place place : pass_) {
+        ForEachNeighbourOf(place, [this](std::uint32_t column, std::uint32_t row) { GainNeighbour({column, row}); });
+      }
       left_ -= pass_.size();
     }
     return true;
@@ -76,38 +69,45 @@ class HoleFiller {
     double u, v;
   };
 
-  std::int32_t ColumnOf(Position p) const { return static_cast<std::int32_t>(p % width_) + 1; }
-  std::int32_t RowOf(Position p) const { return static_cast<std::int32_t>(p / width_) + 1; }
+  std::size_t At(Place place) const { return std::size_t{place.row} * width_ + place.column; }
 
-  // Calls visit(position) for the neighbourhood of p, column by column, p included.
+  // Calls visit(column, row) for the neighbourhood of a place, column by column, the place itself included.
   template <class Visit>
-  QUIVERION_ALWAYS_INLINE void ForEachNeighbourOf(Position p, Visit visit) const {
-    const std::size_t column = p % width_, row = p / width_;
-    const Position left = column > 0 ? p - 1 : p, right = column + 1 < width_ ? p + 1 : p;
-    const std::size_t down = row > 0 ? width_ : 0, up = row + 1 < height_ ? width_ : 0;
-    for (Position middle = left; middle <= right; ++middle) {
-      for (Position q = middle - down; q <= middle + up; q += width_) visit(q);
+  QUIVERION_ALWAYS_INLINE void ForEachNeighbourOf(Place place, Visit visit) const {
+    const std::uint32_t left = place.column - (place.column > 0), right = place.column + (place.column + 1 < width_);
+    const std::uint32_t down = place.row - (place.row > 0), up = place.row + (place.row + 1 < height_);
+    for (std::uint32_t column = left; column <= right; ++column) {
+      for (std::uint32_t row = down; row <= up; ++row) visit(column, row);
     }
   }
 
   void CollectInvalid() {
-    std::vector<Position> invalid;
-    ForEachInteresting(status_, [&](Position p) {
-      if (status_[p] == 0) {
-        invalid.push_back(p);
-      } else {
-        status_[p] = plain::kFilled;
+    std::vector<Place> invalid;
+    constexpr std::uint32_t block = 32;
+    for (Place place{0, 0}; place.row < height_; ++place.row) {
+      for (std::uint32_t begin = 0; begin < width_; begin += block) {
+        const std::uint32_t end = std::min(begin + block, width_);
+        if (!HasInteresting(&status_[At({begin, place.row})], end - begin)) continue;
+        for (place.column = begin; place.column < end; ++place.column) {
+          std::int32_t& status = status_[At(place)];
+          if (status == plain::kFilledInThisPass) status = plain::kFilled;
+          if (status == 0) invalid.push_back(place);
+        }
       }
-    });
-    for (const Position p : invalid) {
-      ForEachNeighbourOf(p, [&](Position q) { counts_[p] = static_cast<std::uint8_t>(counts_[p] + (status_[q] > 0)); });
-      buckets_[counts_[p]].push_back(p);
+    }
+    for (const Place place : invalid) {
+      std::uint8_t count = 0;
+      ForEachNeighbourOf(place, [&](std::uint32_t column, std::uint32_t row) {
+        count = static_cast<std::uint8_t>(count + (status_[At({column, row})] > 0));
+      });
+      counts_[At(place)] = count;
+      buckets_[count].push_back(place);
     }
     left_ = invalid.size();
   }
 
-  void GainNeighbour(Position p) {
-    if (status_[p] == 0) buckets_[++counts_[p]].push_back(p);
+  void GainNeighbour(Place place) {
+    if (status_[At(place)] == 0) buckets_[++counts_[At(place)]].push_back(place);
   }
 
   // Takes the vectors with the most valid neighbours into `pass_` and returns that number. What has been filled or has
@@ -116,7 +116,7 @@ class HoleFiller {
     for (std::uint8_t count = 8; count > 0; --count) {
       pass_.swap(buckets_[count]);
       buckets_[count].clear();
-      std::erase_if(pass_, [&](Position p) { return status_[p] != 0 || counts_[p] != count; });
+      std::erase_if(pass_, [&](Place place) { return status_[At(place)] != 0 || counts_[At(place)] != count; });
       if (!pass_.empty()) return count;
     }
     return 0;
@@ -132,8 +132,8 @@ class HoleFiller {
       return;
     }
     for (std::size_t n = 0; n < pass_.size(); ++n) {
-      velX_[pass_[n]] = means_[n].u;
-      velY_[pass_[n]] = means_[n].v;
+      velX_[At(pass_[n])] = means_[n].u;
+      velY_[At(pass_[n])] = means_[n].v;
     }
     field_.validVectorCount += static_cast<std::int32_t>(pass_.size());
   }
@@ -143,10 +143,11 @@ class HoleFiller {
     const double divisor = count;
     for (std::size_t n = 0; n < pass_.size(); ++n) {
       double u = 0.0, v = 0.0;
-      ForEachNeighbourOf(pass_[n], [&](Position q) {
-        const Mask valid = MaskOf(status_[q] > 0);
-        u += SelectOrZero(valid, velX_[q]);
-        v += SelectOrZero(valid, velY_[q]);
+      ForEachNeighbourOf(pass_[n], [&](std::uint32_t column, std::uint32_t row) {
+        const std::size_t p = At({column, row});
+        const Mask valid = MaskOf(status_[p] > 0);
+        u += SelectOrZero(valid, velX_[p]);
+        v += SelectOrZero(valid, velY_[p]);
       });
       means_[n] = {u / divisor, v / divisor};
     }
@@ -154,19 +155,22 @@ class HoleFiller {
 
   // The vectors of the pass in visiting order, up to the one at which the computation stops.
   void FillChecked() {
-    std::sort(pass_.begin(), pass_.end(), [this](Position a, Position b) {
-      return ColumnOf(a) != ColumnOf(b) ? ColumnOf(a) < ColumnOf(b) : a < b;
+    std::sort(pass_.begin(), pass_.end(), [](Place a, Place b) {
+      return a.column != b.column ? a.column < b.column : a.row < b.row;
     });
-    for (const Position p : pass_) plain::FillFromNeighbours<CheckedReal>(field_, ColumnOf(p), RowOf(p));
+    for (const Place place : pass_) {
+      plain::FillFromNeighbours<CheckedReal>(field_, static_cast<std::int32_t>(place.column) + 1,
+                                             static_cast<std::int32_t>(place.row) + 1);
+    }
   }
 
   VectorField& field_;
-  std::size_t width_, height_;
+  std::uint32_t width_, height_;
   std::span<std::int32_t> status_;
   std::span<double> velX_, velY_;
   std::vector<std::uint8_t> counts_;  // valid neighbours of the invalid vectors
-  std::array<std::vector<Position>, 9> buckets_;
-  std::vector<Position> pass_;
+  std::array<std::vector<Place>, 9> buckets_;
+  std::vector<Place> pass_;
   std::vector<Mean> means_;
   std::size_t left_ = 0;
 };
