@@ -1,22 +1,19 @@
 #include "operations/derived_scalar.h"
 
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <span>
 #include <utility>
 #include <vector>
 
 #include "operations/derived_scalar_plain.h"
+#include "platform/bit_select.h"
 #include "platform/checked_real.h"
 #include "platform/float_errors.h"
 #include "platform/multi_target.h"
 
 namespace quiverion {
 namespace {
-
-// All bits set or none.
-using Mask = std::uint64_t;
 
 // One row of points with the rows below and above. `valid` is a mask per vector, as wide as the doubles it
 // selects. A row outside the grid is the row itself with nothing valid in it.
@@ -28,12 +25,6 @@ struct RowInput {
   const double *v, *vDown, *vUp;
   const Mask *valid, *validDown, *validUp;
 };
-
-// `chosen` where the mask has all bits, `other` where it has none. Bit by bit: a branch would keep the loop
-// scalar.
-QUIVERION_ALWAYS_INLINE double Select(Mask mask, double chosen, double other) {
-  return std::bit_cast<double>((std::bit_cast<Mask>(chosen) & mask) | (std::bit_cast<Mask>(other) & ~mask));
-}
 
 // The points between the first and the last column. The same operations on the same operands as the plain
 // loops, so the same bits; a point without a value runs on 0 / 1 and gives +0.0. Operands are selected before

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "field/vector_field.h"
+#include "platform/checked_real.h"
 
 /// The definition of the derived scalars: plain loops in visiting order. `Real` is double, or CheckedReal
 /// where the computation must stop at an arithmetic error with the points before it done.
@@ -60,14 +61,6 @@ Real DerivedValue(const VectorField& f, std::int32_t i, std::int32_t j, Formula 
   const bool usable = valid(i, j) || (im != i && ip != i && jm != j && jp != j);
   if (im == ip || jm == jp || !usable) return 0.0;
   return formula(VelocityGradient<Real>(f, i, j, im, ip, jm, jp));
-}
-
-inline double ToDouble(double value) {
-  return value;
-}
-template <class Real>
-double ToDouble(const Real& value) {
-  return value.Value();
 }
 
 /// Visits the grid column by column and writes into `target`.

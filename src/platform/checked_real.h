@@ -38,4 +38,12 @@ class CheckedReal {
   double value_;
 };
 
+/// The number of either kind that plain loops run on.
+inline double ToDouble(double value) {
+  return value;
+}
+inline double ToDouble(CheckedReal value) {
+  return value.Value();
+}
+
 }  // namespace quiverion

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+#include "platform/multi_target.h"
+
+/// Choices without branches: a branch would keep a kernel's loop scalar.
+namespace quiverion {
+
+/// All bits set or none.
+using Mask = std::uint64_t;
+
+QUIVERION_ALWAYS_INLINE Mask MaskOf(bool condition) {
+  return Mask{0} - static_cast<Mask>(condition);
+}
+
+/// `chosen` where the mask has all bits, `other` where it has none.
+QUIVERION_ALWAYS_INLINE double Select(Mask mask, double chosen, double other) {
+  return std::bit_cast<double>((std::bit_cast<Mask>(chosen) & mask) | (std::bit_cast<Mask>(other) & ~mask));
+}
+
+}  // namespace quiverion
