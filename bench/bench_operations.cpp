@@ -7,6 +7,7 @@
 #include "operations/filters_plain.h"
 #include "operations/interpolation.h"
 #include "operations/interpolation_plain.h"
+#include "platform/environment.h"
 #include "support/random_fields.h"
 
 namespace quiverion::bench {
@@ -148,6 +149,7 @@ void RegisterSearch(const std::string& name, CompareVectorType type, bool direct
 }
 
 const bool kRegistered = [] {
+  KeepFreedMemory();  // as the program does
   Register(
       "Filter", [](auto& state, auto apply) { Filter(state, apply); }, kPlainFilter, FilterWindows, ApplyFilterKernel,
       FilterWindows);

@@ -154,6 +154,7 @@ void UseGerman(CLI::App& app, const std::shared_ptr<GermanHelp>& german) {
 
 int Main(int argc, char** argv) {
   IgnoreBrokenPipes();
+  KeepFreedMemory();
   CLI::App app("QuiverionSeries " QUIVERION_VERSION ": Serienauswertung von PIV-Daten", "quiverionseries-cli");
   app.set_version_flag("--version", "QuiverionSeries " QUIVERION_VERSION, "Version zeigen");
   app.require_subcommand(1);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "field/buffer_field.h"
 #include "field/vector_field.h"
 #include "log/run_log.h"
 #include "platform/clock.h"
@@ -8,7 +9,7 @@
 
 namespace quiverion {
 
-/// What operations work on: the one current field, the flags of the run and the services. Plain data; a
+/// What operations work on: the one current field, the buffer field, the flags of the run and the services. Plain data; a
 /// function that takes a Context may log, ask, fail and set flags, a function that takes a VectorField only
 /// computes.
 struct Context {
@@ -22,6 +23,7 @@ struct Context {
   char decimalSeparator = '.';  // of numbers written in the user's format
 
   VectorField field;
+  BufferField buffer;  // outlives the files of a run, and the run
 
   bool abortCurrentFile = false;    // skip the rest of the commands for this file
   bool runHadError = false;         // the run has seen an error or a warning

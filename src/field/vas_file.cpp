@@ -28,6 +28,13 @@ void ReadArrays(VectorField& field, BinaryReader& reader) {
   vas::Arrays(reader, field);
 }
 
+// From the magic word to the statuses.
+void ReadGrid(VectorField& field, BinaryReader& reader) {
+  if (!vas::Identity(reader)) throw FormatError("    Dies ist keine gültige VAS-Datei!");
+  vas::Header(reader, field);
+  ReadArrays(field, reader);
+}
+
 void ReadStreamlines(Context& context, BinaryReader& reader) {
   VectorField& field = context.field;
   if (field.streamlineCount < 0) throw SystemError(ErrorNumber::invalidCall);
@@ -74,12 +81,15 @@ void WriteVas(Context& context, ResultFile& file) {
 
 void ReadVas(Context& context, InputFile& file) {
   BinaryReader reader(file);
-  if (!vas::Identity(reader)) throw FormatError("    Dies ist keine gültige VAS-Datei!");
-  vas::Header(reader, context.field);
-  ReadArrays(context.field, reader);
+  ReadGrid(context.field, reader);
   vas::Bookkeeping(reader, context.field);
   ReadStreamlines(context, reader);
   ReadView(context.field, reader);
+}
+
+void ReadVasGrid(VectorField& field, InputFile& file) {
+  BinaryReader reader(file);
+  ReadGrid(field, reader);
 }
 
 void SaveVas(Context& context, const std::string& path) {

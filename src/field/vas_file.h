@@ -10,6 +10,10 @@ namespace quiverion {
 /// warning where the file has more than 50 streamlines.
 void ReadVas(Context& context, InputFile& file);
 
+/// Fills grid, velocities and statuses of `field` (and its header, as that comes first) from a VAS file; what stands
+/// behind the statuses is not read. Throws FormatError and SystemError.
+void ReadVasGrid(VectorField& field, InputFile& file);
+
 /// Writes the current field to `path`, whose extension must be ".vas" in any case; missing directories are
 /// created. Logs the announcement and the outcome. A failure sets `runHadError`, never `abortCurrentFile`;
 /// Cancel on a full disk also sets `userAbortRequested`. The file appears whole or not at all.

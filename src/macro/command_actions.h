@@ -10,6 +10,27 @@ std::string OutputPath(const CommandCall& call, std::string_view extension);
 
 void SaveAsVas(const CommandCall& call);
 void InsertComment(const CommandCall& call);
+void CopyToBuffer(const CommandCall& call);
+void LoadBuffer(const CommandCall& call);
+void BufferAsMask(const CommandCall& call);
+void AddBuffer(const CommandCall& call);
+void SubtractBuffer(const CommandCall& call);
+void SubtractFromBuffer(const CommandCall& call);
+
+void FaultVectors(const CommandCall& call);
+void Mirror(const CommandCall& call);
+void XYTrafo(const CommandCall& call);
+
+void Interpolation(const CommandCall& call);
+void VortexCentres(const CommandCall& call);
+void Rect3x3(const CommandCall& call);
+void Rect5x5(const CommandCall& call);
+void Gauss3x3(const CommandCall& call);
+void Gauss5x5(const CommandCall& call);
+void VelocityProfile(const CommandCall& call);
+void AddConstVector(const CommandCall& call);
+void SubtractConstVector(const CommandCall& call);
+
 void ShowHeader(const CommandCall& call);
 void ShowTable(const CommandCall& call);
 void ShowVectorField(const CommandCall& call);

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "operations/derived_scalar_plain.h"
+#include "platform/bit_select.h"
 #include "platform/checked_real.h"
 #include "platform/float_errors.h"
-#include "platform/lanes.h"
 #include "platform/multi_target.h"
 
 namespace quiverion {
@@ -117,9 +117,9 @@ RowInput InputOfRow(const VectorField& f, const ValidRows& valid, std::int32_t j
   return in;
 }
 
-// Row by row along the memory, across output points. Not inlined: its floating-point flags are read after it.
+// Row by row along the memory, across output points.
 template <class Inner, class Formula>
-QUIVERION_NO_INLINE void ComputeFast(const VectorField& field, Grid<double>& target, Inner inner, Formula formula) {
+void ComputeFast(const VectorField& field, Grid<double>& target, Inner inner, Formula formula) {
   ValidRows valid(field);
   valid.Fill(1);
   for (std::int32_t j = 1; j <= field.rowCount; ++j) {
@@ -145,9 +145,8 @@ template <class Inner, class Formula, class CheckedFormula>
 void Calculate(VectorField& field, Inner inner, Formula formula, CheckedFormula checkedFormula) {
   Grid<double> scratch;
   scratch.ResetUninitialised(field.columnCount, field.rowCount);
-  const FloatErrorScope errors;
-  ComputeFast(field, scratch, inner, formula);
-  if (errors.Raised() || HasEqualPositions(field.posX) || HasEqualPositions(field.posY)) {
+  if (RaisesFloatError([&] { ComputeFast(field, scratch, inner, formula); }) || HasEqualPositions(field.posX) ||
+      HasEqualPositions(field.posY)) {
     plain::ComputeDerived<CheckedReal>(field, field.derivedScalar, checkedFormula);
   } else {
     std::swap(field.derivedScalar, scratch);

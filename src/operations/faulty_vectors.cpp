@@ -11,8 +11,8 @@
 #include "field/frames.h"
 #include "operations/compare_vectors.h"
 #include "operations/faulty_vectors_plain.h"
+#include "platform/bit_select.h"
 #include "platform/float_errors.h"
-#include "platform/lanes.h"
 
 namespace quiverion {
 namespace {
@@ -166,9 +166,8 @@ class Search {
     }
     Grid<std::int32_t> statuses;
     statuses.ResetUninitialised(field_.columnCount, field_.rowCount);
-    const FloatErrorScope errors;
-    const std::int32_t rejected = TestAll(statuses);
-    if (errors.Raised()) {
+    std::int32_t rejected = 0;
+    if (RaisesFloatError([&] { rejected = TestAll(statuses); })) {
       TestChecked();
       return;
     }
@@ -182,8 +181,7 @@ class Search {
                                               criteria_.compareVectorType == CompareVectorType::median);
   }
 
-  // Not inlined: its floating-point flags are read after it.
-  QUIVERION_NO_INLINE std::int32_t TestAll(Grid<std::int32_t>& statuses) {
+  std::int32_t TestAll(Grid<std::int32_t>& statuses) {
     magnitudes_ = MagnitudesOf(field_);
     if (HasWindow()) {
       compare_.Reset(field_.columnCount, field_.rowCount);

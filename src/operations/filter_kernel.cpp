@@ -8,8 +8,8 @@
 
 #include "operations/filters.h"
 #include "operations/filters_plain.h"
+#include "platform/bit_select.h"
 #include "platform/float_errors.h"
-#include "platform/lanes.h"
 
 namespace quiverion {
 namespace {
@@ -150,7 +150,7 @@ QUIVERION_MULTI_TARGET void DivideRow(const VectorField& field, std::int32_t j, 
   const std::int32_t* const status = field.status.Row(j);
   const double *const oldU = field.velX.Row(j), *const oldV = field.velY.Row(j);
   const double *const sumU = sums.u.data(), *const sumV = sums.v.data(), *const sumW = sums.w.data();
-  double *__restrict u = result.velX.Row(j), *__restrict v = result.velY.Row(j);
+  double* __restrict u = result.velX.Row(j), * __restrict v = result.velY.Row(j);
   for (std::size_t i = 0; i < count; ++i) {
     const Mask change = MaskOf(status[i] >= 0) & MaskOf(sumW[i] != 0.0);
     const double divisor = Select(change, sumW[i], 1.0);
@@ -166,7 +166,7 @@ QUIVERION_MULTI_TARGET void SpreadRow(const VectorField& field, std::int32_t j, 
   const auto count = static_cast<std::size_t>(field.columnCount);
   const std::int32_t* const status = field.status.Row(j);
   const double *const oldU = field.velX.Row(j), *const oldV = field.velY.Row(j);
-  double *__restrict u = result.velX.Row(j), *__restrict v = result.velY.Row(j);
+  double* __restrict u = result.velX.Row(j), * __restrict v = result.velY.Row(j);
   for (std::size_t i = 0; i < count; ++i) {
     const Mask change = MaskOf(status[i] >= 0);
     u[i] = Select(change, meanU, oldU[i]);
@@ -271,8 +271,7 @@ bool ClipToField(const VectorField& field, WeightMatrix& weights) {
   return true;
 }
 
-// Not inlined: its floating-point flags are read after it.
-QUIVERION_NO_INLINE void FilterFast(const VectorField& field, const WeightMatrix& weights, Result& result) {
+void FilterFast(const VectorField& field, const WeightMatrix& weights, Result& result) {
   if (CoversWholeRows(field, weights)) {
     FilterWholeRows(field, weights.Values().front(), result);
   } else {
@@ -290,9 +289,7 @@ void ApplyFilterKernel(VectorField& field, const WeightMatrix& weights) {
     result.velX.ResetUninitialised(field.columnCount, field.rowCount);
     result.velY.ResetUninitialised(field.columnCount, field.rowCount);
     result.status.ResetUninitialised(field.columnCount, field.rowCount);
-    const FloatErrorScope errors;
-    FilterFast(field, kernel, result);
-    if (!errors.Raised()) {
+    if (!RaisesFloatError([&] { FilterFast(field, kernel, result); })) {
       std::swap(field.velX, result.velX);
       std::swap(field.velY, result.velY);
       std::swap(field.status, result.status);

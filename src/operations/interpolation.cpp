@@ -9,8 +9,8 @@
 
 #include "field/frames.h"
 #include "operations/interpolation_plain.h"
+#include "platform/bit_select.h"
 #include "platform/float_errors.h"
-#include "platform/lanes.h"
 
 namespace quiverion {
 namespace {
@@ -20,12 +20,8 @@ struct Place {
   std::uint32_t column, row;
 };
 
-bool IsInteresting(std::int32_t status) {
-  return status == 0 || status == plain::kFilledInThisPass;
-}
-
-// True where one of the statuses is interesting; most of a field is not, so whole blocks are passed over.
-QUIVERION_MULTI_TARGET bool HasInteresting(const std::int32_t* status, std::size_t count) {
+// True where one of the statuses means something here; most of a field does not, so whole blocks are passed over.
+QUIVERION_MULTI_TARGET bool HasInvalidOrMarked(const std::int32_t* status, std::size_t count) {
   std::int32_t found = 0;
   for (std::size_t p = 0; p < count; ++p) {
     found |= (status[p] == 0 ? 1 : 0) | (status[p] == plain::kFilledInThisPass ? 1 : 0);
@@ -87,7 +83,7 @@ class HoleFiller {
     for (Place place{0, 0}; place.row < height_; ++place.row) {
       for (std::uint32_t begin = 0; begin < width_; begin += block) {
         const std::uint32_t end = std::min(begin + block, width_);
-        if (!HasInteresting(&status_[At({begin, place.row})], end - begin)) continue;
+        if (!HasInvalidOrMarked(&status_[At({begin, place.row})], end - begin)) continue;
         for (place.column = begin; place.column < end; ++place.column) {
           std::int32_t& status = status_[At(place)];
           if (status == plain::kFilledInThisPass) status = plain::kFilled;
@@ -125,9 +121,7 @@ class HoleFiller {
   // All means are taken before the first vector is filled, so that none of a pass is a neighbour in it.
   void FillPass(std::uint8_t count) {
     means_.resize(pass_.size());
-    const FloatErrorScope errors;
-    TakeMeans(count);
-    if (errors.Raised()) {
+    if (RaisesFloatError([&] { TakeMeans(count); })) {
       FillChecked();
       return;
     }
@@ -138,8 +132,8 @@ class HoleFiller {
     field_.validVectorCount += static_cast<std::int32_t>(pass_.size());
   }
 
-  // Not inlined: its floating-point flags are read after it. An invalid neighbour adds +0.0, which changes no sum.
-  QUIVERION_NO_INLINE void TakeMeans(std::uint8_t count) {
+  // An invalid neighbour adds +0.0, which changes no sum.
+  void TakeMeans(std::uint8_t count) {
     const double divisor = count;
     for (std::size_t n = 0; n < pass_.size(); ++n) {
       double u = 0.0, v = 0.0;
@@ -155,9 +149,8 @@ class HoleFiller {
 
   // The vectors of the pass in visiting order, up to the one at which the computation stops.
   void FillChecked() {
-    std::sort(pass_.begin(), pass_.end(), [](Place a, Place b) {
-      return a.column != b.column ? a.column < b.column : a.row < b.row;
-    });
+    std::sort(pass_.begin(), pass_.end(),
+              [](Place a, Place b) { return a.column != b.column ? a.column < b.column : a.row < b.row; });
     for (const Place place : pass_) {
       plain::FillFromNeighbours<CheckedReal>(field_, static_cast<std::int32_t>(place.column) + 1,
                                              static_cast<std::int32_t>(place.row) + 1);

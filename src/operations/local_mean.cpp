@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "operations/compare_vectors.h"
-#include "platform/lanes.h"
+#include "platform/bit_select.h"
 
 namespace quiverion {
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "operations/compare_vectors.h"
-#include "platform/lanes.h"
+#include "platform/bit_select.h"
 
 namespace quiverion {
 namespace {

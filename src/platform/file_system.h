@@ -26,8 +26,9 @@ class InputFile {
   virtual std::size_t ReadPieces(std::span<const std::span<char>> pieces);
 };
 
-/// A result file that appears whole or not at all: bytes go to a temporary file beside the place, and only
-/// Commit renames it over `path`. Destroyed without a commit it leaves nothing, and an old file as it was.
+/// A file that is written whole or not at all. Bytes of a result file go to a temporary file beside the place, and only
+/// Commit renames it over `path`. Bytes of an appended file go to its end at once. Destroyed without a commit both leave
+/// an old file as it was, the appended one cut to its old length, and none where there was none.
 class OutputFile {
  public:
   virtual ~OutputFile() = default;
@@ -40,8 +41,8 @@ class OutputFile {
   /// it can.
   virtual std::size_t WriteSomePieces(std::span<const std::string_view> pieces);
 
-  /// Flushes and renames. A file that replaces an existing one is synced to the disk first: what it replaces
-  /// may be the only copy of a measurement. Throws SystemError; may then be repeated, but once
+  /// Flushes, closes and puts a result file in its place. One that replaces an existing file is synced to the disk first:
+  /// what it replaces may be the only copy of a measurement. Throws SystemError; may then be repeated, but once
   /// the bytes could not be flushed it fails again each time.
   virtual void Commit() = 0;
 };
@@ -60,6 +61,9 @@ class FileSystem {
 
   /// Throws SystemError where a file cannot be created beside `path`, or `path` is a directory or read-only.
   virtual std::unique_ptr<OutputFile> CreateResultFile(const std::string& path) = 0;
+
+  /// Opens `path` for writing at its end and creates it where it is missing. Throws SystemError as CreateResultFile does.
+  virtual std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) = 0;
 
   /// Creates one directory; errors (it exists already, say) are ignored.
   virtual void CreateDirectoryQuietly(const std::string& path) = 0;

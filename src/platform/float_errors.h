@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/multi_target.h"
+
 namespace quiverion {
 
 /// Watches the floating-point status while it lives. A fast kernel runs inside such a scope; where `Raised`
@@ -17,5 +19,19 @@ class FloatErrorScope {
   /// Overflow or division by zero since the scope began.
   bool Raised() const;
 };
+
+/// A call that the compiler cannot mix with what stands around it.
+template <class Compute>
+QUIVERION_NO_INLINE void CallApart(Compute& compute) {
+  compute();
+}
+
+/// Runs `compute`, a fast kernel that writes scratch memory only, and tells whether it has raised a flag.
+template <class Compute>
+bool RaisesFloatError(Compute compute) {
+  const FloatErrorScope errors;
+  CallApart(compute);
+  return errors.Raised();
+}
 
 }  // namespace quiverion

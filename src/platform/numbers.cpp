@@ -162,4 +162,11 @@ std::string FormatNumber(float value, char decimalSeparator) {
   return Format(value, 7, decimalSeparator);
 }
 
+void AppendPrintNumber(std::string& text, double value, char decimalSeparator) {
+  char buffer[kMaxNumberLength + 2] = {' '};
+  char* end = FormatNumberTo(buffer + 1, value, 15, decimalSeparator);
+  *end++ = ' ';
+  text.append(buffer[1] == '-' ? buffer + 1 : buffer, end);
+}
+
 }  // namespace quiverion

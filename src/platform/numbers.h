@@ -47,4 +47,8 @@ inline constexpr std::size_t kMaxNumberLength = 32;
 /// text.
 char* FormatNumberTo(char* buffer, double value, int digits, char decimalSeparator);
 
+/// Appends a number in print style: a blank where FormatNumber gives no minus sign, its digits, a blank. Only `text`
+/// allocates.
+void AppendPrintNumber(std::string& text, double value, char decimalSeparator);
+
 }  // namespace quiverion

@@ -1,6 +1,7 @@
 // What the program asks of its surroundings beyond files. A port to another system replaces this file.
 #include <langinfo.h>
 #include <locale.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -101,6 +102,14 @@ std::string ReadStandardInput() {
     if (count == 0) return content;
     content.append(block.data(), static_cast<std::size_t>(count));
   }
+}
+
+void KeepFreedMemory() {
+#ifdef __GLIBC__
+  constexpr int most = 32 * 1024 * 1024;
+  ::mallopt(M_MMAP_THRESHOLD, most);
+  ::mallopt(M_TRIM_THRESHOLD, most);
+#endif
 }
 
 }  // namespace quiverion

@@ -12,6 +12,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <optional>
 #include <system_error>
 
 #include "platform/file_system.h"
@@ -64,6 +65,7 @@ bool IsDirectoryNative(const std::string& nativePath) {
     case EBUSY:
     case ETXTBSY:
       throw SystemError(ErrorNumber::accessDenied);
+    case EEXIST:
     case EISDIR:
     case EROFS:
     case ELOOP:
@@ -148,17 +150,10 @@ class PosixInputFile : public InputFile {
   std::uint64_t size_;
 };
 
+// What the two kinds of written files share; they differ in what a commit means, and its absence.
 class PosixOutputFile : public OutputFile {
  public:
-  PosixOutputFile(int descriptor, std::string temporaryPath, std::string path, bool replaces)
-      : descriptor_(descriptor),
-        temporaryPath_(std::move(temporaryPath)),
-        path_(std::move(path)),
-        replaces_(replaces) {}
-
-  ~PosixOutputFile() override {
-    if (!committed_) ::unlink(temporaryPath_.c_str());
-  }
+  explicit PosixOutputFile(int descriptor) : descriptor_(descriptor) {}
 
   std::size_t WriteSome(const void* source, std::size_t size) override {
     return Written([&] { return ::write(descriptor_.Number(), source, size); });
@@ -174,16 +169,15 @@ class PosixOutputFile : public OutputFile {
     return Written([&] { return ::writev(descriptor_.Number(), list.data(), static_cast<int>(count)); });
   }
 
-  void Commit() override {
-    // What was not flushed is not there, and a second try would not say so: the first failure stays.
-    if (flushError_ != 0) ThrowErrno(flushError_);
+ protected:
+  // Closes the file, synced where that is asked for. What was not flushed is not there, and a second try would not say
+  // so: the first failure stays.
+  void Flush(bool sync) {
     if (descriptor_.IsOpen()) {
-      if (replaces_ && ::fsync(descriptor_.Number()) != 0) flushError_ = errno;
+      if (sync && ::fsync(descriptor_.Number()) != 0) flushError_ = errno;
       if (descriptor_.Close() != 0 && flushError_ == 0) flushError_ = errno;
-      if (flushError_ != 0) ThrowErrno(flushError_);
     }
-    if (::rename(temporaryPath_.c_str(), path_.c_str()) != 0) ThrowErrno(errno, path_);
-    committed_ = true;
+    if (flushError_ != 0) ThrowErrno(flushError_);
   }
 
  private:
@@ -199,11 +193,57 @@ class PosixOutputFile : public OutputFile {
   }
 
   Descriptor descriptor_;
+  int flushError_ = 0;
+};
+
+class PosixResultFile : public PosixOutputFile {
+ public:
+  PosixResultFile(int descriptor, std::string temporaryPath, std::string path, bool replaces)
+      : PosixOutputFile(descriptor),
+        temporaryPath_(std::move(temporaryPath)),
+        path_(std::move(path)),
+        replaces_(replaces) {}
+
+  ~PosixResultFile() override {
+    if (!committed_) ::unlink(temporaryPath_.c_str());
+  }
+
+  void Commit() override {
+    Flush(replaces_);
+    if (::rename(temporaryPath_.c_str(), path_.c_str()) != 0) ThrowErrno(errno, path_);
+    committed_ = true;
+  }
+
+ private:
   std::string temporaryPath_;
   std::string path_;
   bool replaces_;
   bool committed_ = false;
-  int flushError_ = 0;
+};
+
+static_assert(sizeof(off_t) == 8, "files may be longer than 2 GB");
+
+class PosixAppendedFile : public PosixOutputFile {
+ public:
+  // `oldLength` is empty where the file has just been created.
+  PosixAppendedFile(int descriptor, std::string path, std::optional<off_t> oldLength)
+      : PosixOutputFile(descriptor), path_(std::move(path)), oldLength_(oldLength) {}
+
+  // By its path: a commit that failed has closed the file. What cannot be taken back stays; there is nobody to tell.
+  ~PosixAppendedFile() override {
+    if (committed_) return;
+    [[maybe_unused]] const int result = oldLength_ ? ::truncate(path_.c_str(), *oldLength_) : ::unlink(path_.c_str());
+  }
+
+  void Commit() override {
+    Flush(false);
+    committed_ = true;
+  }
+
+ private:
+  std::string path_;
+  std::optional<off_t> oldLength_;
+  bool committed_ = false;
 };
 
 // Names for temporary files that nobody can guess and prepare a link for.
@@ -229,7 +269,7 @@ class TemporaryNames {
   std::size_t used_ = pool_.size();
 };
 
-// What stands at the place must be something that a save may replace. True where something stands there.
+// What stands at the place must be something that a save may replace or append to. True where something stands there.
 bool CheckTarget(const std::string& nativePath) {
   struct stat info {};
   if (::lstat(nativePath.c_str(), &info) != 0) return false;
@@ -266,7 +306,25 @@ class PosixFileSystem : public FileSystem {
       if (code == ENOENT) throw SystemError(ErrorNumber::pathNotFound);
       ThrowErrno(code, native);
     }
-    return std::make_unique<PosixOutputFile>(descriptor, std::move(temporary), std::move(native), replaces);
+    return std::make_unique<PosixResultFile>(descriptor, std::move(temporary), std::move(native), replaces);
+  }
+
+  std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) override {
+    std::string native = OpenablePath(path);
+    CheckTarget(native);
+    constexpr int flags = O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    int descriptor = ::open(native.c_str(), flags);
+    const bool creates = descriptor < 0 && errno == ENOENT;
+    // O_EXCL: only what this call has created may be deleted again.
+    if (creates) descriptor = ::open(native.c_str(), flags | O_CREAT | O_EXCL, 0666);
+    if (descriptor < 0) ThrowErrno(errno, native);
+    struct stat info {};
+    if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
+      ::close(descriptor);
+      throw SystemError(ErrorNumber::pathAccess);
+    }
+    const auto oldLength = creates ? std::nullopt : std::optional(info.st_size);
+    return std::make_unique<PosixAppendedFile>(descriptor, std::move(native), oldLength);
   }
 
   void CreateDirectoryQuietly(const std::string& path) override {

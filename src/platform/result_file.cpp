@@ -30,14 +30,17 @@ Message RetryBox(ErrorNumber number) {
 
 }  // namespace
 
-ResultFile::ResultFile(FileSystem& files, UserInterface* ui, const std::string& path) : ui_(ui) {
+ResultFile::ResultFile(FileSystem& files, UserInterface* ui, const std::string& path, Opening opening) : ui_(ui) {
+  const auto open = [&] {
+    return opening == Opening::append ? files.OpenForAppending(path) : files.CreateResultFile(path);
+  };
   try {
-    file_ = files.CreateResultFile(path);
+    file_ = open();
   } catch (const SystemError& error) {
     // Nearly always the directory is there; only where it is not the way along the path is looked at.
     if (error.Number() != ErrorNumber::pathNotFound) throw;
     CreatePathDirectories(files, path);
-    file_ = files.CreateResultFile(path);
+    file_ = open();
   }
 }
 

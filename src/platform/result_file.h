@@ -10,14 +10,18 @@
 
 namespace quiverion {
 
-/// A buffered result file. A full disk or too many open files ask Retry or Cancel where a user interface is
+/// What happens to a file that is there already.
+enum class Opening { replace, append };
+
+/// A buffered result file, or the end of a file that results are appended to. A full disk or too many open files ask Retry or Cancel where a user interface is
 /// given; Retry repeats the failed write and writing goes on, so no writer has a retry loop of its own. Small
-/// items are gathered, large blocks go to the system as they are. Without a commit nothing appears.
+/// items are gathered, large blocks go to the system as they are. Without a commit nothing appears and an old
+/// file stays as it was.
 class ResultFile {
  public:
-  /// Throws SystemError where the file cannot be opened. `ui` may be null: then every error is thrown at
-  /// once.
-  ResultFile(FileSystem& files, UserInterface* ui, const std::string& path);
+  /// Missing directories are created. Throws SystemError where the file cannot be opened. `ui` may be null: then every
+  /// error is thrown at once.
+  ResultFile(FileSystem& files, UserInterface* ui, const std::string& path, Opening opening = Opening::replace);
 
   /// Throws SystemError.
   void Write(std::string_view bytes);
@@ -25,7 +29,7 @@ class ResultFile {
   /// The same for bytes that stay where they are, unchanged, until the commit: they are not copied.
   void WriteKept(std::string_view bytes);
 
-  /// Writes what is left and puts the file in its place. Throws SystemError.
+  /// Writes what is left and puts the file in its place, or keeps what was appended. Throws SystemError.
   void Commit();
 
   /// True where the user has answered Cancel; the SystemError that was thrown is the one of the write.

@@ -58,6 +58,9 @@ class SystemFiles : public testing::Test {
   int CreateError(const std::string& path) {
     return ErrorOf([&] { files_->CreateResultFile(path); });
   }
+  int AppendError(const std::string& path) {
+    return ErrorOf([&] { files_->OpenForAppending(path); });
+  }
 
   std::unique_ptr<FileSystem> files_ = MakeSystemFileSystem();
   std::string root_;
@@ -87,9 +90,32 @@ TEST_F(SystemFiles, AResultIsNotWrittenOverWhatItMayNotReplace) {
                                                {At("missing/x.vas"), 76}, {At("locked.vas/x.vas"), 76},
                                                {"C:\\data\\x.vas", 76},   {At(std::string("x\0.vas", 6)), 75},
                                                {At("missing\\x.vas"), 76}};
-  for (const auto& [path, number] : cases) EXPECT_EQ(CreateError(path), number) << path;
+  for (const auto& [path, number] : cases) {
+    EXPECT_EQ(CreateError(path), number) << path;
+    EXPECT_EQ(AppendError(path), number) << path;
+  }
   EXPECT_EQ(Get("locked.vas"), "kept");
   EXPECT_EQ(Names(), (NameList{"folder", "locked.vas", "pipe"}));
+}
+
+TEST_F(SystemFiles, WhatWasAppendedStaysOnlyWithACommit) {
+  Put("old.txt", "old ");
+  fs::create_symlink("old.txt", At("link.txt"));
+  fs::create_symlink("gone.txt", At("dangling.txt"));
+  const auto append = [&](const std::string& name, bool commit) {
+    const auto file = files_->OpenForAppending(At(name));
+    WriteAll(*file, "more ");
+    WriteAll(*file, "lines ");
+    if (commit) file->Commit();
+  };
+  for (const std::string name : {"old.txt", "new.txt", "link.txt"}) append(name, false);
+  EXPECT_EQ(Get("old.txt"), "old ");
+  EXPECT_EQ(Names(), (NameList{"dangling.txt", "link.txt", "old.txt"}));
+  for (const std::string name : {"old.txt", "new.txt", "link.txt"}) append(name, true);
+  EXPECT_EQ(Get("old.txt"), "old more lines more lines ");
+  EXPECT_EQ(Get("new.txt"), "more lines ");
+  EXPECT_TRUE(fs::is_symlink(At("link.txt")));
+  EXPECT_EQ(AppendError(At("dangling.txt")), 75);
 }
 
 TEST_F(SystemFiles, WhatIsNoReadableFileIsRefused) {

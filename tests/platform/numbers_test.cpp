@@ -126,5 +126,14 @@ TEST(FormatNumber, WritesFixedAndExponentNotation) {
   EXPECT_EQ(FormatNumber(1.5E-5, ','), "1,5E-05");
 }
 
+TEST(PrintNumber, HasAPlaceForTheSignAndABlankBehind) {
+  std::string text = "|";
+  for (const double value : {1.5, -1.5, 0.0, -0.0, -1.23456789012345E-300, Limits::quiet_NaN(), -Limits::infinity()}) {
+    AppendPrintNumber(text, value, ',');
+    text += '|';
+  }
+  EXPECT_EQ(text, "| 1,5 |-1,5 | 0 | 0 |-1,23456789012345E-300 | NaN |-Inf |");
+}
+
 }  // namespace
 }  // namespace quiverion::test

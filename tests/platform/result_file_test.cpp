@@ -18,9 +18,9 @@ void WriteContent(ResultFile& file) {
 
 class ResultFiles : public testing::Test {
  protected:
-  int Save(UserInterface* ui) {
+  int Save(UserInterface* ui, Opening opening = Opening::replace) {
     return ErrorOf([&] {
-      ResultFile file(files_, ui, "out.vas");
+      ResultFile file(files_, ui, "out.vas", opening);
       WriteContent(file);
     });
   }
@@ -37,6 +37,9 @@ TEST_F(ResultFiles, RetryGoesOnWhereTheDiskWasFull) {
     ui_.messages.clear();
     EXPECT_EQ(Save(&ui_), 0);
     EXPECT_EQ(files_.files["out.vas"], kContent) << room;
+    files_.faults.diskSize = room;
+    EXPECT_EQ(Save(&ui_, Opening::append), 0);
+    EXPECT_EQ(files_.files["out.vas"], std::string(kContent) + std::string(kContent)) << room;
   }
 }
 

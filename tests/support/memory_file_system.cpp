@@ -36,7 +36,9 @@ class MemoryInputFile : public InputFile {
 
 class MemoryOutputFile : public OutputFile {
  public:
-  MemoryOutputFile(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {
+  // An appended file begins with the content that is there.
+  MemoryOutputFile(MemoryFileSystem& system, std::string path, std::string content = {})
+      : system_(system), path_(std::move(path)), content_(std::move(content)) {
     ++system_.temporaryFiles;
   }
   ~MemoryOutputFile() override { --system_.temporaryFiles; }
@@ -84,6 +86,15 @@ std::unique_ptr<OutputFile> MemoryFileSystem::CreateResultFile(const std::string
   const std::string normal = Normal(path);
   if (!IsDirectory(std::string(DirectoryOf(normal)))) throw SystemError(ErrorNumber::pathNotFound);
   return std::make_unique<MemoryOutputFile>(*this, normal);
+}
+
+std::unique_ptr<OutputFile> MemoryFileSystem::OpenForAppending(const std::string& path) {
+  const std::string normal = Normal(path);
+  if (const auto error = openErrors.find(normal); error != openErrors.end()) throw SystemError(error->second);
+  if (faults.open) throw SystemError(*faults.open);
+  if (!IsDirectory(std::string(DirectoryOf(normal)))) throw SystemError(ErrorNumber::pathNotFound);
+  const auto found = files.find(normal);
+  return std::make_unique<MemoryOutputFile>(*this, normal, found == files.end() ? std::string() : found->second);
 }
 
 void MemoryFileSystem::CreateDirectoryQuietly(const std::string& path) {

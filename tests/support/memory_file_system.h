@@ -24,7 +24,7 @@ class MemoryFileSystem : public FileSystem {
 
   /// What goes wrong with the files that are written. Counted over all of them.
   struct Faults {
-    std::optional<ErrorNumber> open;                                     // every CreateResultFile
+    std::optional<ErrorNumber> open;                                     // every CreateResultFile and OpenForAppending
     std::uint64_t diskSize = std::numeric_limits<std::uint64_t>::max();  // bytes until a write fails ...
     ErrorNumber write = ErrorNumber::diskFull;                           // ... with this
     std::optional<ErrorNumber> commit;
@@ -35,10 +35,11 @@ class MemoryFileSystem : public FileSystem {
   std::map<std::string, ErrorNumber> openErrors;     // of files that are there but cannot be opened
   std::map<std::string, std::uint64_t> readFailsAt;  // byte at which reading fails with error 57
 
-  int temporaryFiles = 0;  // result files that are open now
+  int temporaryFiles = 0;  // written files that are open now
 
   std::unique_ptr<InputFile> OpenForReading(const std::string& path) override;
   std::unique_ptr<OutputFile> CreateResultFile(const std::string& path) override;
+  std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) override;
   void CreateDirectoryQuietly(const std::string& path) override;
   std::vector<std::string> ListFiles(const std::string& directory) override;
   bool IsDirectory(const std::string& path) override;

@@ -5,17 +5,17 @@
 
 #include "platform/multi_target.h"
 
-/// What kernels that work across output points select operands with.
+/// Choices without branches: a branch would keep a kernel's loop scalar.
 namespace quiverion {
 
 /// All bits set or none.
 using Mask = std::uint64_t;
 
-constexpr QUIVERION_ALWAYS_INLINE Mask MaskOf(bool condition) {
+QUIVERION_ALWAYS_INLINE Mask MaskOf(bool condition) {
   return condition ? ~Mask{0} : Mask{0};
 }
 
-/// `chosen` where the mask has all bits, `other` where it has none. Bit by bit: a branch would keep the loop scalar.
+/// `chosen` where the mask has all bits, `other` where it has none.
 QUIVERION_ALWAYS_INLINE double Select(Mask mask, double chosen, double other) {
   return std::bit_cast<double>((std::bit_cast<Mask>(chosen) & mask) | (std::bit_cast<Mask>(other) & ~mask));
 }

@@ -1,0 +1,160 @@
+#include "operations/transformations.h"
+
+#include <algorithm>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "operations/transformations_plain.h"
+#include "platform/bit_select.h"
+#include "platform/checked_real.h"
+#include "platform/float_errors.h"
+#include "platform/multi_target.h"
+#include "platform/numbers.h"
+
+namespace quiverion {
+namespace {
+
+// One component of all velocities, in the order of the memory.
+struct Component {
+  std::size_t count;
+  const double* velocity;
+  const std::int32_t* status;
+};
+
+QUIVERION_MULTI_TARGET void ScaleComponent(const Component& component, double factor, double* __restrict target) {
+  const Component in = component;  // a copy cannot alias the target
+  for (std::size_t p = 0; p < in.count; ++p) target[p] = in.velocity[p] * factor;
+}
+
+QUIVERION_MULTI_TARGET void ShiftComponent(const Component& component, double shift, double* __restrict target) {
+  const Component in = component;
+  for (std::size_t p = 0; p < in.count; ++p) {
+    target[p] = Select(MaskOf(in.status[p] > 0), in.velocity[p] + shift, in.velocity[p]);
+  }
+}
+
+using ComponentKernel = void(const Component&, double, double*);
+using PlainLoops = void(VectorField&, double, double);
+
+// The fast kernel works on scratch memory. Only where a floating-point flag was raised the plain loops run in place:
+// they stop at the exact point, if there is one.
+void ChangeVelocities(VectorField& field, double x, double y, ComponentKernel* kernel, PlainLoops* checkedLoops) {
+  Grid<double> velX, velY;
+  velX.ResetUninitialised(field.columnCount, field.rowCount);
+  velY.ResetUninitialised(field.columnCount, field.rowCount);
+  const auto run = [&](const Grid<double>& velocity, double value, Grid<double>& target) {
+    const Component component{velocity.Values().size(), velocity.Values().data(), field.status.Values().data()};
+    kernel(component, value, target.Values().data());
+  };
+  const bool raised = RaisesFloatError([&] {
+    run(field.velX, x, velX);
+    run(field.velY, y, velY);
+  });
+  if (raised) {
+    checkedLoops(field, x, y);
+  } else {
+    std::swap(field.velX, velX);
+    std::swap(field.velY, velY);
+  }
+}
+
+double Transformed(CheckedReal coordinate, double factor, double shift) {
+  return (coordinate * factor + shift).Value();
+}
+
+void TransformAll(std::span<double> coordinates, double factor, double shift) {
+  for (double& coordinate : coordinates) coordinate = Transformed(coordinate, factor, shift);
+}
+
+void TransformGeometry(VectorField& field, const CoordinateTransformation& t) {
+  TransformAll(field.posX, t.fakX, t.deltaX);
+  TransformAll(field.posY, t.fakY, t.deltaY);
+  field.galileiPointX = Transformed(field.galileiPointX, t.fakX, t.deltaX);
+  field.galileiPointY = Transformed(field.galileiPointY, t.fakY, t.deltaY);
+  for (std::int32_t k = 0; k < std::min(field.streamlineCount, kMaxStreamlines); ++k) {
+    Streamline& streamline = field.streamlines[static_cast<std::size_t>(k)];
+    streamline[0] = Transformed(streamline[0], t.fakX, t.deltaX);
+    streamline[1] = Transformed(streamline[1], t.fakY, t.deltaY);
+  }
+  field.offsetX = (CheckedReal(field.offsetX) + t.deltaX).Value();
+  field.offsetY = (CheckedReal(field.offsetY) + t.deltaY).Value();
+}
+
+template <class T>
+void ReverseColumns(Grid<T>& grid) {
+  for (std::int32_t j = 1; j <= grid.Rows(); ++j) std::reverse(grid.Row(j), grid.Row(j) + grid.Columns());
+}
+
+template <class T>
+void ReverseRows(Grid<T>& grid) {
+  for (std::int32_t j = 1; j <= grid.Rows() / 2; ++j) {
+    std::swap_ranges(grid.Row(j), grid.Row(j) + grid.Columns(), grid.Row(grid.Rows() + 1 - j));
+  }
+}
+
+// Adds to the valid vectors. A difference has the bits of the sum with the negative number.
+void ShiftField(Context& context, double x, double y) {
+  VectorField& field = context.field;
+  ChangeVelocities(field, x, y, ShiftComponent, plain::ShiftVelocities<CheckedReal>);
+  field.galileiPointSet = kFlagFalse;
+  field.galileiVelX = (CheckedReal(field.galileiVelX) - x).Value();
+  field.galileiVelY = (CheckedReal(field.galileiVelY) - y).Value();
+  context.log.WriteLogLine("fertig\r\n");
+}
+
+std::string ConstantVector(const Context& context, double x, double y) {
+  return "Konstanten Vektor (" + FormatNumber(x, context.decimalSeparator) + "; " +
+         FormatNumber(y, context.decimalSeparator) + ")";
+}
+
+}  // namespace
+
+void TransformCoordinates(Context& context, const CoordinateTransformation& trafo) {
+  context.log.WriteLogLine("Koordinatentransformation... ");
+  const bool sameVelocities = trafo.fakVecX == 1.0 && trafo.fakVecY == 1.0;
+  const bool sameCoordinates = trafo.deltaX == 0.0 && trafo.deltaY == 0.0 && trafo.fakX == 1.0 && trafo.fakY == 1.0;
+  if (sameVelocities && sameCoordinates) {
+    context.log.WriteLogLine("Identische Transformation -> sofort fertig\r\n");
+    return;
+  }
+  TransformGeometry(context.field, trafo);
+  if (!sameVelocities) {
+    ChangeVelocities(context.field, trafo.fakVecX, trafo.fakVecY, ScaleComponent, plain::ScaleVelocities<CheckedReal>);
+  }
+  context.log.WriteLogLine("fertig\r\n");
+}
+
+void MirrorField(Context& context, bool mirrorX, bool mirrorY) {
+  context.log.WriteLogLine("Vektorfeld spiegeln... ");
+  if (!mirrorX && !mirrorY) {
+    context.log.WriteLogLine("Keine Option ausgewählt -> fertig\r\n");
+    return;
+  }
+  VectorField& field = context.field;
+  if (mirrorX) {
+    ReverseColumns(field.velX);
+    ReverseColumns(field.velY);
+    ReverseColumns(field.status);
+    std::reverse(field.posX.begin(), field.posX.end());
+  }
+  if (mirrorY) {
+    ReverseRows(field.velX);
+    ReverseRows(field.velY);
+    ReverseRows(field.status);
+    std::reverse(field.posY.begin(), field.posY.end());
+  }
+  context.log.WriteLogLine("fertig\r\n");
+}
+
+void AddConstantVector(Context& context, double x, double y) {
+  context.log.WriteLogLine(ConstantVector(context, x, y) + " zum Vektorfeld addieren... ");
+  ShiftField(context, x, y);
+}
+
+void SubtractConstantVector(Context& context, double x, double y) {
+  context.log.WriteLogLine(ConstantVector(context, x, y) + " vom Vektorfeld subtrahieren... ");
+  ShiftField(context, -x, -y);
+}
+
+}  // namespace quiverion

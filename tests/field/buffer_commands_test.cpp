@@ -1,0 +1,202 @@
+#include "field/buffer_commands.h"
+
+#include <limits>
+
+#include "field/buffer_commands_plain.h"
+#include "field/dat_image.h"
+#include "field/vas_image.h"
+#include "field/vec_image.h"
+#include "support/random_fields.h"
+
+namespace quiverion::test {
+namespace {
+
+constexpr const char* kSizesDiffer = "!!! FEHLER !!!\r\n    Fehler: Die Anzahl der Vektoren stimmt nicht überein!\r\n";
+
+struct Command {
+  void (*run)(Context&);
+  void (*plain)(VectorField&, const BufferField&);    // on double
+  void (*checked)(VectorField&, const BufferField&);  // on CheckedReal
+};
+
+template <class Operation>
+constexpr Command Combination(void (*run)(Context&)) {
+  return {run, [](VectorField& f, const BufferField& b) { plain::CombineWithBuffer<double>(f, b, Operation{}); },
+          [](VectorField& f, const BufferField& b) { plain::CombineWithBuffer<CheckedReal>(f, b, Operation{}); }};
+}
+
+constexpr Command kCommands[] = {Combination<plain::FieldPlusBuffer>(AddBufferToField),
+                                 Combination<plain::FieldMinusBuffer>(SubtractBufferFromField),
+                                 Combination<plain::BufferMinusField>(SubtractFieldFromBuffer),
+                                 {UseBufferAsMask, plain::MaskWithBuffer, plain::MaskWithBuffer}};
+
+class BufferCommands : public FieldTest {
+ protected:
+  // The buffer becomes a copy of `source`.
+  void FillBuffer(VectorField source) {
+    std::swap(field_, source);
+    CopyFieldToBuffer(context_);
+    std::swap(field_, source);
+    program_.TakeLog();
+  }
+
+  std::string LoadBuffer(const std::string& path) {
+    context_.abortCurrentFile = false;
+    LoadFileIntoBuffer(context_, path);
+    return program_.TakeLog();
+  }
+  std::string LoadBuffer(const std::string& path, const std::string& bytes) {
+    files_.files[path] = bytes;
+    return LoadBuffer(path);
+  }
+
+  std::string CompareFields(const VectorField& expected) const {
+    std::string text = FirstDifference(expected.velX, field_.velX) + FirstDifference(expected.velY, field_.velY);
+    if (!SameItem(expected.status, field_.status)) text += "status";
+    return expected.validVectorCount == field_.validVectorCount ? text : text + "count";
+  }
+
+  // Runs a command and the plain loops on the same random fields; returns the error.
+  int Compare(const Command& command, std::uint64_t seed, std::int32_t columns, std::int32_t rows, const Mix& mix,
+              std::int32_t validVectors) {
+    FillBuffer(RandomField(seed + 1000000, columns, rows, mix));
+    field_ = RandomField(seed, columns, rows, mix);
+    field_.validVectorCount = validVectors;
+    VectorField expected = field_;
+    VectorField unchecked = field_;
+    const int expectedError = ErrorOf([&] { command.checked(expected, buffer_); });
+    const int error = ErrorOf([&] { command.run(context_); });
+    EXPECT_EQ(error, expectedError);
+    EXPECT_EQ(CompareFields(expected), "") << columns << "x" << rows << " seed " << seed;
+    if (error == 0) {
+      command.plain(unchecked, buffer_);
+      EXPECT_EQ(CompareFields(unchecked), "") << columns << "x" << rows << " seed " << seed;
+    }
+    return error;
+  }
+
+  BufferField& buffer_ = program_.context.buffer;
+};
+
+TEST_F(BufferCommands, GiveTheBitsOfThePlainLoopsAndStopWhereTheyStop) {
+  std::uint64_t seed = 1;
+  int stops = 0;
+  ForEverySize([&](std::int32_t columns, std::int32_t rows) {
+    for (const Command& command : kCommands) {
+      for (const Mix& mix : kCarriedMixes) EXPECT_EQ(Compare(command, ++seed, columns, rows, mix, 100), 0);
+      const Mix overflowing = {.invalid = 100, .special = 50, .notFinite = 50, .huge = 200};
+      stops += Compare(command, ++seed, columns, rows, overflowing, 100) != 0;
+      const std::int32_t nearlyTooFew = std::numeric_limits<std::int32_t>::min() + 2;
+      stops += Compare(command, ++seed, columns, rows, {.invalid = 400}, nearlyTooFew) != 0;
+    }
+    if (HasFailure()) FAIL();
+  });
+  EXPECT_GT(stops, 200) << "the mixes must contain errors";
+}
+
+TEST_F(BufferCommands, CombineEveryPairOfStatuses) {
+  struct Case {
+    std::int32_t field, buffer, combined, masked;
+    int lost, lostToMask;  // valid vectors
+  };
+  const Case cases[] = {{3, 4, 2, 3, 0, 0},    {1, 0, 0, 1, 1, 0},    {2, -5, -1, -1, 1, 1},
+                        {0, 1, 0, 0, 0, 0},    {0, 0, 0, 0, 0, 0},    {0, -1, -1, -1, 0, 0},
+                        {-1, 1, -1, -1, 0, 0}, {-7, 0, -1, -7, 0, 0}, {-7, -7, -1, -1, 0, 0}};
+  const double results[] = {14, 6, -6, 10};  // of 10 and 4
+  for (const Case& c : cases) {
+    for (std::size_t k = 0; k < std::size(kCommands); ++k) {
+      field_ = MakeField(1, 1);
+      field_.velX(1, 1) = 4, field_.velY(1, 1) = -4, field_.status(1, 1) = c.buffer;
+      FillBuffer(field_);
+      field_.velX(1, 1) = 10, field_.velY(1, 1) = -10, field_.status(1, 1) = c.field;
+      field_.validVectorCount = 50;
+      kCommands[k].run(context_);
+      const bool mask = k == 3;
+      const double velocity = c.combined == 2 ? results[k] : 10;
+      EXPECT_EQ(field_.status(1, 1), mask ? c.masked : c.combined) << c.field << " " << c.buffer;
+      EXPECT_EQ(std::pair(field_.velX(1, 1), field_.velY(1, 1)), std::pair(velocity, -velocity));
+      EXPECT_EQ(field_.validVectorCount, 50 - (mask ? c.lostToMask : c.lost)) << c.field << " " << c.buffer;
+    }
+  }
+}
+
+TEST_F(BufferCommands, RefuseABufferOfAnotherSize) {
+  FillBuffer(MakeField(3, 2));
+  for (const auto& [columns, rows] : {std::pair(2, 3), std::pair(3, 1), std::pair(6, 1)}) {
+    for (const Command& command : kCommands) {
+      field_ = RandomField(1, columns, rows, {.invalid = 500});
+      const VectorField before = field_;
+      context_.abortCurrentFile = false;
+      command.run(context_);
+      EXPECT_TRUE(program_.TakeLog().ends_with(std::string("... ") + kSizesDiffer));
+      EXPECT_TRUE(context_.abortCurrentFile);
+      EXPECT_EQ(FirstDifference(before, field_), "");
+    }
+  }
+}
+
+TEST_F(BufferCommands, LoadsTheGridThatTheOriginalFileHas) {
+  DatImage dat;
+  dat.data = "32.0 48.0 0 0 0 0 1.5 -0.25\r\n16 16 0 0 0 0 7 8\r\n";
+  const std::pair<std::string, std::string> cases[] = {
+      {"in.vas", VasImage().Build()}, {"in.Dat", dat.Build()}, {"in.vec", VecImage().Build()}};
+  for (const auto& [path, bytes] : cases) {
+    Load(path, bytes);
+    const VectorField loaded = field_;
+    EXPECT_EQ(LoadBuffer(path, bytes), "Datei '" + path + "' in Buffer einlesen... fertig\r\n");
+    EXPECT_EQ(FirstDifference(loaded, field_), "") << "the current field stays";
+    EXPECT_EQ(std::pair(buffer_.bufferColumnCount, buffer_.bufferRowCount),
+              std::pair(loaded.columnCount, loaded.rowCount));
+    EXPECT_TRUE(SameItem(buffer_.bufferVelX, loaded.velX) && SameItem(buffer_.bufferVelY, loaded.velY) &&
+                SameItem(buffer_.bufferStatus, loaded.status));
+  }
+}
+
+TEST_F(BufferCommands, OnlyACopyIsKnownByItsPath) {
+  Load("dir/in.vas", VasImage().Build());
+  CopyFieldToBuffer(context_);
+  EXPECT_EQ(program_.TakeLog(), "Vektorfeld in Buffer kopieren... fertig\r\n");
+  EXPECT_EQ(LoadBuffer("dir/in.vas", "damaged"),
+            "Datei 'dir/in.vas' in Buffer einlesen... befindet sich bereits im Buffer -> fertig\r\n");
+  LoadBuffer("other.vas", VasImage().Build());
+  LoadBuffer("other.vas", "damaged");
+  EXPECT_TRUE(context_.abortCurrentFile) << "it has been read again";
+}
+
+TEST_F(BufferCommands, AFailedLoadEndsTheFileAndLeavesTheBufferEmpty) {
+  DatImage foreign;
+  foreign.header[0] = "Date and Time: 24.11.03";
+  VecImage odd;
+  odd.rows = 3;
+  const std::size_t gridEnd = VasImage().Build().find(Bytes().I32(2147483647).I32(-2147483647 - 1)) + 8;
+  const std::string cutInGrid = VasImage().Build().substr(0, gridEnd - 1);
+  const std::string reading = "    Während des Einlesens dieser Datei ist folgender Fehler aufgetreten:\r\n";
+  const std::string opening =
+      "    Die aktuelle Datei kann nicht geöffnet werden, da folgender Fehler aufgetreten ist:\r\n";
+  struct Case {
+    std::string path, bytes, lines;
+  };
+  const Case cases[] = {
+      {"a.dat", foreign.Build(), "    Ungültiges Dateiformat!"},
+      {"a.vec", odd.Build(), "     Ungültiges VEC-Format: Anzahl der Zeilen nicht durch 2 teilbar (für 2 frames)!"},
+      {"a.vas", "quiverion" + VasImage().Build().substr(9), "    Dies ist keine gültige VAS-Datei!"},
+      {"a.vas", cutInGrid, reading + ErrorTextOf(62)},
+      {"a.txt", "", "    Unbekanntes Format!"},
+      {"b.vas/vas", VasImage().Build(), "    Unbekanntes Format!"},
+      {"", "", opening + ErrorTextOf(53)}};
+  for (const Case& c : cases) {
+    FillBuffer(MakeField(3, 2));
+    buffer_.bufferFileName = "copied.vas";
+    if (!c.path.empty()) files_.files[c.path] = c.bytes;
+    const std::string path = c.path.empty() ? "gone.vas" : c.path;
+    EXPECT_EQ(LoadBuffer(path), "Datei '" + path + "' in Buffer einlesen... !!! FEHLER !!!\r\n" + c.lines +
+                                    "\r\n    Die Bearbeitung der aktuellen Datei wird abgebrochen!\r\n");
+    EXPECT_TRUE(context_.abortCurrentFile);
+    EXPECT_TRUE(buffer_.bufferFileName.empty() && buffer_.bufferColumnCount == 0 && buffer_.bufferRowCount == 0);
+  }
+  EXPECT_TRUE(LoadBuffer("a.vas", VasImage().Build().substr(0, gridEnd)).ends_with("fertig\r\n"))
+      << "what follows the statuses is not read";
+}
+
+}  // namespace
+}  // namespace quiverion::test

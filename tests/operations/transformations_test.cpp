@@ -1,0 +1,146 @@
+#include "operations/transformations.h"
+
+#include <gtest/gtest.h>
+
+#include "operations/transformations_plain.h"
+#include "support/error_of.h"
+#include "support/field_compare.h"
+#include "support/random_fields.h"
+#include "support/test_session.h"
+
+namespace quiverion::test {
+namespace {
+
+class Transformations : public testing::Test {
+ protected:
+  TestSession program;
+  Context& context = program.context;
+  VectorField& field = program.context.field;
+};
+
+struct Kernel {
+  void (*run)(Context&, double, double);
+  void (*plain)(VectorField&, double, double);
+  void (*checked)(VectorField&, double, double);
+};
+
+constexpr Kernel kKernels[] = {
+    {[](Context& c, double x, double y) { TransformCoordinates(c, {.fakVecX = x, .fakVecY = y}); },
+     plain::ScaleVelocities<double>, plain::ScaleVelocities<CheckedReal>},
+    {AddConstantVector, plain::ShiftVelocities<double>, plain::ShiftVelocities<CheckedReal>},
+    {SubtractConstantVector, [](VectorField& f, double x, double y) { plain::ShiftVelocities<double>(f, -x, -y); },
+     [](VectorField& f, double x, double y) { plain::ShiftVelocities<CheckedReal>(f, -x, -y); }}};
+
+TEST_F(Transformations, GiveTheBitsOfThePlainLoopsAndStopWhereTheyStop) {
+  const std::pair<double, double> values[] = {{1.1, -0.3}, {0.0, -0.0}, {2.0, 1.5e308}, {kNaN, 1}};
+  std::uint64_t seed = 1;
+  int stops = 0;
+  const auto compare = [&](const Kernel& kernel, std::int32_t columns, std::int32_t rows, const Mix& mix) {
+    for (const auto& [x, y] : values) {
+      field = RandomField(++seed, columns, rows, mix);
+      VectorField expected = field, unchecked = field;
+      const int error = ErrorOf([&] { kernel.checked(expected, x, y); });
+      EXPECT_EQ(ErrorOf([&] { kernel.run(context, x, y); }), error);
+      EXPECT_EQ(FirstDifference(expected.velX, field.velX) + FirstDifference(expected.velY, field.velY), "")
+          << columns << "x" << rows << " seed " << seed;
+      stops += error != 0;
+      if (error != 0) continue;
+      kernel.plain(unchecked, x, y);
+      EXPECT_EQ(FirstDifference(unchecked.velX, field.velX) + FirstDifference(unchecked.velY, field.velY), "");
+    }
+  };
+  ForEverySize([&](std::int32_t columns, std::int32_t rows) {
+    for (const Kernel& kernel : kKernels) {
+      for (const Mix& mix : kCarriedMixes) compare(kernel, columns, rows, mix);
+      compare(kernel, columns, rows, {.invalid = 300, .notFinite = 50, .huge = 100});
+    }
+    if (HasFailure()) FAIL();
+  });
+  EXPECT_GT(stops, 200) << "the values must contain errors";
+}
+
+TEST_F(Transformations, CoordinatesAndWhatBelongsToThem) {
+  struct Case {
+    CoordinateTransformation trafo;
+    double x, y, vx, vy;  // of 3, 5, 7, 11
+    const char* log;
+  };
+  const Case cases[] = {{{}, 3, 5, 7, 11, "Identische Transformation -> sofort fertig\r\n"},
+                        {{2, 0, 1, 0, 1, 1}, 6, 5, 7, 11, "fertig\r\n"},
+                        {{1, 0.5, -3, 2, 1, 1}, 3.5, -13, 7, 11, "fertig\r\n"},
+                        {{1, 0, 1, 0, 1, -2}, 3, 5, 7, -22, "fertig\r\n"},
+                        {{0, 1, 1, -1, 0, 1}, 1, 4, 0, 11, "fertig\r\n"}};
+  for (const Case& c : cases) {
+    field = MakeField(2, 2);
+    field.posX[1] = field.galileiPointX = 3, field.posY[1] = field.galileiPointY = 5;
+    field.streamlineCount = 1;
+    field.streamlines[0] = field.streamlines[1] = {3, 5, 70, 80};
+    field.velX(2, 2) = 7, field.velY(2, 2) = 11, field.status(2, 2) = 0;
+    field.offsetX = 100, field.offsetY = 200;
+    program.TakeLog();
+    TransformCoordinates(context, c.trafo);
+    EXPECT_EQ(program.TakeLog(), std::string("Koordinatentransformation... ") + c.log);
+    EXPECT_EQ(std::pair(field.posX[1], field.posY[1]), std::pair(c.x, c.y));
+    EXPECT_EQ(std::pair(field.galileiPointX, field.galileiPointY), std::pair(c.x, c.y));
+    EXPECT_EQ(field.streamlines[0], (Streamline{c.x, c.y, 70, 80}));
+    EXPECT_EQ(field.streamlines[1], (Streamline{3, 5, 70, 80})) << "not in use";
+    EXPECT_EQ(std::pair(field.offsetX, field.offsetY), std::pair(100 + c.trafo.deltaX, 200 + c.trafo.deltaY));
+    EXPECT_EQ(std::pair(field.velX(2, 2), field.velY(2, 2)), std::pair(c.vx, c.vy)) << "invalid vectors also";
+  }
+}
+
+TEST_F(Transformations, StopAtTheFirstOverflowOfTheStatedOrder) {
+  field = MakeField(3, 2);
+  field.posX[1] = 1e308;
+  EXPECT_EQ(ErrorOf([&] { TransformCoordinates(context, {2, 1, 2, 0, 2, 2}); }), 6);
+  EXPECT_TRUE(SameBits(field.posX, std::vector<double>{3, 1e308, 3}));
+  EXPECT_TRUE(SameBits(field.posY, std::vector<double>{1, 2}));
+  field.galileiVelY = -1e308;
+  EXPECT_EQ(ErrorOf([&] { AddConstantVector(context, 5, 1e308); }), 6);
+  EXPECT_EQ(field.velX(3, 2), 5);
+  EXPECT_EQ(std::pair(field.galileiVelX, field.galileiVelY), std::pair(-5.0, -1e308));
+}
+
+TEST_F(Transformations, MirrorVectorsWithTheirPositions) {
+  const std::pair<bool, bool> options[] = {{true, false}, {false, true}, {true, true}, {false, false}};
+  for (const auto& [mirrorX, mirrorY] : options) {
+    for (const auto& [columns, rows] : {std::pair(4, 3), std::pair(3, 4), std::pair(1, 5)}) {
+      const VectorField before = RandomField(7, columns, rows, {.invalid = 500});
+      field = before;
+      MirrorField(context, mirrorX, mirrorY);
+      EXPECT_EQ(program.TakeLog().find("Keine Option") != std::string::npos, !mirrorX && !mirrorY);
+      for (std::int32_t i = 1; i <= columns; ++i) {
+        for (std::int32_t j = 1; j <= rows; ++j) {
+          const std::int32_t fromI = mirrorX ? columns + 1 - i : i, fromJ = mirrorY ? rows + 1 - j : j;
+          EXPECT_EQ(field.velX(i, j), before.velX(fromI, fromJ));
+          EXPECT_EQ(field.velY(i, j), before.velY(fromI, fromJ));
+          EXPECT_EQ(field.status(i, j), before.status(fromI, fromJ));
+          EXPECT_EQ(field.derivedScalar(i, j), before.derivedScalar(i, j));
+        }
+      }
+      MirrorField(context, mirrorX, mirrorY);
+      EXPECT_EQ(FirstDifference(before, field), "") << "positions come back with the rest";
+    }
+  }
+}
+
+TEST_F(Transformations, TheRemovedVelocityIsBookedAgainstTheConstantVector) {
+  field = MakeField(2, 1);
+  field.status(2, 1) = -1;
+  field.galileiPointSet = kFlagTrue;
+  field.galileiVelX = 1, field.galileiVelY = 2;
+  context.decimalSeparator = ',';
+  SubtractConstantVector(context, 0.5, -3);
+  EXPECT_EQ(std::pair(field.velX(1, 1), field.velY(1, 1)), std::pair(-0.5, 3.0));
+  EXPECT_EQ(std::pair(field.velX(2, 1), field.velY(2, 1)), std::pair(0.0, 0.0)) << "not valid";
+  EXPECT_EQ(std::pair(field.galileiVelX, field.galileiVelY), std::pair(1.5, -1.0));
+  EXPECT_EQ(field.galileiPointSet, kFlagFalse);
+  AddConstantVector(context, 0.5, -3);
+  EXPECT_EQ(std::pair(field.velX(1, 1), field.galileiVelX), std::pair(0.0, 1.0));
+  EXPECT_EQ(program.TakeLog(),
+            "Konstanten Vektor (0,5; -3) vom Vektorfeld subtrahieren... fertig\r\n"
+            "Konstanten Vektor (0,5; -3) zum Vektorfeld addieren... fertig\r\n");
+}
+
+}  // namespace
+}  // namespace quiverion::test

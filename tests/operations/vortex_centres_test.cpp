@@ -1,0 +1,216 @@
+#include "operations/vortex_centres.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "field/load_original_file.h"
+#include "operations/vortex_maxima.h"
+#include "operations/vortex_maxima_plain.h"
+#include "support/error_of.h"
+#include "support/field_compare.h"
+#include "support/random_fields.h"
+#include "support/test_session.h"
+
+namespace quiverion::test {
+namespace {
+
+const std::string kSearching = "Suche Maxima der (Swirling Strength)²... ";
+const std::string kCopying =
+    "Speichern der transformierten Vektorfelder...\r\n"
+    "Speichern der transformierten Vektorfelder beendet.\r\n";
+const std::string kHeader = "X [mm]\tY [mm]\tVx [m/s]\tVy [m/s]\t(Swr Str)\xB2 [1/s\xB2]\tDrehsinn\r\n";
+const std::string kLines =
+    " 1000 \t 1000 \t-2 \t 2 \t 4 \tLinks\r\n"
+    " 2000 \t 1000 \t-2 \t 4 \t 4 \tLinks\r\n"
+    " 1000 \t 2000 \t-4 \t 2 \t 4 \tLinks\r\n"
+    " 2000 \t 2000 \t-4 \t 4 \t 4 \tLinks\r\n";
+
+TEST(VortexMaxima, AreThoseOfThePlainLoops) {
+  std::uint64_t seed = 1;
+  ForEverySize([&](std::int32_t columns, std::int32_t rows) {
+    for (const Mix& mix :
+         {Mix{}, Mix{.special = 400}, Mix{.special = 900, .notFinite = 100}, Mix{.notFinite = 300, .huge = 100}}) {
+      const Grid<double> strength = RandomField(++seed, columns, rows, mix).velX;
+      Grid<std::int16_t> expected(columns, rows), marks;
+      plain::MarkMaxima(strength, expected);
+      MarkMaxima(strength, marks);
+      ASSERT_TRUE(SameItem(expected, marks)) << columns << "x" << rows << " seed " << seed;
+    }
+  });
+}
+
+TEST(VortexMaxima, AreNotExceededByAnyOfTheirEightNeighbours) {
+  Grid<double> strength(3, 3);
+  Grid<std::int16_t> marks;
+  for (std::int32_t i = 1; i <= 3; ++i) {
+    for (std::int32_t j = 1; j <= 3; ++j) {
+      strength.Reset(3, 3);
+      strength(2, 2) = -2;
+      strength(i, j) = i == 2 && j == 2 ? -2 : 2;  // equal magnitudes: both stay
+      MarkMaxima(strength, marks);
+      EXPECT_EQ(std::pair(marks(2, 2), marks(i, j)), (i == 2 && j == 2 ? std::pair<std::int16_t, std::int16_t>(-1, -1)
+                                                                       : std::pair<std::int16_t, std::int16_t>(-1, 1)));
+      if (i == 2 && j == 2) continue;
+      strength(i, j) = 2.5;
+      MarkMaxima(strength, marks);
+      EXPECT_EQ(std::pair(marks(2, 2), marks(i, j)), (std::pair<std::int16_t, std::int16_t>(0, 1))) << i << j;
+    }
+  }
+}
+
+// A rigid rotation of four vectors; all have the squared swirling strength 4 / s².
+class VortexCentres : public testing::Test {
+ protected:
+  VortexCentres() {
+    field = MakeField(2, 2);
+    for (double& x : field.posX) x *= 1000;
+    for (double& y : field.posY) y *= 1000;
+    SetVelocities(
+        field, [](double, double y) { return -y / 500; }, [](double x, double) { return x / 500; });
+    field.filePath = "dir/in.2.vas", field.fileName = "in.2.vas", field.fileDirectory = "dir";
+    field.infoText = "Info";
+    field.galileiPointSet = kFlagTrue, field.galileiPointX = 1.5, field.galileiPointY = 2.5;
+    field.galileiVelX = 3.5;
+    before = field;
+  }
+
+  std::string Find(const std::string& textPath, bool autoTrafo) {
+    context.runHadError = context.userAbortRequested = false;
+    FindVortexCentres(context, textPath, autoTrafo);
+    before.derivedScalar = field.derivedScalar;
+    EXPECT_EQ(FirstDifference(before, field), "") << "the field is as before";
+    EXPECT_FALSE(context.abortCurrentFile);
+    EXPECT_EQ(files.temporaryFiles, 0);
+    return program.TakeLog();
+  }
+
+  TestSession program;
+  Context& context = program.context;
+  VectorField& field = program.context.field;
+  MemoryFileSystem& files = program.files;
+  VectorField before;
+};
+
+TEST_F(VortexCentres, AreAppendedToATextWithOneHeader) {
+  const std::string fine = kSearching + "fertig\r\n" + kCopying;
+  EXPECT_EQ(Find("", false), fine);
+  EXPECT_EQ(Find("new/dir/maxima.txt", false), fine);
+  EXPECT_EQ(files.files.at("new/dir/maxima.txt"), kHeader + kLines);
+  for (double& v : field.velY.Values()) v = -v;  // no rotation: strain
+  before = field;
+  EXPECT_EQ(Find("new/dir/maxima.txt", false), fine);
+  for (double& u : field.velX.Values()) u = -u;  // the other sense
+  before = field;
+  Find("new/dir/maxima.txt", false);
+  const std::string text = files.files.at("new/dir/maxima.txt");
+  EXPECT_TRUE(text.starts_with(kHeader + kLines + " 1000 \t 1000 \t 2 \t-2 \t 4 \tRechts\r\n"));
+  EXPECT_EQ(files.files.size(), 1u);
+}
+
+TEST_F(VortexCentres, AFailureLeavesTheTextAsItWas) {
+  const std::string opening =
+      "    Gefundene Maxima können nicht gespeichert werden, da beim Öffnen folgender Fehler aufgetreten ist:\r\n";
+  const std::string writing =
+      "    In die Datei 'maxima.txt' kann nicht gespeichert werden, da während des Schreibens folgender Fehler "
+      "aufgetreten ist:\r\n";
+  for (const bool exists : {true, false}) {
+    const auto check = [&](const std::string& expectedLog) {
+      files.files.clear();
+      if (exists) files.files["maxima.txt"] = "old";
+      EXPECT_EQ(Find("maxima.txt", false), expectedLog);
+      EXPECT_TRUE(context.runHadError);
+      EXPECT_EQ(files.files.size(), exists ? 1u : 0u);
+      EXPECT_TRUE(!exists || files.files["maxima.txt"] == "old");
+    };
+    const std::string failed = "!!! FEHLER !!!\r\n", accessDenied = "    Zugriff verweigert   (Fehler-Nr. 70)\r\n";
+    files.faults.open = ErrorNumber::accessDenied;
+    check(kSearching + failed + opening + accessDenied + kCopying);
+    EXPECT_FALSE(context.userAbortRequested);
+    files.faults = {};
+    files.faults.diskSize = 0;
+    files.faults.write = ErrorNumber::accessDenied;
+    check(kSearching + failed + writing + accessDenied + kCopying);
+    EXPECT_FALSE(context.userAbortRequested);
+    for (const ErrorNumber number : {ErrorNumber::diskFull, ErrorNumber::tooManyFiles}) {
+      files.faults.diskSize = 50;
+      files.faults.write = number;
+      check(kSearching);
+      EXPECT_TRUE(context.userAbortRequested);
+    }
+  }
+}
+
+TEST_F(VortexCentres, EachCopyMovesWithItsCentre) {
+  Find("", true);
+  EXPECT_EQ(files.files.size(), 4u);
+  LoadOriginalFile(context, "dir/in.2/Swirl2.vas");
+  EXPECT_EQ(field.infoText,
+            "Info\r\nTrafonsformiert auf gefundenen Wirbel:\r\nX  = 1000 mm\r\nY  = 1000 mm\r\nVx = -2 m/s\r\n"
+            "Vy = 2 m/s\r\nSS²= 4 1/s²\r\nDrehsinn: Links\r\n"
+            "\r\nTrafonsformiert auf gefundenen Wirbel:\r\nX  = 2000 mm\r\nY  = 1000 mm\r\nVx = -2 m/s\r\n"
+            "Vy = 4 m/s\r\nSS²= 4 1/s²\r\nDrehsinn: Links\r\n");
+  EXPECT_EQ(std::pair(field.galileiPointX, field.galileiPointY), std::pair(2000.0, 1000.0));
+  EXPECT_EQ(field.galileiPointSet, kFlagTrue);
+  EXPECT_EQ(std::pair(field.galileiVelX, field.galileiVelY), std::pair(1.5, 4.0));
+  EXPECT_EQ(std::pair(field.velX(2, 1), field.velY(2, 1)), std::pair(0.0, 0.0));
+  EXPECT_EQ(std::pair(field.velX(1, 2), field.velY(1, 2)), std::pair(-2.0, -2.0));
+}
+
+TEST_F(VortexCentres, APeakMustExceedNotMoreThanFourTimesTheMeanOfItsNeighbours) {
+  // Rows from the top; only valid vectors ("x") with neighbours on both axes have a swirling strength, 10^6 / s². The
+  // middle of the second field is exactly four times the mean of its eight neighbours.
+  struct Case {
+    std::array<std::string_view, 3> rows;
+    std::int32_t firstPeak, lastPeak;  // columns
+  };
+  const Case cases[] = {{{" x ", "xxx", " x "}, 2, 2}, {{" x x ", "xxxxx", "  x  "}, 2, 4}};
+  for (const Case& c : cases) {
+    field = MakeField(static_cast<std::int32_t>(c.rows[0].size()), 3);
+    SetVelocities(
+        field, [](double, double y) { return -y; }, [](double x, double) { return x; });
+    std::string lines;
+    for (std::int32_t i = 1; i <= field.columnCount; ++i) {
+      for (std::size_t row = 0; row < 3; ++row) {
+        field.status(i, 3 - static_cast<std::int32_t>(row)) = c.rows[row][static_cast<std::size_t>(i - 1)] == 'x';
+      }
+      if (i < c.firstPeak || i > c.lastPeak) continue;
+      lines += " " + std::to_string(i) + " \t 2 \t-2 \t " + std::to_string(i) + " \t 1000000 \tLinks\r\n";
+    }
+    before = field;
+    files.files.clear();
+    Find("maxima.txt", true);
+    EXPECT_EQ(files.files.size(), 1u) << "no copy";
+    EXPECT_EQ(files.files["maxima.txt"], kHeader + lines);
+  }
+}
+
+TEST_F(VortexCentres, CancelEndsTheSeriesOfCopies) {
+  files.faults.diskSize = 1000;  // enough for the first copy
+  const std::string log = Find("", true);
+  EXPECT_EQ(program.ui.messages.size(), 1u);
+  EXPECT_EQ(files.files.size(), 1u);
+  EXPECT_TRUE(context.userAbortRequested && context.runHadError);
+  EXPECT_TRUE(log.ends_with("addieren... fertig\r\nSpeichern der transformierten Vektorfelder beendet.\r\n"));
+}
+
+TEST_F(VortexCentres, AnOverflowBetweenTheCopiesLeavesTheInfoAsItWas) {
+  // Two rotations and a lone column. The second rotation moves so fast that the velocities of the column leave the range.
+  field = MakeField(7, 2);
+  for (double& x : field.posX) x *= 1e300;
+  for (double& y : field.posY) y *= 1e300;
+  SetVelocities(
+      field, [](double, double y) { return -y; }, [](double x, double) { return x; });
+  for (std::int32_t j = 1; j <= 2; ++j) {
+    field.status(3, j) = field.status(6, j) = 0;
+    field.velX(4, j) += 1e308, field.velX(5, j) += 1e308, field.velX(7, j) = -1e308;
+  }
+  field.infoText = "Info", field.galileiPointX = 1.5, field.galileiPointSet = kFlagTrue;
+  EXPECT_EQ(ErrorOf([&] { FindVortexCentres(context, "", true); }), 6);
+  EXPECT_EQ(files.files.size(), 2u) << "the copies of the first rotation's first row";
+  EXPECT_EQ(field.infoText, "Info");
+  EXPECT_EQ(std::pair(field.galileiPointX, field.galileiPointSet), std::pair(1.5, kFlagTrue));
+}
+
+}  // namespace
+}  // namespace quiverion::test
