@@ -28,6 +28,12 @@ struct Result {
   Grid<double> velX, velY;
   Grid<std::int32_t> status;
   std::int32_t gained = 0;
+
+  Result(std::int32_t columns, std::int32_t rows) {
+    velX.ResetUninitialised(columns, rows);
+    velY.ResetUninitialised(columns, rows);
+    status.ResetUninitialised(columns, rows);
+  }
 };
 
 // The sums of one output row.
@@ -86,50 +92,90 @@ class SourceRows {
   std::int32_t filled_ = 0;
 };
 
-// The sums over a kernel of K columns and L rows, all terms of a point in registers. Row pointers stand at the kernel's
-// first column of output column 1; the weights are in the order of the sums.
-template <std::size_t K, std::size_t L, std::size_t... T>
-QUIVERION_ALWAYS_INLINE void SumSmallKernel(std::index_sequence<T...> /*terms*/, const double* const (&rows)[3][L],
-                                            const double* weights, std::size_t count, double* const (&sums)[3]) {
-  const double w[] = {weights[T]...};
-  const auto sum = [count](const double* const(&source)[L], const double(&factor)[K * L], double* __restrict target) {
-    for (std::size_t i = 0; i < count; ++i) {
-      double total = 0.0;
-      ((total += factor[T] * source[T % L][i + T / L]), ...);
-      target[i] = total;
-    }
-  };
-  for (int q = 0; q < 3; ++q) sum(rows[q], w, sums[q]);
+// What becomes of a row: a new vector where the old one may change and something adds up.
+struct RowTarget {
+  std::size_t count;
+  const std::int32_t* status;
+  const double *oldU, *oldV;
+  double *u, *v, *sumW;
+
+  RowTarget(const VectorField& field, std::int32_t j, RowSums& sums, Result& result)
+      : count(static_cast<std::size_t>(field.columnCount)),
+        status(field.status.Row(j)),
+        oldU(field.velX.Row(j)),
+        oldV(field.velY.Row(j)),
+        u(result.velX.Row(j)),
+        v(result.velY.Row(j)),
+        sumW(sums.w.data()) {}
+};
+
+// Calls sums(i, u, v, w) for every point and divides; the divisor is made safe where there is nothing to divide.
+template <class Sums>
+QUIVERION_ALWAYS_INLINE void DivideRow(const RowTarget& target, Sums sums) {
+  const RowTarget in = target;  // a copy cannot alias what is written
+  double* __restrict u = in.u, * __restrict v = in.v, * __restrict w = in.sumW;
+  QUIVERION_INDEPENDENT_STEPS
+  for (std::size_t i = 0; i < in.count; ++i) {
+    double sumU = 0.0, sumV = 0.0, sumW = 0.0;
+    sums(i, sumU, sumV, sumW);
+    const Mask change = MaskOf(in.status[i] >= 0) & MaskOf(sumW != 0.0);
+    const double divisor = Select(change, sumW, 1.0);
+    u[i] = Select(change, sumU / divisor, in.oldU[i]);
+    v[i] = Select(change, sumV / divisor, in.oldV[i]);
+    w[i] = sumW;
+  }
 }
 
-QUIVERION_MULTI_TARGET void Sum3x3(const double* const (&rows)[3][3], const double* weights, std::size_t count,
-                                   double* const (&sums)[3]) {
-  SumSmallKernel<3, 3>(std::make_index_sequence<9>(), rows, weights, count, sums);
+// The rows under a kernel of L rows; each pointer stands at the kernel's first column of output column 1.
+template <std::size_t L>
+struct KernelRows {
+  const double *u[L], *v[L], *valid[L];
+};
+
+// All terms of a point in registers; the weights are in the order of the sums.
+template <std::size_t L, std::size_t... T>
+QUIVERION_ALWAYS_INLINE void FilterSmall(const KernelRows<L>& kernelRows, const double* weights,
+                                         const RowTarget& target, std::index_sequence<T...> /*terms*/) {
+  const KernelRows<L> rows = kernelRows;
+  const double factors[] = {weights[T]...};
+  DivideRow(target, [&](std::size_t i, double& u, double& v, double& w) QUIVERION_LAMBDA_INLINE {
+    ((u += factors[T] * rows.u[T % L][i + T / L]), ...);
+    ((v += factors[T] * rows.v[T % L][i + T / L]), ...);
+    ((w += factors[T] * rows.valid[T % L][i + T / L]), ...);
+  });
 }
 
-QUIVERION_MULTI_TARGET void Sum5x5(const double* const (&rows)[3][5], const double* weights, std::size_t count,
-                                   double* const (&sums)[3]) {
-  SumSmallKernel<5, 5>(std::make_index_sequence<25>(), rows, weights, count, sums);
+QUIVERION_MULTI_TARGET void Filter3x3(const KernelRows<3>& rows, const double* weights, const RowTarget& target) {
+  FilterSmall(rows, weights, target, std::make_index_sequence<9>());
 }
 
-template <std::size_t L, class Sum>
-void SumSmall(const SourceRows& source, const WeightMatrix& weights, std::int32_t j, RowSums& sums, Sum sum) {
-  const double* rows[3][L];
+QUIVERION_MULTI_TARGET void Filter5x5(const KernelRows<5>& rows, const double* weights, const RowTarget& target) {
+  FilterSmall(rows, weights, target, std::make_index_sequence<25>());
+}
+
+template <std::size_t L>
+KernelRows<L> RowsUnder(const SourceRows& source, const WeightMatrix& weights, std::int32_t j) {
+  KernelRows<L> rows;
   for (std::size_t l = 0; l < L; ++l) {
     const SourceRow& row = source.Row(j + weights.FirstL() + static_cast<std::int32_t>(l));
-    rows[0][l] = row.u.data();
-    rows[1][l] = row.v.data();
-    rows[2][l] = row.valid.data();
+    rows.u[l] = row.u.data(), rows.v[l] = row.v.data(), rows.valid[l] = row.valid.data();
   }
-  sum(rows, weights.Values().data(), source.Columns(), {sums.u.data(), sums.v.data(), sums.w.data()});
+  return rows;
 }
 
 QUIVERION_MULTI_TARGET void AddTerm(double weight, const double* source, std::size_t count, double* __restrict sum) {
   for (std::size_t i = 0; i < count; ++i) sum[i] += weight * source[i];
 }
 
+QUIVERION_MULTI_TARGET void DivideSums(const RowTarget& target, const double* sumU, const double* sumV) {
+  const double* const sumW = target.sumW;
+  DivideRow(target, [=](std::size_t i, double& u, double& v, double& w)
+                        QUIVERION_LAMBDA_INLINE { u = sumU[i], v = sumV[i], w = sumW[i]; });
+}
+
 // Any kernel, term by term.
-void SumAny(const SourceRows& source, const WeightMatrix& weights, std::int32_t j, RowSums& sums) {
+void FilterAny(const SourceRows& source, const WeightMatrix& weights, std::int32_t j, RowSums& sums,
+               const RowTarget& target) {
   for (auto* sum : {&sums.u, &sums.v, &sums.w}) std::fill(sum->begin(), sum->end(), 0.0);
   for (std::int32_t k = weights.FirstK(); k <= weights.LastK(); ++k) {
     const auto column = static_cast<std::size_t>(static_cast<std::int64_t>(source.Left()) + k);
@@ -140,43 +186,16 @@ void SumAny(const SourceRows& source, const WeightMatrix& weights, std::int32_t 
       AddTerm(weights(k, l), row.valid.data() + column, source.Columns(), sums.w.data());
     }
   }
+  DivideSums(target, sums.u.data(), sums.v.data());
 }
 
-// The new vectors of a row from its sums; the divisor is made safe where there is nothing to divide. `isFilled` becomes
-// 1 or 0.
-QUIVERION_MULTI_TARGET void DivideRow(const VectorField& field, std::int32_t j, const RowSums& sums, Result& result,
-                                      std::int32_t* __restrict isFilled) {
-  const auto count = static_cast<std::size_t>(field.columnCount);
-  const std::int32_t* const status = field.status.Row(j);
-  const double *const oldU = field.velX.Row(j), *const oldV = field.velY.Row(j);
-  const double *const sumU = sums.u.data(), *const sumV = sums.v.data(), *const sumW = sums.w.data();
-  double* __restrict u = result.velX.Row(j), * __restrict v = result.velY.Row(j);
-  for (std::size_t i = 0; i < count; ++i) {
-    const Mask change = MaskOf(status[i] >= 0) & MaskOf(sumW[i] != 0.0);
-    const double divisor = Select(change, sumW[i], 1.0);
-    u[i] = Select(change, sumU[i] / divisor, oldU[i]);
-    v[i] = Select(change, sumV[i] / divisor, oldV[i]);
-  }
+QUIVERION_MULTI_TARGET void FindFilled(const double* sumW, std::size_t count, std::int32_t* __restrict isFilled) {
   for (std::size_t i = 0; i < count; ++i) isFilled[i] = static_cast<std::int32_t>(sumW[i] != 0.0 ? 1.0 : 0.0);
 }
 
-// The same where all vectors have the same mean.
-QUIVERION_MULTI_TARGET void SpreadRow(const VectorField& field, std::int32_t j, double meanU, double meanV,
-                                      Result& result) {
-  const auto count = static_cast<std::size_t>(field.columnCount);
-  const std::int32_t* const status = field.status.Row(j);
-  const double *const oldU = field.velX.Row(j), *const oldV = field.velY.Row(j);
-  double* __restrict u = result.velX.Row(j), * __restrict v = result.velY.Row(j);
-  for (std::size_t i = 0; i < count; ++i) {
-    const Mask change = MaskOf(status[i] >= 0);
-    u[i] = Select(change, meanU, oldU[i]);
-    v[i] = Select(change, meanV, oldV[i]);
-  }
-}
-
-// The new statuses of a row; returns how many vectors are valid more than before.
+// The new statuses of a row, which may be the old ones; returns how many vectors are valid more than before.
 QUIVERION_MULTI_TARGET std::int32_t StatusRow(const std::int32_t* status, const std::int32_t* isFilled,
-                                              std::size_t count, std::int32_t* __restrict target) {
+                                              std::size_t count, std::int32_t* target) {
   std::int32_t gained = 0, lost = 0;
   for (std::size_t i = 0; i < count; ++i) {
     const std::int32_t old = status[i], filled = isFilled[i];
@@ -196,56 +215,72 @@ void FilterRows(const VectorField& field, const WeightMatrix& weights, Result& r
   };
   for (std::int32_t j = 1; j <= field.rowCount; ++j) {
     source.FillUpTo(j + weights.LastL());
+    const RowTarget target(field, j, sums, result);
     if (isSquare(1)) {
-      SumSmall<3>(source, weights, j, sums, Sum3x3);
+      Filter3x3(RowsUnder<3>(source, weights, j), weights.Values().data(), target);
     } else if (isSquare(2)) {
-      SumSmall<5>(source, weights, j, sums, Sum5x5);
+      Filter5x5(RowsUnder<5>(source, weights, j), weights.Values().data(), target);
     } else {
-      SumAny(source, weights, j, sums);
+      FilterAny(source, weights, j, sums, target);
     }
-    DivideRow(field, j, sums, result, isFilled.data());
-    result.gained += StatusRow(field.status.Row(j), isFilled.data(), isFilled.size(), result.status.Row(j));
+    FindFilled(target.sumW, target.count, isFilled.data());
+    result.gained += StatusRow(target.status, isFilled.data(), target.count, result.status.Row(j));
   }
 }
 
-constexpr std::size_t kProfileRows = 4;  // sums that run side by side, each waits for its own last addition only
+// A kernel of one row with equal weights that reaches over the whole row from every place: all vectors of a row have
+// the same sums in the same order.
+struct RowMean {
+  double u, v;
+  bool isFilled;
+};
 
-// The sums of whole rows, from left to right, of rows j, j + 1, ...
-void SumWholeRows(const SourceRows& source, std::int32_t j, double weight, double (&totals)[kProfileRows][3]) {
-  const SourceRow* rows[kProfileRows];
-  for (std::size_t r = 0; r < kProfileRows; ++r) rows[r] = &source.Row(j + static_cast<std::int32_t>(r));
-  double u[kProfileRows] = {}, v[kProfileRows] = {}, w[kProfileRows] = {};
+constexpr std::size_t kRowsAtOnce = 4;  // sums that run side by side: each waits for its own last addition only
+
+// The means of rows j, j + 1, ...
+void AverageRows(const SourceRows& source, std::int32_t j, double weight, RowMean* means) {
+  const SourceRow* rows[kRowsAtOnce];
+  for (std::size_t r = 0; r < kRowsAtOnce; ++r) rows[r] = &source.Row(j + static_cast<std::int32_t>(r));
+  double u[kRowsAtOnce] = {}, v[kRowsAtOnce] = {}, w[kRowsAtOnce] = {};
   for (std::size_t i = source.Left(), end = i + source.Columns(); i < end; ++i) {
-    for (std::size_t r = 0; r < kProfileRows; ++r) {
+    for (std::size_t r = 0; r < kRowsAtOnce; ++r) {
       u[r] += weight * rows[r]->u[i];
       v[r] += weight * rows[r]->v[i];
       w[r] += weight * rows[r]->valid[i];
     }
   }
-  for (std::size_t r = 0; r < kProfileRows; ++r) totals[r][0] = u[r], totals[r][1] = v[r], totals[r][2] = w[r];
+  for (std::size_t r = 0; r < kRowsAtOnce; ++r) {
+    means[r] = w[r] != 0.0 ? RowMean{u[r] / w[r], v[r] / w[r], true} : RowMean{};
+  }
 }
 
-// A kernel of one row with equal weights that reaches over the whole row from every place: all vectors of a row have
-// the same sums in the same order.
-void FilterWholeRows(const VectorField& field, double weight, Result& result) {
-  constexpr auto step = static_cast<std::int32_t>(kProfileRows);
+std::vector<RowMean> AverageAllRows(const VectorField& field, double weight) {
+  constexpr auto step = static_cast<std::int32_t>(kRowsAtOnce);
   SourceRows source(field, WeightMatrix(0, 0, 0, step - 1, weight));
-  std::vector<std::int32_t> isFilled(source.Columns());
+  std::vector<RowMean> means(static_cast<std::size_t>(field.rowCount) + kRowsAtOnce);
   for (std::int32_t j = 1; j <= field.rowCount; j += step) {
     source.FillUpTo(j + step - 1);
-    double totals[kProfileRows][3];
-    SumWholeRows(source, j, weight, totals);
-    for (std::int32_t r = 0; r < step && j + r <= field.rowCount; ++r) {
-      const auto& [sumU, sumV, sumW] = totals[r];
-      std::fill(isFilled.begin(), isFilled.end(), sumW != 0.0 ? 1 : 0);
-      if (sumW != 0.0) {
-        SpreadRow(field, j + r, sumU / sumW, sumV / sumW, result);
-      } else {
-        std::copy_n(field.velX.Row(j + r), isFilled.size(), result.velX.Row(j + r));
-        std::copy_n(field.velY.Row(j + r), isFilled.size(), result.velY.Row(j + r));
-      }
-      result.gained += StatusRow(field.status.Row(j + r), isFilled.data(), isFilled.size(), result.status.Row(j + r));
+    AverageRows(source, j, weight, &means[static_cast<std::size_t>(j - 1)]);
+  }
+  return means;
+}
+
+QUIVERION_MULTI_TARGET void SpreadMean(const std::int32_t* status, double mean, std::size_t count, double* target) {
+  for (std::size_t i = 0; i < count; ++i) target[i] = Select(MaskOf(status[i] >= 0), mean, target[i]);
+}
+
+void SpreadMeans(VectorField& field, const std::vector<RowMean>& means) {
+  const auto count = static_cast<std::size_t>(field.columnCount);
+  std::vector<std::int32_t> isFilled(count);
+  for (std::int32_t j = 1; j <= field.rowCount; ++j) {
+    const RowMean& mean = means[static_cast<std::size_t>(j - 1)];
+    std::int32_t* const status = field.status.Row(j);
+    if (mean.isFilled) {
+      SpreadMean(status, mean.u, count, field.velX.Row(j));
+      SpreadMean(status, mean.v, count, field.velY.Row(j));
     }
+    std::fill(isFilled.begin(), isFilled.end(), mean.isFilled ? 1 : 0);
+    field.validVectorCount += StatusRow(status, isFilled.data(), count, status);
   }
 }
 
@@ -271,31 +306,33 @@ bool ClipToField(const VectorField& field, WeightMatrix& weights) {
   return true;
 }
 
-void FilterFast(const VectorField& field, const WeightMatrix& weights, Result& result) {
-  if (CoversWholeRows(field, weights)) {
-    FilterWholeRows(field, weights.Values().front(), result);
-  } else {
-    FilterRows(field, weights, result);
-  }
+// False where a floating-point flag was raised: nothing has changed then.
+bool FilterWholeRows(VectorField& field, double weight) {
+  std::vector<RowMean> means;
+  if (RaisesFloatError([&] { means = AverageAllRows(field, weight); })) return false;
+  SpreadMeans(field, means);
+  return true;
+}
+
+bool FilterFast(VectorField& field, const WeightMatrix& weights) {
+  if (CoversWholeRows(field, weights)) return FilterWholeRows(field, weights.Values().front());
+  Result result(field.columnCount, field.rowCount);
+  if (RaisesFloatError([&] { FilterRows(field, weights, result); })) return false;
+  std::swap(field.velX, result.velX);
+  std::swap(field.velY, result.velY);
+  std::swap(field.status, result.status);
+  field.validVectorCount += result.gained;
+  return true;
 }
 
 }  // namespace
 
 void ApplyFilterKernel(VectorField& field, const WeightMatrix& weights) {
   WeightMatrix kernel = weights;
-  const auto finite = [](double w) { return std::isfinite(w); };  // 0 times anything else would not be 0
-  if (ClipToField(field, kernel) && std::all_of(kernel.Values().begin(), kernel.Values().end(), finite)) {
-    Result result;
-    result.velX.ResetUninitialised(field.columnCount, field.rowCount);
-    result.velY.ResetUninitialised(field.columnCount, field.rowCount);
-    result.status.ResetUninitialised(field.columnCount, field.rowCount);
-    if (!RaisesFloatError([&] { FilterFast(field, kernel, result); })) {
-      std::swap(field.velX, result.velX);
-      std::swap(field.velY, result.velY);
-      std::swap(field.status, result.status);
-      field.validVectorCount += result.gained;
-      return;
-    }
+  const auto isFinite = [](double w) { return std::isfinite(w); };  // 0 times anything else would not be 0
+  if (ClipToField(field, kernel) && std::all_of(kernel.Values().begin(), kernel.Values().end(), isFinite) &&
+      FilterFast(field, kernel)) {
+    return;
   }
   plain::ApplyFilterKernel<CheckedReal>(field, weights);
 }

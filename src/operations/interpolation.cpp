@@ -20,13 +20,16 @@ struct Place {
   std::uint32_t column, row;
 };
 
-// True where one of the statuses means something here; most of a field does not, so whole blocks are passed over.
-QUIVERION_MULTI_TARGET bool HasInvalidOrMarked(const std::int32_t* status, std::size_t count) {
+enum Found : std::int32_t { kInvalid = 1, kMarked = 2 };
+
+// Which of the two statuses that mean something here occur; most of a field holds neither, so whole blocks are passed
+// over.
+QUIVERION_MULTI_TARGET std::int32_t FindStatuses(const std::int32_t* status, std::size_t count) {
   std::int32_t found = 0;
   for (std::size_t p = 0; p < count; ++p) {
-    found |= (status[p] == 0 ? 1 : 0) | (status[p] == plain::kFilledInThisPass ? 1 : 0);
+    found |= (status[p] == 0 ? kInvalid : 0) | (status[p] == plain::kFilledInThisPass ? kMarked : 0);
   }
-  return found != 0;
+  return found;
 }
 
 // Fills the same vectors in the same passes as the plain loops, but looks only at the invalid ones: they lie in buckets
@@ -70,6 +73,12 @@ class HoleFiller {
   // Calls visit(column, row) for the neighbourhood of a place, column by column, the place itself included.
   template <class Visit>
   QUIVERION_ALWAYS_INLINE void ForEachNeighbourOf(Place place, Visit visit) const {
+    if (place.column - 1 < width_ - 2 && place.row - 1 < height_ - 2) {  // inside, below 0 is far above as well
+      for (std::uint32_t column = 0; column < 3; ++column) {
+        for (std::uint32_t row = 0; row < 3; ++row) visit(place.column - 1 + column, place.row - 1 + row);
+      }
+      return;
+    }
     const std::uint32_t left = place.column - (place.column > 0), right = place.column + (place.column + 1 < width_);
     const std::uint32_t down = place.row - (place.row > 0), up = place.row + (place.row + 1 < height_);
     for (std::uint32_t column = left; column <= right; ++column) {
@@ -77,18 +86,28 @@ class HoleFiller {
     }
   }
 
+  // Takes the invalid vectors of a row into `places` without a branch each, and returns how many there are.
+  std::size_t TakeInvalid(std::uint32_t row, std::uint32_t begin, std::uint32_t end, Place* places) const {
+    const std::int32_t* const status = &status_[At({0, row})];
+    std::size_t count = 0;
+    for (std::uint32_t column = begin; column < end; ++column) {
+      places[count] = {column, row};
+      count += status[column] == 0 ? 1 : 0;
+    }
+    return count;
+  }
+
   void CollectInvalid() {
+    constexpr std::uint32_t block = 64;
+    Place places[block];
     std::vector<Place> invalid;
-    constexpr std::uint32_t block = 32;
-    for (Place place{0, 0}; place.row < height_; ++place.row) {
+    for (std::uint32_t row = 0; row < height_; ++row) {
       for (std::uint32_t begin = 0; begin < width_; begin += block) {
         const std::uint32_t end = std::min(begin + block, width_);
-        if (!HasInvalidOrMarked(&status_[At({begin, place.row})], end - begin)) continue;
-        for (place.column = begin; place.column < end; ++place.column) {
-          std::int32_t& status = status_[At(place)];
-          if (status == plain::kFilledInThisPass) status = plain::kFilled;
-          if (status == 0) invalid.push_back(place);
-        }
+        std::int32_t* const status = &status_[At({begin, row})];
+        const std::int32_t found = FindStatuses(status, end - begin);
+        if (found & kMarked) std::replace(status, status + (end - begin), plain::kFilledInThisPass, plain::kFilled);
+        if (found & kInvalid) invalid.insert(invalid.end(), places, places + TakeInvalid(row, begin, end, places));
       }
     }
     for (const Place place : invalid) {

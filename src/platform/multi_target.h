@@ -9,6 +9,13 @@
 #define QUIVERION_MULTI_TARGET
 #endif
 
+/// Before a loop whose steps are independent although the compiler cannot see that nothing overlaps.
+#if defined(__GNUC__) && !defined(__clang__)
+#define QUIVERION_INDEPENDENT_STEPS _Pragma("GCC ivdep")
+#else
+#define QUIVERION_INDEPENDENT_STEPS
+#endif
+
 /// A helper that must become part of every such function.
 #if defined(__GNUC__)
 #define QUIVERION_ALWAYS_INLINE inline __attribute__((always_inline))
