@@ -133,23 +133,23 @@ QUIVERION_ALWAYS_INLINE void FindVector(const WindowRows<ShapeType::width>& rows
                                         const double* wanted, double* __restrict u, double* __restrict v,
                                         Mask* __restrict unclear, std::index_sequence<P...> /*places*/) {
   const WindowRows<ShapeType::width> in = rows;
+  QUIVERION_INDEPENDENT_STEPS
   for (std::size_t i = 0; i < count; ++i) {
-    Mask foundU = 0, foundV = 0, found = 0, different = 0;
+    // The bits that some vector of this magnitude has, and those that all have.
+    Mask someU = 0, someV = 0, allU = ~Mask{0}, allV = ~Mask{0}, found = 0;
     const double magnitude = wanted[i];
     const auto look = [&]<std::size_t p>() QUIVERION_LAMBDA_INLINE {
       constexpr std::size_t row = ShapeType::Row(p), column = ShapeType::Column(p);
       const Mask match = MaskOf(in.magnitude[row][i + column] == magnitude) & ~in.invalid[row][i + column];
-      const Mask hereU = std::bit_cast<Mask>(in.u[row][i + column]) & match;
-      const Mask hereV = std::bit_cast<Mask>(in.v[row][i + column]) & match;
-      different |= (hereU ^ (foundU & match)) & found;
-      different |= (hereV ^ (foundV & match)) & found;
-      foundU |= hereU & ~found;
-      foundV |= hereV & ~found;
+      const Mask bitsU = std::bit_cast<Mask>(in.u[row][i + column]), bitsV = std::bit_cast<Mask>(in.v[row][i + column]);
+      someU |= bitsU & match, someV |= bitsV & match;
+      allU &= bitsU | ~match, allV &= bitsV | ~match;
       found |= match;
     };
     (look.template operator()<P>(), ...);
-    u[i] = std::bit_cast<double>(foundU);
-    v[i] = std::bit_cast<double>(foundV);
+    u[i] = std::bit_cast<double>(someU);
+    v[i] = std::bit_cast<double>(someV);
+    const Mask different = ((someU ^ allU) | (someV ^ allV)) & found;
     unclear[i] = MaskOf(different != 0);
   }
 }
