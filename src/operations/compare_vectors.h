@@ -28,9 +28,10 @@ struct CompareVectors {
   explicit CompareVectors(const FaultyVectorCriteria& criteria)
       : needMagnitude(criteria.magnitudeDeviation), needDirection(criteria.directionDeviation) {}
 
-  void Reset(std::int32_t columns, std::int32_t rows) {
-    if (needMagnitude) magnitude.Reset(columns, rows);
-    if (needDirection) x.Reset(columns, rows), y.Reset(columns, rows);
+  /// Room for a field; the elements are unspecified.
+  void Resize(std::int32_t columns, std::int32_t rows) {
+    if (needMagnitude) magnitude.ResetUninitialised(columns, rows);
+    if (needDirection) x.ResetUninitialised(columns, rows), y.ResetUninitialised(columns, rows);
   }
 };
 

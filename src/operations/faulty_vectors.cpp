@@ -184,7 +184,7 @@ class Search {
   std::int32_t TestAll(Grid<std::int32_t>& statuses) {
     magnitudes_ = MagnitudesOf(field_);
     if (HasWindow()) {
-      compare_.Reset(field_.columnCount, field_.rowCount);
+      compare_.Resize(field_.columnCount, field_.rowCount);
       if (criteria_.compareVectorType == CompareVectorType::localMean) {
         LocalMeans(field_, magnitudes_, window_, compare_);
       } else {

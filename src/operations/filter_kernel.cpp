@@ -237,33 +237,70 @@ struct RowMean {
 
 constexpr std::size_t kRowsAtOnce = 4;  // sums that run side by side: each waits for its own last addition only
 
-// The means of rows j, j + 1, ...
-void AverageRows(const SourceRows& source, std::int32_t j, double weight, RowMean* means) {
-  const SourceRow* rows[kRowsAtOnce];
-  for (std::size_t r = 0; r < kRowsAtOnce; ++r) rows[r] = &source.Row(j + static_cast<std::int32_t>(r));
-  double u[kRowsAtOnce] = {}, v[kRowsAtOnce] = {}, w[kRowsAtOnce] = {};
-  for (std::size_t i = source.Left(), end = i + source.Columns(); i < end; ++i) {
-    for (std::size_t r = 0; r < kRowsAtOnce; ++r) {
-      u[r] += weight * rows[r]->u[i];
-      v[r] += weight * rows[r]->v[i];
-      w[r] += weight * rows[r]->valid[i];
-    }
+// The terms of a row, 0 where the vector is not valid; returns how many are.
+QUIVERION_MULTI_TARGET std::int32_t WeightedRow(const VectorField& field, std::int32_t j, double weight,
+                                                double* __restrict u, double* __restrict v) {
+  const auto count = static_cast<std::size_t>(field.columnCount);
+  const std::int32_t* const status = field.status.Row(j);
+  const double *const velX = field.velX.Row(j), *const velY = field.velY.Row(j);
+  std::int32_t valid = 0;
+  for (std::size_t i = 0; i < count; ++i) valid += status[i] > 0 ? 1 : 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const Mask mask = MaskOf(status[i] > 0);
+    u[i] = weight * SelectOrZero(mask, velX[i]);
+    v[i] = weight * SelectOrZero(mask, velY[i]);
   }
-  for (std::size_t r = 0; r < kRowsAtOnce; ++r) {
-    means[r] = w[r] != 0.0 ? RowMean{u[r] / w[r], v[r] / w[r], true} : RowMean{};
-  }
+  return valid;
 }
 
-std::vector<RowMean> AverageAllRows(const VectorField& field, double weight) {
-  constexpr auto step = static_cast<std::int32_t>(kRowsAtOnce);
-  SourceRows source(field, WeightMatrix(0, 0, 0, step - 1, weight));
-  std::vector<RowMean> means(static_cast<std::size_t>(field.rowCount) + kRowsAtOnce);
-  for (std::int32_t j = 1; j <= field.rowCount; j += step) {
-    source.FillUpTo(j + step - 1);
-    AverageRows(source, j, weight, &means[static_cast<std::size_t>(j - 1)]);
+class RowAverages {
+ public:
+  RowAverages(const VectorField& field, double weight)
+      : field_(field),
+        weight_(weight),
+        columns_(static_cast<std::size_t>(field.columnCount)),
+        sumOfWeights_(columns_ + 1, 0.0),
+        u_(kRowsAtOnce * columns_, 0.0),
+        v_(kRowsAtOnce * columns_, 0.0) {
+    for (std::size_t n = 1; n <= columns_; ++n) sumOfWeights_[n] = sumOfWeights_[n - 1] + weight;
   }
-  return means;
-}
+
+  std::vector<RowMean> Take() {
+    constexpr auto step = static_cast<std::int32_t>(kRowsAtOnce);
+    std::vector<RowMean> means;
+    for (std::int32_t j = 1; j <= field_.rowCount; j += step) {
+      const std::int32_t rows = std::min(step, field_.rowCount - j + 1);
+      double sumW[kRowsAtOnce] = {};
+      for (std::int32_t r = 0; r < rows; ++r) {
+        const std::size_t begin = static_cast<std::size_t>(r) * columns_;
+        const std::int32_t valid = WeightedRow(field_, j + r, weight_, &u_[begin], &v_[begin]);
+        sumW[r] = sumOfWeights_[static_cast<std::size_t>(valid)];
+      }
+      AddUp(sumW, rows, means);
+    }
+    return means;
+  }
+
+ private:
+  void AddUp(const double (&sumW)[kRowsAtOnce], std::int32_t rows, std::vector<RowMean>& means) const {
+    double sumU[kRowsAtOnce] = {}, sumV[kRowsAtOnce] = {};
+    for (std::size_t i = 0; i < columns_; ++i) {
+      for (std::size_t r = 0; r < kRowsAtOnce; ++r) {
+        sumU[r] += u_[r * columns_ + i];
+        sumV[r] += v_[r * columns_ + i];
+      }
+    }
+    for (std::int32_t r = 0; r < rows; ++r) {
+      means.push_back(sumW[r] != 0.0 ? RowMean{sumU[r] / sumW[r], sumV[r] / sumW[r], true} : RowMean{});
+    }
+  }
+
+  const VectorField& field_;
+  double weight_;
+  std::size_t columns_;
+  std::vector<double> sumOfWeights_;  // of n vectors, added up one by one
+  std::vector<double> u_, v_;         // the terms of the rows that run side by side
+};
 
 QUIVERION_MULTI_TARGET void SpreadMean(const std::int32_t* status, double mean, std::size_t count, double* target) {
   for (std::size_t i = 0; i < count; ++i) target[i] = Select(MaskOf(status[i] >= 0), mean, target[i]);
@@ -309,7 +346,7 @@ bool ClipToField(const VectorField& field, WeightMatrix& weights) {
 // False where a floating-point flag was raised: nothing has changed then.
 bool FilterWholeRows(VectorField& field, double weight) {
   std::vector<RowMean> means;
-  if (RaisesFloatError([&] { means = AverageAllRows(field, weight); })) return false;
+  if (RaisesFloatError([&] { means = RowAverages(field, weight).Take(); })) return false;
   SpreadMeans(field, means);
   return true;
 }

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstddef>
-#include <span>
 #include <vector>
 
 #include "operations/compare_vectors.h"
@@ -9,7 +8,7 @@
 namespace quiverion {
 namespace {
 
-constexpr std::int32_t kBlock = 32;  // output points whose sums grow side by side
+constexpr std::int32_t kBlock = 64;  // output points whose sums grow side by side
 
 // A grid with zeros for what is not valid and around the columns, so that every window lies inside it.
 class PaddedGrid {
@@ -58,33 +57,58 @@ QUIVERION_MULTI_TARGET void DivideRow(const double* sums, const double* counts, 
   }
 }
 
+// A quantity and where its means go.
+struct Average {
+  PaddedGrid source;
+  Grid<double>& target;
+};
+
+class LocalMeanRows {
+ public:
+  LocalMeanRows(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare)
+      : field_(field),
+        window_(window),
+        valid_(field.columnCount, field.rowCount,
+               [&](std::int32_t i, std::int32_t j) { return field.status(i, j) > 0; }),
+        counts_(static_cast<std::size_t>(field.columnCount)),
+        sums_(static_cast<std::size_t>(field.columnCount) + kBlock) {
+    const auto add = [&](const Grid<double>& source, Grid<double>& target) {
+      averages_.push_back({PaddedGrid(field, source, window.halfX), target});
+    };
+    if (compare.needMagnitude) add(magnitudes.values, compare.magnitude);
+    if (compare.needDirection) add(field.velX, compare.x), add(field.velY, compare.y);
+  }
+
+  void Fill(std::int32_t j) {
+    const std::int32_t columns = field_.columnCount;
+    for (std::int32_t i = 1; i <= columns; ++i) {
+      const std::uint32_t own = field_.status(i, j) > 0 ? 1 : 0;
+      counts_[static_cast<std::size_t>(i - 1)] = valid_.Around(i, j, window_) - own;
+    }
+    const std::int32_t lowest = std::max(1, j - window_.halfY);
+    const std::int32_t highest = std::min(field_.rowCount, j + window_.halfY);
+    for (const Average& average : averages_) {
+      for (std::int32_t i = 1; i <= columns; i += kBlock) {
+        SumWindows(average.source.At(i, lowest), average.source.Stride(), window_.halfX, highest - lowest + 1,
+                   j - lowest, sums_.data() + i - 1);
+      }
+      DivideRow(sums_.data(), counts_.data(), columns, average.target.Row(j));
+    }
+  }
+
+ private:
+  const VectorField& field_;
+  Window window_;
+  WindowCounts valid_;
+  std::vector<Average> averages_;
+  std::vector<double> counts_, sums_;
+};
+
 }  // namespace
 
 void LocalMeans(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare) {
-  const std::int32_t columns = field.columnCount, rows = field.rowCount;
-  const WindowCounts valid(columns, rows, [&](std::int32_t i, std::int32_t j) { return field.status(i, j) > 0; });
-  std::vector<double> counts(static_cast<std::size_t>(columns));
-  std::vector<double> sums(static_cast<std::size_t>(columns) + kBlock);
-  const auto average = [&](const Grid<double>& source, Grid<double>& target) {
-    const PaddedGrid padded(field, source, window.halfX);
-    for (std::int32_t j = 1; j <= rows; ++j) {
-      const std::int32_t lowest = std::max(1, j - window.halfY), highest = std::min(rows, j + window.halfY);
-      for (std::int32_t i = 1; i <= columns; i += kBlock) {
-        SumWindows(padded.At(i, lowest), padded.Stride(), window.halfX, highest - lowest + 1, j - lowest,
-                   sums.data() + i - 1);
-      }
-      for (std::int32_t i = 1; i <= columns; ++i) {
-        const std::uint32_t own = field.status(i, j) > 0 ? 1 : 0;
-        counts[static_cast<std::size_t>(i - 1)] = valid.Around(i, j, window) - own;
-      }
-      DivideRow(sums.data(), counts.data(), columns, target.Row(j));
-    }
-  };
-  if (compare.needMagnitude) average(magnitudes.values, compare.magnitude);
-  if (compare.needDirection) {
-    average(field.velX, compare.x);
-    average(field.velY, compare.y);
-  }
+  LocalMeanRows rows(field, magnitudes, window, compare);
+  for (std::int32_t j = 1; j <= field.rowCount; ++j) rows.Fill(j);
 }
 
 }  // namespace quiverion

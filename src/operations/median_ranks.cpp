@@ -226,8 +226,10 @@ class RankMedians {
     const std::int32_t columns = field_.columnCount;
     const std::int32_t begin = std::max(0, j - 1 - window_.halfY), end = std::min(field_.rowCount, j + window_.halfY);
     set_.Clear();
-    for (std::int32_t i = 1; i <= std::min(window_.halfX, columns); ++i)
+    ClearRow(j);
+    for (std::int32_t i = 1; i <= std::min(window_.halfX, columns); ++i) {
       AddColumn(set_, ranking_.Column(i), begin, end);
+    }
     for (std::int32_t i = 1; i <= columns; ++i) {
       if (columns - i >= window_.halfX) AddColumn(set_, ranking_.Column(i + window_.halfX), begin, end);
       if (i - 1 > window_.halfX) RemoveColumn(set_, ranking_.Column(i - 1 - window_.halfX), begin, end);
@@ -236,6 +238,12 @@ class RankMedians {
   }
 
  private:
+  void ClearRow(std::int32_t j) {
+    const auto clear = [&](Grid<double>& grid) { std::fill_n(grid.Row(j), field_.columnCount, 0.0); };
+    if (compare_.needMagnitude) clear(compare_.magnitude);
+    if (compare_.needDirection) clear(compare_.x), clear(compare_.y);
+  }
+
   void FillPoint(std::int32_t i, std::int32_t j) {
     const Rank count = valid_.Around(i, j, window_) - 1;
     if (count == 0) return;

@@ -28,7 +28,7 @@ bool IsSameDirectory(const std::string& a, const std::string& b);
 /// All bytes of standard input.
 std::string ReadStandardInput();
 
-/// Tells the allocator to keep memory that is freed, up to 32 MB, instead of giving it back to the system: the next
+/// Tells the allocator to keep memory that is freed, up to 256 MB, instead of giving it back to the system: the next
 /// command of a run takes the same amount again, and fresh pages cost more than most commands. Called once by main.
 void KeepFreedMemory();
 

@@ -106,9 +106,8 @@ std::string ReadStandardInput() {
 
 void KeepFreedMemory() {
 #ifdef __GLIBC__
-  constexpr int most = 32 * 1024 * 1024;
-  ::mallopt(M_MMAP_THRESHOLD, most);
-  ::mallopt(M_TRIM_THRESHOLD, most);
+  ::mallopt(M_MMAP_THRESHOLD, 32 * 1024 * 1024);  // the largest there is
+  ::mallopt(M_TRIM_THRESHOLD, 256 * 1024 * 1024);
 #endif
 }
 

@@ -56,7 +56,7 @@ TEST(FaultyVectors, EveryCompareVectorDecidesAsThePlainLoops) {
 TEST(FaultyVectors, CompareVectorsHaveTheBitsOfThePlainLoops) {
   const auto check = [](const VectorField& field, const FaultyVectorCriteria& criteria, std::uint64_t seed) {
     CompareVectors compare(criteria);
-    compare.Reset(field.columnCount, field.rowCount);
+    compare.Resize(field.columnCount, field.rowCount);
     const Window window = {criteria.halfWidthX, criteria.halfWidthY};
     const bool isMean = criteria.compareVectorType == Type::localMean;
     (isMean ? LocalMeans : Medians)(field, MagnitudesOf(field), window, compare);
