@@ -114,6 +114,10 @@ class Ranking {
 
 // A set of ranks, one bit each, with a pointer near its middle that moves a little from query to query (Huang, Yang,
 // Tang, IEEE Trans. ASSP 27, 1979, with bits in place of a histogram).
+//
+// Many ranks are counted by blocks as well, so that the pointer can step over whole blocks; where there are few that
+// costs more than the steps it saves.
+template <bool hasBlocks>
 class RankSet {
  public:
   explicit RankSet(Rank end) : words_(end / kBits + 1), blocks_(words_.size() / kBlock + 1) {}
@@ -127,13 +131,13 @@ class RankSet {
   QUIVERION_ALWAYS_INLINE void Add(Rank rank) {
     const Rank word = rank / kBits;
     words_[word] |= std::uint64_t{1} << rank % kBits;
-    ++blocks_[word / kBlock];
+    if constexpr (hasBlocks) ++blocks_[word / kBlock];
     below_ += word < word_ ? 1 : 0;
   }
   QUIVERION_ALWAYS_INLINE void Remove(Rank rank) {
     const Rank word = rank / kBits;
     words_[word] &= ~(std::uint64_t{1} << rank % kBits);
-    --blocks_[word / kBlock];
+    if constexpr (hasBlocks) --blocks_[word / kBlock];
     below_ -= word < word_ ? 1 : 0;
   }
 
@@ -164,7 +168,7 @@ class RankSet {
  private:
   QUIVERION_ALWAYS_INLINE void MoveDownTo(Rank index) {
     while (below_ > index) {
-      if (word_ % kBlock == 0 && below_ - blocks_[word_ / kBlock - 1] > index) {
+      if (hasBlocks && word_ % kBlock == 0 && below_ - blocks_[word_ / kBlock - 1] > index) {
         word_ -= kBlock;
         below_ -= blocks_[word_ / kBlock];
       } else {
@@ -174,7 +178,7 @@ class RankSet {
   }
   QUIVERION_ALWAYS_INLINE void MoveUpTo(Rank index) {
     for (;;) {
-      if (word_ % kBlock == 0 && below_ + blocks_[word_ / kBlock] <= index) {
+      if (hasBlocks && word_ % kBlock == 0 && below_ + blocks_[word_ / kBlock] <= index) {
         below_ += blocks_[word_ / kBlock];
         word_ += kBlock;
         continue;
@@ -192,11 +196,13 @@ class RankSet {
   Rank below_ = 0;            // ranks in the words before it
 };
 
-QUIVERION_MULTI_TARGET void AddColumn(RankSet& set, const Rank* ranks, std::int32_t begin, std::int32_t end) {
+template <class Set>
+QUIVERION_ALWAYS_INLINE void AddColumn(Set& set, const Rank* ranks, std::int32_t begin, std::int32_t end) {
   for (std::int32_t j = begin; j < end; ++j) set.Add(ranks[j]);
 }
 
-QUIVERION_MULTI_TARGET void RemoveColumn(RankSet& set, const Rank* ranks, std::int32_t begin, std::int32_t end) {
+template <class Set>
+QUIVERION_ALWAYS_INLINE void RemoveColumn(Set& set, const Rank* ranks, std::int32_t begin, std::int32_t end) {
   for (std::int32_t j = begin; j < end; ++j) set.Remove(ranks[j]);
 }
 
@@ -205,11 +211,13 @@ struct MiddleRanks {
 };
 
 // The middle of `count` > 0 ranks.
-QUIVERION_MULTI_TARGET MiddleRanks MiddleOf(RankSet& set, Rank count) {
+template <class Set>
+QUIVERION_ALWAYS_INLINE MiddleRanks MiddleOf(Set& set, Rank count) {
   const Rank lower = set.At((count - 1) / 2);
   return {lower, count % 2 == 1 ? lower : set.After(lower)};
 }
 
+template <bool hasBlocks>
 class RankMedians {
  public:
   RankMedians(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare)
@@ -222,7 +230,7 @@ class RankMedians {
         valid_(field.columnCount, field.rowCount,
                [&](std::int32_t i, std::int32_t j) { return field.status(i, j) > 0; }) {}
 
-  void FillRow(std::int32_t j) {
+  QUIVERION_ALWAYS_INLINE void FillRow(std::int32_t j) {
     const std::int32_t columns = field_.columnCount;
     const std::int32_t begin = std::max(0, j - 1 - window_.halfY), end = std::min(field_.rowCount, j + window_.halfY);
     set_.Clear();
@@ -244,7 +252,7 @@ class RankMedians {
     if (compare_.needDirection) clear(compare_.x), clear(compare_.y);
   }
 
-  void FillPoint(std::int32_t i, std::int32_t j) {
+  QUIVERION_ALWAYS_INLINE void FillPoint(std::int32_t i, std::int32_t j) {
     const Rank count = valid_.Around(i, j, window_) - 1;
     if (count == 0) return;
     const Rank own = ranking_.Column(i)[j - 1];
@@ -281,15 +289,30 @@ class RankMedians {
   Window window_;
   CompareVectors& compare_;
   Ranking ranking_;
-  RankSet set_;
+  RankSet<hasBlocks> set_;
   WindowCounts valid_;
 };
+
+// One function with all that is called per point, for the bit instructions of newer processors.
+QUIVERION_MULTI_TARGET void FillRows(RankMedians<false>& medians, std::int32_t rows) {
+  for (std::int32_t j = 1; j <= rows; ++j) medians.FillRow(j);
+}
+QUIVERION_MULTI_TARGET void FillRows(RankMedians<true>& medians, std::int32_t rows) {
+  for (std::int32_t j = 1; j <= rows; ++j) medians.FillRow(j);
+}
+
+template <bool hasBlocks>
+void MediansByRankSet(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare) {
+  RankMedians<hasBlocks> medians(field, magnitudes, window, compare);
+  FillRows(medians, field.rowCount);
+}
 
 }  // namespace
 
 void MediansByRank(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare) {
-  RankMedians medians(field, magnitudes, window, compare);
-  for (std::int32_t j = 1; j <= field.rowCount; ++j) medians.FillRow(j);
+  constexpr std::size_t fewRanks = std::size_t{1} << 18;
+  const bool hasBlocks = field.status.Values().size() > fewRanks;
+  (hasBlocks ? MediansByRankSet<true> : MediansByRankSet<false>)(field, magnitudes, window, compare);
 }
 
 }  // namespace quiverion
