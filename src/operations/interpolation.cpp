@@ -125,13 +125,13 @@ class HoleFiller {
     if (status_[At(place)] == 0) buckets_[++counts_[At(place)]].push_back(place);
   }
 
-  // Takes the vectors with the most valid neighbours into `pass_` and returns that number. What has been filled or has
-  // moved on to another bucket meanwhile is dropped.
+  // Takes the vectors with the most valid neighbours into `pass_` and returns that number. One that has moved up to a
+  // fuller bucket has been filled there before.
   std::uint8_t TakeFullest() {
     for (std::uint8_t count = 8; count > 0; --count) {
       pass_.swap(buckets_[count]);
       buckets_[count].clear();
-      std::erase_if(pass_, [&](Place place) { return status_[At(place)] != 0 || counts_[At(place)] != count; });
+      std::erase_if(pass_, [this](Place place) { return status_[At(place)] != 0; });
       if (!pass_.empty()) return count;
     }
     return 0;

@@ -124,6 +124,7 @@ TEST(FaultyVectors, Criteria) {
       {"direction, wide", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 179.9; }, {2, 3}},
       // 3.14159265359 / 3.141592654 * 180 is a little below 180.
       {"direction, widest", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 179.99999998; }, {2}},
+      {"direction, more than there is", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 185.0; }, {2}},
       {"direction, none allowed", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 0.0; }, {2, 3, 4}},
       {"direction, less than none",
        [](auto& c) { c.directionDeviation = true, c.directionDegrees = -1.0; },
