@@ -9,6 +9,8 @@
 namespace quiverion::test {
 namespace {
 
+using actions::FaultyVectorCriteriaOf;
+
 // Every value differs from every other that could stand in its place.
 MacroEvent SearchEvent() {
   MacroEvent event(30001);

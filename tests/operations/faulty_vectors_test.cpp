@@ -52,34 +52,46 @@ TEST(FaultyVectors, EveryCompareVectorDecidesAsThePlainLoops) {
   }
 }
 
+void ExpectCompareVectors(const VectorField& field, const FaultyVectorCriteria& criteria, std::uint64_t seed) {
+  CompareVectors compare(criteria);
+  compare.Resize(field.columnCount, field.rowCount);
+  const Window window = {criteria.halfWidthX, criteria.halfWidthY};
+  const bool isMean = criteria.compareVectorType == Type::localMean;
+  (isMean ? LocalMeans : Medians)(field, MagnitudesOf(field), window, compare);
+  const auto same = [&](bool isNeeded, double expected, const Grid<double>& actual, std::int32_t i, std::int32_t j) {
+    return !isNeeded || SameNumber(expected, actual(i, j));
+  };
+  for (std::int32_t i = 1; i <= field.columnCount; ++i) {
+    for (std::int32_t j = 1; j <= field.rowCount; ++j) {
+      if (field.status(i, j) < 1) continue;
+      const auto expected = (isMean ? plain::LocalMean<double> : plain::Median<double>)(field, i, j, criteria);
+      ASSERT_TRUE(same(compare.needMagnitude, expected.magnitude, compare.magnitude, i, j) &&
+                  same(compare.needDirection, expected.x, compare.x, i, j) &&
+                  same(compare.needDirection, expected.y, compare.y, i, j))
+          << i << "," << j << " seed " << seed << " window " << window.halfX << "," << window.halfY;
+    }
+  }
+}
+
 // The compare vectors themselves, also where no decision depends on their last bit.
 TEST(FaultyVectors, CompareVectorsHaveTheBitsOfThePlainLoops) {
-  const auto check = [](const VectorField& field, const FaultyVectorCriteria& criteria, std::uint64_t seed) {
-    CompareVectors compare(criteria);
-    compare.Resize(field.columnCount, field.rowCount);
-    const Window window = {criteria.halfWidthX, criteria.halfWidthY};
-    const bool isMean = criteria.compareVectorType == Type::localMean;
-    (isMean ? LocalMeans : Medians)(field, MagnitudesOf(field), window, compare);
-    for (std::int32_t i = 1; i <= field.columnCount; ++i) {
-      for (std::int32_t j = 1; j <= field.rowCount; ++j) {
-        if (field.status(i, j) < 1) continue;
-        const auto expected = (isMean ? plain::LocalMean<double> : plain::Median<double>)(field, i, j, criteria);
-        ASSERT_TRUE(SameNumber(expected.magnitude, compare.magnitude(i, j))) << i << "," << j << " seed " << seed;
-        ASSERT_TRUE(SameNumber(expected.x, compare.x(i, j)) && SameNumber(expected.y, compare.y(i, j)))
-            << i << "," << j << " seed " << seed << " window " << window.halfX << "," << window.halfY;
-      }
-    }
-  };
+  constexpr Mix zerosAndNaN = {.special = 700, .notFinite = 300};
   std::uint64_t seed = 100;
   for (const Type type : {Type::localMean, Type::median}) {
     for (const auto& [halfX, halfY] : {std::pair{1, 1}, {2, 2}, {1, 0}, {6, 3}, {20, 20}}) {
       FaultyVectorCriteria criteria = Deviation(type, halfX, halfY);
-      criteria.directionDeviation = true;
-      for (const auto& [columns, rows] : {std::pair{7, 5}, {23, 19}, {70, 9}, {1, 12}}) {
-        ++seed;
-        for (const Mix& mix : kCarriedMixes) check(RandomField(seed, columns, rows, mix), criteria, seed);
-        for (const Mix& mix : kTiedMixes) check(RandomField(seed, columns, rows, mix), criteria, seed);
-        if (HasFatalFailure()) return;
+      for (const bool direction : {false, true}) {
+        criteria.directionDeviation = direction;
+        for (const auto& [columns, rows] : {std::pair{7, 5}, {23, 19}, {70, 9}, {1, 12}}) {
+          ++seed;
+          const auto check = [&](const Mix& mix) {
+            ExpectCompareVectors(RandomField(seed, columns, rows, mix), criteria, seed);
+          };
+          for (const Mix& mix : kCarriedMixes) check(mix);
+          for (const Mix& mix : kTiedMixes) check(mix);
+          check(zerosAndNaN);
+          if (HasFatalFailure()) return;
+        }
       }
     }
   }
