@@ -8,7 +8,7 @@
 namespace quiverion {
 namespace {
 
-constexpr std::int32_t kBlock = 64;  // output points whose sums grow side by side
+constexpr std::int32_t kBlock = 32;  // output points whose sums grow side by side
 
 // A grid with zeros for what is not valid and around the columns, so that every window lies inside it.
 class PaddedGrid {

@@ -96,7 +96,7 @@ class Ranking {
       if (identityMatters && bitsOf(p) != bitsOf(q)) return true;
       return (magnitudes_[p] == 0.0) != (magnitudes_[q] == 0.0);  // NaN beside 0
     };
-    for (std::size_t begin = 0, end; begin < vectors_.size(); begin = end) {
+    for (std::size_t begin = 0, end = 0; begin < vectors_.size(); begin = end) {
       bool unclear = false;
       for (end = begin + 1; end < vectors_.size() && vectors_[end].key == vectors_[begin].key; ++end) {
         unclear = unclear || differ(vectors_[begin].position, vectors_[end].position);
