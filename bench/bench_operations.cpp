@@ -1,12 +1,15 @@
 // The numerical commands: the plain loops of the definition beside the fast forms, over the same fields.
 #include <benchmark/benchmark.h>
 
+#include "operations/derived_scalar.h"
 #include "operations/faulty_vectors.h"
 #include "operations/faulty_vectors_plain.h"
 #include "operations/filters.h"
 #include "operations/filters_plain.h"
 #include "operations/interpolation.h"
 #include "operations/interpolation_plain.h"
+#include "operations/vortex_maxima.h"
+#include "operations/vortex_maxima_plain.h"
 #include "platform/environment.h"
 #include "support/random_fields.h"
 
@@ -88,6 +91,17 @@ void Search(benchmark::State& state, CompareVectorType type, bool direction, App
   OnField(state, FieldOf(state), [&](VectorField& field) { apply(field, criteria); });
 }
 
+template <class Mark>
+void Maxima(benchmark::State& state, Mark mark) {
+  VectorField field = FieldOf(state);
+  CalcSwirlingStrength(field);
+  Grid<std::int16_t> marks(field.columnCount, field.rowCount);
+  for (auto _ : state) {
+    mark(field.derivedScalar, marks);
+    benchmark::ClobberMemory();
+  }
+}
+
 using Benchmark = benchmark::internal::Benchmark;
 constexpr std::int64_t kGrids[][2] = {{64, 64}, {125, 100}, {400, 400}, {1000, 1000}};
 
@@ -162,6 +176,9 @@ const bool kRegistered = [] {
   Register(
       "Interpolation60", [](auto& state, auto apply) { OnField(state, FieldWithOneHole(state), apply); },
       plain::Interpolate<double>, NoWindow, Interpolate, NoWindow);
+  Register(
+      "VortexMaxima", [](auto& state, auto apply) { Maxima(state, apply); }, plain::MarkMaxima, NoWindow, MarkMaxima,
+      NoWindow);
   RegisterSearch("Median", CompareVectorType::median, false, PlainMedianWindows);
   RegisterSearch("MedianDirection", CompareVectorType::median, true, PlainMedianWindows);
   RegisterSearch("LocalMean", CompareVectorType::localMean, false, PlainMeanWindows);

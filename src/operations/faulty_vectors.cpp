@@ -234,13 +234,9 @@ class Search {
   }
 
   bool MagnitudeOverflows(std::int32_t i, std::int32_t j) const {
-    if (field_.status(i, j) <= 0 || std::isfinite(magnitudes_.values(i, j))) return false;
-    try {
-      plain::Length<CheckedReal>(field_.velX(i, j), field_.velY(i, j));
-    } catch (const SystemError&) {
-      return true;
-    }
-    return false;  // an infinity that stands in the file
+    if (field_.status(i, j) <= 0) return false;
+    const double u = field_.velX(i, j), v = field_.velY(i, j);
+    return HasOverflowed(u, u, u * u) || HasOverflowed(v, v, v * v) || HasOverflowed(u * u, v * v, u * u + v * v);
   }
 
   plain::CompareVector<CheckedReal> CompareVectorOf(std::int32_t i, std::int32_t j) const {

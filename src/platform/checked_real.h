@@ -6,6 +6,11 @@
 
 namespace quiverion {
 
+/// True where an operation on finite numbers has a result that is not finite.
+inline bool HasOverflowed(double a, double b, double result) {
+  return !std::isfinite(result) && std::isfinite(a) && std::isfinite(b);
+}
+
 /// A double whose operations stop at an arithmetic error: an operation on finite numbers whose result is not
 /// finite throws SystemError 6 (overflow) or 11 (division by zero). NaN and infinities that come from a file
 /// are carried through. The plain loops of a kernel run on this type where the exact point of the stop
@@ -29,9 +34,7 @@ class CheckedReal {
 
  private:
   static CheckedReal Check(CheckedReal a, CheckedReal b, double result) {
-    if (!std::isfinite(result) && std::isfinite(a.value_) && std::isfinite(b.value_)) {
-      throw SystemError(ErrorNumber::overflow);
-    }
+    if (HasOverflowed(a.value_, b.value_, result)) throw SystemError(ErrorNumber::overflow);
     return result;
   }
 
