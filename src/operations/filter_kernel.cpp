@@ -193,9 +193,9 @@ QUIVERION_MULTI_TARGET void FindFilled(const double* sumW, std::size_t count, st
   for (std::size_t i = 0; i < count; ++i) isFilled[i] = static_cast<std::int32_t>(sumW[i] != 0.0 ? 1.0 : 0.0);
 }
 
-// The new statuses of a row, which may be the old ones; returns how many vectors are valid more than before.
+// The new statuses of a row; returns how many vectors are valid more than before.
 QUIVERION_MULTI_TARGET std::int32_t StatusRow(const std::int32_t* status, const std::int32_t* isFilled,
-                                              std::size_t count, std::int32_t* target) {
+                                              std::size_t count, std::int32_t* __restrict target) {
   std::int32_t gained = 0, lost = 0;
   for (std::size_t i = 0; i < count; ++i) {
     const std::int32_t old = status[i], filled = isFilled[i];
@@ -237,9 +237,9 @@ struct RowMean {
 
 constexpr std::size_t kRowsAtOnce = 4;  // sums that run side by side: each waits for its own last addition only
 
-// The terms of a row, 0 where the vector is not valid; returns how many are.
+// The terms of a row, u and v in turn, 0 where the vector is not valid; returns how many are.
 QUIVERION_MULTI_TARGET std::int32_t WeightedRow(const VectorField& field, std::int32_t j, double weight,
-                                                double* __restrict u, double* __restrict v) {
+                                                double* __restrict terms) {
   const auto count = static_cast<std::size_t>(field.columnCount);
   const std::int32_t* const status = field.status.Row(j);
   const double *const velX = field.velX.Row(j), *const velY = field.velY.Row(j);
@@ -247,8 +247,8 @@ QUIVERION_MULTI_TARGET std::int32_t WeightedRow(const VectorField& field, std::i
   for (std::size_t i = 0; i < count; ++i) valid += status[i] > 0 ? 1 : 0;
   for (std::size_t i = 0; i < count; ++i) {
     const Mask mask = MaskOf(status[i] > 0);
-    u[i] = weight * SelectOrZero(mask, velX[i]);
-    v[i] = weight * SelectOrZero(mask, velY[i]);
+    terms[2 * i] = weight * SelectOrZero(mask, velX[i]);
+    terms[2 * i + 1] = weight * SelectOrZero(mask, velY[i]);
   }
   return valid;
 }
@@ -260,8 +260,7 @@ class RowAverages {
         weight_(weight),
         columns_(static_cast<std::size_t>(field.columnCount)),
         sumOfWeights_(columns_ + 1, 0.0),
-        u_(kRowsAtOnce * columns_, 0.0),
-        v_(kRowsAtOnce * columns_, 0.0) {
+        terms_(kRowsAtOnce * 2 * columns_, 0.0) {
     for (std::size_t n = 1; n <= columns_; ++n) sumOfWeights_[n] = sumOfWeights_[n - 1] + weight;
   }
 
@@ -272,8 +271,8 @@ class RowAverages {
       const std::int32_t rows = std::min(step, field_.rowCount - j + 1);
       double sumW[kRowsAtOnce] = {};
       for (std::int32_t r = 0; r < rows; ++r) {
-        const std::size_t begin = static_cast<std::size_t>(r) * columns_;
-        const std::int32_t valid = WeightedRow(field_, j + r, weight_, &u_[begin], &v_[begin]);
+        const std::int32_t valid =
+            WeightedRow(field_, j + r, weight_, &terms_[static_cast<std::size_t>(r) * 2 * columns_]);
         sumW[r] = sumOfWeights_[static_cast<std::size_t>(valid)];
       }
       AddUp(sumW, rows, means);
@@ -283,15 +282,16 @@ class RowAverages {
 
  private:
   void AddUp(const double (&sumW)[kRowsAtOnce], std::int32_t rows, std::vector<RowMean>& means) const {
-    double sumU[kRowsAtOnce] = {}, sumV[kRowsAtOnce] = {};
+    double sums[kRowsAtOnce][2] = {};
     for (std::size_t i = 0; i < columns_; ++i) {
       for (std::size_t r = 0; r < kRowsAtOnce; ++r) {
-        sumU[r] += u_[r * columns_ + i];
-        sumV[r] += v_[r * columns_ + i];
+        const double* const term = &terms_[2 * (r * columns_ + i)];
+        sums[r][0] += term[0];
+        sums[r][1] += term[1];
       }
     }
     for (std::int32_t r = 0; r < rows; ++r) {
-      means.push_back(sumW[r] != 0.0 ? RowMean{sumU[r] / sumW[r], sumV[r] / sumW[r], true} : RowMean{});
+      means.push_back(sumW[r] != 0.0 ? RowMean{sums[r][0] / sumW[r], sums[r][1] / sumW[r], true} : RowMean{});
     }
   }
 
@@ -299,25 +299,45 @@ class RowAverages {
   double weight_;
   std::size_t columns_;
   std::vector<double> sumOfWeights_;  // of n vectors, added up one by one
-  std::vector<double> u_, v_;         // the terms of the rows that run side by side
+  std::vector<double> terms_;         // of the rows that run side by side
 };
 
-QUIVERION_MULTI_TARGET void SpreadMean(const std::int32_t* status, double mean, std::size_t count, double* target) {
-  for (std::size_t i = 0; i < count; ++i) target[i] = Select(MaskOf(status[i] >= 0), mean, target[i]);
+// Puts the mean into a row; returns how many vectors are valid more than before.
+QUIVERION_MULTI_TARGET std::int32_t SpreadMean(const RowMean& mean, std::size_t count, std::int32_t* __restrict status,
+                                               double* __restrict velX, double* __restrict velY) {
+  const double u = mean.u, v = mean.v;
+  for (std::size_t i = 0; i < count; ++i) {
+    const Mask change = MaskOf(status[i] >= 0);
+    velX[i] = Select(change, u, velX[i]);
+    velY[i] = Select(change, v, velY[i]);
+  }
+  std::int32_t gained = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::int32_t old = status[i];
+    status[i] = old < 0 ? old : 2;
+    gained += old == 0 ? 1 : 0;
+  }
+  return gained;
+}
+
+// A row in which nothing adds up: its vectors become invalid and keep their velocities.
+std::int32_t Invalidate(std::int32_t* status, std::size_t count) {
+  std::int32_t gained = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (status[i] <= 0) continue;
+    status[i] = 0;
+    --gained;
+  }
+  return gained;
 }
 
 void SpreadMeans(VectorField& field, const std::vector<RowMean>& means) {
   const auto count = static_cast<std::size_t>(field.columnCount);
-  std::vector<std::int32_t> isFilled(count);
   for (std::int32_t j = 1; j <= field.rowCount; ++j) {
     const RowMean& mean = means[static_cast<std::size_t>(j - 1)];
     std::int32_t* const status = field.status.Row(j);
-    if (mean.isFilled) {
-      SpreadMean(status, mean.u, count, field.velX.Row(j));
-      SpreadMean(status, mean.v, count, field.velY.Row(j));
-    }
-    std::fill(isFilled.begin(), isFilled.end(), mean.isFilled ? 1 : 0);
-    field.validVectorCount += StatusRow(status, isFilled.data(), count, status);
+    field.validVectorCount += mean.isFilled ? SpreadMean(mean, count, status, field.velX.Row(j), field.velY.Row(j))
+                                            : Invalidate(status, count);
   }
 }
 
