@@ -15,6 +15,8 @@
 namespace quiverion {
 namespace {
 
+constexpr std::uint8_t kAllNeighbours = 8;
+
 // Of a vector, both counted from 0.
 struct Place {
   std::uint32_t column, row;
@@ -55,8 +57,10 @@ class HoleFiller {
       if (most == 0) return false;
       FillPass(most);
       for (const Place place : pass_) status_[At(place)] = plain::kFilled;
-      for (const Place place : pass_) {
-        ForEachNeighbourOf(place, [this](std::uint32_t column, std::uint32_t row) { GainNeighbour({column, row}); });
+      if (most < kAllNeighbours) {  // otherwise no neighbour is left to be filled
+        for (const Place place : pass_) {
+          ForEachNeighbourOf(place, [this](std::uint32_t column, std::uint32_t row) { GainNeighbour({column, row}); });
+        }
       }
       left_ -= pass_.size();
     }
@@ -128,7 +132,7 @@ class HoleFiller {
   // Takes the vectors with the most valid neighbours into `pass_` and returns that number. One that has moved up to a
   // fuller bucket has been filled there before.
   std::uint8_t TakeFullest() {
-    for (std::uint8_t count = 8; count > 0; --count) {
+    for (std::uint8_t count = kAllNeighbours; count > 0; --count) {
       pass_.swap(buckets_[count]);
       buckets_[count].clear();
       std::erase_if(pass_, [this](Place place) { return status_[At(place)] != 0; });
@@ -151,19 +155,32 @@ class HoleFiller {
     field_.validVectorCount += static_cast<std::int32_t>(pass_.size());
   }
 
-  // An invalid neighbour adds +0.0, which changes no sum.
   void TakeMeans(std::uint8_t count) {
-    const double divisor = count;
     for (std::size_t n = 0; n < pass_.size(); ++n) {
-      double u = 0.0, v = 0.0;
-      ForEachNeighbourOf(pass_[n], [&](std::uint32_t column, std::uint32_t row) {
-        const std::size_t p = At({column, row});
-        const Mask valid = MaskOf(status_[p] > 0);
-        u += SelectOrZero(valid, velX_[p]);
-        v += SelectOrZero(valid, velY_[p]);
-      });
-      means_[n] = {u / divisor, v / divisor};
+      means_[n] = count == kAllNeighbours ? MeanOfAll(pass_[n]) : MeanOfValid(pass_[n], count);
     }
+  }
+
+  Mean MeanOfAll(Place place) const {
+    double u = 0.0, v = 0.0;
+    ForEachNeighbourOf(place, [&](std::uint32_t column, std::uint32_t row) {
+      if (column == place.column && row == place.row) return;
+      u += velX_[At({column, row})];
+      v += velY_[At({column, row})];
+    });
+    return {u / kAllNeighbours, v / kAllNeighbours};
+  }
+
+  // What is not valid (the place itself at least) adds +0.0, which changes no sum.
+  Mean MeanOfValid(Place place, std::uint8_t count) const {
+    double u = 0.0, v = 0.0;
+    ForEachNeighbourOf(place, [&](std::uint32_t column, std::uint32_t row) {
+      const std::size_t p = At({column, row});
+      const Mask valid = MaskOf(status_[p] > 0);
+      u += SelectOrZero(valid, velX_[p]);
+      v += SelectOrZero(valid, velY_[p]);
+    });
+    return {u / count, v / count};
   }
 
   // The vectors of the pass in visiting order, up to the one at which the computation stops.
@@ -181,7 +198,7 @@ class HoleFiller {
   std::span<std::int32_t> status_;
   std::span<double> velX_, velY_;
   std::vector<std::uint8_t> counts_;  // valid neighbours of the invalid vectors
-  std::array<std::vector<Place>, 9> buckets_;
+  std::array<std::vector<Place>, kAllNeighbours + 1> buckets_;
   std::vector<Place> pass_;
   std::vector<Mean> means_;
   std::size_t left_ = 0;
