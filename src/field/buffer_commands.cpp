@@ -1,11 +1,11 @@
 #include "field/buffer_commands.h"
 
-#include <limits>
 #include <utility>
 
 #include "field/buffer_commands_plain.h"
 #include "field/dat_file.h"
 #include "field/frames.h"
+#include "field/new_vectors.h"
 #include "field/vas_file.h"
 #include "field/vec_file.h"
 #include "platform/bit_select.h"
@@ -55,12 +55,6 @@ struct CombineInput {
   const std::int32_t *status, *bufferStatus;
 };
 
-struct CombineResult {
-  Grid<double> velX, velY;
-  Grid<std::int32_t> status;
-  std::int64_t lost = 0;  // vectors that stop being valid
-};
-
 template <class Operation>
 QUIVERION_ALWAYS_INLINE std::int64_t CombinePoints(const CombineInput& input, double* __restrict velX,
                                                    double* __restrict velY, std::int32_t* __restrict status,
@@ -102,37 +96,23 @@ QUIVERION_MULTI_TARGET std::int64_t MaskPoints(const std::int32_t* bufferStatus,
   return lost;
 }
 
-// True for every count that a measurement has: taking off all vectors of the grid cannot leave the range.
-bool CountIsSafe(const VectorField& field) {
-  const auto points = static_cast<std::int64_t>(field.status.Values().size());
-  return field.validVectorCount - points >= std::numeric_limits<std::int32_t>::min();
-}
-
-template <class Operation>
-void CombineFast(const VectorField& field, const BufferField& buffer, CombineResult& result, Operation operation) {
-  const auto data = [](auto& grid) { return grid.Values().data(); };
-  const CombineInput input{field.status.Values().size(), data(field.velX),        data(field.velY),
-                           data(buffer.bufferVelX),      data(buffer.bufferVelY), data(field.status),
-                           data(buffer.bufferStatus)};
-  result.lost = Combine(input, data(result.velX), data(result.velY), data(result.status), operation);
-}
-
 // The fast kernel works on scratch memory. Where it meets an arithmetic error the plain loops run in place: they stop at
 // the exact point, if there is one.
 template <class Operation>
 void CombineWithBuffer(VectorField& field, const BufferField& buffer, Operation operation) {
-  CombineResult result;
-  result.velX.ResetUninitialised(field.columnCount, field.rowCount);
-  result.velY.ResetUninitialised(field.columnCount, field.rowCount);
-  result.status.ResetUninitialised(field.columnCount, field.rowCount);
-  if (!CountIsSafe(field) || RaisesFloatError([&] { CombineFast(field, buffer, result, operation); })) {
+  const auto data = [](auto& grid) { return grid.Values().data(); };
+  const CombineInput input{field.status.Values().size(), data(field.velX),        data(field.velY),
+                           data(buffer.bufferVelX),      data(buffer.bufferVelY), data(field.status),
+                           data(buffer.bufferStatus)};
+  NewVectors result(field);
+  const auto combine = [&] {
+    result.gained = -Combine(input, data(result.velX), data(result.velY), data(result.status), operation);
+  };
+  if (RaisesFloatError(combine)) {
     plain::CombineWithBuffer<CheckedReal>(field, buffer, operation);
-    return;
+  } else {
+    result.SwapInto(field);
   }
-  std::swap(field.velX, result.velX);
-  std::swap(field.velY, result.velY);
-  std::swap(field.status, result.status);
-  field.validVectorCount -= static_cast<std::int32_t>(result.lost);
 }
 
 template <class Operation>
@@ -186,12 +166,7 @@ void UseBufferAsMask(Context& context) {
   if (!HasSizeOfField(context)) return;
   VectorField& field = context.field;
   const auto status = field.status.Values();
-  if (CountIsSafe(field)) {
-    field.validVectorCount -= static_cast<std::int32_t>(
-        MaskPoints(context.buffer.bufferStatus.Values().data(), status.size(), status.data()));
-  } else {
-    plain::MaskWithBuffer(field, context.buffer);
-  }
+  ChangeValidCount(field, -MaskPoints(context.buffer.bufferStatus.Values().data(), status.size(), status.data()));
   LogLines(context.log, {"fertig"});
 }
 

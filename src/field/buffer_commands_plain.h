@@ -4,7 +4,6 @@
 #include "field/vector_field.h"
 #include "platform/checked_real.h"
 #include "platform/multi_target.h"
-#include "platform/numbers.h"
 
 /// The definition of the buffer commands on fields of one size: plain loops in visiting order. `Real` is double, or
 /// CheckedReal where the computation must stop at an arithmetic error.
@@ -33,7 +32,7 @@ struct BufferMinusField {
 
 /// A vector that must not be valid any more.
 inline void Invalidate(VectorField& field, std::int32_t i, std::int32_t j, std::int32_t status) {
-  if (field.status(i, j) > 0) field.validVectorCount = CheckedInt32(std::int64_t{field.validVectorCount} - 1);
+  if (field.status(i, j) > 0) ChangeValidCount(field, -1);
   field.status(i, j) = status;
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -81,6 +83,13 @@ struct VectorField {
   std::array<double, 3> viewerSettings{};    // likewise
   std::array<std::int32_t, 9> colours = {};  // red + 256 green + 65536 blue
 };
+
+/// Adds `change` to `validVectorCount`. The count comes from a file and may be anything: it stays at the end of its range.
+inline void ChangeValidCount(VectorField& field, std::int64_t change) {
+  using Limits = std::numeric_limits<std::int32_t>;
+  field.validVectorCount = static_cast<std::int32_t>(
+      std::clamp<std::int64_t>(field.validVectorCount + change, Limits::min(), Limits::max()));
+}
 
 /// Empties the streamline table.
 void ResetStreamlines(VectorField& field);

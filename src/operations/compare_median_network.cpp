@@ -283,18 +283,12 @@ void MediansOf(const VectorField& field, const Magnitudes& magnitudes, CompareVe
 
 }  // namespace
 
-void MediansByNetwork(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare) {
-  if (window.halfX == 1) {
-    MediansOf<3>(field, magnitudes, compare, FindMiddle3, FindVector3);
-  } else {
-    MediansOf<5>(field, magnitudes, compare, FindMiddle5, FindVector5);
-  }
-}
-
 void Medians(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare) {
-  const bool square = window.halfX == window.halfY && (window.halfX == 1 || window.halfX == 2);
-  if (square && !magnitudes.haveNaN) {
-    MediansByNetwork(field, magnitudes, window, compare);
+  const bool isSquare = window.halfX == window.halfY && !magnitudes.haveNaN;
+  if (isSquare && window.halfX == 1) {
+    MediansOf<3>(field, magnitudes, compare, FindMiddle3, FindVector3);
+  } else if (isSquare && window.halfX == 2) {
+    MediansOf<5>(field, magnitudes, compare, FindMiddle5, FindVector5);
   } else {
     MediansByRank(field, magnitudes, window, compare);
   }

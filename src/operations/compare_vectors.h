@@ -45,7 +45,6 @@ void LocalMeans(const VectorField& field, const Magnitudes& magnitudes, Window w
 
 /// The median by magnitude of the same vectors. Windows of 3x3 and 5x5 take a sorting network, all others ranks.
 void Medians(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare);
-void MediansByNetwork(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare);
 void MediansByRank(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare);
 
 /// The median of one point, as the stated selection sort finds it, in less time than that.

@@ -172,7 +172,7 @@ class Search {
       return;
     }
     std::swap(field_.status, statuses);
-    field_.validVectorCount -= rejected;
+    ChangeValidCount(field_, -std::int64_t{rejected});
   }
 
  private:

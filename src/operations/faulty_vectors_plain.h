@@ -157,7 +157,7 @@ inline void RejectMarked(VectorField& field) {
   for (std::int32_t& status : field.status.Values()) {
     if (status != kFaulty) continue;
     status = 0;
-    --field.validVectorCount;
+    ChangeValidCount(field, -1);
   }
 }
 

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "field/new_vectors.h"
 #include "operations/filters.h"
 #include "operations/filters_plain.h"
 #include "platform/bit_select.h"
@@ -21,19 +22,6 @@ struct SourceRow {
   std::vector<double> valid;  // 1 or 0
 
   explicit SourceRow(std::size_t width) : u(width), v(width), valid(width) {}
-};
-
-// What is written, and how many vectors are valid more than before.
-struct Result {
-  Grid<double> velX, velY;
-  Grid<std::int32_t> status;
-  std::int32_t gained = 0;
-
-  Result(std::int32_t columns, std::int32_t rows) {
-    velX.ResetUninitialised(columns, rows);
-    velY.ResetUninitialised(columns, rows);
-    status.ResetUninitialised(columns, rows);
-  }
 };
 
 // The sums of one output row.
@@ -99,7 +87,7 @@ struct RowTarget {
   const double *oldU, *oldV;
   double *u, *v, *sumW;
 
-  RowTarget(const VectorField& field, std::int32_t j, RowSums& sums, Result& result)
+  RowTarget(const VectorField& field, std::int32_t j, RowSums& sums, NewVectors& result)
       : count(static_cast<std::size_t>(field.columnCount)),
         status(field.status.Row(j)),
         oldU(field.velX.Row(j)),
@@ -206,7 +194,7 @@ QUIVERION_MULTI_TARGET std::int32_t StatusRow(const std::int32_t* status, const 
   return gained - lost;
 }
 
-void FilterRows(const VectorField& field, const WeightMatrix& weights, Result& result) {
+void FilterRows(const VectorField& field, const WeightMatrix& weights, NewVectors& result) {
   SourceRows source(field, weights);
   RowSums sums(source.Columns());
   std::vector<std::int32_t> isFilled(source.Columns());
@@ -336,8 +324,8 @@ void SpreadMeans(VectorField& field, const std::vector<RowMean>& means) {
   for (std::int32_t j = 1; j <= field.rowCount; ++j) {
     const RowMean& mean = means[static_cast<std::size_t>(j - 1)];
     std::int32_t* const status = field.status.Row(j);
-    field.validVectorCount += mean.isFilled ? SpreadMean(mean, count, status, field.velX.Row(j), field.velY.Row(j))
-                                            : Invalidate(status, count);
+    ChangeValidCount(field, mean.isFilled ? SpreadMean(mean, count, status, field.velX.Row(j), field.velY.Row(j))
+                                          : Invalidate(status, count));
   }
 }
 
@@ -373,12 +361,9 @@ bool FilterWholeRows(VectorField& field, double weight) {
 
 bool FilterFast(VectorField& field, const WeightMatrix& weights) {
   if (CoversWholeRows(field, weights)) return FilterWholeRows(field, weights.Values().front());
-  Result result(field.columnCount, field.rowCount);
+  NewVectors result(field);
   if (RaisesFloatError([&] { FilterRows(field, weights, result); })) return false;
-  std::swap(field.velX, result.velX);
-  std::swap(field.velY, result.velY);
-  std::swap(field.status, result.status);
-  field.validVectorCount += result.gained;
+  result.SwapInto(field);
   return true;
 }
 

@@ -30,14 +30,14 @@ void ApplyFilterKernel(VectorField& field, const WeightMatrix& weights) {
         }
       }
       if (sumW == 0.0) {
-        if (field.status(i, j) != 0) --field.validVectorCount;
+        if (field.status(i, j) != 0) ChangeValidCount(field, -1);
         field.status(i, j) = 0;
         continue;
       }
       const Real u = sumU / sumW, v = sumV / sumW;
       field.velX(i, j) = ToDouble(u);
       field.velY(i, j) = ToDouble(v);
-      if (field.status(i, j) == 0) ++field.validVectorCount;
+      if (field.status(i, j) == 0) ChangeValidCount(field, 1);
       field.status(i, j) = 2;
     }
   }

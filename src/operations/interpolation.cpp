@@ -152,7 +152,7 @@ class HoleFiller {
       velX_[At(pass_[n])] = means_[n].u;
       velY_[At(pass_[n])] = means_[n].v;
     }
-    field_.validVectorCount += static_cast<std::int32_t>(pass_.size());
+    ChangeValidCount(field_, static_cast<std::int64_t>(pass_.size()));
   }
 
   void TakeMeans(std::uint8_t count) {

@@ -39,7 +39,7 @@ bool FillFromNeighbours(VectorField& field, std::int32_t i, std::int32_t j) {
   field.velX(i, j) = ToDouble(u);
   field.velY(i, j) = ToDouble(v);
   field.status(i, j) = kFilledInThisPass;
-  ++field.validVectorCount;
+  ChangeValidCount(field, 1);
   return true;
 }
 

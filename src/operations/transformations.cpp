@@ -5,6 +5,8 @@
 #include <string>
 #include <utility>
 
+#include "field/frames.h"
+#include "field/new_vectors.h"
 #include "operations/transformations_plain.h"
 #include "platform/bit_select.h"
 #include "platform/checked_real.h"
@@ -40,22 +42,19 @@ using PlainLoops = void(VectorField&, double, double);
 // The fast kernel works on scratch memory. Only where a floating-point flag was raised the plain loops run in place:
 // they stop at the exact point, if there is one.
 void ChangeVelocities(VectorField& field, double x, double y, ComponentKernel* kernel, PlainLoops* checkedLoops) {
-  Grid<double> velX, velY;
-  velX.ResetUninitialised(field.columnCount, field.rowCount);
-  velY.ResetUninitialised(field.columnCount, field.rowCount);
+  NewVelocities result(field);
   const auto run = [&](const Grid<double>& velocity, double value, Grid<double>& target) {
     const Component component{velocity.Values().size(), velocity.Values().data(), field.status.Values().data()};
     kernel(component, value, target.Values().data());
   };
   const bool raised = RaisesFloatError([&] {
-    run(field.velX, x, velX);
-    run(field.velY, y, velY);
+    run(field.velX, x, result.velX);
+    run(field.velY, y, result.velY);
   });
   if (raised) {
     checkedLoops(field, x, y);
   } else {
-    std::swap(field.velX, velX);
-    std::swap(field.velY, velY);
+    result.SwapInto(field);
   }
 }
 
@@ -100,7 +99,7 @@ void ShiftField(Context& context, double x, double y) {
   field.galileiPointSet = kFlagFalse;
   field.galileiVelX = (CheckedReal(field.galileiVelX) - x).Value();
   field.galileiVelY = (CheckedReal(field.galileiVelY) - y).Value();
-  context.log.WriteLogLine("fertig\r\n");
+  LogLines(context.log, {"fertig"});
 }
 
 std::string ConstantVector(const Context& context, double x, double y) {
@@ -115,20 +114,20 @@ void TransformCoordinates(Context& context, const CoordinateTransformation& traf
   const bool sameVelocities = trafo.fakVecX == 1.0 && trafo.fakVecY == 1.0;
   const bool sameCoordinates = trafo.deltaX == 0.0 && trafo.deltaY == 0.0 && trafo.fakX == 1.0 && trafo.fakY == 1.0;
   if (sameVelocities && sameCoordinates) {
-    context.log.WriteLogLine("Identische Transformation -> sofort fertig\r\n");
+    LogLines(context.log, {"Identische Transformation -> sofort fertig"});
     return;
   }
   TransformGeometry(context.field, trafo);
   if (!sameVelocities) {
     ChangeVelocities(context.field, trafo.fakVecX, trafo.fakVecY, ScaleComponent, plain::ScaleVelocities<CheckedReal>);
   }
-  context.log.WriteLogLine("fertig\r\n");
+  LogLines(context.log, {"fertig"});
 }
 
 void MirrorField(Context& context, bool mirrorX, bool mirrorY) {
   context.log.WriteLogLine("Vektorfeld spiegeln... ");
   if (!mirrorX && !mirrorY) {
-    context.log.WriteLogLine("Keine Option ausgewählt -> fertig\r\n");
+    LogLines(context.log, {"Keine Option ausgewählt -> fertig"});
     return;
   }
   VectorField& field = context.field;
@@ -144,7 +143,7 @@ void MirrorField(Context& context, bool mirrorX, bool mirrorY) {
     ReverseRows(field.status);
     std::reverse(field.posY.begin(), field.posY.end());
   }
-  context.log.WriteLogLine("fertig\r\n");
+  LogLines(context.log, {"fertig"});
 }
 
 void AddConstantVector(Context& context, double x, double y) {

@@ -195,10 +195,10 @@ void FindVortexCentres(Context& context, const std::string& textPath, bool autoT
   MarkMaxima(context.field.derivedScalar, marks);
   const Outcome outcome = textPath.empty() ? Outcome::done : AppendMaxima(context, textPath, marks);
   if (outcome == Outcome::cancelled) return;
-  if (outcome == Outcome::done) context.log.WriteLogLine("fertig\r\n");
-  context.log.WriteLogLine("Speichern der transformierten Vektorfelder...\r\n");
+  if (outcome == Outcome::done) LogLines(context.log, {"fertig"});
+  LogLines(context.log, {"Speichern der transformierten Vektorfelder..."});
   if (autoTrafo) SaveCopies(context, marks);
-  context.log.WriteLogLine("Speichern der transformierten Vektorfelder beendet.\r\n");
+  LogLines(context.log, {"Speichern der transformierten Vektorfelder beendet."});
 }
 
 }  // namespace quiverion

@@ -5,8 +5,8 @@
 
 #include <cmath>
 
-#include "platform/system_error.h"
-#include "support/field_builder.h"
+#include "operations/derived_scalar_plain.h"
+#include "support/kernel_compare.h"
 
 namespace quiverion::test {
 namespace {
@@ -152,6 +152,17 @@ TEST(DerivedScalar, OfVelocitiesWhoseSquareOverflowsIsAnErrorForTheSwirlOnly) {
       field, [](double, double y) { return -1e160 * y; }, [](double x, double) { return 1e160 * x; });
   EXPECT_EQ(VorticityOf(field)(1, 1), 2e163);
   EXPECT_THROW(CalcSwirlingStrength(field), SystemError);
+}
+
+TEST(DerivedScalar, KernelsGiveTheBitsAndTheStopOfThePlainLoops) {
+  const auto vorticity = [](VectorField& f) {
+    plain::ComputeDerived<CheckedReal>(f, f.derivedScalar, plain::Vorticity<CheckedReal>);
+  };
+  const auto swirl = [](VectorField& f) {
+    plain::ComputeDerived<CheckedReal>(f, f.derivedScalar, plain::SwirlingStrength<CheckedReal>);
+  };
+  EXPECT_GT(ExpectSameAsPlain(CalcVorticity, vorticity), 100) << "the mixes must contain errors";
+  EXPECT_GT(ExpectSameAsPlain(CalcSwirlingStrength, swirl), 100);
 }
 
 }  // namespace

@@ -4,9 +4,9 @@
 
 #include <functional>
 
-#include "kernel_compare.h"
 #include "operations/compare_vectors.h"
 #include "operations/faulty_vectors_plain.h"
+#include "support/kernel_compare.h"
 #include "support/test_session.h"
 
 namespace quiverion::test {

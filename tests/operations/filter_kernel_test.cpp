@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "kernel_compare.h"
 #include "operations/filters_plain.h"
 #include "operations/mathematical.h"
+#include "support/kernel_compare.h"
 #include "support/test_session.h"
 
 namespace quiverion::test {

@@ -4,8 +4,8 @@
 
 #include <chrono>
 
-#include "kernel_compare.h"
 #include "operations/interpolation_plain.h"
+#include "support/kernel_compare.h"
 #include "support/test_session.h"
 
 namespace quiverion::test {

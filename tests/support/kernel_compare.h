@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "field/context.h"
 #include "support/error_of.h"
 #include "support/random_fields.h"
 
@@ -14,6 +15,7 @@ namespace quiverion::test {
 inline std::string ResultDifference(const VectorField& expected, const VectorField& actual) {
   if (const auto x = FirstDifference(expected.velX, actual.velX); !x.empty()) return "velX" + x;
   if (const auto y = FirstDifference(expected.velY, actual.velY); !y.empty()) return "velY" + y;
+  if (const auto s = FirstDifference(expected.derivedScalar, actual.derivedScalar); !s.empty()) return "scalar" + s;
   for (std::int32_t j = 1; j <= expected.rowCount; ++j) {
     for (std::int32_t i = 1; i <= expected.columnCount; ++i) {
       if (expected.status(i, j) == actual.status(i, j)) continue;
@@ -25,15 +27,26 @@ inline std::string ResultDifference(const VectorField& expected, const VectorFie
   return {};
 }
 
-/// Mixes in which something overflows.
+/// Mixes in which something overflows or is divided by 0.
 inline constexpr Mix kStoppedMixes[] = {{.invalid = 100, .huge = 15},
                                         {.invalid = 300, .special = 50, .notFinite = 50, .huge = 40},
-                                        {.invalid = 700, .huge = 150}};
+                                        {.invalid = 700, .huge = 150},
+                                        {.invalid = 100, .special = 500, .notFinite = 200, .equalPositions = true},
+                                        {.invalid = 300, .notFinite = 800, .equalPositions = true}};
 
 /// Mixes with ties.
 inline constexpr Mix kTiedMixes[] = {{.invalid = 100, .quantised = 1000},
                                      {.invalid = 50, .special = 300, .quantised = 700},
                                      {.invalid = 50, .special = 200, .notFinite = 60, .quantised = 600}};
+
+/// Runs a command on `field` in place of the current one; what it throws goes on.
+template <class Command>
+void RunOn(Context& context, VectorField& field, Command command) {
+  std::swap(context.field, field);
+  const int error = ErrorOf([&] { command(context); });
+  std::swap(context.field, field);
+  if (error != 0) throw SystemError(static_cast<ErrorNumber>(error));
+}
 
 /// Runs both on random fields of every size and mix and expects the same field and the same error. Both are called as
 /// f(field). Returns how many computations stopped at an error.
