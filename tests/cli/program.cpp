@@ -186,19 +186,6 @@ void StalledProgram::Signal(int number) const {
   }
 }
 
-bool StalledProgram::EndsByItself(Outcome& outcome) {
-  for (int k = 0; k < 300; ++k) {
-    int status = 0;
-    if (::waitpid(process_, &status, WNOHANG) == process_) {
-      process_ = -1;
-      SetStatus(outcome, status);
-      return true;
-    }
-    std::this_thread::sleep_for(kPause);
-  }
-  return false;
-}
-
 Outcome StalledProgram::Finish() {
   Outcome outcome;
   char block[4096];

@@ -59,9 +59,6 @@ class StalledProgram {
   /// Sends a signal and waits until it has been delivered.
   void Signal(int number) const;
 
-  /// Waits a while for the end without taking output. False where it goes on standing still.
-  bool EndsByItself(Outcome& outcome);
-
   /// Takes all output and waits for the end.
   Outcome Finish();
 

@@ -187,9 +187,7 @@ TEST_F(ProgramSignals, EndTheProgramAtOnceTheSecondTime) {
   ASSERT_TRUE(program.WaitUntilStalled());
   program.Signal(SIGINT);
   program.Signal(SIGTERM);
-  Outcome outcome;
-  EXPECT_TRUE(program.EndsByItself(outcome));
-  EXPECT_EQ(outcome.signal, SIGTERM);
+  EXPECT_EQ(program.Finish().signal, SIGTERM);
 }
 
 }  // namespace

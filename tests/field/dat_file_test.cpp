@@ -55,15 +55,6 @@ TEST_F(DatFile, PutsEachLineAtItsGridPoint) {
   }
 }
 
-TEST_F(DatFile, RoundsTheDistanceInXAndThePositionInY) {
-  DatImage image;
-  image.header[8] = "Window: 30x30";
-  image.header[9] = "Grid: 15x15";  // first pixels 15 and 49
-  image.data = "44.5 34.5 0 0 0 0 1 2";
-  EXPECT_EQ(LoadDat(image), Loaded("in.dat"));
-  EXPECT_EQ(field_.status(3, 2), 1) << "29.5 is 30, 34.5 is 34";
-}
-
 TEST_F(DatFile, RefusesLinesOutsideTheGridAndNumbersTooLarge) {
   // A blank line is (0, 0); behind a comma the rest is a line of its own.
   const std::pair<std::string, int> cases[] = {

@@ -143,16 +143,6 @@ TEST(DatLine, RandomTextsGiveTheBitsOfTheDefinition) {
   EXPECT_GT(taken, 4000);
 }
 
-TEST(DatLine, EveryByteInANumberIsSeen) {
-  for (int byte = 0; byte < 256; ++byte) {
-    for (std::size_t at = 0; at < 15; ++at) {
-      std::string number = "-20010.0000012 ";  // no great exponent behind any place
-      number[at] = static_cast<char>(byte);
-      TakeAndCompare("16 48 0 0 0 0 " + number + "1.5\r\n16 48 0 0 0 0 1.5 " + number + "\r\n");
-    }
-  }
-}
-
 TEST(DatLine, OnlyBlanksSeparateColumns) {
   const DatVector vector = ParseDatLine("  1\t9  2 3 4 5 6 7.5x  -8E1 9");
   EXPECT_EQ(BitsOf(vector), BitsOf({1, 2, 7.5, -80}));

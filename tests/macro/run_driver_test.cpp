@@ -69,22 +69,18 @@ TEST_F(RunDriver, EndsAtTheYieldWhereTheAbortWasAskedFor) {
   }
 }
 
-TEST_F(RunDriver, GivesOneOfFourVerdicts) {
-  AddFile("a.vas", samples::VasBytes(SmallSample()));
-  struct Case {
-    bool error, abort;
-    std::string verdict;
-  };
-  for (const Case& c : {Case{true, true, kAbortedAfterError},
-                        {true, false, kFaulty},
-                        {false, true, kAborted},
-                        {false, false, kSuccess}}) {
-    ui.yields = 0;
-    ui.abortAtYield = c.abort ? 3 : 0;
-    program.files.faults.open = c.error ? std::optional(ErrorNumber::accessDenied) : std::nullopt;
-    const std::string log = RunLogOf({SaveEvent("", "_x"), Event(50101)});
-    EXPECT_TRUE(log.ends_with("\r\n" + c.verdict)) << log;
-    EXPECT_EQ(program.context.runHadError, c.error);
+TEST_F(RunDriver, TheBufferLivesOnFromFileToFileAndFromRunToRun) {
+  AddFile("a.vas", samples::VasBytes(SmallSample(0)));
+  RunLogOf({Event(20001)});
+  session.selectedFiles = {"b.vas"};
+  files["/serie/b.vas"] = samples::VasBytes(SmallSample(1));
+  const std::string subtracted = "Buffer vom Vektorfeld subtrahieren... fertig\r\n";
+  EXPECT_EQ(RunLogOf({Event(20005), SaveEvent("", "_d")}),
+            kTitleB + kLoadB + subtracted + "Datei speichern unter '/serie/b_d.vas'... fertig\r\n" + kSuccess);
+  const VectorField a = FieldIn("/serie/a.vas"), b = FieldIn("/serie/b.vas"), difference = FieldIn("/serie/b_d.vas");
+  for (std::int32_t i = 1; i <= a.columnCount; ++i) {
+    const bool valid = a.status(i, 1) > 0 && b.status(i, 1) > 0;
+    EXPECT_EQ(difference.velX(i, 1), valid ? b.velX(i, 1) - a.velX(i, 1) : b.velX(i, 1));
   }
 }
 
