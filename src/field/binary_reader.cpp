@@ -65,12 +65,18 @@ void BinaryReader::ReadBlocks(std::vector<std::span<char>> blocks) {
 
 void BinaryReader::Skip(std::uint64_t bytes) {
   Require(bytes);
-  while (bytes > 0) {
-    if (at_ == end_) Refill();
-    const std::uint64_t step = std::min<std::uint64_t>(bytes, end_ - at_);
-    at_ += static_cast<std::size_t>(step);
-    bytes -= step;
+  if (bytes <= end_ - at_) {
+    at_ += static_cast<std::size_t>(bytes);
+  } else {
+    MoveTo(Position() + bytes);
   }
+}
+
+void BinaryReader::MoveTo(std::uint64_t position) {
+  if (position > file_.Size()) throw SystemError(ErrorNumber::endOfFile);
+  file_.Seek(position);
+  at_ = end_ = 0;
+  unread_ = file_.Size() - position;
 }
 
 void BinaryReader::Text(std::string& value) {

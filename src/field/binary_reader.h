@@ -50,6 +50,13 @@ class BinaryReader {
   void Reserved32(std::int32_t /*writtenValue*/) { Skip(4); }
 
   void Skip(std::uint64_t bytes);
+
+  /// Bytes from the beginning of the file to the current position.
+  std::uint64_t Position() const { return file_.Size() - Remaining(); }
+
+  /// Goes on at this byte of the file. Throws SystemError 62 where it lies behind the end.
+  void MoveTo(std::uint64_t position);
+
   void Bytes(void* target, std::size_t size);
 
  private:

@@ -6,15 +6,23 @@
 #include <string>
 #include <string_view>
 
-#include "platform/result_file.h"
 #include "platform/text.h"
 
 namespace quiverion {
 
-/// Writes little-endian values; the verbs are those of BinaryReader. Throws SystemError as ResultFile does.
+/// Takes bytes like a file: for what is written in one piece later.
+struct ByteString {
+  std::string bytes;
+  void Write(std::string_view more) { bytes.append(more); }
+  void WriteKept(std::string_view more) { bytes.append(more); }
+};
+
+/// Writes little-endian values into a ResultFile or a ByteString; the verbs are those of BinaryReader. Throws what `File`
+/// throws.
+template <class File>
 class BinaryWriter {
  public:
-  explicit BinaryWriter(ResultFile& file) : file_(file) {}
+  explicit BinaryWriter(File& file) : file_(file) {}
 
   void Int16(std::int16_t value) { Bytes(&value, sizeof value); }
   void Int32(std::int32_t value) { Bytes(&value, sizeof value); }
@@ -55,7 +63,7 @@ class BinaryWriter {
   }
   void Bytes(const void* source, std::size_t size) { file_.Write({static_cast<const char*>(source), size}); }
 
-  ResultFile& file_;
+  File& file_;
   std::optional<std::string> lostText_;
 };
 

@@ -24,6 +24,28 @@ class InputFile {
 
   /// Reads into several places one after the other, in one call of the system where it can. Returns the bytes read.
   virtual std::size_t ReadPieces(std::span<const std::span<char>> pieces);
+
+  /// The next read begins at this byte, counted from 0. Throws SystemError.
+  virtual void Seek(std::uint64_t position) = 0;
+};
+
+/// A file that is read and changed in place. What has been written stays, whatever happens later; the position of reads
+/// does not matter to writes.
+class UpdatedFile : public InputFile {
+ public:
+  /// True where the file did not exist before it was opened.
+  virtual bool IsNew() const = 0;
+
+  /// Writes at least one byte of the pieces (not all of them empty), one after the other from byte `position` on, and returns
+  /// how many. What lies between the end of the file and `position` becomes zeros. Throws SystemError with nothing more
+  /// written, so that the call can be repeated.
+  virtual std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) = 0;
+
+  /// Cuts or extends the file. Throws SystemError.
+  virtual void SetLength(std::uint64_t length) = 0;
+
+  /// Closes the file with the error that the system kept for the end. Throws SystemError. Destruction closes silently.
+  virtual void Close() = 0;
 };
 
 /// A file that is written whole or not at all. Bytes of a result file go to a temporary file beside the place, and only
@@ -47,6 +69,9 @@ class OutputFile {
   virtual void Commit() = 0;
 };
 
+/// What opening a file for updating does where there is none.
+enum class MissingFile { create, fail };
+
 enum class DriveKind { other, cdRom };
 
 /// The operating system's files. Paths are UTF-8 (bytes that are no UTF-8 pass through) with both separators.
@@ -64,6 +89,12 @@ class FileSystem {
 
   /// Opens `path` for writing at its end and creates it where it is missing. Throws SystemError as CreateResultFile does.
   virtual std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) = 0;
+
+  /// Opens `path` for reading and writing in place. Throws SystemError as CreateResultFile does.
+  virtual std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path, MissingFile missing) = 0;
+
+  /// Deletes one file; errors are ignored.
+  virtual void RemoveFileQuietly(const std::string& path) = 0;
 
   /// Creates one directory; errors (it exists already, say) are ignored.
   virtual void CreateDirectoryQuietly(const std::string& path) = 0;

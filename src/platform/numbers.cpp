@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <limits>
 
+#include "platform/decimal_digits.h"
 #include "platform/system_error.h"
 
 namespace quiverion {
@@ -73,6 +76,38 @@ char* Copy(char* buffer, std::string_view text) {
   return std::copy(text.begin(), text.end(), buffer);
 }
 
+// All digits are copied, in blocks of a fixed size; the length says how many of them count.
+constexpr std::size_t kDigitBlock = 16;
+
+char* WriteFixed(char* buffer, const DecimalDigits& number, char decimalSeparator) {
+  const char* const digits = number.digits.data();
+  if (number.exponent < 0) {
+    const char zeros[] = {'0', decimalSeparator, '0', '0', '0'};
+    std::memcpy(buffer, zeros, sizeof zeros);
+    std::memcpy(buffer + 1 - number.exponent, digits, kDigitBlock);
+    return buffer + 1 - number.exponent + number.count;
+  }
+  const int whole = number.exponent + 1;
+  std::memcpy(buffer, digits, kDigitBlock);
+  if (number.count <= whole) return buffer + whole;
+  buffer[whole] = decimalSeparator;
+  std::memcpy(buffer + whole + 1, digits + whole, kDigitBlock);
+  return buffer + number.count + 1;
+}
+
+char* WriteScientific(char* buffer, const DecimalDigits& number, char decimalSeparator) {
+  *buffer++ = number.digits[0];
+  if (number.count > 1) {
+    *buffer++ = decimalSeparator;
+    buffer = std::copy_n(number.digits.data() + 1, number.count - 1, buffer);
+  }
+  *buffer++ = 'E';
+  *buffer++ = number.exponent < 0 ? '-' : '+';
+  const int exponent = std::abs(number.exponent);
+  if (exponent < 10) *buffer++ = '0';
+  return std::to_chars(buffer, buffer + 3, exponent).ptr;
+}
+
 }  // namespace
 
 NumberPrefix ReadNumberPrefix(std::string_view text) {
@@ -114,44 +149,12 @@ char* FormatNumberTo(char* buffer, double value, int digits, char decimalSeparat
   if (std::isinf(value)) return Copy(buffer, value < 0 ? "-Inf" : "Inf");
   if (value == 0.0) return Copy(buffer, "0");
 
-  // The magnitude itself decides on the notation, not its rounded digits: 999999999999999.9 stays fixed.
   const double magnitude = std::fabs(value);
-  const bool fixedNotation = magnitude >= 1E-4 && magnitude < 1E15;
-  char scientific[48];
-  char* const end =
-      std::to_chars(scientific, scientific + sizeof scientific, value, std::chars_format::scientific, digits - 1).ptr;
-  const char* const exponentMark = std::find(scientific, end, 'e');
-  int exponent = 0;
-  std::from_chars(exponentMark + (exponentMark[1] == '+' ? 2 : 1), end, exponent);
-
-  char digitText[20] = {};
-  int count = 0;
-  for (const char* p = scientific; p < exponentMark; ++p) {
-    if (IsDigit(*p)) digitText[count++] = *p;
-  }
-  while (count > 1 && digitText[count - 1] == '0') --count;
-
+  const DecimalDigits number = DigitsOf(magnitude, digits);
   if (value < 0) *buffer++ = '-';
-  if (!fixedNotation) {
-    *buffer++ = digitText[0];
-    if (count > 1) {
-      *buffer++ = decimalSeparator;
-      buffer = std::copy(digitText + 1, digitText + count, buffer);
-    }
-    *buffer++ = 'E';
-    return std::copy(exponentMark + 1, static_cast<const char*>(end), buffer);
-  }
-  if (exponent < 0) {
-    *buffer++ = '0';
-    *buffer++ = decimalSeparator;
-    buffer = std::fill_n(buffer, -exponent - 1, '0');
-    return std::copy(digitText, digitText + count, buffer);
-  }
-  for (int k = 0; k < std::max(count, exponent + 1); ++k) {
-    if (k == exponent + 1) *buffer++ = decimalSeparator;
-    *buffer++ = k < count ? digitText[k] : '0';
-  }
-  return buffer;
+  // The magnitude itself decides on the notation, not its rounded digits: 999999999999999.9 stays fixed.
+  const bool fixedNotation = magnitude >= 1E-4 && magnitude < 1E15;
+  return fixedNotation ? WriteFixed(buffer, number, decimalSeparator) : WriteScientific(buffer, number, decimalSeparator);
 }
 
 std::string FormatNumber(double value, char decimalSeparator) {
@@ -162,11 +165,18 @@ std::string FormatNumber(float value, char decimalSeparator) {
   return Format(value, 7, decimalSeparator);
 }
 
+char* PrintNumberTo(char* buffer, double value, char decimalSeparator) {
+  *buffer = ' ';
+  // A minus sign takes the place of the blank. -0 has none, and neither has NaN.
+  char* const begin = buffer + (value < 0 ? 0 : 1);
+  char* const end = FormatNumberTo(begin, value, 15, decimalSeparator);
+  *end = ' ';
+  return end + 1;
+}
+
 void AppendPrintNumber(std::string& text, double value, char decimalSeparator) {
-  char buffer[kMaxNumberLength + 2] = {' '};
-  char* end = FormatNumberTo(buffer + 1, value, 15, decimalSeparator);
-  *end++ = ' ';
-  text.append(buffer[1] == '-' ? buffer + 1 : buffer, end);
+  char buffer[kMaxNumberLength];
+  text.append(buffer, PrintNumberTo(buffer, value, decimalSeparator));
 }
 
 }  // namespace quiverion

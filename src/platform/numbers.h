@@ -40,15 +40,17 @@ std::string FormatNumber(double value, char decimalSeparator = '.');
 /// The same with at most 7 significant digits, the precision of a float.
 std::string FormatNumber(float value, char decimalSeparator = '.');
 
-/// Longest text that FormatNumberTo writes.
-inline constexpr std::size_t kMaxNumberLength = 32;
+/// Bytes that FormatNumberTo and PrintNumberTo may touch; what stands behind the text they return is unspecified.
+inline constexpr std::size_t kMaxNumberLength = 40;
 
-/// FormatNumber into `buffer` (at least kMaxNumberLength bytes), without allocating. Returns the end of the
-/// text.
+/// FormatNumber with at most `digits` (1 to 15) significant digits into `buffer` (at least kMaxNumberLength bytes), without
+/// allocating. Returns the end of the text.
 char* FormatNumberTo(char* buffer, double value, int digits, char decimalSeparator);
 
-/// Appends a number in print style: a blank where FormatNumber gives no minus sign, its digits, a blank. Only `text`
-/// allocates.
+/// A number in print style into such a buffer: a blank where FormatNumber gives no minus sign, its digits, a blank.
+char* PrintNumberTo(char* buffer, double value, char decimalSeparator);
+
+/// Appends a number in print style.
 void AppendPrintNumber(std::string& text, double value, char decimalSeparator);
 
 }  // namespace quiverion

@@ -108,12 +108,44 @@ class Descriptor {
   int number_;
 };
 
+static_assert(sizeof(off_t) == 8, "files may be longer than 2 GB");
+
 // Pieces of one readv or writev.
 constexpr std::size_t kMaxPieces = 64;
 
-class PosixInputFile : public InputFile {
+// Repeats an interrupted call; returns the bytes written, at least one.
+template <class Call>
+std::size_t Written(Call call) {
+  for (;;) {
+    const ssize_t count = call();
+    if (count > 0) return static_cast<std::size_t>(count);
+    if (count == 0) ThrowErrno(ENOSPC);
+    if (errno != EINTR) ThrowErrno(errno);
+  }
+}
+
+// The pieces that are not empty, as many as one call takes.
+class WritePieces {
  public:
-  PosixInputFile(int descriptor, std::uint64_t size) : descriptor_(descriptor), size_(size) {}
+  explicit WritePieces(std::span<const std::string_view> pieces) {
+    for (const std::string_view piece : pieces) {
+      if (!piece.empty()) list_[static_cast<std::size_t>(count_++)] = {const_cast<char*>(piece.data()), piece.size()};
+      if (static_cast<std::size_t>(count_) == kMaxPieces) break;
+    }
+  }
+  const iovec* List() const { return list_.data(); }
+  int Count() const { return count_; }
+
+ private:
+  std::array<iovec, kMaxPieces> list_{};
+  int count_ = 0;
+};
+
+// The reading side of a file; `Base` is InputFile or UpdatedFile.
+template <class Base>
+class PosixReadableFile : public Base {
+ public:
+  PosixReadableFile(int descriptor, std::uint64_t size) : descriptor_(descriptor), size_(size) {}
 
   std::uint64_t Size() const override { return size_; }
 
@@ -145,9 +177,43 @@ class PosixInputFile : public InputFile {
     return InputFile::ReadPieces(pieces);
   }
 
- private:
+  void Seek(std::uint64_t position) override {
+    if (::lseek(descriptor_.Number(), static_cast<off_t>(position), SEEK_SET) < 0) ThrowErrno(errno);
+  }
+
+ protected:
   Descriptor descriptor_;
+
+ private:
   std::uint64_t size_;
+};
+
+using PosixInputFile = PosixReadableFile<InputFile>;
+
+class PosixUpdatedFile : public PosixReadableFile<UpdatedFile> {
+ public:
+  PosixUpdatedFile(int descriptor, std::uint64_t size, bool isNew)
+      : PosixReadableFile(descriptor, size), isNew_(isNew) {}
+
+  bool IsNew() const override { return isNew_; }
+
+  std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) override {
+    const WritePieces list(pieces);
+    return Written([&] {
+      return ::pwritev(descriptor_.Number(), list.List(), list.Count(), static_cast<off_t>(position));
+    });
+  }
+
+  void SetLength(std::uint64_t length) override {
+    if (::ftruncate(descriptor_.Number(), static_cast<off_t>(length)) != 0) ThrowErrno(errno);
+  }
+
+  void Close() override {
+    if (descriptor_.Close() != 0) ThrowErrno(errno);
+  }
+
+ private:
+  bool isNew_;
 };
 
 // What the two kinds of written files share; they differ in what a commit means, and its absence.
@@ -160,13 +226,8 @@ class PosixOutputFile : public OutputFile {
   }
 
   std::size_t WriteSomePieces(std::span<const std::string_view> pieces) override {
-    std::array<iovec, kMaxPieces> list{};
-    std::size_t count = 0;
-    for (const std::string_view piece : pieces) {
-      if (!piece.empty()) list[count++] = {const_cast<char*>(piece.data()), piece.size()};
-      if (count == kMaxPieces) break;
-    }
-    return Written([&] { return ::writev(descriptor_.Number(), list.data(), static_cast<int>(count)); });
+    const WritePieces list(pieces);
+    return Written([&] { return ::writev(descriptor_.Number(), list.List(), list.Count()); });
   }
 
  protected:
@@ -181,17 +242,6 @@ class PosixOutputFile : public OutputFile {
   }
 
  private:
-  // Repeats an interrupted call; returns the bytes written, at least one.
-  template <class Call>
-  static std::size_t Written(Call call) {
-    for (;;) {
-      const ssize_t count = call();
-      if (count > 0) return static_cast<std::size_t>(count);
-      if (count == 0) ThrowErrno(ENOSPC);
-      if (errno != EINTR) ThrowErrno(errno);
-    }
-  }
-
   Descriptor descriptor_;
   int flushError_ = 0;
 };
@@ -220,8 +270,6 @@ class PosixResultFile : public PosixOutputFile {
   bool replaces_;
   bool committed_ = false;
 };
-
-static_assert(sizeof(off_t) == 8, "files may be longer than 2 GB");
 
 class PosixAppendedFile : public PosixOutputFile {
  public:
@@ -281,6 +329,29 @@ bool CheckTarget(const std::string& nativePath) {
   return true;
 }
 
+struct OpenedTarget {
+  int descriptor;
+  off_t length;
+  bool isNew;
+};
+
+// Opens a file that is changed where it lies.
+OpenedTarget OpenTarget(const std::string& nativePath, int access, MissingFile missing) {
+  CheckTarget(nativePath);
+  const int flags = access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  int descriptor = ::open(nativePath.c_str(), flags);
+  const bool creates = descriptor < 0 && errno == ENOENT && missing == MissingFile::create;
+  // O_EXCL: only what this call has created is new.
+  if (creates) descriptor = ::open(nativePath.c_str(), flags | O_CREAT | O_EXCL, 0666);
+  if (descriptor < 0) ThrowErrno(errno, nativePath);
+  struct stat info {};
+  if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
+    ::close(descriptor);
+    throw SystemError(ErrorNumber::pathAccess);
+  }
+  return {descriptor, info.st_size, creates};
+}
+
 class PosixFileSystem : public FileSystem {
  public:
   std::unique_ptr<InputFile> OpenForReading(const std::string& path) override {
@@ -311,20 +382,18 @@ class PosixFileSystem : public FileSystem {
 
   std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) override {
     std::string native = OpenablePath(path);
-    CheckTarget(native);
-    constexpr int flags = O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    int descriptor = ::open(native.c_str(), flags);
-    const bool creates = descriptor < 0 && errno == ENOENT;
-    // O_EXCL: only what this call has created may be deleted again.
-    if (creates) descriptor = ::open(native.c_str(), flags | O_CREAT | O_EXCL, 0666);
-    if (descriptor < 0) ThrowErrno(errno, native);
-    struct stat info {};
-    if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
-      ::close(descriptor);
-      throw SystemError(ErrorNumber::pathAccess);
-    }
-    const auto oldLength = creates ? std::nullopt : std::optional(info.st_size);
-    return std::make_unique<PosixAppendedFile>(descriptor, std::move(native), oldLength);
+    const OpenedTarget target = OpenTarget(native, O_WRONLY | O_APPEND, MissingFile::create);
+    const auto oldLength = target.isNew ? std::nullopt : std::optional(target.length);
+    return std::make_unique<PosixAppendedFile>(target.descriptor, std::move(native), oldLength);
+  }
+
+  std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path, MissingFile missing) override {
+    const OpenedTarget target = OpenTarget(OpenablePath(path), O_RDWR, missing);
+    return std::make_unique<PosixUpdatedFile>(target.descriptor, static_cast<std::uint64_t>(target.length), target.isNew);
+  }
+
+  void RemoveFileQuietly(const std::string& path) override {
+    if (!BeginsWithDriveLetter(path)) ::unlink(SystemPath(path).c_str());
   }
 
   void CreateDirectoryQuietly(const std::string& path) override {

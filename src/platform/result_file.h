@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/file_system.h"
-#include "platform/user_interface.h"
+#include "platform/write_retry.h"
 
 namespace quiverion {
 
@@ -33,15 +33,13 @@ class ResultFile {
   void Commit();
 
   /// True where the user has answered Cancel; the SystemError that was thrown is the one of the write.
-  bool Cancelled() const { return cancelled_; }
+  bool Cancelled() const { return retry_.Cancelled(); }
 
  private:
-  template <class Action>
-  auto WithRetry(Action action);
   void WriteOut();
 
   std::unique_ptr<OutputFile> file_;
-  UserInterface* ui_;
+  WriteRetry retry_;
   // What has not been written: bytes of the buffer, up to the ends given, with kept pieces between them.
   struct KeptPiece {
     std::size_t bufferEnd;
@@ -49,7 +47,6 @@ class ResultFile {
   };
   std::string buffer_;
   std::vector<KeptPiece> kept_;
-  bool cancelled_ = false;
 };
 
 }  // namespace quiverion

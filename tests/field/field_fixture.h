@@ -45,6 +45,7 @@ class ShrunkFile : public InputFile {
     at_ += count;
     return count;
   }
+  void Seek(std::uint64_t position) override { at_ = static_cast<std::size_t>(position); }
 
  private:
   std::string content_;

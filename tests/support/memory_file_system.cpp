@@ -14,24 +14,79 @@ std::string Normal(const std::string& path) {
   return normal;
 }
 
-class MemoryInputFile : public InputFile {
+// The reading side; `Base` is InputFile or UpdatedFile.
+template <class Base>
+class MemoryReadableFile : public Base {
  public:
-  MemoryInputFile(std::string content, std::uint64_t failsAt) : content_(std::move(content)), failsAt_(failsAt) {}
+  MemoryReadableFile(std::string content, std::uint64_t failsAt) : content_(std::move(content)), failsAt_(failsAt) {}
 
   std::uint64_t Size() const override { return content_.size(); }
 
   std::size_t Read(void* target, std::size_t size) override {
-    const std::size_t count = std::min(size, content_.size() - at_);
+    const std::size_t count = std::min(size, content_.size() - std::min(at_, content_.size()));
     if (at_ + count > failsAt_) throw SystemError(ErrorNumber::deviceError);
     if (count > 0) std::memcpy(target, content_.data() + at_, count);
     at_ += count;
     return count;
   }
 
- private:
+  void Seek(std::uint64_t position) override { at_ = static_cast<std::size_t>(position); }
+
+ protected:
   std::string content_;
+
+ private:
   std::size_t at_ = 0;
   std::uint64_t failsAt_;
+};
+
+// Takes `size` bytes off the disk, or as many as there are.
+std::size_t TakeDiskSpace(MemoryFileSystem::Faults& faults, std::size_t size) {
+  if (faults.diskSize == 0) throw SystemError(faults.write);
+  const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(size, faults.diskSize));
+  faults.diskSize -= count;
+  return count;
+}
+
+class MemoryUpdatedFile : public MemoryReadableFile<UpdatedFile> {
+ public:
+  MemoryUpdatedFile(MemoryFileSystem& system, std::string path, std::uint64_t readFailsAt, bool isNew)
+      : MemoryReadableFile(system.files[path], readFailsAt), system_(system), path_(std::move(path)), isNew_(isNew) {
+    ++system_.temporaryFiles;
+  }
+  ~MemoryUpdatedFile() override { --system_.temporaryFiles; }
+
+  bool IsNew() const override { return isNew_; }
+
+  std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) override {
+    const auto first = std::find_if(pieces.begin(), pieces.end(), [](std::string_view piece) { return !piece.empty(); });
+    const std::size_t count = TakeDiskSpace(system_.faults, first->size());
+    const auto at = static_cast<std::size_t>(position);
+    if (content_.size() < at + count) content_.resize(at + count, '\0');
+    content_.replace(at, count, first->substr(0, count));
+    Changed();
+    return count;
+  }
+
+  void SetLength(std::uint64_t length) override {
+    if (system_.faults.setLength) throw SystemError(*system_.faults.setLength);
+    content_.resize(static_cast<std::size_t>(length), '\0');
+    Changed();
+  }
+
+  void Close() override {
+    if (system_.faults.commit) throw SystemError(*system_.faults.commit);
+  }
+
+ private:
+  void Changed() {
+    system_.files[path_] = content_;
+    if (system_.onChange) system_.onChange();
+  }
+
+  MemoryFileSystem& system_;
+  std::string path_;
+  bool isNew_;
 };
 
 class MemoryOutputFile : public OutputFile {
@@ -44,11 +99,8 @@ class MemoryOutputFile : public OutputFile {
   ~MemoryOutputFile() override { --system_.temporaryFiles; }
 
   std::size_t WriteSome(const void* source, std::size_t size) override {
-    auto& left = system_.faults.diskSize;
-    if (left == 0) throw SystemError(system_.faults.write);
-    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(size, left));
+    const std::size_t count = TakeDiskSpace(system_.faults, size);
     content_.append(static_cast<const char*>(source), count);
-    left -= count;
     return count;
   }
 
@@ -76,9 +128,12 @@ std::unique_ptr<InputFile> MemoryFileSystem::OpenForReading(const std::string& p
     throw SystemError(IsDirectory(std::string(DirectoryOf(normal))) ? ErrorNumber::fileNotFound
                                                                     : ErrorNumber::pathNotFound);
   }
-  const auto failing = readFailsAt.find(normal);
-  const std::uint64_t never = std::numeric_limits<std::uint64_t>::max();
-  return std::make_unique<MemoryInputFile>(found->second, failing == readFailsAt.end() ? never : failing->second);
+  return std::make_unique<MemoryReadableFile<InputFile>>(found->second, ReadFailsAt(normal));
+}
+
+std::uint64_t MemoryFileSystem::ReadFailsAt(const std::string& path) const {
+  const auto failing = readFailsAt.find(path);
+  return failing == readFailsAt.end() ? std::numeric_limits<std::uint64_t>::max() : failing->second;
 }
 
 std::unique_ptr<OutputFile> MemoryFileSystem::CreateResultFile(const std::string& path) {
@@ -89,12 +144,28 @@ std::unique_ptr<OutputFile> MemoryFileSystem::CreateResultFile(const std::string
 }
 
 std::unique_ptr<OutputFile> MemoryFileSystem::OpenForAppending(const std::string& path) {
+  const std::string normal = WritablePath(path);
+  const auto found = files.find(normal);
+  return std::make_unique<MemoryOutputFile>(*this, normal, found == files.end() ? std::string() : found->second);
+}
+
+std::unique_ptr<UpdatedFile> MemoryFileSystem::OpenForUpdating(const std::string& path, MissingFile missing) {
+  const std::string normal = WritablePath(path);
+  const bool isNew = !files.contains(normal);
+  if (isNew && missing == MissingFile::fail) throw SystemError(ErrorNumber::fileNotFound);
+  return std::make_unique<MemoryUpdatedFile>(*this, normal, ReadFailsAt(normal), isNew);
+}
+
+std::string MemoryFileSystem::WritablePath(const std::string& path) {
   const std::string normal = Normal(path);
   if (const auto error = openErrors.find(normal); error != openErrors.end()) throw SystemError(error->second);
   if (faults.open) throw SystemError(*faults.open);
   if (!IsDirectory(std::string(DirectoryOf(normal)))) throw SystemError(ErrorNumber::pathNotFound);
-  const auto found = files.find(normal);
-  return std::make_unique<MemoryOutputFile>(*this, normal, found == files.end() ? std::string() : found->second);
+  return normal;
+}
+
+void MemoryFileSystem::RemoveFileQuietly(const std::string& path) {
+  files.erase(Normal(path));
 }
 
 void MemoryFileSystem::CreateDirectoryQuietly(const std::string& path) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <map>
 #include <optional>
@@ -24,11 +25,12 @@ class MemoryFileSystem : public FileSystem {
 
   /// What goes wrong with the files that are written. Counted over all of them.
   struct Faults {
-    std::optional<ErrorNumber> open;                                     // every CreateResultFile and OpenForAppending
+    std::optional<ErrorNumber> open;                                     // of every file to be written
     std::uint64_t diskSize = std::numeric_limits<std::uint64_t>::max();  // bytes until a write fails ...
     ErrorNumber write = ErrorNumber::diskFull;                           // ... with this
     std::optional<ErrorNumber> commit;
     int commitFailures = std::numeric_limits<int>::max();  // so many times
+    std::optional<ErrorNumber> setLength;
   };
   Faults faults;
 
@@ -37,14 +39,22 @@ class MemoryFileSystem : public FileSystem {
 
   int temporaryFiles = 0;  // written files that are open now
 
+  std::function<void()> onChange;  // after every change of a file in place: where a crash could leave it
+
   std::unique_ptr<InputFile> OpenForReading(const std::string& path) override;
   std::unique_ptr<OutputFile> CreateResultFile(const std::string& path) override;
   std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) override;
+  std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path, MissingFile missing) override;
+  void RemoveFileQuietly(const std::string& path) override;
   void CreateDirectoryQuietly(const std::string& path) override;
   std::vector<std::string> ListFiles(const std::string& directory) override;
   bool IsDirectory(const std::string& path) override;
   DriveKind KindOfDrive(const std::string& directory) override;
   std::uint64_t FreeDiskBytes(const std::string& directory) override;
+
+ private:
+  std::string WritablePath(const std::string& path);
+  std::uint64_t ReadFailsAt(const std::string& path) const;
 };
 
 }  // namespace quiverion::test
