@@ -9,8 +9,10 @@ declare -A allowed=(
   [log]="platform"
   [field]="log platform"
   [operations]="field log platform"
-  [macro]="operations field log platform"
-  [cli]="macro operations field log platform version.h nlohmann CLI"
+  [export]="operations field log platform"
+  [statistics]="operations field log platform"
+  [macro]="statistics export operations field log platform"
+  [cli]="macro statistics export operations field log platform version.h nlohmann CLI"
 )
 
 check() {

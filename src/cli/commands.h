@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "cli/exit_code.h"
 #include "cli/terminal.h"
+#include "statistics/compute_statistic.h"
 
 /// The commands of quiverionseries-cli. Each prints its result on standard output, what went wrong on
 /// standard error, and returns the exit code of the contract.
@@ -23,6 +25,13 @@ int RunSeries(const RunOptions& options);
 int ShowMacro(const std::string& macroPath);
 int ExportMacro(const std::string& macroPath);
 int ImportMacro(const std::string& jsonPath, const std::string& macroPath);
+
+int RunStatistic(StatisticKind kind, const std::string& collectionPath, const std::string& outputPath,
+                 double viscosity);
+
+int ListCollection(const std::string& path, bool json);
+/// `numbers`: from 1 on, none twice.
+int RemoveFromCollection(const std::string& path, const std::vector<std::int32_t>& numbers);
 
 int ShowInfo(const std::string& path, bool json);
 

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "cli/commands.h"
+#include "cli/first_lines.h"
 #include "cli/services.h"
 #include "field/load_original_file.h"
 #include "platform/numbers.h"
@@ -13,26 +14,6 @@ namespace quiverion::cli {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-// Keeps the first lines of a load's log: a file may warn about every vector.
-class FirstLines : public LogSink {
- public:
-  void Write(std::string_view text, const LogFormat& /*format*/) override {
-    lineCount_ += std::count(text.begin(), text.end(), '\n');
-    if (lineCount_ <= kShown) text_ += text;
-  }
-  std::string Text() const {
-    std::string text = text_;
-    std::erase(text, '\r');
-    if (lineCount_ > kShown) text += "... und " + std::to_string(lineCount_ - kShown) + " weitere Zeilen\n";
-    return text;
-  }
-
- private:
-  static constexpr std::ptrdiff_t kShown = 20;
-  std::string text_;
-  std::ptrdiff_t lineCount_ = 0;
-};
 
 struct Range {
   double min = std::nan("");

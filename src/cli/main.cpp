@@ -1,8 +1,12 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
 #include <functional>
 
 #include "cli/commands.h"
 #include "platform/environment.h"
+#include "platform/numbers.h"
+#include "platform/paths.h"
 #include "platform/system_error.h"
 #include "platform/text.h"
 #include "version.h"
@@ -119,6 +123,104 @@ void AddMacro(CLI::App& app, Action& action, FileArguments& files) {
   imported->callback([&] { action = [&files] { return ImportMacro(files.first, files.second); }; });
 }
 
+struct StatisticsArguments {
+  std::string kind;
+  std::string collection;
+  std::string output;
+  std::string viscosity;
+};
+
+constexpr std::pair<std::string_view, StatisticKind> kKinds[] = {
+    {"mean", StatisticKind::mean},
+    {"stddev", StatisticKind::standardDeviation},
+    {"squares", StatisticKind::fluctuationSquares},
+    {"product", StatisticKind::fluctuationProduct},
+    {"turbulence", StatisticKind::turbulence},
+    {"dissipation", StatisticKind::dissipation},
+};
+
+// The whole text must be a number above 0: what a leading number would leave unread ("1,5E-5") is not to be guessed at.
+double ViscosityOf(const StatisticsArguments& arguments, StatisticKind kind) {
+  const std::string& text = arguments.viscosity;
+  if (text.empty()) {
+    if (kind != StatisticKind::dissipation) return 0.0;
+    throw CLI::ValidationError("--viscosity", "für dissipation wird die kinematische Viskosität gebraucht");
+  }
+  const NumberPrefix number = ReadNumberPrefix(text);
+  if (number.length != text.size() || !(number.value > 0.0)) {
+    throw CLI::ValidationError("--viscosity", "'" + text + "': Sie müssen eine Zahl > 0 eingeben!");
+  }
+  return number.value;
+}
+
+void AddStatistics(CLI::App& app, Action& action, StatisticsArguments& arguments) {
+  CLI::App* const statistics = app.add_subcommand("statistics", "Statistik über eine Kollektion berechnen");
+  std::vector<std::string> names;
+  for (const auto& [name, kind] : kKinds) names.emplace_back(name);
+  AddChoice(statistics, "ART", arguments.kind, "mean, stddev, squares, product, turbulence oder dissipation", names)
+      ->required();
+  AddPath(statistics, "KOLLEKTION", arguments.collection, "Kollektion (*.col)");
+  AddPath(statistics, "ERGEBNIS", arguments.output, "Vektorfeld (*.vas), das geschrieben wird")
+      ->check(CLI::Validator(
+          [](std::string& path) {
+            return ExtensionOf(path) == "VAS" ? std::string() : "'" + path + "' endet nicht in .vas";
+          },
+          ""));
+  statistics
+      ->add_option("--viscosity", arguments.viscosity, "kinematische Viskosität in m²/s, für dissipation (z. B. 15E-6)")
+      ->type_name("");
+  statistics->callback([&] {
+    const auto chosen = std::ranges::find(kKinds, arguments.kind, [](const auto& kind) { return kind.first; });
+    const StatisticKind kind = chosen->second;
+    const double viscosity = ViscosityOf(arguments, kind);
+    action = [&arguments, kind, viscosity] {
+      return RunStatistic(kind, arguments.collection, arguments.output, viscosity);
+    };
+  });
+}
+
+struct CollectionArguments {
+  std::string path;
+  std::vector<std::string> numbers;
+  bool json = false;
+};
+
+// Record numbers count from 1; one that is given twice is a slip that must not remove another record.
+std::vector<std::int32_t> RecordNumbersOf(const std::vector<std::string>& texts) {
+  std::vector<std::int32_t> numbers;
+  for (const std::string& text : texts) {
+    std::int32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    if (read.ec != std::errc() || read.ptr != end || number < 1) {
+      throw CLI::ValidationError("NUMMER", "'" + text + "' ist keine Nummer ab 1");
+    }
+    if (std::ranges::find(numbers, number) != numbers.end()) {
+      throw CLI::ValidationError("NUMMER", "'" + text + "' steht zweimal da");
+    }
+    numbers.push_back(number);
+  }
+  return numbers;
+}
+
+void AddCollection(CLI::App& app, Action& action, CollectionArguments& arguments) {
+  CLI::App* const collection = app.add_subcommand("collection", "Kollektionen ansehen und bearbeiten");
+  collection->require_subcommand(1);
+  CLI::App* const list = collection->add_subcommand("list", "Gesammelte Vektorfelder auflisten");
+  AddPath(list, "KOLLEKTION", arguments.path, "Kollektion (*.col)");
+  list->add_flag("--json", arguments.json, "als JSON ausgeben");
+  list->callback([&] { action = [&arguments] { return ListCollection(arguments.path, arguments.json); }; });
+  CLI::App* const remove = collection->add_subcommand("remove", "Vektorfelder aus einer Kollektion entfernen");
+  AddPath(remove, "KOLLEKTION", arguments.path, "Kollektion (*.col)");
+  remove->add_option("NUMMER", arguments.numbers, "Nummern der Vektorfelder, wie list sie zeigt")
+      ->required()
+      ->type_name("");
+  remove->callback([&] {
+    const std::vector<std::int32_t> numbers = RecordNumbersOf(arguments.numbers);
+    action = [&arguments, numbers] { return RemoveFromCollection(arguments.path, numbers); };
+  });
+}
+
 void AddQueries(CLI::App& app, Action& action, FileArguments& files) {
   CLI::App* const info = app.add_subcommand("info", "Inhalt einer VAS-, DAT- oder VEC-Datei zeigen");
   AddPath(info, "DATEI", files.first, "Vektorfeld");
@@ -161,8 +263,12 @@ int Main(int argc, char** argv) {
   Action action;
   RunArguments runArguments;
   FileArguments fileArguments;
+  StatisticsArguments statisticsArguments;
+  CollectionArguments collectionArguments;
   AddRun(app, action, runArguments);
   AddMacro(app, action, fileArguments);
+  AddStatistics(app, action, statisticsArguments);
+  AddCollection(app, action, collectionArguments);
   AddQueries(app, action, fileArguments);
   UseGerman(app, std::make_shared<GermanHelp>());
 

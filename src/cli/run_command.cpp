@@ -92,12 +92,6 @@ bool AddInput(Session& session, const std::string& input) {
   return true;
 }
 
-int Outcome(const Services& services) {
-  const Context& context = services.session.context;
-  if (context.userAbortRequested) return kAborted;
-  return context.runHadError ? static_cast<int>(kFailed) : services.Done();
-}
-
 }  // namespace
 
 int RunSeries(const RunOptions& options) {
@@ -137,7 +131,7 @@ int RunSeries(const RunOptions& options) {
     return kFailed;
   }
   services.log.Flush();
-  int code = Outcome(services);
+  int code = services.Outcome();
   try {
     if (logFile) logFile->Save();
   } catch (const SystemError& error) {

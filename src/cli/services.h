@@ -21,6 +21,12 @@ struct Services {
 
   /// The exit code of a command that has printed its result.
   int Done() const { return terminal.OutputFailed() ? kFailed : kDone; }
+
+  /// The exit code of operations that set the flags of the context.
+  int Outcome() const {
+    if (session.context.userAbortRequested) return kAborted;
+    return session.context.runHadError ? kFailed : Done();
+  }
 };
 
 }  // namespace quiverion::cli

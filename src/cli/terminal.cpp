@@ -97,13 +97,33 @@ void Terminal::RunStarted(const RunProgress& /*progress*/) {
 }
 
 void Terminal::ShowProgress(const RunProgress& progress) {
-  if (!showProgress_ || insideLine_) return;
+  if (insideLine_ || !IsTimeForProgress()) return;
+  WriteProgress(ProgressText(progress, std::chrono::duration<double>(lastShown_ - start_).count()));
+}
+
+bool Terminal::IsTimeForProgress() {
+  if (!showProgress_) return false;
   const Time now = std::chrono::steady_clock::now();
-  if (now - lastShown_ < std::chrono::milliseconds(100)) return;
+  if (now - lastShown_ < std::chrono::milliseconds(100)) return false;
   lastShown_ = now;
-  const std::string text = ProgressText(progress, std::chrono::duration<double>(now - start_).count());
-  WriteToStream(StandardStream::error, "\r\x1b[K" + text);
+  return true;
+}
+
+void Terminal::WriteProgress(std::string_view text) {
+  WriteToStream(StandardStream::error, "\r\x1b[K" + std::string(text));
   progressShown_ = true;
+}
+
+void Terminal::ComputationStarted() {
+  start_ = lastShown_ = std::chrono::steady_clock::now();
+}
+
+void Terminal::ShowComputation(std::int64_t done, std::int64_t total) {
+  if (IsTimeForProgress()) WriteProgress("Statistik: " + std::to_string(100 * done / total) + " %");
+}
+
+void Terminal::ComputationEnded() {
+  EraseProgress();
 }
 
 void Terminal::RunEnded() {

@@ -19,6 +19,9 @@ class Terminal : public UserInterface {
   void RunStarted(const RunProgress& progress) override;
   void ShowProgress(const RunProgress& progress) override;
   void RunEnded() override;
+  void ComputationStarted() override;
+  void ShowComputation(std::int64_t done, std::int64_t total) override;
+  void ComputationEnded() override;
   bool Yield() override;
 
   void Print(std::string_view text);
@@ -31,6 +34,9 @@ class Terminal : public UserInterface {
   static void CatchSignals();
 
  private:
+  // True at most ten times a second.
+  bool IsTimeForProgress();
+  void WriteProgress(std::string_view text);
   void EraseProgress();
 
   using Time = std::chrono::steady_clock::time_point;

@@ -28,6 +28,26 @@ struct Context {
   bool abortCurrentFile = false;    // skip the rest of the commands for this file
   bool runHadError = false;         // the run has seen an error or a warning
   bool userAbortRequested = false;  // end the run before the next command
+
+  bool busy = false;  // an entry point is running; see BusyGuard
+};
+
+/// Keeps a yield from starting a second entry point: each takes a guard first and leaves where it did not get
+/// in.
+class BusyGuard {
+ public:
+  explicit BusyGuard(Context& context) : context_(context), entered_(!context.busy) { context.busy = true; }
+  ~BusyGuard() {
+    if (entered_) context_.busy = false;
+  }
+  BusyGuard(const BusyGuard&) = delete;
+  BusyGuard& operator=(const BusyGuard&) = delete;
+
+  bool Entered() const { return entered_; }
+
+ private:
+  Context& context_;
+  bool entered_;
 };
 
 }  // namespace quiverion

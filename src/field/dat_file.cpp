@@ -16,10 +16,6 @@
 namespace quiverion {
 namespace {
 
-// Grid points without a data line are allowed, so a header alone could ask for any amount of memory. A file
-// may have this many points, and one more for each of its bytes (a data line has sixteen at least).
-constexpr std::int64_t kPointsWithoutData = 1024 * 1024;
-
 class HeaderReader {
  public:
   HeaderReader(DatFields& fields, std::string_view wrongKind) : fields_(fields), wrongKind_(wrongKind) {}
@@ -98,11 +94,7 @@ void PlaceGrid(VectorField& field, std::uint64_t fileSize) {
       CheckedInt32(height - FirstDistance(field.gridStepY, halfH, height - halfH, "    Interrogation Window zu hoch!"));
   const std::int64_t columns = (width - field.firstPixelX - halfW) / field.gridStepX + 1;
   const std::int64_t rows = (field.firstPixelY - halfH) / field.gridStepY + 1;
-  if (columns > 0 && rows > 0) {
-    const std::int64_t limit =
-        kPointsWithoutData + static_cast<std::int64_t>(std::min(fileSize, std::uint64_t{1} << 40));
-    if (columns > limit / rows) throw SystemError(ErrorNumber::outOfMemory);
-  }
+  CheckSparseGrid(columns, rows, fileSize);
   CreateArrays(field, CheckedInt32(columns), CheckedInt32(rows));
 }
 

@@ -13,12 +13,22 @@ void LogLine(RunLog& log, std::string_view line) {
   log.WriteLogLine(piece);
 }
 
-void FailSave(Context& context, std::string_view sentence, const SystemError& error) {
-  LogLines(context.log, {kErrorMark, sentence, ErrorLine(error)});
+}  // namespace
+
+void FailSave(Context& context, std::string_view sentence, const std::exception& error) {
+  LogLines(context.log, {kErrorMark, sentence, ErrorLine(AsSystemError(error))});
   context.runHadError = true;
 }
 
-}  // namespace
+void WarnLostCharacters(Context& context, std::string_view text) {
+  LogWarning(context, {"    Zeichen, die der Zeichensatz der Datei nicht kennt, werden als '?' gespeichert: '" +
+                       std::string(text) + "'"});
+}
+
+std::string WriteFailedSentence(const std::string& path) {
+  return "    Die Datei '" + path +
+         "' kann nicht gespeichert werden, da während des Schreibens folgender Fehler aufgetreten ist:";
+}
 
 void LogLines(RunLog& log, std::initializer_list<std::string_view> lines) {
   for (const std::string_view line : lines) LogLine(log, line);
@@ -67,7 +77,7 @@ bool RunSaveFrame(Context& context, const std::string& path, const std::function
   try {
     file.emplace(context.files, &context.ui, path);
   } catch (const std::exception& error) {
-    FailSave(context, wording.openFailed, AsSystemError(error));
+    FailSave(context, wording.openFailed, error);
     return false;
   }
   try {
@@ -76,10 +86,7 @@ bool RunSaveFrame(Context& context, const std::string& path, const std::function
   } catch (const std::exception& error) {
     if (file->Cancelled()) context.userAbortRequested = true;
     file.reset();
-    FailSave(context,
-             "    Die Datei '" + path +
-                 "' kann nicht gespeichert werden, da während des Schreibens folgender Fehler aufgetreten ist:",
-             AsSystemError(error));
+    FailSave(context, WriteFailedSentence(path), error);
     return false;
   }
   LogLine(context.log, "fertig");

@@ -44,6 +44,15 @@ void FailLoad(Context& context, std::initializer_list<std::string_view> lines);
 /// `abortCurrentFile`; nothing is thrown. The announcement has been logged by the caller.
 void RunLoadFrame(Context& context, const std::string& path, const std::function<void(InputFile&)>& read);
 
+/// Logs the error mark, `sentence` and the error and sets `runHadError`.
+void FailSave(Context& context, std::string_view sentence, const std::exception& error);
+
+/// Logs that characters of `text` which Windows-1252 lacks were written as "?", a warning.
+void WarnLostCharacters(Context& context, std::string_view text);
+
+/// The sentence about a file that could not be written to its end.
+std::string WriteFailedSentence(const std::string& path);
+
 /// Wording of a save frame; the exports have a sentence of their own for a file that cannot be opened.
 struct SaveWording {
   std::string_view openFailed =

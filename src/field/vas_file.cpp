@@ -71,10 +71,7 @@ void WriteVas(Context& context, ResultFile& file) {
                                  (field.showVectorField ? kVectorFieldFlag : 0);
   const auto background = static_cast<std::int32_t>(field.background);
   vas::View(writer, field, viewFlags, background);
-  if (writer.LostText()) {
-    LogWarning(context, {"    Zeichen, die der Zeichensatz der Datei nicht kennt, werden als '?' gespeichert: '" +
-                         *writer.LostText() + "'"});
-  }
+  if (writer.LostText()) WarnLostCharacters(context, *writer.LostText());
 }
 
 }  // namespace

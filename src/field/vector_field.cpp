@@ -32,13 +32,19 @@ void CreateArraysWith(VectorField& field, std::int32_t columns, std::int32_t row
 
 }  // namespace
 
+void CheckSparseGrid(std::int64_t columns, std::int64_t rows, std::uint64_t fileSize) {
+  constexpr std::int64_t pointsWithoutData = 1024 * 1024;
+  const std::int64_t limit = pointsWithoutData + static_cast<std::int64_t>(std::min(fileSize, std::uint64_t{1} << 40));
+  if (columns > 0 && rows > 0 && columns > limit / rows) throw SystemError(ErrorNumber::outOfMemory);
+}
+
 void ResetStreamlines(VectorField& field) {
   field.streamlineCount = 0;
   field.streamlineSetting = 0;
   field.streamlines = {};
 }
 
-void ResetForLoad(VectorField& field, const std::string& path) {
+void ResetHeader(VectorField& field) {
   VectorField fresh;
   fresh.colours = kDefaultColours;
   fresh.paletteSetting = field.paletteSetting;
@@ -52,8 +58,14 @@ void ResetForLoad(VectorField& field, const std::string& path) {
   std::swap(fresh.velY, field.velY);
   std::swap(fresh.status, field.status);
   std::swap(fresh.derivedScalar, field.derivedScalar);
+  fresh.filePath.swap(field.filePath);
+  fresh.fileName.swap(field.fileName);
+  fresh.fileDirectory.swap(field.fileDirectory);
   field = std::move(fresh);
-  ResetStreamlines(field);
+}
+
+void ResetForLoad(VectorField& field, const std::string& path) {
+  ResetHeader(field);
   field.filePath = path;
   field.fileName = FileNameOf(path);
   field.fileDirectory = DirectoryOf(path);

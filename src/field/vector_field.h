@@ -94,10 +94,17 @@ inline void ChangeValidCount(VectorField& field, std::int64_t change) {
 /// Empties the streamline table.
 void ResetStreamlines(VectorField& field);
 
-/// What a load does before it opens `path`: everything takes its default except the arrays and grid size,
-/// which the reader sets (CreateArrays), and `paletteSetting` and `viewerSettings`, which keep the values of
-/// the field before.
+/// Everything takes its default except the arrays and grid size, the paths, and `paletteSetting` and `viewerSettings`, which
+/// keep the values of the field before.
+void ResetHeader(VectorField& field);
+
+/// What a load does before it opens `path`: resets the header and sets the paths. The reader sets arrays and grid size
+/// (CreateArrays).
 void ResetForLoad(VectorField& field, const std::string& path);
+
+/// For formats that do not hold every point of their grid, whose header alone could ask for any amount of memory: a file
+/// may have 2^20 points and one more for each of its bytes. Throws SystemError 7 for more; counts below 1 pass.
+void CheckSparseGrid(std::int64_t columns, std::int64_t rows, std::uint64_t fileSize);
 
 /// Creates all six arrays with the given size, zero-filled. Throws SystemError 9 for counts below 1 and 7
 /// where the memory is not there.

@@ -6,7 +6,7 @@
 #include "operations/vortex_centres.h"
 #include "platform/numbers.h"
 #include "platform/paths.h"
-#include "platform/system_error.h"
+#include "statistics/collect.h"
 
 namespace quiverion::actions {
 namespace {
@@ -82,10 +82,8 @@ void VortexCentres(const CommandCall& call) {
   FindVortexCentres(call.context, call.event.Text("FileName"), call.event.Flag("AutoTrafo"));
 }
 
-void NotAvailable(const CommandCall& call) {
-  const std::int32_t eventId = call.event.EventId();
-  throw SystemError(ErrorNumber::invalidCall, "der Befehl '" + std::string(MacroEventDescription(eventId, true)) +
-                                                  "' ist in dieser Version nicht enthalten");
+void CollectStatistics(const CommandCall& call) {
+  CollectForStatistics(call.context, call.event.Text("FileName"));
 }
 
 }  // namespace quiverion::actions

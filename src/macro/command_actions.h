@@ -42,6 +42,17 @@ void Components(const CommandCall& call) {
   operation(call.context, call.event.Number("XComp"), call.event.Number("YComp"));
 }
 
+/// An export into a text file beside the input.
+template <void (*operation)(Context&, const std::string&)>
+void TextExport(const CommandCall& call) {
+  operation(call.context, OutputPath(call, ".txt"));
+}
+
+template <void (*operation)(Context&, const std::string&)>
+void CsvExport(const CommandCall& call) {
+  operation(call.context, OutputPath(call, ".csv"));
+}
+
 void SaveAsVas(const CommandCall& call);
 void InsertComment(const CommandCall& call);
 void LoadBuffer(const CommandCall& call);
@@ -49,8 +60,6 @@ void FaultVectors(const CommandCall& call);
 void Mirror(const CommandCall& call);
 void XYTrafo(const CommandCall& call);
 void VortexCentres(const CommandCall& call);
-
-/// A command whose operation this version does not have fails like any other: SystemError 5 that names it.
-void NotAvailable(const CommandCall& call);
+void CollectStatistics(const CommandCall& call);
 
 }  // namespace quiverion::actions

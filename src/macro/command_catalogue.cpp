@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "export/text_exports.h"
 #include "field/buffer_commands.h"
 #include "macro/command_actions.h"
 #include "operations/filters.h"
@@ -62,23 +63,23 @@ constexpr CommandRow kRows[] = {
      "Datei im VAS-Format speichern unter...", kNames, 90, actions::SaveAsVas},
     Menu(10100, "evtStanfordMenu", 10000, "Exportieren für Stanford", "'Exportieren für Stanford'-Menü"),
     {10101, "evtStanfordVectorField", 10100, "Vektorfeld",
-     "Vektorfeld für Stanford exportieren", kNames, 500, actions::NotAvailable},
+     "Vektorfeld für Stanford exportieren", kNames, 500, actions::TextExport<ExportStanfordVectorField>},
     {10102, "evtStanfordSwirl2", 10100, "(Swirling Strength)²",
-     "(Swirling Strength)² für Stanford exportieren", kNames, 50, actions::NotAvailable},
+     "(Swirling Strength)² für Stanford exportieren", kNames, 50, actions::TextExport<ExportStanfordSwirl2>},
     {10103, "evtStanfordVorticity", 10100, "Vorticity",
-     "Vorticity für Stanford exportieren", kNames, 50, actions::NotAvailable},
+     "Vorticity für Stanford exportieren", kNames, 50, actions::TextExport<ExportStanfordVorticity>},
     {10104, "evtStanfordVelocityProfile", 10100, "Geschwindigkeitsprofil",
-     "Geschwindigkeitsprofil für Stanford exportieren", kNames, 10, actions::NotAvailable},
+     "Geschwindigkeitsprofil für Stanford exportieren", kNames, 10, actions::TextExport<ExportStanfordVelocityProfile>},
     Menu(10200, "evtTecPlotMenu", 10000, "Exportieren für TecPlot", "'Exportieren für TecPlot'-Menü"),
     {10201, "evtTecPlotSwirl", 10200, "Swirling Strength",
-     "Swirling Strength für TecPlot exportieren", kNames, 250, actions::NotAvailable},
+     "Swirling Strength für TecPlot exportieren", kNames, 250, actions::TextExport<ExportTecPlotSwirl>},
     {10202, "evtTecPlotVorticity", 10200, "Vorticity",
-     "Vorticity für TecPlot exportieren", kNames, 300, actions::NotAvailable},
+     "Vorticity für TecPlot exportieren", kNames, 300, actions::TextExport<ExportTecPlotVorticity>},
     Menu(10300, "evtMatlabMenu", 10000, "Exportieren für Matlab", "'Exportieren für Matlab'-Menü"),
     {10301, "evtMatlabVectorField", 10300, "Vektorfeld",
-     "Vektorfeld für Matlab exportieren", kNames, 400, actions::NotAvailable},
+     "Vektorfeld für Matlab exportieren", kNames, 400, actions::CsvExport<ExportMatlabVectorField>},
     {10302, "evtMatlabSwirl2", 10300, "(Swirling Strength)²",
-     "(Swirling Strength)² für Matlab exportieren", kNames, 50, actions::NotAvailable},
+     "(Swirling Strength)² für Matlab exportieren", kNames, 50, actions::CsvExport<ExportMatlabSwirl2>},
     Menu(20000, "evtBufferMenu", 0, "Buffer", "'Buffer'-Menü"),
     {20002, "evtLoadBuffer", 20000, "Datei in Buffer einladen",
      "Vektorfeld aus Datei in Buffer einladen", kFileName, 0, actions::LoadBuffer},
@@ -148,7 +149,7 @@ constexpr CommandRow kRows[] = {
      "Optimale Werte für Farbpalette suchen", {}, 0, actions::Plain<FindOptimalPalette>},
     Menu(60000, "evtStatisticsMenu", 0, "Statistik", "'Statistik'-Menü"),
     {60001, "evtCollectStatistics", 60000, "Vektorfeld für Statistik sammeln",
-     "Vektorfeld für Statistik in Datei (Kollektion) sammeln", kFileName, 0, actions::NotAvailable},
+     "Vektorfeld für Statistik in Datei (Kollektion) sammeln", kFileName, 0, actions::CollectStatistics},
 };
 // clang-format on
 

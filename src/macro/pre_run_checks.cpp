@@ -89,7 +89,7 @@ bool PreRunChecks(Session& session) {
 }
 
 bool StartRun(Session& session, const std::function<void()>& beforeRun) {
-  const BusyGuard guard(session);
+  const BusyGuard guard(session.context);
   if (!guard.Entered()) return false;
   if (session.selectedFiles.empty()) {
     return Refuse(session, "QuiverionSeries", "Sie müssen mindestens eine Datei auswählen!", MessageIcon::information);

@@ -22,27 +22,7 @@ struct Session {
   std::vector<std::string> selectedFiles;  // names without directory, in the order of the file list
   std::string inputDirectory;              // ends in a separator
 
-  bool busy = false;  // an entry point is running; see BusyGuard
-
   std::int32_t SelectedFileCount() const { return static_cast<std::int32_t>(selectedFiles.size()); }
-};
-
-/// Keeps a yield from starting a second entry point: each takes a guard first and leaves where it did not get
-/// in.
-class BusyGuard {
- public:
-  explicit BusyGuard(Session& session) : session_(session), entered_(!session.busy) { session.busy = true; }
-  ~BusyGuard() {
-    if (entered_) session_.busy = false;
-  }
-  BusyGuard(const BusyGuard&) = delete;
-  BusyGuard& operator=(const BusyGuard&) = delete;
-
-  bool Entered() const { return entered_; }
-
- private:
-  Session& session_;
-  bool entered_;
 };
 
 }  // namespace quiverion

@@ -68,11 +68,6 @@ void WriteMaxima(const Context& context, const Marks& marks, ResultFile& file) {
   });
 }
 
-void LogWriteError(Context& context, std::string_view sentence, const std::exception& error) {
-  LogLines(context.log, {kErrorMark, sentence, ErrorLine(AsSystemError(error))});
-  context.runHadError = true;
-}
-
 enum class Outcome { done, failed, cancelled };
 
 // Nothing of a failed or cancelled append stays in the file.
@@ -82,10 +77,9 @@ Outcome AppendMaxima(Context& context, const std::string& path, const Marks& mar
   try {
     file.emplace(context.files, &context.ui, path, Opening::append);
   } catch (const std::exception& error) {
-    LogWriteError(
-        context,
-        "    Gefundene Maxima können nicht gespeichert werden, da beim Öffnen folgender Fehler aufgetreten ist:",
-        error);
+    FailSave(context,
+             "    Gefundene Maxima können nicht gespeichert werden, da beim Öffnen folgender Fehler aufgetreten ist:",
+             error);
     return Outcome::failed;
   }
   try {
@@ -98,10 +92,10 @@ Outcome AppendMaxima(Context& context, const std::string& path, const Marks& mar
       return Outcome::cancelled;
     }
     file.reset();
-    LogWriteError(context,
-                  "    In die Datei '" + path +
-                      "' kann nicht gespeichert werden, da während des Schreibens folgender Fehler aufgetreten ist:",
-                  error);
+    FailSave(context,
+             "    In die Datei '" + path +
+                 "' kann nicht gespeichert werden, da während des Schreibens folgender Fehler aufgetreten ist:",
+             error);
     return Outcome::failed;
   }
   return Outcome::done;

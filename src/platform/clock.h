@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 namespace quiverion {
 
 class Clock {
@@ -8,11 +10,15 @@ class Clock {
 
   /// Seconds since local midnight, in single precision like every duration the log shows.
   virtual float SecondsSinceMidnight() const = 0;
+
+  /// Local date and time as the results carry it, "23.11.2026 14:05:09".
+  virtual std::string DateAndTime() const = 0;
 };
 
 class SystemClock : public Clock {
  public:
   float SecondsSinceMidnight() const override;
+  std::string DateAndTime() const override;
 };
 
 }  // namespace quiverion

@@ -18,7 +18,7 @@ constexpr int kAllDigits = 15;
 // In this range a number times the power of ten that leaves 15 digits before the point is an exact product of two
 // 64-bit integers, shifted right by 1 to 62 bits.
 constexpr int kSmallestExponent = -10;
-constexpr double kPowersOfTen[] = {1E-10, 1E-9, 1E-8, 1E-7, 1E-6, 1E-5, 1E-4, 1E-3, 1E-2, 1E-1, 1E0,  1E1, 1E2,
+constexpr double kPowersOfTen[] = {1E-10, 1E-9, 1E-8, 1E-7, 1E-6, 1E-5, 1E-4, 1E-3, 1E-2, 1E-1, 1E0,  1E1,  1E2,
                                    1E3,   1E4,  1E5,  1E6,  1E7,  1E8,  1E9,  1E10, 1E11, 1E12, 1E13, 1E14, 1E15};
 
 constexpr std::array<std::uint64_t, 25> PowersOfFive() {

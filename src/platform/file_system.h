@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/system_error.h"
+
 namespace quiverion {
 
 /// A file that is read. Closed on destruction.
@@ -120,6 +122,19 @@ bool FileExists(FileSystem& files, const std::string& path);
 /// Creates every directory along `path`: for each separator the directory named by what stands before it.
 /// Errors are ignored.
 void CreatePathDirectories(FileSystem& files, const std::string& path);
+
+/// What `open` returns. Where it throws that the path was not found, the directories along `path` are created and it is
+/// called once more: nearly always the directory is there, and only where it is not the way along the path is looked at.
+template <class Open>
+auto OpenWithDirectories(FileSystem& files, const std::string& path, Open open) {
+  try {
+    return open();
+  } catch (const SystemError& error) {
+    if (error.Number() != ErrorNumber::pathNotFound) throw;
+    CreatePathDirectories(files, path);
+    return open();
+  }
+}
 
 /// The whole content. Throws SystemError.
 std::string ReadWholeFile(FileSystem& files, const std::string& path);

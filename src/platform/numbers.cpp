@@ -154,7 +154,8 @@ char* FormatNumberTo(char* buffer, double value, int digits, char decimalSeparat
   if (value < 0) *buffer++ = '-';
   // The magnitude itself decides on the notation, not its rounded digits: 999999999999999.9 stays fixed.
   const bool fixedNotation = magnitude >= 1E-4 && magnitude < 1E15;
-  return fixedNotation ? WriteFixed(buffer, number, decimalSeparator) : WriteScientific(buffer, number, decimalSeparator);
+  return fixedNotation ? WriteFixed(buffer, number, decimalSeparator)
+                       : WriteScientific(buffer, number, decimalSeparator);
 }
 
 std::string FormatNumber(double value, char decimalSeparator) {

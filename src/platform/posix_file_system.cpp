@@ -199,9 +199,8 @@ class PosixUpdatedFile : public PosixReadableFile<UpdatedFile> {
 
   std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) override {
     const WritePieces list(pieces);
-    return Written([&] {
-      return ::pwritev(descriptor_.Number(), list.List(), list.Count(), static_cast<off_t>(position));
-    });
+    return Written(
+        [&] { return ::pwritev(descriptor_.Number(), list.List(), list.Count(), static_cast<off_t>(position)); });
   }
 
   void SetLength(std::uint64_t length) override {
@@ -389,7 +388,8 @@ class PosixFileSystem : public FileSystem {
 
   std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path, MissingFile missing) override {
     const OpenedTarget target = OpenTarget(OpenablePath(path), O_RDWR, missing);
-    return std::make_unique<PosixUpdatedFile>(target.descriptor, static_cast<std::uint64_t>(target.length), target.isNew);
+    return std::make_unique<PosixUpdatedFile>(target.descriptor, static_cast<std::uint64_t>(target.length),
+                                              target.isNew);
   }
 
   void RemoveFileQuietly(const std::string& path) override {

@@ -13,19 +13,10 @@ constexpr std::size_t kMaxKept = 16;
 
 }  // namespace
 
-ResultFile::ResultFile(FileSystem& files, UserInterface* ui, const std::string& path, Opening opening)
-    : retry_(ui) {
-  const auto open = [&] {
+ResultFile::ResultFile(FileSystem& files, UserInterface* ui, const std::string& path, Opening opening) : retry_(ui) {
+  file_ = OpenWithDirectories(files, path, [&] {
     return opening == Opening::append ? files.OpenForAppending(path) : files.CreateResultFile(path);
-  };
-  try {
-    file_ = open();
-  } catch (const SystemError& error) {
-    // Nearly always the directory is there; only where it is not the way along the path is looked at.
-    if (error.Number() != ErrorNumber::pathNotFound) throw;
-    CreatePathDirectories(files, path);
-    file_ = open();
-  }
+  });
 }
 
 void ResultFile::WriteOut() {

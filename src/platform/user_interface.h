@@ -7,7 +7,7 @@
 namespace quiverion {
 
 enum class MessageButtons { ok, retryCancel, abortRetryIgnore };
-enum class MessageIcon { information, warning };
+enum class MessageIcon { information, warning, critical };
 enum class MessageAnswer { ok, retry, cancel, abort, ignore };
 
 /// A message box. Texts are German UTF-8; lines of `text` are separated by "\r\n".
@@ -45,6 +45,14 @@ class UserInterface {
   virtual void ShowProgress(const RunProgress& progress) = 0;
 
   virtual void RunEnded() = 0;
+
+  /// A computation outside a run begins: no other entry point of the core may be called until ComputationEnded.
+  virtual void ComputationStarted() = 0;
+
+  /// `done` of `total` (at least 1) steps of the computation are behind it.
+  virtual void ShowComputation(std::int64_t done, std::int64_t total) = 0;
+
+  virtual void ComputationEnded() = 0;
 
   /// Lets pending events through. Returns true where the user has asked (and confirmed) that the run be
   /// aborted, once or at every further call.

@@ -59,7 +59,8 @@ class MemoryUpdatedFile : public MemoryReadableFile<UpdatedFile> {
   bool IsNew() const override { return isNew_; }
 
   std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) override {
-    const auto first = std::find_if(pieces.begin(), pieces.end(), [](std::string_view piece) { return !piece.empty(); });
+    const auto first =
+        std::find_if(pieces.begin(), pieces.end(), [](std::string_view piece) { return !piece.empty(); });
     const std::size_t count = TakeDiskSpace(system_.faults, first->size());
     const auto at = static_cast<std::size_t>(position);
     if (content_.size() < at + count) content_.resize(at + count, '\0');

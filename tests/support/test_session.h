@@ -21,6 +21,7 @@ class ScriptedUi : public UserInterface {
 
   std::vector<Message> messages;
   std::vector<RunProgress> progress;
+  std::vector<std::pair<std::int64_t, std::int64_t>> computation;  // done, total
   int yields = 0;
   bool running = false;
 
@@ -35,6 +36,9 @@ class ScriptedUi : public UserInterface {
   void RunStarted(const RunProgress& /*progress*/) override { running = true; }
   void ShowProgress(const RunProgress& shown) override { progress.push_back(shown); }
   void RunEnded() override { running = false; }
+  void ComputationStarted() override { running = true; }
+  void ShowComputation(std::int64_t done, std::int64_t total) override { computation.emplace_back(done, total); }
+  void ComputationEnded() override { running = false; }
   bool Yield() override { return ++yields == abortAtYield; }
 };
 
@@ -65,6 +69,7 @@ class ScriptedClock : public Clock {
     if (times.size() > 1) times.pop_front();
     return time;
   }
+  std::string DateAndTime() const override { return "01.02.2003 04:05:06"; }
 };
 
 /// A program in memory: a session with all services faked.

@@ -1,0 +1,22 @@
+#include "cli/commands.h"
+#include "cli/first_lines.h"
+#include "cli/services.h"
+
+namespace quiverion::cli {
+
+int RunStatistic(StatisticKind kind, const std::string& collectionPath, const std::string& outputPath,
+                 double viscosity) {
+  Services services;
+  FirstLines lines;
+  services.log.Attach(lines);
+  const bool computed = ComputeStatistic(services.session.context, kind, collectionPath, outputPath, viscosity);
+  if (!computed) {
+    services.terminal.PrintError("Kollektion: '" + collectionPath + "'\n");
+    return kFailed;
+  }
+  const int code = services.Outcome();
+  if (code != kDone) services.terminal.PrintError(lines.Text());
+  return code;
+}
+
+}  // namespace quiverion::cli

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "field/context.h"
+
+namespace quiverion {
+
+/// Appends the current field to a collection, which is created (with missing directories) where there is none: source path,
+/// velocities, and which vectors are valid. Only the numbers of columns and rows must be those of the collection.
+///
+/// Logs the announcement and the outcome. A failure sets `runHadError`, never `abortCurrentFile`; Cancel on a full disk also
+/// sets `userAbortRequested`. The count of fields is written last: wherever an append stops, the fields collected before
+/// are there, and the next append overwrites what it has left behind them.
+void CollectForStatistics(Context& context, const std::string& collectionPath);
+
+}  // namespace quiverion

@@ -1,0 +1,176 @@
+#include "statistics/collection_contents.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string_view>
+
+#include "field/binary_writer.h"
+#include "field/frames.h"
+#include "platform/write_retry.h"
+#include "statistics/collection_reader.h"
+
+namespace quiverion {
+namespace {
+
+constexpr std::string_view kErrorTitle = "QuiverionSeries - FEHLER";
+constexpr std::string_view kWritingFailed = "Beim Schreiben der Kollektion ist der folgende Fehler aufgetreten:";
+
+void ShowBox(Context& context, std::string_view title, std::string text, MessageIcon icon = MessageIcon::warning) {
+  context.ui.Ask({.title = std::string(title), .text = std::move(text), .icon = icon});
+}
+
+void ShowError(Context& context, std::string_view title, std::string_view sentence, const std::exception& error) {
+  ShowBox(context, title, std::string(sentence) + "\r\n\r\n" + ErrorText(AsSystemError(error)));
+}
+
+// Throws FormatError for anything but a collection of version 1.
+CollectionHeader ReadHeader(BinaryReader& reader) {
+  const bool isCollection = IsCollection(reader);
+  std::int16_t version = 0;
+  if (isCollection) {
+    const std::uint64_t counts = reader.Position();
+    reader.Int16(version);
+    reader.MoveTo(counts);
+  }
+  if (version != 1) throw FormatError("    COL-Datei ist nicht von QuiverionSeries!");
+  return ReadCollectionHeader(reader);
+}
+
+CollectionContents ReadContents(InputFile& file) {
+  BinaryReader reader(file);
+  CollectionContents contents{ReadHeader(reader), {}};
+  for (std::int32_t k = 0; k < contents.header.fieldCount; ++k) {
+    reader.MoveTo(RecordPosition(contents.header, k));
+    contents.sourcePaths.push_back(ReadSourcePath(reader));
+  }
+  return contents;
+}
+
+// Moves records inside a file and gives it its new count.
+class Removal {
+ public:
+  explicit Removal(UpdatedFile& file) : file_(file) {
+    BinaryReader reader(file);
+    header_ = ReadHeader(reader);
+  }
+
+  // Returns the header with its new count.
+  CollectionHeader Run(const std::vector<std::int32_t>& numbers) {
+    std::int32_t last = header_.fieldCount;
+    std::vector<bool> selected(static_cast<std::size_t>(last) + 1);
+    for (const std::int32_t number : numbers) {
+      if (number < 1 || number > last) throw SystemError(ErrorNumber::indexOutOfRange);
+      selected[static_cast<std::size_t>(number)] = true;
+    }
+    std::int32_t hole = 1;
+    for (auto remaining = std::count(selected.begin(), selected.end(), true); remaining > 0; --remaining, --last) {
+      if (selected[static_cast<std::size_t>(last)]) continue;
+      while (!selected[static_cast<std::size_t>(hole)]) ++hole;
+      CopyCollectionRecord(last, hole);
+      ++hole;
+    }
+    header_.fieldCount = last;
+    ByteString count;
+    BinaryWriter(count).Int32(last);
+    Write(collection::kFieldCountAt, count.bytes);
+    file_.Close();
+    return header_;
+  }
+
+ private:
+  // Record numbers are counted from 1.
+  void CopyCollectionRecord(std::int32_t source, std::int32_t target) {
+    constexpr std::uint64_t blockSize = 256 * 1024;
+    std::uint64_t left = collection::RecordBytes(header_.VectorCount());
+    block_.resize(static_cast<std::size_t>(std::min(blockSize, left)));
+    file_.Seek(RecordPosition(header_, source - 1));
+    for (std::uint64_t position = RecordPosition(header_, target - 1); left > 0;) {
+      const auto size = static_cast<std::size_t>(std::min(blockSize, left));
+      if (file_.Read(block_.data(), size) < size) throw SystemError(ErrorNumber::endOfFile);
+      Write(position, std::string_view(block_).substr(0, size));
+      position += size;
+      left -= size;
+    }
+  }
+
+  void Write(std::uint64_t position, std::string_view bytes) {
+    std::array pieces = {bytes};
+    WriteAllPieces(pieces, [&](std::span<const std::string_view> rest) {
+      const std::size_t written = file_.WriteSomePiecesAt(position, rest);
+      position += written;
+      return written;
+    });
+  }
+
+  UpdatedFile& file_;
+  CollectionHeader header_;
+  std::string block_;
+};
+
+}  // namespace
+
+std::optional<CollectionContents> ReadCollectionContents(Context& context, const std::string& collectionPath) {
+  std::unique_ptr<InputFile> file;
+  try {
+    file = context.files.OpenForReading(collectionPath);
+  } catch (const std::exception& error) {
+    ShowError(context, "QuiverionSeries  -  FEHLER",
+              "Beim Öffnen der Kollektion ist der folgende Fehler aufgetreten:", error);
+    return std::nullopt;
+  }
+  try {
+    return ReadContents(*file);
+  } catch (const FormatError& error) {
+    ShowBox(context, kErrorTitle, error.Message());
+  } catch (const std::exception& error) {
+    ShowError(context, kErrorTitle, "Beim Einlesen der Kollektion ist der folgende Fehler aufgetreten:", error);
+  }
+  return std::nullopt;
+}
+
+RemovalOutcome RemoveRecords(Context& context, const std::string& collectionPath,
+                             const std::vector<std::int32_t>& numbers) {
+  CollectionHeader header;
+  try {
+    const auto file = context.files.OpenForUpdating(collectionPath, MissingFile::fail);
+    header = Removal(*file).Run(numbers);
+  } catch (const FormatError& error) {
+    ShowBox(context, kErrorTitle, error.Message());
+    return RemovalOutcome::failed;
+  } catch (const std::exception& error) {
+    ShowError(context, kErrorTitle, kWritingFailed, error);
+    return RemovalOutcome::failed;
+  }
+  if (header.fieldCount < 1) {
+    context.files.RemoveFileQuietly(collectionPath);
+    ShowBox(context, "QuiverionSeries - Kollektion gelöscht",
+            "Da alle Vektorfelder entfernt wurden, wurde damit die Kollektion vollständig gelöscht.",
+            MessageIcon::information);
+    return RemovalOutcome::collectionDeleted;
+  }
+  try {
+    SetFileSize(context.files, collectionPath, RecordPosition(header, header.fieldCount));
+  } catch (const SystemError& error) {
+    ShowBox(context, "Schwerer Fehler", error.Description(), MessageIcon::critical);
+    return RemovalOutcome::lengthNotSet;
+  }
+  return RemovalOutcome::removed;
+}
+
+void SetFileSize(FileSystem& files, const std::string& path, std::uint64_t length) {
+  std::unique_ptr<UpdatedFile> file;
+  const auto step = [](const char* failure, auto action) {
+    try {
+      action();
+    } catch (const SystemError& error) {
+      throw SystemError::Saying(error.Number(), failure);
+    }
+  };
+  step("Fehler beim Öffnen der Datei zum Einstellen der neuen Dateigröße!",
+       [&] { file = files.OpenForUpdating(path, MissingFile::fail); });
+  step("Fehler beim Setzen des neuen Dateiendes!", [&] { file->SetLength(length); });
+  step("Fehler beim Schließen der Datei nach dem Setzen der neuen Dateigröße!", [&] { file->Close(); });
+}
+
+}  // namespace quiverion

@@ -1,0 +1,161 @@
+#include "statistics/compute_statistic.h"
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+
+#include "field/frames.h"
+#include "field/vas_file.h"
+#include "platform/float_errors.h"
+#include "platform/text.h"
+#include "statistics/collection_reader.h"
+#include "statistics/record_sums.h"
+#include "statistics/statistic_steps.h"
+
+namespace quiverion {
+namespace {
+
+constexpr std::string_view kErrorTitle = "QuiverionSeries - Fehler";
+
+// Between its beginning and its end a computation is shown, whatever the end is.
+class ShownComputation {
+ public:
+  explicit ShownComputation(UserInterface& ui) : ui_(ui) { ui_.ComputationStarted(); }
+  ~ShownComputation() { ui_.ComputationEnded(); }
+  ShownComputation(const ShownComputation&) = delete;
+  ShownComputation& operator=(const ShownComputation&) = delete;
+
+ private:
+  UserInterface& ui_;
+};
+
+// Positions between the first and the last, which are there already, at equal distances.
+template <class PositionList>
+void ReconstructPositions(PositionList& positions) {
+  const std::size_t count = positions.size();
+  const double first = positions.front(), last = positions.back();
+  for (std::size_t k = 1; k + 1 < count; ++k) {
+    positions[k] = (last - first) / static_cast<double>(count - 1) * static_cast<double>(k) + first;
+  }
+}
+
+void ReconstructGrid(VectorField& field, const CollectionHeader& header) {
+  field.posX.front() = header.firstPosX;
+  field.posX.back() = header.lastPosX;
+  field.posY.front() = header.firstPosY;
+  field.posY.back() = header.lastPosY;
+  ReconstructPositions(field.posX);
+  ReconstructPositions(field.posY);
+}
+
+void CreateBuffer(BufferField& buffer, const CollectionHeader& header) {
+  buffer.bufferColumnCount = header.columnCount;
+  buffer.bufferRowCount = header.rowCount;
+  buffer.bufferVelX.Reset(header.columnCount, header.rowCount);
+  buffer.bufferVelY.Reset(header.columnCount, header.rowCount);
+  buffer.bufferStatus.Reset(header.columnCount, header.rowCount);
+}
+
+// An operation on finite numbers whose result is not finite ends the computation.
+template <class Step>
+void Checked(Step step) {
+  if (RaisesFloatError(step)) throw SystemError(ErrorNumber::overflow);
+}
+
+class Computation {
+ public:
+  Computation(Context& context, InputFile& file) : context_(context), fileSize_(file.Size()), reader_(file) {}
+
+  // Throws FormatError and SystemError; the field is left as far as the computation had got.
+  void Run(const StatisticSteps& steps, double viscosity) {
+    if (!IsCollection(reader_)) throw FormatError("Dies ist keine gültige COL-Datei!");
+    header_ = ReadCollectionHeader(reader_);
+    CheckSparseGrid(header_.columnCount, header_.rowCount, fileSize_);
+    const bool twoPasses = steps.addRecord != nullptr;
+    total_ = std::max(std::int64_t{header_.fieldCount} * (twoPasses ? 2 : 1), std::int64_t{1});
+    ShowProgress();
+    CreateArrays(context_.field, header_.columnCount, header_.rowCount);
+    CreateBuffer(context_.buffer, header_);
+    StatisticState state{context_.field, context_.buffer, ValidBits(header_.VectorCount() / 8 + 1)};
+    Checked([&] { ReconstructGrid(context_.field, header_); });
+    Pass(state, AddVelocities);
+    if (twoPasses) {
+      Checked([&] { steps.betweenPasses(state); });
+      Pass(state, steps.addRecord);
+    }
+    Checked([&] { steps.finish(state, viscosity); });
+  }
+
+ private:
+  void Pass(StatisticState& state, void (*addRecord)(StatisticState&)) {
+    reader_.MoveTo(RecordPosition(header_, 0));
+    for (std::int32_t k = 0; k < header_.fieldCount; ++k) {
+      reader_.Skip(collection::kPathBytes);
+      reader_.Blocks(state.buffer.bufferVelX.Values(), state.buffer.bufferVelY.Values(), state.validBits);
+      Checked([&] { addRecord(state); });
+      ++done_;
+      ShowProgress();
+    }
+  }
+
+  void ShowProgress() {
+    context_.ui.ShowComputation(done_, total_);
+    context_.ui.Yield();
+  }
+
+  Context& context_;
+  std::uint64_t fileSize_;
+  BinaryReader reader_;
+  CollectionHeader header_;
+  std::int64_t done_ = 0;
+  std::int64_t total_ = 1;
+};
+
+// What a result says of itself. `paletteSetting`, `viewerSettings` and the paths stay.
+void SetResultHeader(Context& context, StatisticKind kind, std::string_view collectionPath) {
+  VectorField& field = context.field;
+  ResetHeader(field);
+  field.headerLines[0] = context.clock.DateAndTime();
+  const auto& status = field.status.Values();
+  field.validVectorCount = static_cast<std::int32_t>(std::ranges::count_if(status, [](auto s) { return s > 0; }));
+  field.showTable = true;
+  field.infoText = kind == StatisticKind::dissipation ? "Energiedissipationsrate" : "Mittelwerte";
+  field.infoText.append(" erzeugt aus der Kollektion: ").append(TrimBlanks(collectionPath));
+}
+
+void ShowError(Context& context, std::string_view sentence, const std::exception& error) {
+  context.ui.Ask(
+      {.title = std::string(kErrorTitle),
+       .text = std::string(sentence) + " Folgender Fehler ist aufgetreten:\r\n\r\n" + ErrorText(AsSystemError(error))});
+}
+
+}  // namespace
+
+bool ComputeStatistic(Context& context, StatisticKind kind, const std::string& collectionPath,
+                      const std::string& outputPath, double viscosity) {
+  const BusyGuard guard(context);
+  if (!guard.Entered()) return false;
+  const ShownComputation shown(context.ui);
+  std::unique_ptr<InputFile> file;
+  try {
+    file = context.files.OpenForReading(collectionPath);
+  } catch (const std::exception& error) {
+    ShowError(context, "Die Kollektion kann nicht geöffnet werden!", error);
+    return false;
+  }
+  try {
+    Computation(context, *file).Run(StepsOf(kind), viscosity);
+  } catch (const FormatError& error) {
+    context.ui.Ask({.title = std::string(kErrorTitle), .text = error.Message()});
+    return false;
+  } catch (const std::exception& error) {
+    ShowError(context, "Fehler beim Einlesen der Kollektion!", error);
+    return false;
+  }
+  file.reset();
+  SetResultHeader(context, kind, collectionPath);
+  SaveVas(context, outputPath);
+  return true;
+}
+
+}  // namespace quiverion

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "field/buffer_field.h"
+#include "field/vector_field.h"
+#include "statistics/valid_bits.h"
+
+namespace quiverion {
+
+/// What the steps of a statistic work on. All grids have the size of the collection.
+struct StatisticState {
+  VectorField& field;   // velX, velY: sums, in the end the result; status: a count per vector, in the end 1 or 0
+  BufferField& buffer;  // velocities of the record just read
+  ValidBits validBits;  // of that record
+
+  // Mean velocities where two fields or more count, else 0. Only turbulence and dissipation have them.
+  Grid<double> meanU = {};
+  Grid<double> meanV = {};
+};
+
+}  // namespace quiverion
