@@ -1,5 +1,6 @@
-// A whole evaluation over a series of DAT files: median 5x5, interpolation, Gauss 3x3, save. The run driver beside plain
-// loops from end to end: lines and numbers one by one, the definitions of the operations, values one by one.
+// A whole evaluation over a series of DAT files: median 5x5, interpolation, Gauss 3x3, save, collect. The run driver
+// beside plain loops from end to end (lines and numbers one by one, the definitions of the operations, values one by one, and
+// nothing collected), and beside reading, creating and appending the same bytes.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -100,7 +101,7 @@ void WholeJobPlain(benchmark::State& state) {
 }
 BENCHMARK(WholeJobPlain)->Name("WholeJob/plain")->Unit(benchmark::kMillisecond);
 
-MacroEventList JobMacro() {
+MacroEventList JobMacro(const std::string& collection) {
   MacroEvent search(30001);
   for (const char* key : {"ChkAbsInterval", "ChkDirDeviation", "ChkXComp", "ChkYComp"}) search.Set(key, 0);
   for (const char* key : {"OptAbsIntOut", "OptXCompIntOut", "OptYCompIntOut", "LogicalOr"}) search.Set(key, true);
@@ -116,7 +117,9 @@ MacroEventList JobMacro() {
   MacroEvent save(10001);
   save.Set("Prefix", std::string("out/"));
   save.Set("Postfix", std::string());
-  return {search, MacroEvent(40001), MacroEvent(40103), save};
+  MacroEvent collect(60001);
+  collect.Set("FileName", collection);
+  return {search, MacroEvent(40001), MacroEvent(40103), save, collect};
 }
 
 void WholeJobRun(benchmark::State& state) {
@@ -125,7 +128,7 @@ void WholeJobRun(benchmark::State& state) {
   BenchSession bench;
   for (int k = 0; k < kFiles; ++k) bench.session.selectedFiles.push_back(NameOf(k));
   bench.session.inputDirectory = directory.Path() + "/";
-  bench.session.macro = JobMacro();
+  bench.session.macro = JobMacro(directory.File("out/all.col"));
   for (auto _ : state) {
     RemoveResults(state, directory);
     bench.ui.progress.clear();
@@ -135,6 +138,28 @@ void WholeJobRun(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * kFiles);
 }
 BENCHMARK(WholeJobRun)->Name("WholeJob/run")->Unit(benchmark::kMillisecond);
+
+void WholeJobBytes(benchmark::State& state) {
+  constexpr std::size_t vasBytes = 20 * 125 * 100 + 8 * (125 + 100) + 600, recordBytes = 128 + 16 * 125 * 100 + 1563;
+  const ScratchDirectory directory;
+  WriteSeries(directory);
+  std::vector<char> source(std::size_t{1} << 20);
+  const std::string result(vasBytes, 'x');
+  for (auto _ : state) {
+    RemoveResults(state, directory);
+    std::filesystem::create_directory(directory.File("out"));
+    for (int k = 0; k < kFiles; ++k) {
+      ReadPlainly(directory.File(NameOf(k)), source);
+      WritePlainly(directory.File("out/" + std::to_string(k) + ".vas"), result);
+      const int collection =
+          ::open(directory.File("out/all.col").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+      if (::write(collection, result.data(), recordBytes) < 0) std::abort();
+      ::close(collection);
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * kFiles);
+}
+BENCHMARK(WholeJobBytes)->Name("WholeJob/plain_bytes")->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace quiverion::bench

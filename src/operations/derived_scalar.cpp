@@ -1,7 +1,6 @@
 #include "operations/derived_scalar.h"
 
 #include <cstdint>
-#include <span>
 #include <utility>
 
 #include "operations/derived_scalar_plain.h"
@@ -64,17 +63,9 @@ void ComputeFast(const VectorField& field, Grid<double>& target, Inner inner, Fo
                   });
 }
 
-// Two positions that some point could take its difference between are equal. Dividing 0 or NaN by their distance raises
-// no flag that is watched, but stops the computation all the same.
-bool HasEqualPositions(std::span<const double> positions) {
-  bool equal = false;
-  for (std::size_t k = 1; k < positions.size(); ++k) equal |= positions[k] == positions[k - 1];
-  for (std::size_t k = 2; k < positions.size(); ++k) equal |= positions[k] == positions[k - 2];
-  return equal;
-}
-
 // The fast kernel works on scratch memory. Only where a floating-point flag was raised the plain loops run in place:
-// they stop at the exact point, if there is one.
+// they stop at the exact point, if there is one. Dividing 0 or NaN by the distance of equal positions raises no flag that is
+// watched, but stops the computation all the same.
 template <class Inner, class Formula, class CheckedFormula>
 void Calculate(VectorField& field, Inner inner, Formula formula, CheckedFormula checkedFormula) {
   Grid<double> scratch;

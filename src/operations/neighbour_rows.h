@@ -21,6 +21,14 @@ struct NeighbourGrids {
   const Grid<std::int32_t>& status;
 };
 
+/// True where some point could take its difference between two equal positions.
+inline bool HasEqualPositions(std::span<const double> positions) {
+  bool equal = false;
+  for (std::size_t k = 1; k < positions.size(); ++k) equal |= positions[k] == positions[k - 1];
+  for (std::size_t k = 2; k < positions.size(); ++k) equal |= positions[k] == positions[k - 2];
+  return equal;
+}
+
 /// One row of points with the rows below and above. `valid` is a mask per vector, as wide as the doubles it
 /// selects. A row outside the grid is the row itself with nothing valid in it.
 struct RowInput {

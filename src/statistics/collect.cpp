@@ -84,6 +84,7 @@ class Append {
       throw FormatError("    Anzahl der Vektoren stimmt nicht überein!");
     }
     if (header.fieldCount < 0) throw SystemError(ErrorNumber::invalidCall);
+    reader.Require(collection::kHeaderBytes - reader.Position());  // without its positions nothing could be told of it
     return header;
   }
 

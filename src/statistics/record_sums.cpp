@@ -108,21 +108,36 @@ void ForEachBlock(StatisticState& s, Visit visit) {
   }
 }
 
-// The points between the first and the last column of a row. A point without a sample adds 0 / 1 = +0.0; `used` tells
-// which have one.
-QUIVERION_MULTI_TARGET void AddInnerDerivatives(const RowInput& row, double* sums, Mask* used, std::int32_t* counts) {
+// The points between the first and the last column of a row. A point without a sample adds 0 / 1 = +0.0; `samples` are
+// masks of those that have one. No two positions are equal.
+QUIVERION_MULTI_TARGET void AddInnerDerivatives(const RowInput& row, double* sums, Mask* samples,
+                                                std::int32_t* counts) {
   double* const __restrict target = sums;
-  Mask* const __restrict usedPoints = used;
-  ForInnerPoints(row, [&](std::int32_t i, Mask hasValue, const Differences& d) QUIVERION_LAMBDA_INLINE {
-    const Mask hasSample = hasValue & ~MaskOf(d.dx == 0.0) & ~MaskOf(d.dy == 0.0);
-    const double dx = Select(hasSample, d.dx, 1.0), dy = Select(hasSample, d.dy, 1.0);
-    const double dudx = SelectOrZero(hasSample, d.dxu) / dx * 1000.0;
-    const double dudy = SelectOrZero(hasSample, d.dyu) / dy * 1000.0;
-    const double dvdy = SelectOrZero(hasSample, d.dyv) / dy * 1000.0;
+  Mask* const __restrict hasSample = samples;
+  ForInnerPoints(row, [=](std::int32_t i, Mask hasValue, const Differences& d) QUIVERION_LAMBDA_INLINE {
+    const double dx = Select(hasValue, d.dx, 1.0), dy = Select(hasValue, d.dy, 1.0);
+    const double dudx = SelectOrZero(hasValue, d.dxu) / dx * 1000.0;
+    const double dudy = SelectOrZero(hasValue, d.dyu) / dy * 1000.0;
+    const double dvdy = SelectOrZero(hasValue, d.dyv) / dy * 1000.0;
     target[i] += dudx * dudx + dudy * dudy + dvdy * dudx;
-    usedPoints[i] = hasSample;
+    hasSample[i] = hasValue;
   });
-  for (std::int32_t i = 1; i < row.columns - 1; ++i) counts[i] += static_cast<std::int32_t>(used[i] & 1);
+  const std::int32_t last = row.columns - 1;
+  QUIVERION_INDEPENDENT_STEPS
+  for (std::int32_t i = 1; i < last; ++i) counts[i] += static_cast<std::int32_t>(samples[i] & 1);
+}
+
+// Fluctuations are in the buffer.
+void AddDerivativesOfRows(StatisticState& state) {
+  VectorField& field = state.field;
+  const BufferField& buffer = state.buffer;
+  std::vector<Mask> samples(static_cast<std::size_t>(field.columnCount));
+  ForEachRowInput({field.posX, field.posY, buffer.bufferVelX, buffer.bufferVelY, buffer.bufferStatus},
+                  [&](std::int32_t j, const RowInput& row) {
+                    AddInnerDerivatives(row, field.velX.Row(j), samples.data(), field.status.Row(j));
+                    plain::AddDerivativesAt(state, 1, j);
+                    if (field.columnCount > 1) plain::AddDerivativesAt(state, field.columnCount, j);
+                  });
 }
 
 }  // namespace
@@ -144,19 +159,16 @@ void AddFluctuations(StatisticState& state) {
 }
 
 void AddDerivatives(StatisticState& state) {
-  VectorField& field = state.field;
+  if (HasEqualPositions(state.field.posX) || HasEqualPositions(state.field.posY)) {
+    plain::AddDerivatives(state);
+    return;
+  }
   BufferField& buffer = state.buffer;
-  ForEachBlock(state, [&](std::size_t begin, Block block) {
+  ForEachBlock(state, [&buffer](std::size_t begin, Block block) {
     block.status = buffer.bufferStatus.Values().data() + begin;
     SubtractMeanBlock(block, buffer.bufferVelX.Values().data() + begin, buffer.bufferVelY.Values().data() + begin);
   });
-  std::vector<Mask> used(static_cast<std::size_t>(field.columnCount));
-  ForEachRowInput({field.posX, field.posY, buffer.bufferVelX, buffer.bufferVelY, buffer.bufferStatus},
-                  [&](std::int32_t j, const RowInput& row) {
-                    AddInnerDerivatives(row, field.velX.Row(j), used.data(), field.status.Row(j));
-                    plain::AddDerivativesAt(state, 1, j);
-                    if (field.columnCount > 1) plain::AddDerivativesAt(state, field.columnCount, j);
-                  });
+  AddDerivativesOfRows(state);
 }
 
 }  // namespace quiverion

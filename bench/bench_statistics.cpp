@@ -1,0 +1,196 @@
+// Collections and statistics beside plain reads and writes of the same bytes. The page cache is warm.
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+
+#include "bench_support.h"
+#include "statistics/collect.h"
+#include "statistics/collection_contents.h"
+#include "statistics/compute_statistic.h"
+#include "support/random_fields.h"
+
+namespace quiverion::bench {
+namespace {
+
+constexpr test::Mix kRough = {.invalid = 50};
+
+// range(0) fields of range(1) x range(2) vectors.
+struct Series {
+  explicit Series(const benchmark::State& state)
+      : fields(static_cast<int>(state.range(0))),
+        columns(static_cast<std::int32_t>(state.range(1))),
+        rows(static_cast<std::int32_t>(state.range(2))) {}
+
+  std::size_t RecordBytes() const {
+    const auto vectors = static_cast<std::uint64_t>(columns) * static_cast<std::uint64_t>(rows);
+    return static_cast<std::size_t>(collection::RecordBytes(vectors));
+  }
+  void Collect(Context& context, const std::string& path, int count) const {
+    for (int k = 0; k < count; ++k) {
+      context.field = test::RandomField(static_cast<std::uint64_t>(k + 1), columns, rows, kRough);
+      CollectForStatistics(context, path);
+    }
+    if (context.runHadError) std::abort();
+  }
+
+  int fields;
+  std::int32_t columns, rows;
+};
+
+void Sizes(benchmark::internal::Benchmark* benchmark) {
+  benchmark->ArgNames({"fields", "columns", "rows"})->Unit(benchmark::kMillisecond);
+  benchmark->Args({500, 125, 100})->Args({40, 400, 400});
+}
+
+// The yardstick of a pass: each record once into the same memory.
+void PlainPass(benchmark::State& state) {
+  const ScratchDirectory directory;
+  const Series series(state);
+  BenchSession bench;
+  series.Collect(bench.context, directory.File("c.col"), series.fields);
+  std::vector<char> record(series.RecordBytes());
+  for (auto _ : state) {
+    const int descriptor = ::open(directory.File("c.col").c_str(), O_RDONLY | O_CLOEXEC);
+    for (int k = 0; k < series.fields; ++k) {
+      if (::read(descriptor, record.data(), record.size()) < 0) std::abort();
+      benchmark::DoNotOptimize(record.data());
+    }
+    ::close(descriptor);
+  }
+}
+BENCHMARK(PlainPass)->Name("Statistic/plain_read")->Apply(Sizes);
+
+template <StatisticKind kind>
+void Compute(benchmark::State& state) {
+  const ScratchDirectory directory;
+  const Series series(state);
+  BenchSession bench;
+  series.Collect(bench.context, directory.File("c.col"), series.fields);
+  for (auto _ : state) {
+    bench.ui.computation.clear();
+    ComputeStatistic(bench.context, kind, directory.File("c.col"), directory.File("r.vas"), 15E-6);
+    state.PauseTiming();
+    std::filesystem::remove(directory.File("r.vas"));  // what replaces a file is synced to the disk
+    state.ResumeTiming();
+  }
+  if (bench.context.runHadError || !bench.ui.messages.empty()) state.SkipWithError("statistic failed");
+}
+BENCHMARK(Compute<StatisticKind::mean>)->Name("Statistic/mean")->Apply(Sizes);
+BENCHMARK(Compute<StatisticKind::standardDeviation>)->Name("Statistic/stddev")->Apply(Sizes);
+BENCHMARK(Compute<StatisticKind::fluctuationProduct>)->Name("Statistic/product")->Apply(Sizes);
+BENCHMARK(Compute<StatisticKind::turbulence>)->Name("Statistic/turbulence")->Apply(Sizes);
+BENCHMARK(Compute<StatisticKind::dissipation>)->Name("Statistic/dissipation")->Apply(Sizes);
+
+// range(0): records in the file before. After so many appends the file is cut again.
+constexpr int kAppends = 100;
+
+void AppendSizes(benchmark::internal::Benchmark* benchmark) {
+  benchmark->ArgNames({"fields", "columns", "rows"})->Unit(benchmark::kMicrosecond)->Iterations(30);
+  benchmark->Args({1, 125, 100})->Args({500, 125, 100})->Args({1, 400, 400});
+}
+
+template <class Act>
+void AppendLoop(benchmark::State& state, const Series& series, const std::string& path, Act append) {
+  const auto length = std::filesystem::file_size(path);
+  for (auto _ : state) {
+    for (int k = 0; k < kAppends; ++k) append();
+    state.PauseTiming();
+    std::filesystem::resize_file(path, length);
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(state.iterations() * kAppends);
+  state.SetBytesProcessed(state.items_processed() * static_cast<std::int64_t>(series.RecordBytes()));
+}
+
+void PlainAppend(benchmark::State& state) {
+  const ScratchDirectory directory;
+  const Series series(state);
+  BenchSession bench;
+  const std::string path = directory.File("c.col");
+  series.Collect(bench.context, path, series.fields);
+  const std::string record(series.RecordBytes(), 'x');
+  AppendLoop(state, series, path, [&] {
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    if (::write(descriptor, record.data(), record.size()) < 0) std::abort();
+    ::close(descriptor);
+  });
+}
+BENCHMARK(PlainAppend)->Name("Append/plain_write")->Apply(AppendSizes);
+
+void Append(benchmark::State& state) {
+  const ScratchDirectory directory;
+  const Series series(state);
+  BenchSession bench;
+  const std::string path = directory.File("c.col");
+  series.Collect(bench.context, path, series.fields);
+  const std::string begin = ReadWholeFile(*bench.files, path).substr(0, collection::kHeaderBytes);
+  const auto length = std::filesystem::file_size(path);
+  AppendLoop(state, series, path, [&] {
+    CollectForStatistics(bench.context, path);
+    if (std::filesystem::file_size(path) < length + kAppends * series.RecordBytes()) return;
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);  // the old count
+    if (::pwrite(descriptor, begin.data(), begin.size(), 0) < 0) std::abort();
+    ::close(descriptor);
+  });
+  if (bench.context.runHadError) state.SkipWithError("append failed");
+}
+BENCHMARK(Append)->Name("Append/collect")->Apply(AppendSizes);
+
+// The first range(3) records go: so many move from the end, then the file is cut.
+void RemovalSizes(benchmark::internal::Benchmark* benchmark) {
+  benchmark->ArgNames({"fields", "columns", "rows", "removed"})->Unit(benchmark::kMicrosecond)->Iterations(10);
+  benchmark->Args({200, 125, 100, 1})->Args({200, 125, 100, 90});
+}
+
+// The collection as it was, on the disk: shortening a file whose blocks have no place there yet waits for it.
+void Renew(benchmark::State& state, const ScratchDirectory& directory) {
+  state.PauseTiming();
+  const std::string path = directory.File("c.col");
+  std::filesystem::copy_file(directory.File("whole.col"), path, std::filesystem::copy_options::overwrite_existing);
+  const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+  ::fsync(descriptor);
+  ::close(descriptor);
+  state.ResumeTiming();
+}
+
+void PlainMove(benchmark::State& state) {
+  const ScratchDirectory directory;
+  const Series series(state);
+  BenchSession bench;
+  const std::string path = directory.File("c.col");
+  series.Collect(bench.context, directory.File("whole.col"), series.fields);
+  std::string record(series.RecordBytes(), ' ');
+  for (auto _ : state) {
+    Renew(state, directory);
+    const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+    for (std::int64_t k = 0; k < state.range(3); ++k) {
+      const auto size = static_cast<off_t>(record.size());
+      if (::pread(descriptor, record.data(), record.size(), 75 + (series.fields - 1 - k) * size) < 0 ||
+          ::pwrite(descriptor, record.data(), record.size(), 75 + k * size) < 0) {
+        std::abort();
+      }
+    }
+    if (::ftruncate(descriptor, 75 + (series.fields - state.range(3)) * static_cast<off_t>(record.size())) != 0)
+      std::abort();
+    ::close(descriptor);
+  }
+}
+BENCHMARK(PlainMove)->Name("Removal/plain_move")->Apply(RemovalSizes);
+
+void Remove(benchmark::State& state) {
+  const ScratchDirectory directory;
+  const Series series(state);
+  BenchSession bench;
+  const std::string path = directory.File("c.col");
+  series.Collect(bench.context, directory.File("whole.col"), series.fields);
+  std::vector<std::int32_t> numbers;
+  for (std::int32_t k = 1; k <= state.range(3); ++k) numbers.push_back(k);
+  for (auto _ : state) {
+    Renew(state, directory);
+    if (RemoveRecords(bench.context, path, numbers) != RemovalOutcome::removed) state.SkipWithError("removal failed");
+  }
+}
+BENCHMARK(Remove)->Name("Removal/remove")->Apply(RemovalSizes);
+
+}  // namespace
+}  // namespace quiverion::bench
