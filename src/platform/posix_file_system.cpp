@@ -316,14 +316,18 @@ class TemporaryNames {
   std::size_t used_ = pool_.size();
 };
 
+// No bit that lets anybody write: what the read-only attribute is elsewhere. It counts for root as well.
+bool IsReadOnly(const struct stat& info) {
+  return (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
+}
+
 // What stands at the place must be something that a save may replace or append to. True where something stands there.
 bool CheckTarget(const std::string& nativePath) {
   struct stat info {};
   if (::lstat(nativePath.c_str(), &info) != 0) return false;
   // A link is replaced itself; what it leads to must be a file that could be written.
   if (S_ISLNK(info.st_mode) && ::stat(nativePath.c_str(), &info) != 0) return true;
-  const bool readOnly = (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
-  if (!S_ISREG(info.st_mode) || readOnly) throw SystemError(ErrorNumber::pathAccess);
+  if (!S_ISREG(info.st_mode) || IsReadOnly(info)) throw SystemError(ErrorNumber::pathAccess);
   if (::access(nativePath.c_str(), W_OK) != 0) ThrowErrno(errno, nativePath);
   return true;
 }
@@ -336,15 +340,18 @@ struct OpenedTarget {
 
 // Opens a file that is changed where it lies.
 OpenedTarget OpenTarget(const std::string& nativePath, int access, MissingFile missing) {
-  CheckTarget(nativePath);
   const int flags = access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
   int descriptor = ::open(nativePath.c_str(), flags);
   const bool creates = descriptor < 0 && errno == ENOENT && missing == MissingFile::create;
   // O_EXCL: only what this call has created is new.
   if (creates) descriptor = ::open(nativePath.c_str(), flags | O_CREAT | O_EXCL, 0666);
-  if (descriptor < 0) ThrowErrno(errno, nativePath);
+  if (descriptor < 0) {
+    const int code = errno;
+    CheckTarget(nativePath);  // says it as for every other file that is written
+    ThrowErrno(code, nativePath);
+  }
   struct stat info {};
-  if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
+  if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode) || (!creates && IsReadOnly(info))) {
     ::close(descriptor);
     throw SystemError(ErrorNumber::pathAccess);
   }

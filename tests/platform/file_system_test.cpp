@@ -93,6 +93,9 @@ TEST_F(SystemFiles, AResultIsNotWrittenOverWhatItMayNotReplace) {
   for (const auto& [path, number] : cases) {
     EXPECT_EQ(CreateError(path), number) << path;
     EXPECT_EQ(AppendError(path), number) << path;
+    for (const auto missing : {MissingFile::create, MissingFile::fail}) {
+      EXPECT_EQ(ErrorOf([&] { files_->OpenForUpdating(path, missing); }), number) << path;
+    }
   }
   EXPECT_EQ(Get("locked.vas"), "kept");
   EXPECT_EQ(Names(), (NameList{"folder", "locked.vas", "pipe"}));
@@ -116,6 +119,32 @@ TEST_F(SystemFiles, WhatWasAppendedStaysOnlyWithACommit) {
   EXPECT_EQ(Get("new.txt"), "more lines ");
   EXPECT_TRUE(fs::is_symlink(At("link.txt")));
   EXPECT_EQ(AppendError(At("dangling.txt")), 75);
+}
+
+TEST_F(SystemFiles, AFileIsReadAndChangedInPlace) {
+  EXPECT_EQ(ErrorOf([&] { files_->OpenForUpdating(At("c.col"), MissingFile::fail); }), 53);
+  EXPECT_TRUE(Names().empty());
+  EXPECT_TRUE(files_->OpenForUpdating(At("c.col"), MissingFile::create)->IsNew());
+  Put("c.col", "0123456789");
+  const auto file = files_->OpenForUpdating(At("c.col"), MissingFile::create);
+  EXPECT_FALSE(file->IsNew());
+  EXPECT_EQ(file->Size(), 10u);
+  char read[4] = {};
+  file->Seek(7);
+  EXPECT_EQ(file->Read(read, 2), 2u);
+  const std::vector<std::string_view> pieces = {"", "ab", "", "cd"};
+  EXPECT_EQ(file->WriteSomePiecesAt(2, pieces), 4u);
+  EXPECT_EQ(file->Read(read + 2, 2), 1u) << "writing moves no read";
+  EXPECT_EQ(std::string_view(read, 3), "789");
+  EXPECT_EQ(Get("c.col"), "01abcd6789");
+  EXPECT_EQ(file->WriteSomePiecesAt(12, pieces), 4u);
+  EXPECT_EQ(Get("c.col"), std::string("01abcd6789\0\0abcd", 16));
+  file->SetLength(3);
+  file->Close();
+  EXPECT_EQ(Get("c.col"), "01a");
+  files_->RemoveFileQuietly(At("c.col"));
+  files_->RemoveFileQuietly(At("c.col"));
+  EXPECT_TRUE(Names().empty());
 }
 
 TEST_F(SystemFiles, WhatIsNoReadableFileIsRefused) {

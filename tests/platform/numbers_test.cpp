@@ -9,6 +9,7 @@
 #include <limits>
 #include <random>
 
+#include "platform/decimal_digits.h"
 #include "support/error_of.h"
 
 namespace quiverion::test {
@@ -124,6 +125,33 @@ TEST(FormatNumber, WritesFixedAndExponentNotation) {
   for (const auto& [value, text] : cases) EXPECT_EQ(FormatNumber(value), text);
   EXPECT_EQ(FormatNumber(-1234.5, ','), "-1234,5");
   EXPECT_EQ(FormatNumber(1.5E-5, ','), "1,5E-05");
+}
+
+// Every exponent, ties between two 15-digit numbers, powers of ten and their neighbours: digits as the C library has them.
+TEST(FormatNumber, RoundsCorrectlyWhateverTheMagnitude) {
+  std::mt19937_64 random(7);
+  const auto digit = [&random](std::uint64_t below) { return static_cast<double>(random() % below); };
+  for (int k = 0; k < 200000; ++k) {
+    const double powerOfTen = std::pow(10.0, digit(26) - 10.0);
+    const double candidates[] = {std::bit_cast<double>(random()),
+                                 powerOfTen,
+                                 std::nextafter(powerOfTen, k % 2 == 0 ? 0.0 : 1E300),
+                                 digit(std::uint64_t{1} << 50) + 0.5,
+                                 std::ldexp(digit(std::uint64_t{1} << 53), -static_cast<int>(random() % 90)),
+                                 digit(2000000) / 1000.0};
+    const double value = std::fabs(candidates[k % 6]);
+    if (!std::isfinite(value) || value == 0.0) continue;
+    char expected[40];
+    std::snprintf(expected, sizeof expected, "%.14e", value);
+    const DecimalDigits digits = DigitsOf(value, 15);
+    std::string text(digits.digits.data(), 15);
+    text.insert(1, ".");
+    char exponent[8];
+    std::snprintf(exponent, sizeof exponent, "e%+03d", digits.exponent);
+    ASSERT_EQ(text + exponent, expected);
+    ASSERT_TRUE(digits.count == 1 || digits.digits[static_cast<std::size_t>(digits.count - 1)] != '0') << expected;
+    ASSERT_EQ(text.substr(1).find_first_not_of('0', static_cast<std::size_t>(digits.count)), std::string::npos);
+  }
 }
 
 TEST(PrintNumber, HasAPlaceForTheSignAndABlankBehind) {

@@ -25,12 +25,12 @@ class MemoryFileSystem : public FileSystem {
 
   /// What goes wrong with the files that are written. Counted over all of them.
   struct Faults {
-    std::optional<ErrorNumber> open;                                     // of every file to be written
+    std::optional<ErrorNumber> open = {};                                // of every file to be written
     std::uint64_t diskSize = std::numeric_limits<std::uint64_t>::max();  // bytes until a write fails ...
     ErrorNumber write = ErrorNumber::diskFull;                           // ... with this
-    std::optional<ErrorNumber> commit;
+    std::optional<ErrorNumber> commit = {};
     int commitFailures = std::numeric_limits<int>::max();  // so many times
-    std::optional<ErrorNumber> setLength;
+    std::optional<ErrorNumber> setLength = {};
   };
   Faults faults;
 

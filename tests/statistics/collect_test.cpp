@@ -1,0 +1,182 @@
+#include "statistics/collect.h"
+
+#include <gtest/gtest.h>
+
+#include "collection_fixture.h"
+#include "statistics/valid_bits.h"
+
+namespace quiverion::test {
+namespace {
+
+const std::string kBegin = "Vektorfeld für Statistik sammeln in 'C.col'... ";
+const std::string kMark = kBegin + "!!! FEHLER !!!\r\n";
+const std::string kWriteFailed =
+    kMark +
+    "    Die Datei 'C.col' kann nicht gespeichert werden, da während des Schreibens folgender "
+    "Fehler aufgetreten ist:\r\n    ";
+
+std::string Collected(int count) {
+  return kBegin + "fertig\r\n    Zahl der in der Kollektion 'C.col' gesammelten Dateien: " + std::to_string(count) +
+         "\r\n";
+}
+
+using Collecting = CollectionTest;
+
+TEST_F(Collecting, WritesHeaderAndRecords) {
+  VectorField field = MakeField(4, 2);
+  field.posX = {-1.5, 0, 1, 7};
+  field.posY = {3, -2};
+  field.filePath = "C:\\Messung\\Düse.vas";
+  Bytes velocities;
+  for (int p = 0; p < 8; ++p) velocities.F64(field.velX.Values()[static_cast<std::size_t>(p)] = p + 0.5);
+  for (int p = 0; p < 8; ++p) velocities.F64(field.velY.Values()[static_cast<std::size_t>(p)] = -p);
+  const std::int32_t statuses[] = {0, 1, -1, 4, 2, 0, -7, 3};
+  std::copy(std::begin(statuses), std::end(statuses), field.status.Values().begin());
+  EXPECT_EQ(Collect(field), Collected(1));
+  const std::string record =
+      Bytes().Raw("C:\\Messung\\D\xFCse.vas" + std::string(109, ' ')).Raw(velocities.Get()).Raw({"\x9A\0", 2});
+  const auto header = [](int count) {
+    return Bytes().Raw("QuiverionStatisticsCollection").I16(1).I32(count).I32(4).I32(2).F64(-1.5).F64(7).F64(3).F64(-2);
+  };
+  EXPECT_EQ(Content(), header(1).Raw(record).Get());
+  field.posX[0] = 99;  // positions are those of the first field
+  Content() += "left behind by an append that failed";
+  EXPECT_EQ(Collect(field), Collected(2));
+  EXPECT_EQ(Content(), header(2).Raw(record).Raw(record).Get());
+  EXPECT_FALSE(context.runHadError);
+}
+
+TEST_F(Collecting, CreatesDirectories) {
+  context.field = MakeField(3, 2);
+  CollectForStatistics(context, "neu/tief\\C.col");
+  EXPECT_EQ(program.files.files["neu/tief/C.col"].size(), kHeader + kRecord);
+}
+
+TEST_F(Collecting, KeepsTheEndOfALongPath) {
+  VectorField field = MakeField(1, 1);
+  const std::string longest = "/ä" + std::string(126, 'x');  // 128 characters
+  const std::pair<std::string, std::string> cases[] = {
+      {longest, "/\xE4" + std::string(126, 'x')},
+      {longest + "y", "..." + std::string(124, 'x') + "y"},
+      {"Ω" + longest, "..." + std::string(125, 'x')},  // what is cut off cannot be lost
+      {"/Ω.vas", "/?.vas" + std::string(122, ' ')}};
+  for (const auto& [path, stored] : cases) {
+    field.filePath = path;
+    program.files.files.erase("C.col");
+    const std::string log = Collect(field);
+    EXPECT_EQ(Content().substr(kHeader, 128), stored);
+    const bool lost = stored.find('?') != std::string::npos;
+    EXPECT_EQ(log,
+              lost ? kBegin +
+                         "!!! WARNUNG !!!\r\n    Zeichen, die der Zeichensatz der Datei nicht kennt, werden als '?' "
+                         "gespeichert: '/Ω.vas'\r\n" +
+                         Collected(1).substr(kBegin.size())
+                   : Collected(1));
+    EXPECT_EQ(context.runHadError, lost);
+  }
+}
+
+TEST_F(Collecting, RefusesWhatIsNotItsCollection) {
+  CollectNumbered(2);
+  const std::string good = Content();
+  const std::string otherKind = kMark + "    COL-Datei ist nicht von QuiverionSeries!\r\n";
+  const std::string otherSize = kMark + "    Anzahl der Vektoren stimmt nicht überein!\r\n";
+  const auto readError = [](int number) {
+    return kWriteFailed + ErrorText(SystemError(static_cast<ErrorNumber>(number))) + "\r\n";
+  };
+  const std::pair<std::string, std::string> cases[] = {
+      {"", otherKind},
+      {"QuiverionStatisticsCollectio", otherKind},
+      {"quiverion" + good.substr(9), otherKind},
+      {With(good, kColumnsAt, 4), otherSize},
+      {With(good, kRowsAt, 3), otherSize},
+      {With(With(good, kColumnsAt, 2), kRowsAt, 3), otherSize},
+      {good.substr(0, 30), readError(62)},
+      {good.substr(0, 42), readError(62)},
+      {good.substr(0, 74), readError(62)},
+      {With(good, kCountAt, -1), readError(5)},
+      {With(good, kCountAt, 2147483647), readError(6)},
+      {With(good, kCountAt, 2147483646), readError(62)}};  // longer than the drive
+  program.files.freeBytes = {1000000};
+  for (const auto& [content, log] : cases) {
+    Content() = content;
+    EXPECT_EQ(Collect(NumberedField(3)), log);
+    EXPECT_EQ(Content(), content);
+    EXPECT_TRUE(context.runHadError);
+    EXPECT_FALSE(context.userAbortRequested);
+  }
+  program.files.faults.open = ErrorNumber::pathAccess;
+  EXPECT_EQ(Collect(NumberedField(3)),
+            kMark +
+                "    Die aktuelle Datei kann nicht gespeichert werden, da beim Öffnen folgender Fehler aufgetreten "
+                "ist:\r\n    Fehler beim Zugriff auf Pfad/Datei   (Fehler-Nr. 75)\r\n");
+}
+
+// The version is the viewer's concern, and missing records become zeros, which count nowhere.
+TEST_F(Collecting, GoesOnBehindTheCountedRecords) {
+  CollectNumbered(3);
+  const std::string good = Content();
+  Content() = good.substr(0, kHeader + kRecord + 100).replace(29, 2, "\x07\x01");
+  EXPECT_EQ(Collect(NumberedField(4)), Collected(4));
+  EXPECT_EQ(Content().size(), kHeader + 4 * kRecord);
+  EXPECT_EQ(Content().substr(kHeader, kRecord + 100), good.substr(kHeader, kRecord + 100));
+  EXPECT_EQ(Content().substr(kHeader + kRecord + 100, 2 * kRecord - 100), std::string(2 * kRecord - 100, '\0'));
+}
+
+TEST_F(Collecting, LosesNothingOnAFullDisk) {
+  CollectNumbered(2);
+  const std::string two = Content();
+  ASSERT_EQ(Collect(NumberedField(3)), Collected(3));
+  const std::string three = Content();
+  // The last one: the record has room and the count fails. Its four bytes lie in one block, they are never torn.
+  for (std::uint64_t room = 0; room <= kRecord; ++room) {
+    Content() = two;
+    program.files.faults.diskSize = room;
+    EXPECT_EQ(Collect(NumberedField(3)), kWriteFailed + "Datenträger voll   (Fehler-Nr. 61)\r\n");
+    EXPECT_TRUE(context.runHadError && context.userAbortRequested) << "the answer is Cancel";
+    EXPECT_EQ(Content().substr(0, two.size()), two) << room;
+    program.files.faults = {};
+    EXPECT_EQ(Collect(NumberedField(3)), Collected(3));
+    EXPECT_EQ(Content(), three) << room;
+
+    Content() = two;
+    program.files.faults.diskSize = room;
+    program.ui.answers = {MessageAnswer::retry};
+    program.ui.onAsk = [&](const Message&) { program.files.faults = {}; };
+    EXPECT_EQ(Collect(NumberedField(3)), Collected(3));
+    EXPECT_EQ(Content(), three) << "Retry goes on where it stopped: " << room;
+    program.ui.onAsk = nullptr;
+  }
+  program.files.faults.commit = ErrorNumber::deviceError;
+  EXPECT_EQ(Collect(NumberedField(4)), kWriteFailed + "Geräte-E/A-Fehler   (Fehler-Nr. 57)\r\n");
+}
+
+// Wherever the program is ended, the file has its old records and count, or the new ones as well.
+TEST_F(Collecting, LeavesAReadableFileAtEveryStep) {
+  CollectNumbered(2);
+  const std::string two = Content();
+  int changes = 0;
+  program.files.onChange = [&] {
+    ++changes;
+    const std::string now = program.files.files["C.col"];
+    const bool counted = now.substr(kCountAt, 4) == Bytes().I32(3).Get();
+    EXPECT_EQ(With(now, kCountAt, 2).substr(0, two.size()), two);
+    EXPECT_TRUE(!counted || now.size() == kHeader + 3 * kRecord) << "the count comes behind all else";
+  };
+  EXPECT_EQ(Collect(NumberedField(3)), Collected(3));
+  EXPECT_GE(changes, 5);
+}
+
+TEST(ValidBits, ArePackedInOrderWhateverTheirNumber) {
+  std::mt19937_64 random(2);
+  for (std::size_t count = 0; count < 1100; count += count < 40 ? 1 : 97) {
+    std::vector<std::int32_t> status(count);
+    for (std::int32_t& s : status) s = static_cast<std::int32_t>(random() % 12) - 6;
+    const ValidBits bits = PackValidBits(status);
+    ASSERT_EQ(bits.size(), count / 8 + 1);
+    for (std::size_t k = 0; k < 8 * bits.size(); ++k) ASSERT_EQ(IsValid(bits, k), k < count && status[k] > 0) << k;
+  }
+}
+
+}  // namespace
+}  // namespace quiverion::test

@@ -1,0 +1,183 @@
+#include "statistics/collection_contents.h"
+
+#include <gtest/gtest.h>
+
+#include "collection_fixture.h"
+
+namespace quiverion::test {
+namespace {
+
+class Contents : public CollectionTest {
+ protected:
+  Contents() {
+    CollectNumbered(5);
+    five = Content();
+  }
+  // The source paths, one after the other; checks that each record has the velocities of its path.
+  std::string Paths() {
+    const auto contents = ReadCollectionContents(context, "C.col");
+    if (!contents) return "not readable";
+    std::string paths;
+    std::size_t at = kHeader + 128;
+    for (const std::string& path : contents->sourcePaths) {
+      paths += path;
+      Bytes velocities;
+      for (int p = 0; p < 6; ++p) velocities.F64(std::stoi(path));
+      for (int p = 0; p < 6; ++p) velocities.F64(-std::stoi(path));
+      EXPECT_EQ(Content().substr(at, 96), velocities.Get());
+      at += kRecord;
+    }
+    return paths;
+  }
+
+  // Title and text of the one message shown, its icon before them.
+  std::string TakeMessage() {
+    if (program.ui.messages.size() != 1) return std::to_string(program.ui.messages.size()) + " messages";
+    const Message box = program.ui.messages.front();
+    program.ui.messages.clear();
+    EXPECT_EQ(box.buttons, MessageButtons::ok);
+    return std::string(box.icon == MessageIcon::warning    ? "!"
+                       : box.icon == MessageIcon::critical ? "X"
+                                                           : "i") +
+           box.title + "|" + box.text;
+  }
+
+  std::string five;
+};
+
+TEST_F(Contents, AreListedInOrder) {
+  Content() += "bytes behind the counted records mean nothing";
+  const auto contents = ReadCollectionContents(context, "C.col");
+  ASSERT_TRUE(contents);
+  EXPECT_EQ(contents->sourcePaths, (std::vector<std::string>{"1", "2", "3", "4", "5"}));
+  EXPECT_EQ(contents->header.columnCount, 3);
+  EXPECT_EQ(contents->header.rowCount, 2);
+  EXPECT_EQ(contents->header.fieldCount, 5);
+  VectorField field = NumberedField(6);
+  field.filePath = "  C:\\Düse €.vas";
+  Collect(field);
+  EXPECT_EQ(ReadCollectionContents(context, "C.col")->sourcePaths.back(), "C:\\Düse €.vas");
+}
+
+TEST_F(Contents, AreRefusedWithAMessage) {
+  const auto reading = [](int number) {
+    return "!QuiverionSeries - FEHLER|Beim Einlesen der Kollektion ist der folgende Fehler aufgetreten:\r\n\r\n" +
+           ErrorText(SystemError(static_cast<ErrorNumber>(number)));
+  };
+  const std::string otherKind = "!QuiverionSeries - FEHLER|    COL-Datei ist nicht von QuiverionSeries!";
+  const std::pair<std::string, std::string> cases[] = {
+      {"", otherKind},
+      {"Q" + five, otherKind},
+      {std::string(five).replace(29, 1, "\x02"), otherKind},
+      {five.substr(0, 30), reading(62)},
+      {five.substr(0, 74), reading(62)},
+      {five.substr(0, five.size() - 1), reading(62)},
+      {With(five, kCountAt, 6), reading(62)},
+      {With(five, kCountAt, 2147483647), reading(62)},
+      {With(five, kCountAt, -1), reading(5)},
+      {With(five, kColumnsAt, 0), reading(9)},
+      {With(five, kRowsAt, -2), reading(9)},
+      {With(With(five, kColumnsAt, 2147483647), kRowsAt, 2147483647), reading(62)}};
+  for (const auto& [content, message] : cases) {
+    Content() = content;
+    EXPECT_EQ(Paths(), "not readable") << message;
+    EXPECT_EQ(TakeMessage(), message);
+    EXPECT_EQ(RemoveRecords(context, "C.col", {1}), RemovalOutcome::failed);
+    program.ui.messages.clear();
+    EXPECT_EQ(Content(), content);
+  }
+  Content() = five;
+  program.files.readFailsAt["C.col"] = 500;
+  EXPECT_EQ(Paths(), "not readable");
+  EXPECT_EQ(TakeMessage(), reading(57));
+  EXPECT_FALSE(ReadCollectionContents(context, "fehlt.col"));
+  EXPECT_EQ(TakeMessage(),
+            "!QuiverionSeries  -  FEHLER|Beim Öffnen der Kollektion ist der folgende Fehler aufgetreten:\r\n\r\nDatei "
+            "nicht gefunden   (Fehler-Nr. 53)");
+}
+
+struct Removal {
+  std::vector<std::int32_t> numbers;
+  std::string left;
+};
+
+TEST_F(Contents, FillTheLowestHolesFromTheEnd) {
+  const Removal removals[] = {{{2, 5}, "143"},     {{4, 5}, "123"}, {{1, 2}, "543"},    {{1}, "5234"},
+                              {{5}, "1234"},       {{3}, "1254"},   {{5, 1, 3}, "42"},  {{1, 2, 3, 4}, "5"},
+                              {{2, 3, 4, 5}, "1"}, {{2, 4}, "153"}, {{1, 3, 4, 5}, "2"}};
+  for (const auto& [numbers, left] : removals) {
+    Content() = five + "more";
+    EXPECT_EQ(RemoveRecords(context, "C.col", numbers), RemovalOutcome::removed);
+    EXPECT_EQ(Paths(), left);
+    EXPECT_EQ(Content().size(), kHeader + left.size() * kRecord);
+    EXPECT_EQ(Content().substr(kCountAt + 4, kHeader - kCountAt - 4),
+              five.substr(kCountAt + 4, kHeader - kCountAt - 4));
+  }
+  EXPECT_TRUE(program.ui.messages.empty());
+}
+
+TEST_F(Contents, GoWithTheirFileWhereAllAreRemoved) {
+  EXPECT_EQ(RemoveRecords(context, "C.col", {5, 4, 3, 2, 1}), RemovalOutcome::collectionDeleted);
+  EXPECT_FALSE(program.files.files.contains("C.col"));
+  EXPECT_EQ(TakeMessage(),
+            "iQuiverionSeries - Kollektion gelöscht|Da alle Vektorfelder entfernt wurden, wurde damit die Kollektion "
+            "vollständig gelöscht.");
+}
+
+// Records that stay are never overwritten, so a crash costs at most the removal.
+TEST_F(Contents, AreReadableAtEveryStepOfARemoval) {
+  const std::vector<std::int32_t> numbers = {1, 2, 5};
+  int changes = 0;
+  program.files.onChange = [&] {
+    ++changes;
+    const std::string paths = Paths();
+    EXPECT_TRUE(paths == "43" || (paths.size() == 5 && paths.substr(2) == "345")) << paths;
+  };
+  EXPECT_EQ(RemoveRecords(context, "C.col", numbers), RemovalOutcome::removed);
+  EXPECT_EQ(changes, 4) << "two moves, the count, the length";
+}
+
+TEST_F(Contents, StayWhereARemovalFails) {
+  const auto writing = [](int number) {
+    return "!QuiverionSeries - FEHLER|Beim Schreiben der Kollektion ist der folgende Fehler aufgetreten:\r\n\r\n" +
+           ErrorText(SystemError(static_cast<ErrorNumber>(number)));
+  };
+  const auto remove = [&](std::vector<std::int32_t> numbers) {
+    EXPECT_EQ(RemoveRecords(context, "C.col", numbers), RemovalOutcome::failed);
+    return TakeMessage();
+  };
+  EXPECT_EQ(remove({6}), writing(9));
+  EXPECT_EQ(remove({1, 0}), writing(9));
+  EXPECT_EQ(Content(), five);
+  program.files.faults.open = ErrorNumber::pathAccess;
+  EXPECT_EQ(remove({1}), writing(75));
+  program.files.faults = {.diskSize = 100};
+  EXPECT_EQ(remove({1}), writing(61));
+  EXPECT_EQ(Content().substr(kHeader + kRecord), five.substr(kHeader + kRecord)) << "only the hole was touched";
+  program.files.faults = {};
+  program.files.readFailsAt["C.col"] = kHeader + 4 * kRecord + 100;
+  EXPECT_EQ(remove({1}), writing(57));
+}
+
+TEST_F(Contents, AreConsistentWhereTheLengthCannotBeSet) {
+  program.files.faults.setLength = ErrorNumber::deviceError;
+  EXPECT_EQ(RemoveRecords(context, "C.col", {1}), RemovalOutcome::lengthNotSet);
+  EXPECT_EQ(TakeMessage(), "XSchwerer Fehler|Fehler beim Setzen des neuen Dateiendes!");
+  EXPECT_EQ(Paths(), "5234");
+  const auto failure = [&](const MemoryFileSystem::Faults& faults) {
+    program.files.faults = faults;
+    try {
+      SetFileSize(program.files, "C.col", 75);
+    } catch (const SystemError& error) {
+      return error.Description();
+    }
+    return std::string();
+  };
+  EXPECT_EQ(failure({.open = ErrorNumber::accessDenied}),
+            "Fehler beim Öffnen der Datei zum Einstellen der neuen Dateigröße!");
+  EXPECT_EQ(failure({.commit = ErrorNumber::deviceError}),
+            "Fehler beim Schließen der Datei nach dem Setzen der neuen Dateigröße!");
+}
+
+}  // namespace
+}  // namespace quiverion::test

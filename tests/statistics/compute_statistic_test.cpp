@@ -1,0 +1,335 @@
+// Statistics over collections: closed forms, golden bits, and the frame around the computation.
+#include "statistics/compute_statistic.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "collection_fixture.h"
+#include "field/load_original_file.h"
+#include "support/field_compare.h"
+#include "support/known_fields.h"
+#include "support/random_fields.h"
+
+namespace quiverion::test {
+namespace {
+
+using enum StatisticKind;
+
+constexpr StatisticKind kKinds[] = {mean,       standardDeviation, fluctuationSquares, fluctuationProduct,
+                                    turbulence, dissipation};
+
+class Statistics : public CollectionTest {
+ protected:
+  // Computes and returns the saved result.
+  VectorField Compute(StatisticKind kind, double viscosity = 0.0) {
+    program.files.files.erase("r.vas");
+    EXPECT_TRUE(ComputeStatistic(context, kind, "C.col", "r.vas", viscosity)) << program.ui.messages.back().text;
+    EXPECT_EQ(program.TakeLog(), "Datei speichern unter 'r.vas'... fertig\r\n");
+    LoadOriginalFile(context, "r.vas");
+    program.TakeLog();
+    return context.field;
+  }
+
+  // A field per amplitude: amplitude times the flow u(x, y), v(x, y), positions in mm.
+  template <class U, class V>
+  void CollectMultiples(const VectorField& grid, std::initializer_list<double> amplitudes, U u, V v) {
+    for (const double amplitude : amplitudes) {
+      VectorField field = grid;
+      SetVelocities(
+          field, [&](double x, double y) { return amplitude * u(x, y); },
+          [&](double x, double y) { return amplitude * v(x, y); });
+      EXPECT_FALSE(Collect(field).empty());
+    }
+  }
+};
+
+void ExpectValid(const VectorField& result, std::int32_t i, std::int32_t j, double x, double y) {
+  EXPECT_EQ(result.status(i, j), 1) << i << " " << j;
+  EXPECT_NEAR(result.velX(i, j), x, 1e-11 * (1 + std::fabs(x))) << i << " " << j;
+  EXPECT_NEAR(result.velY(i, j), y, 1e-11 * (1 + std::fabs(y))) << i << " " << j;
+}
+
+template <class Check>
+void ForEachPoint(const VectorField& field, Check check) {
+  for (std::int32_t j = 1; j <= field.rowCount; ++j) {
+    for (std::int32_t i = 1; i <= field.columnCount; ++i) {
+      check(i, j, field.posX[static_cast<std::size_t>(i - 1)], field.posY[static_cast<std::size_t>(j - 1)]);
+    }
+  }
+}
+
+// A rigid rotation whose speed fluctuates: 200, 300 and 400 rad/s, mean 300, <w'²> = 20000/3.
+TEST_F(Statistics, OfARigidRotation) {
+  VectorField grid = MakeField(5, 4);
+  grid.posX = {-2, -1, 0, 1, 2};
+  CollectMultiples(
+      grid, {200, 300, 400}, [](double, double y) { return -y * 1E-3; }, [](double x, double) { return x * 1E-3; });
+  const VectorField average = Compute(mean), deviation = Compute(standardDeviation),
+                    squares = Compute(fluctuationSquares), product = Compute(fluctuationProduct),
+                    degree = Compute(turbulence), rate = Compute(dissipation, 15E-6);
+  const double variance = 20000.0 / 3.0;
+  ForEachPoint(grid, [&](std::int32_t i, std::int32_t j, double x, double y) {
+    ExpectValid(average, i, j, -0.3 * y, 0.3 * x);
+    ExpectValid(deviation, i, j, 0.1 * y, 0.1 * std::fabs(x));
+    ExpectValid(squares, i, j, variance * y * y * 1E-6, variance * x * x * 1E-6);
+    ExpectValid(product, i, j, -variance * x * y * 1E-6, 0);
+    ExpectValid(degree, i, j, std::sqrt(variance / 2) / 300, -variance * x * y * 1E-6 * -300);  // <u'v'> dU/dy
+    ExpectValid(rate, i, j, 15 * 15E-6 * variance, 0);                                          // only du'/dy is not 0
+  });
+  EXPECT_EQ(rate.validVectorCount, 20);
+}
+
+// A Lamb-Oseen vortex whose strength fluctuates: every statistic is the flow, or its gradient, times one of the amplitudes.
+TEST_F(Statistics, OfALambOseenVortex) {
+  constexpr double core = 2.0;  // mm
+  const auto angular = [](double x, double y) {
+    const double r2 = x * x + y * y;
+    return r2 == 0 ? 1.0 / (core * core) : (1 - std::exp(-r2 / (core * core))) / r2;
+  };
+  const auto u = [&](double x, double y) { return -y * angular(x, y); };
+  const auto v = [&](double x, double y) { return x * angular(x, y); };
+  VectorField grid = MakeField(101, 101);
+  for (auto* positions : {&grid.posX, &grid.posY}) {
+    for (std::size_t k = 0; k < 101; ++k) (*positions)[k] = 0.05 * (static_cast<double>(k) - 50.0);
+  }
+  CollectMultiples(grid, {1, 2, 4, 5}, u, v);  // mean 3, <a'²> = 2.5
+  const VectorField average = Compute(mean), deviation = Compute(standardDeviation);
+  const VectorField rate = Compute(dissipation, 1E-6);
+  const double h = 1E-5;  // mm
+  ForEachPoint(grid, [&](std::int32_t i, std::int32_t j, double x, double y) {
+    EXPECT_NEAR(average.velX(i, j), 3 * u(x, y), 1e-12);
+    EXPECT_NEAR(deviation.velY(i, j), std::sqrt(10.0 / 3) * std::fabs(v(x, y)), 1e-7);
+    if (i == 1 || j == 1 || i == 101 || j == 101) return;
+    const double dudx = (u(x + h, y) - u(x - h, y)) / (2 * h) * 1000,
+                 dudy = (u(x, y + h) - u(x, y - h)) / (2 * h) * 1000;
+    const double dvdy = (v(x, y + h) - v(x, y - h)) / (2 * h) * 1000;
+    EXPECT_NEAR(rate.velX(i, j), 15 * 1E-6 * 2.5 * (dudx * dudx + dudy * dudy + dvdy * dudx), 0.003) << x << " " << y;
+  });
+}
+
+// U(y) = 2 + 3 y (mm), u' and v' known in each field, and some vectors missing in some fields.
+TEST_F(Statistics, OfALinearShearWithMissingVectors) {
+  struct Fluctuation {
+    double u, v;
+    std::vector<std::pair<std::int32_t, std::int32_t>> missing;
+  };
+  const Fluctuation fields[] = {{1, -2, {{1, 1}, {4, 1}, {4, 4}, {5, 3}}},
+                                {-1, 1, {{4, 1}, {4, 4}, {5, 3}}},
+                                {2, -1, {{2, 2}, {4, 4}, {5, 3}, {5, 4}}},
+                                {-2, 2, {{4, 4}, {5, 2}, {5, 1}}}};
+  for (const Fluctuation& fluctuation : fields) {
+    VectorField field = MakeField(5, 4);
+    SetVelocities(
+        field, [&](double, double y) { return 2 + 3 * y + fluctuation.u; },
+        [&](double, double) { return fluctuation.v; });
+    for (const auto& [i, j] : fluctuation.missing) {
+      field.velX(i, j) = 1E300;
+      field.status(i, j) = i % 2 == 0 ? 0 : -1;
+    }
+    EXPECT_FALSE(Collect(field).empty());
+  }
+  const VectorField average = Compute(mean), deviation = Compute(standardDeviation),
+                    squares = Compute(fluctuationSquares), product = Compute(fluctuationProduct),
+                    degree = Compute(turbulence);
+  // All four fields: <u'²> = 2.5, <v'²> = 2.5, <u'v'> = (-2 - 1 - 2 - 4) / 4.
+  ExpectValid(average, 3, 3, 2 + 9, 0);
+  ExpectValid(deviation, 3, 3, std::sqrt(10.0 / 3), std::sqrt(10.0 / 3));
+  ExpectValid(squares, 3, 3, 2.5, 2.5);
+  ExpectValid(product, 3, 3, -2.25, 0);
+  ExpectValid(degree, 3, 3, std::sqrt(2.5) / 11, -2.25 * 3000);
+  // (2, 2) has three fields: means -2/3 and 1/3 off.
+  ExpectValid(average, 2, 2, 8 - 2.0 / 3, 1.0 / 3);
+  ExpectValid(squares, 2, 2, 2 - 4.0 / 9, 3 - 1.0 / 9);
+  ExpectValid(product, 2, 2, -7.0 / 3 + 2.0 / 9, 0);
+  // The gradient above it takes the means as they are: rows 1 and 3 at (2, 2).
+  ExpectValid(degree, 2, 2, std::sqrt((2 - 4.0 / 9 + 3 - 1.0 / 9) / 2) / std::sqrt(std::pow(8 - 2.0 / 3, 2) + 1.0 / 9),
+              (-7.0 / 3 + 2.0 / 9) * 3000);
+  // (4, 4) has no field: (4, 3) takes row 3 itself instead. (4, 1) has two.
+  EXPECT_EQ(average.status(4, 4), 0);
+  EXPECT_EQ(average.velX(4, 4), 0);
+  ExpectValid(degree, 4, 3, std::sqrt(2.5) / 11, -2.25 * 3000);
+  ExpectValid(squares, 4, 1, 4, 2.25);
+  // Column 5: row 3 has one field, the others have three. From below it passes as a neighbour with the mean 0.
+  ExpectValid(average, 5, 3, 2 + 9 - 2, 2);
+  for (const VectorField* result : {&deviation, &squares, &product, &degree}) EXPECT_EQ(result->status(5, 3), 0);
+  ExpectValid(degree, 5, 2, std::sqrt(2 - 4.0 / 9) / std::sqrt(std::pow(8 + 2.0 / 3, 2) + 4.0 / 9),
+              (0 - (5 + 2.0 / 3)) * (-5.0 / 3 + 4.0 / 9) * 500);
+  EXPECT_EQ(squares.status(5, 4), 1);
+  EXPECT_EQ(degree.status(5, 4), 0) << "no row below that counts, none above";
+  EXPECT_EQ(average.validVectorCount, 19);
+}
+
+// Every sum in its order, what stays at invalid vectors included; computed by another program.
+TEST_F(Statistics, HaveTheseBits) {
+  for (std::uint64_t seed = 1; seed <= 5; ++seed) EXPECT_FALSE(Collect(KnownField(seed, 23, 17)).empty());
+  const std::pair<std::uint64_t, std::int32_t> known[] = {{0x2772ba92a0543af8u, 391}, {0xa1bc758cc64c1211u, 390},
+                                                          {0xbabf722852ff22a9u, 390}, {0xeb8a44f717497411u, 390},
+                                                          {0x9e40e500276bd923u, 390}, {0x8afbb28f02b1335au, 391}};
+  for (const StatisticKind kind : kKinds) {
+    const VectorField result = Compute(kind, 15E-6);
+    EXPECT_EQ(Checksum(result), known[static_cast<std::size_t>(kind)].first) << static_cast<int>(kind);
+    EXPECT_EQ(result.validVectorCount, known[static_cast<std::size_t>(kind)].second);
+  }
+}
+
+TEST_F(Statistics, CarryOnWhereAFormulaHasNoValue) {
+  VectorField field = MakeField(3, 3);
+  field.posY = {1, 2, 1};  // the reconstructed rows are all at 1 mm
+  SetVelocities(
+      field, [](double x, double) { return x == 2 ? 0 : 0.1; }, [](double, double) { return 0; });
+  for (int k = 0; k < 3; ++k) EXPECT_FALSE(Collect(field).empty());
+  const VectorField deviations = Compute(standardDeviation);
+  for (const double deviation : deviations.velX.Values()) EXPECT_EQ(deviation, 0) << "never a NaN";
+  const VectorField flat = Compute(turbulence);
+  EXPECT_EQ(flat.status(1, 2), 0);
+  EXPECT_EQ(flat.posY[1], 1.0);
+  EXPECT_EQ(Compute(dissipation, 1).validVectorCount, 0);
+  Content().replace(67, 8, Bytes().F64(3).Get());
+  const VectorField still = Compute(turbulence);
+  EXPECT_EQ(still.status(1, 2), 1);
+  EXPECT_EQ(still.status(2, 2), 0) << "no mean velocity";
+  EXPECT_EQ(still.velX(2, 2), 0);
+}
+
+TEST_F(Statistics, AreAllInvalidWithoutRecords) {
+  CollectNumbered(1);
+  Content() = With(Content(), kCountAt, 0).substr(0, kHeader);
+  for (const StatisticKind kind : kKinds) {
+    program.ui.computation.clear();
+    EXPECT_EQ(Compute(kind, 1).validVectorCount, 0);
+    EXPECT_EQ(program.ui.computation, (std::vector<std::pair<std::int64_t, std::int64_t>>{{0, 1}}));
+  }
+}
+
+TEST_F(Statistics, ShowTheirProgressAndYieldBehindEveryRecord) {
+  CollectNumbered(3);
+  context.field.paletteSetting = 4;
+  for (const StatisticKind kind : {mean, turbulence}) {
+    program.ui.computation.clear();
+    program.ui.yields = 0;
+    Compute(kind);
+    const std::int64_t total = kind == mean ? 3 : 6;
+    ASSERT_EQ(program.ui.computation.size(), static_cast<std::size_t>(total) + 1);
+    for (std::int64_t k = 0; k <= total; ++k) {
+      EXPECT_EQ(program.ui.computation[static_cast<std::size_t>(k)], std::pair(k, total));
+    }
+    EXPECT_EQ(program.ui.yields, total + 1);
+    EXPECT_FALSE(program.ui.running);
+  }
+}
+
+TEST_F(Statistics, SayWhatTheyAreInTheirHeader) {
+  CollectNumbered(2);
+  VectorField& field = context.field;
+  field = RandomField(1, 9, 9, {});
+  field.headerLines.fill("old");
+  field.imageWidth = field.pulseDelay = field.streamlineCount = field.streamlineSetting = 7;
+  field.galileiPointSet = field.showCoordSystem = field.aspectRatio1to1 = kFlagTrue;
+  field.offsetX = field.galileiVelY = field.scaleFactor = field.paletteMin = 5;
+  field.background = Background::vorticity;
+  field.showHeader = true;
+  field.showVectorField = false;
+  field.paletteSetting = 4;
+  field.viewerSettings = {1, 2, 3};
+  VectorField expected;
+  ResetForLoad(expected, "");
+  CreateArrays(expected, 3, 2);
+  for (const StatisticKind kind : {mean, dissipation}) {
+    const VectorField result = Compute(kind, 1);
+    expected.posX = result.posX;
+    expected.posY = result.posY;
+    expected.velX = result.velX;
+    expected.velY = result.velY;
+    expected.status = result.status;
+    expected.headerLines[0] = "01.02.2003 04:05:06";
+    expected.validVectorCount = 6;
+    expected.paletteSetting = 4;
+    expected.viewerSettings = {1, 2, 3};
+    expected.showTable = true;
+    expected.infoText =
+        (kind == mean ? "Mittelwerte" : "Energiedissipationsrate") + std::string(" erzeugt aus der Kollektion: C.col");
+    EXPECT_EQ(FirstDifference(expected, result), "");
+  }
+  program.files.files[" C.col "] = Content();
+  EXPECT_TRUE(ComputeStatistic(context, mean, " C.col ", "r.vas"));
+  EXPECT_EQ(context.field.infoText, "Mittelwerte erzeugt aus der Kollektion: C.col");
+}
+
+TEST_F(Statistics, LeaveTheLastRecordInTheBuffer) {
+  CollectNumbered(2);
+  VectorField last = NumberedField(6);
+  last.status(2, 1) = 0;
+  EXPECT_FALSE(Collect(last).empty());
+  context.buffer.bufferFileName = "kept";
+  for (const StatisticKind kind : kKinds) {
+    const bool fluctuations = kind == dissipation;  // the mean is 3, at the invalid vector 1.5 of the others
+    Compute(kind, 1);
+    const BufferField& buffer = context.buffer;
+    EXPECT_EQ(std::pair(buffer.bufferColumnCount, buffer.bufferRowCount), std::pair(3, 2));
+    EXPECT_EQ(std::pair(buffer.bufferVelX(1, 1), buffer.bufferVelY(1, 1)),
+              fluctuations ? std::pair(3.0, -3.0) : std::pair(6.0, -6.0));
+    EXPECT_EQ(std::pair(buffer.bufferVelX(2, 1), buffer.bufferVelY(2, 1)), std::pair(6.0, -6.0));
+    EXPECT_EQ(std::pair(buffer.bufferStatus(1, 1), buffer.bufferStatus(2, 1)), std::pair(fluctuations ? 1 : 0, 0));
+    EXPECT_EQ(buffer.bufferFileName, "kept");
+  }
+}
+
+TEST_F(Statistics, SayWhyTheyFailAndSaveNothing) {
+  CollectNumbered(3);
+  const std::string good = Content();
+  const auto reading = [](int number) {
+    return "Fehler beim Einlesen der Kollektion! Folgender Fehler ist aufgetreten:\r\n\r\n" +
+           ErrorText(SystemError(static_cast<ErrorNumber>(number)));
+  };
+  const std::string otherKind = "Dies ist keine gültige COL-Datei!";
+  const std::string overflow = std::string(good).replace(kHeader + 128, 8, Bytes().F64(1E200).Get());
+  const std::string noRecords = With(good, kCountAt, 0).substr(0, kHeader);
+  const std::pair<std::string, std::string> cases[] = {
+      {"", otherKind},
+      {"quiverion" + good.substr(9), otherKind},
+      {good.substr(0, 30), reading(62)},
+      {good.substr(0, 74), reading(62)},
+      {good.substr(0, good.size() - 1), reading(62)},
+      {With(good, kCountAt, 2147483647), reading(62)},
+      {With(good, kCountAt, -3), reading(5)},
+      {With(good, kColumnsAt, 0), reading(9)},
+      {With(With(good, kColumnsAt, 2147483647), kRowsAt, 2147483647), reading(62)},
+      {With(With(noRecords, kColumnsAt, 2147483647), kRowsAt, 2147483647), reading(7)},
+      {overflow, reading(6)}};
+  const auto fails = [&](const std::string& path) {
+    program.ui.messages.clear();
+    EXPECT_FALSE(ComputeStatistic(context, fluctuationSquares, path, "r.vas"));
+    EXPECT_EQ(program.TakeLog(), "");
+    EXPECT_FALSE(program.files.files.contains("r.vas"));
+    EXPECT_FALSE(program.ui.running || context.busy);
+    EXPECT_EQ(program.ui.messages.size(), 1u);
+    EXPECT_EQ(program.ui.messages.back().title, "QuiverionSeries - Fehler");
+    EXPECT_EQ(program.ui.messages.back().icon, MessageIcon::warning);
+    return program.ui.messages.back().text;
+  };
+  for (const auto& [content, text] : cases) {
+    Content() = content;
+    EXPECT_EQ(fails("C.col"), text);
+  }
+  EXPECT_EQ(
+      fails("fehlt.col"),
+      "Die Kollektion kann nicht geöffnet werden! Folgender Fehler ist aufgetreten:\r\n\r\nDatei nicht gefunden   "
+      "(Fehler-Nr. 53)");
+  Content() = good;
+  program.files.readFailsAt["C.col"] = 400;
+  EXPECT_EQ(fails("C.col"), reading(57));
+}
+
+// A yield that starts another computation must not come through.
+TEST_F(Statistics, AreNotStartedTwice) {
+  CollectNumbered(1);
+  context.busy = true;
+  EXPECT_FALSE(ComputeStatistic(context, mean, "C.col", "r.vas"));
+  EXPECT_TRUE(context.busy);
+  EXPECT_FALSE(program.files.files.contains("r.vas"));
+}
+
+}  // namespace
+}  // namespace quiverion::test
