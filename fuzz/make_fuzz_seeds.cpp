@@ -1,4 +1,4 @@
-// Writes small valid files to begin with: make_fuzz_seeds DIR makes DIR/vas, DIR/dat, DIR/vec and DIR/mak.
+// Writes small valid files to begin with: make_fuzz_seeds DIR makes a directory per reader in DIR, such as DIR/vas.
 #include <algorithm>
 #include <cstdio>
 #include <exception>
@@ -9,6 +9,9 @@
 #include "macro/command_catalogue.h"
 #include "macro/macro_file.h"
 #include "platform/file_system.h"
+#include "statistics/collect.h"
+#include "support/random_fields.h"
+#include "support/test_session.h"
 
 namespace quiverion::fuzz {
 namespace {
@@ -94,6 +97,19 @@ void WriteMacroSeeds(SeedWriter& seeds) {
   seeds.Put("mak/empty.mak", MacroEventList{});
 }
 
+void WriteCollectionSeeds(SeedWriter& seeds) {
+  for (const auto& [columns, rows] : {std::pair{3, 2}, {4, 2}, {1, 1}, {7, 5}}) {
+    test::TestSession program;
+    for (int k = 1; k <= 3; ++k) {
+      program.context.field = test::RandomField(static_cast<std::uint64_t>(k), columns, rows, {.invalid = 200});
+      program.context.field.filePath = "C:\\Düse\\" + std::to_string(k) + ".vas";
+      CollectForStatistics(program.context, "c.col");
+      const std::string name = std::to_string(columns) + "x" + std::to_string(rows) + "_" + std::to_string(k);
+      seeds.Put("col/" + name + ".col", program.files.files["c.col"]);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace quiverion::fuzz
 
@@ -106,6 +122,7 @@ int main(int argc, char** argv) {
     quiverion::fuzz::SeedWriter seeds(argv[1]);
     quiverion::fuzz::WriteFieldSeeds(seeds);
     quiverion::fuzz::WriteMacroSeeds(seeds);
+    quiverion::fuzz::WriteCollectionSeeds(seeds);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());
     return 1;

@@ -146,11 +146,12 @@ double ViscosityOf(const StatisticsArguments& arguments, StatisticKind kind) {
     if (kind != StatisticKind::dissipation) return 0.0;
     throw CLI::ValidationError("--viscosity", "für dissipation wird die kinematische Viskosität gebraucht");
   }
-  const NumberPrefix number = ReadNumberPrefix(text);
-  if (number.length != text.size() || !(number.value > 0.0)) {
-    throw CLI::ValidationError("--viscosity", "'" + text + "': Sie müssen eine Zahl > 0 eingeben!");
+  try {
+    const NumberPrefix number = ReadNumberPrefix(text);
+    if (number.length == text.size() && number.value > 0.0) return number.value;
+  } catch (const SystemError&) {  // too large for a number
   }
-  return number.value;
+  throw CLI::ValidationError("--viscosity", "'" + text + "': Sie müssen eine Zahl > 0 eingeben!");
 }
 
 void AddStatistics(CLI::App& app, Action& action, StatisticsArguments& arguments) {

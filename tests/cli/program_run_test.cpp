@@ -53,6 +53,9 @@ TEST_F(ProgramRun, LogsEveryCommandOnEveryFormat) {
   // The place's path holds nothing that RTF would escape.
   ExpectApproved(place, "every_command.rtf", UpToVerdict(place.Read("X.RTF")));
   ExpectApproved(place, "maxima.txt", place.Read("wirbel/Maxima.txt"));
+  for (const char* exported : {"a_1.txt", "neu/a_2.txt", "a_3.txt", "a_4.txt", "a_5.txt", "a_7.csv", "a_8.csv"}) {
+    EXPECT_TRUE(place.Has(std::string("serie/") + exported)) << exported;
+  }
   for (const char* same : {"serie/", "./serie/../serie"}) {
     EXPECT_EQ(RunProgram(place, {"run", "--macro", "s.mak", same}).code, 0);
   }

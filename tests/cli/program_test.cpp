@@ -106,7 +106,8 @@ TEST_F(Program, ListsTheCommands) {
 
 TEST_F(Program, SpeaksGermanInItsHelp) {
   const std::vector<std::string> pages[] = {
-      {}, {"run"}, {"macro"}, {"macro", "show"}, {"macro", "export"}, {"macro", "import"}, {"info"}, {"commands"}};
+      {},       {"run"},      {"macro"},      {"macro", "show"}, {"macro", "export"},    {"macro", "import"},
+      {"info"}, {"commands"}, {"statistics"}, {"collection"},    {"collection", "list"}, {"collection", "remove"}};
   std::string help;
   for (std::vector<std::string> words : pages) {
     words.emplace_back("--help");

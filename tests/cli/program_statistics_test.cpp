@@ -1,0 +1,138 @@
+// quiverionseries-cli statistics and collection, as a script sees them.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "generator/sample_files.h"
+#include "program.h"
+#include "support/bytes.h"
+
+namespace quiverion::cli {
+namespace {
+
+using test::Bytes;
+
+class ProgramStatistics : public testing::Test {
+ protected:
+  // Four fields in c.col.
+  ProgramStatistics() {
+    place.Write("m.mak", Bytes().I32(1).I32(60001).Text("c.col"));
+    for (int k = 1; k <= 4; ++k) {
+      place.Write("serie/" + std::to_string(k) + ".vas",
+                  samples::VasBytes(samples::MakeSampleField({.index = k, .columns = 5, .rows = 4})));
+    }
+    const Outcome outcome = RunProgram(place, {"run", "--macro", "m.mak", "serie"});
+    EXPECT_EQ(outcome.code, 0) << outcome.out << outcome.err;
+  }
+
+  std::string Path(int k) const { return place.Path() + "serie/" + std::to_string(k) + ".vas"; }
+
+  Workplace place;
+};
+
+TEST_F(ProgramStatistics, ListsACollection) {
+  EXPECT_EQ(RunProgram(place, {"collection", "list", "c.col"}).out,
+            "Name der Kollektion:  c.col\nInhalt:  4 Vektorfelder gesammelt\nGröße der Vektorfelder:  5 x 4\n1\t" +
+                Path(1) + "\n2\t" + Path(2) + "\n3\t" + Path(3) + "\n4\t" + Path(4) + "\n");
+  const auto json = nlohmann::json::parse(RunProgram(place, {"collection", "list", "--json", "c.col"}).out);
+  EXPECT_EQ(json, (nlohmann::json{{"columnCount", 5},
+                                  {"rowCount", 4},
+                                  {"fieldCount", 4},
+                                  {"sourcePaths", {Path(1), Path(2), Path(3), Path(4)}}}));
+}
+
+TEST_F(ProgramStatistics, RemovesRecordsByTheirNumbers) {
+  EXPECT_EQ(RunProgram(place, {"collection", "remove", "c.col", "3", "1"}).code, 0);
+  const auto json = nlohmann::json::parse(RunProgram(place, {"collection", "list", "--json", "c.col"}).out);
+  EXPECT_EQ(json["sourcePaths"], (nlohmann::json{Path(4), Path(2)}));
+  const Outcome all = RunProgram(place, {"collection", "remove", "c.col", "1", "2"});
+  EXPECT_EQ(all.code, 0);
+  EXPECT_TRUE(all.err.starts_with("QuiverionSeries - Kollektion gelöscht\n")) << all.err;
+  EXPECT_FALSE(place.Has("c.col"));
+}
+
+TEST_F(ProgramStatistics, ComputesEveryKind) {
+  std::vector<std::string> results;
+  for (const char* kind : {"mean", "stddev", "squares", "product", "turbulence", "dissipation"}) {
+    std::vector<std::string> words = {"statistics", kind, "c.col", "neu/r.vas"};
+    if (std::string_view(kind) == "dissipation") words.insert(words.end(), {"--viscosity", "15E-6"});
+    const Outcome outcome = RunProgram(place, words);
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    const auto info = nlohmann::json::parse(RunProgram(place, {"info", "--json", "neu/r.vas"}).out);
+    EXPECT_EQ(info["infoText"],
+              std::string(std::string_view(kind) == "dissipation" ? "Energiedissipationsrate" : "Mittelwerte") +
+                  " erzeugt aus der Kollektion: c.col");
+    const std::string result = place.Read("neu/r.vas");
+    EXPECT_EQ(std::ranges::count(results, result), 0) << kind << " is another statistic";
+    results.push_back(result);
+  }
+  EXPECT_EQ(RunProgram(place, {"statistics", "dissipation", "c.col", "doppelt.VAS", "--viscosity=3e-5"}).code, 0);
+  const auto once = nlohmann::json::parse(RunProgram(place, {"info", "--json", "neu/r.vas"}).out);
+  const auto twice = nlohmann::json::parse(RunProgram(place, {"info", "--json", "doppelt.VAS"}).out);
+  EXPECT_DOUBLE_EQ(twice["velX"]["max"].get<double>(), 2 * once["velX"]["max"].get<double>());
+}
+
+TEST_F(ProgramStatistics, FailsWithAReasonAndLeavesFilesAlone) {
+  place.Write("cut.col", place.Read("c.col").substr(0, 300));
+  place.Write("old.vas", "old");
+  const auto before = place.Files();
+  const std::string collection = place.Read("c.col");
+  struct Failure {
+    std::vector<std::string> arguments;
+    int code;
+    std::string error;  // what standard error says, from its beginning
+  };
+  const std::vector<std::string> rate = {"statistics", "dissipation", "c.col", "old.vas"};
+  const auto with = [](std::vector<std::string> words, const char* word) { return words.emplace_back(word), words; };
+  const Failure failures[] = {
+      {rate, 2, "Ungültiger Wert: --viscosity: für dissipation wird die kinematische Viskosität gebraucht\n"},
+      {with(rate, "--viscosity="), 2, "Wert fehlt"},
+      {with(rate, "--viscosity=0"), 2, "Ungültiger Wert: --viscosity: '0': Sie müssen eine Zahl > 0 eingeben!\n"},
+      {with(rate, "--viscosity=-1E-6"), 2, "Ungültiger Wert: --viscosity: '-1E-6': "},
+      {with(rate, "--viscosity=Wasser"), 2, "Ungültiger Wert: --viscosity: 'Wasser': "},
+      {with(rate, "--viscosity=1,5E-5"), 2, "Ungültiger Wert: --viscosity: '1,5E-5': "},
+      {with(rate, "--viscosity=1e999"), 2, "Ungültiger Wert: --viscosity: '1e999': "},
+      {{"statistics", "median", "c.col", "old.vas"}, 2, "Ungültiger Wert: ART: unbekannter Wert 'median'\n"},
+      {{"statistics", "mean", "c.col", "old.txt"}, 2, "Ungültiger Wert: ERGEBNIS: 'old.txt' endet nicht in .vas\n"},
+      {{"statistics", "mean", "c.col"}, 2, "Argument fehlt: ERGEBNIS\n"},
+      {{"statistics", "mean", "fehlt.col", "old.vas"},
+       1,
+       "QuiverionSeries - Fehler\nDie Kollektion kann nicht geöffnet werden! Folgender Fehler ist "
+       "aufgetreten:\n\nDatei "
+       "nicht gefunden   (Fehler-Nr. 53)\nKollektion: 'fehlt.col'\n"},
+      {{"statistics", "mean", "cut.col", "old.vas"},
+       1,
+       "QuiverionSeries - Fehler\nFehler beim Einlesen der Kollektion! Folgender Fehler ist aufgetreten:\n\nEinlesen "
+       "hinter Dateiende   (Fehler-Nr. 62)\n"},
+      {{"statistics", "mean", "c.col", "old.vas/r.vas"},
+       1,
+       "Datei speichern unter 'old.vas/r.vas'... !!! FEHLER !!!\n    Die aktuelle Datei kann nicht gespeichert werden, "
+       "da "
+       "beim Öffnen folgender Fehler aufgetreten ist:\n    Pfad nicht gefunden   (Fehler-Nr. 76)\n"},
+      {{"collection", "list", "old.vas"},
+       1,
+       "QuiverionSeries - FEHLER\n    COL-Datei ist nicht von QuiverionSeries!\nKollektion: 'old.vas'\n"},
+      {{"collection", "remove", "c.col"}, 2, "Argument fehlt: NUMMER\n"},
+      {{"collection", "remove", "c.col", "0"}, 2, "Ungültiger Wert: NUMMER: '0' ist keine Nummer ab 1\n"},
+      {{"collection", "remove", "c.col", "-1"}, 2, "Ungültiger Wert: NUMMER: '-1' ist keine Nummer ab 1\n"},
+      {{"collection", "remove", "c.col", "1", "zwei"}, 2, "Ungültiger Wert: NUMMER: 'zwei' ist keine Nummer ab 1\n"},
+      {{"collection", "remove", "c.col", "2", "1", "2"}, 2, "Ungültiger Wert: NUMMER: '2' steht zweimal da\n"},
+      {{"collection", "remove", "c.col", "1", "5"},
+       1,
+       "'c.col': Die Nummer 5 gibt es nicht, die Zahl der Vektorfelder ist 4.\n"},
+      {{"collection", "remove", "cut.col", "1"}, 1, "QuiverionSeries - FEHLER\nBeim Einlesen der Kollektion ist "},
+      {{"collection"}, 2, "Ein Befehl fehlt.\n"}};
+  for (const Failure& failure : failures) {
+    const Outcome outcome = RunProgram(place, failure.arguments);
+    EXPECT_EQ(outcome.code, failure.code) << failure.error;
+    EXPECT_EQ(outcome.err.substr(0, failure.error.size()), failure.error);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(place.Files(), before) << failure.error;
+    EXPECT_EQ(place.Read("c.col"), collection);
+    EXPECT_EQ(place.Read("old.vas"), "old");
+  }
+}
+
+}  // namespace
+}  // namespace quiverion::cli
