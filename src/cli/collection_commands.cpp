@@ -3,6 +3,7 @@
 
 #include "cli/commands.h"
 #include "cli/services.h"
+#include "platform/text.h"
 #include "statistics/collection_contents.h"
 
 namespace quiverion::cli {
@@ -22,7 +23,8 @@ std::string AsText(const std::string& path, const CollectionContents& contents) 
                      " Vektorfelder gesammelt\nGröße der Vektorfelder:  " + std::to_string(header.columnCount) + " x " +
                      std::to_string(header.rowCount) + "\n";
   int number = 0;
-  for (const std::string& sourcePath : contents.sourcePaths) {
+  for (std::string sourcePath : contents.sourcePaths) {
+    ReplaceControls(sourcePath, "");
     text += std::to_string(++number) + "\t" + sourcePath + "\n";
   }
   return text;

@@ -9,6 +9,7 @@
 #include "cli/services.h"
 #include "field/load_original_file.h"
 #include "platform/numbers.h"
+#include "platform/text.h"
 
 namespace quiverion::cli {
 namespace {
@@ -81,6 +82,7 @@ std::string AsText(const VectorField& field, const Summary& summary) {
   std::string info = field.infoText;
   std::erase(info, '\r');
   text += "Info-Text:" + std::string(info.empty() ? "" : "\n") + info;
+  ReplaceControls(text, "\n\t");
   return text.ends_with('\n') ? text : text + "\n";
 }
 

@@ -29,10 +29,6 @@ std::size_t PlainPrefix(std::string_view text) {
   return length;
 }
 
-bool IsControl(char c) {
-  return (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7F;
-}
-
 // "\r\n" becomes "\n"; for a terminal control characters become "?".
 void AppendLines(std::string& target, std::string_view text, bool forTerminal) {
   const std::size_t start = target.size();
@@ -43,13 +39,7 @@ void AppendLines(std::string& target, std::string_view text, bool forTerminal) {
     target.push_back('\n');
     text.remove_prefix(lineBreak + 2);
   }
-  if (!forTerminal) return;
-  std::replace_if(target.begin() + static_cast<std::ptrdiff_t>(start), target.end(), IsControl, '?');
-  // U+0080 to U+009F are controls in one character.
-  for (std::size_t at = target.find('\xC2', start); at != std::string::npos; at = target.find('\xC2', at + 1)) {
-    const bool control = at + 1 < target.size() && (static_cast<unsigned char>(target[at + 1]) & 0xE0) == 0x80;
-    if (control) target.replace(at, 2, "?");
-  }
+  if (forTerminal) ReplaceControls(target, "\n\t", start);
 }
 
 void AppendNumber(std::string& target, int number) {

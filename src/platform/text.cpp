@@ -152,6 +152,18 @@ std::string_view TrimBlanks(std::string_view text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+void ReplaceControls(std::string& text, std::string_view kept, std::size_t start) {
+  const auto isControl = [kept](char c) {
+    return (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) && kept.find(c) == std::string_view::npos;
+  };
+  std::replace_if(text.begin() + static_cast<std::ptrdiff_t>(start), text.end(), isControl, '?');
+  // U+0080 to U+009F are controls in one character.
+  for (std::size_t at = text.find('\xC2', start); at != std::string::npos; at = text.find('\xC2', at + 1)) {
+    const bool control = at + 1 < text.size() && (static_cast<unsigned char>(text[at + 1]) & 0xE0) == 0x80;
+    if (control) text.replace(at, 2, "?");
+  }
+}
+
 std::string AsciiUpper(std::string_view text) {
   std::string upper(text);
   std::transform(upper.begin(), upper.end(), upper.begin(), AsciiUpperCase);

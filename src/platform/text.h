@@ -38,6 +38,9 @@ void AppendUtf8(std::string& text, char32_t codePoint);
 /// Without the blanks (U+0020) at both ends.
 std::string_view TrimBlanks(std::string_view text);
 
+/// Control characters behind `start`, but those of `kept`, become "?": what a file holds must not steer a terminal.
+void ReplaceControls(std::string& text, std::string_view kept, std::size_t start = 0);
+
 /// ASCII letters in upper case, everything else as it is.
 std::string AsciiUpper(std::string_view text);
 

@@ -41,6 +41,13 @@ TEST_F(ProgramStatistics, ListsACollection) {
                                   {"sourcePaths", {Path(1), Path(2), Path(3), Path(4)}}}));
 }
 
+TEST_F(ProgramStatistics, KeepsTheListAListWhateverThePathsHold) {
+  std::string bytes = place.Read("c.col");
+  place.Write("c.col", bytes.replace(75, 12, "\x1B[31m\n\tx\x7F \xE4"));
+  const std::string list = RunProgram(place, {"collection", "list", "c.col"}).out;
+  EXPECT_NE(list.find("\n1\t?[31m??x? ä"), std::string::npos) << list;
+}
+
 TEST_F(ProgramStatistics, RemovesRecordsByTheirNumbers) {
   EXPECT_EQ(RunProgram(place, {"collection", "remove", "c.col", "3", "1"}).code, 0);
   const auto json = nlohmann::json::parse(RunProgram(place, {"collection", "list", "--json", "c.col"}).out);
