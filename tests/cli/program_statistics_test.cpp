@@ -43,7 +43,7 @@ TEST_F(ProgramStatistics, ListsACollection) {
 
 TEST_F(ProgramStatistics, KeepsTheListAListWhateverThePathsHold) {
   std::string bytes = place.Read("c.col");
-  place.Write("c.col", bytes.replace(75, 12, "\x1B[31m\n\tx\x7F \xE4"));
+  place.Write("c.col", bytes.replace(75, 11, "\x1B[31m\n\tx\x7F \xE4"));
   const std::string list = RunProgram(place, {"collection", "list", "c.col"}).out;
   EXPECT_NE(list.find("\n1\t?[31m??x? ä"), std::string::npos) << list;
 }
