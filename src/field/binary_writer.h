@@ -10,6 +10,13 @@
 
 namespace quiverion {
 
+/// The bytes of an array as they lie in memory and in files.
+template <class Array>
+std::string_view BytesOf(const Array& array) {
+  const auto bytes = std::as_bytes(std::span(array));
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 /// Takes bytes like a file: for what is written in one piece later.
 struct ByteString {
   std::string bytes;
@@ -56,11 +63,6 @@ class BinaryWriter {
   const std::optional<std::string>& LostText() const { return lostText_; }
 
  private:
-  template <class Array>
-  static std::string_view BytesOf(const Array& array) {
-    const auto bytes = std::as_bytes(std::span(array));
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-  }
   void Bytes(const void* source, std::size_t size) { file_.Write({static_cast<const char*>(source), size}); }
 
   File& file_;

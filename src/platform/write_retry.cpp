@@ -16,4 +16,12 @@ bool WriteRetry::AsksForRetry(ErrorNumber number) {
   return !cancelled_;
 }
 
+void WriteAllAt(UpdatedFile& file, std::uint64_t position, std::span<std::string_view> pieces, WriteRetry& retry) {
+  WriteAllPieces(pieces, [&](std::span<const std::string_view> rest) {
+    const std::size_t written = retry([&] { return file.WriteSomePiecesAt(position, rest); });
+    position += written;
+    return written;
+  });
+}
+
 }  // namespace quiverion

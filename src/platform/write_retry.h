@@ -4,6 +4,7 @@
 #include <span>
 #include <string_view>
 
+#include "platform/file_system.h"
 #include "platform/system_error.h"
 #include "platform/user_interface.h"
 
@@ -56,5 +57,8 @@ void WriteAllPieces(std::span<std::string_view> pieces, WriteSome writeSome) {
     }
   }
 }
+
+/// Writes all pieces into the file from byte `position` on. Throws SystemError.
+void WriteAllAt(UpdatedFile& file, std::uint64_t position, std::span<std::string_view> pieces, WriteRetry& retry);
 
 }  // namespace quiverion

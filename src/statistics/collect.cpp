@@ -10,8 +10,7 @@
 #include "platform/numbers.h"
 #include "platform/paths.h"
 #include "platform/text.h"
-#include "platform/write_retry.h"
-#include "statistics/collection_reader.h"
+#include "statistics/collection_file.h"
 #include "statistics/valid_bits.h"
 
 namespace quiverion {
@@ -41,7 +40,7 @@ class Append {
     ByteString newHeader;
     if (file_.IsNew()) {
       BinaryWriter writer(newHeader);
-      writer.Magic(collection::kMagic);
+      collection::Identity(writer, header);
       collection::Counts(writer, header);
       collection::Positions(writer, header);
     }
@@ -50,11 +49,8 @@ class Append {
     const ValidBits validBits = PackValidBits(field_.status.Values());
     std::array pieces = {std::string_view(newHeader.bytes), std::string_view(sourcePath.bytes),
                          BytesOf(field_.velX.Values()), BytesOf(field_.velY.Values()), BytesOf(validBits)};
-    Write(file_.IsNew() ? 0 : EndOfRecords(header), pieces);
-    ByteString count;
-    BinaryWriter(count).Int32(newCount);
-    std::array countPiece = {std::string_view(count.bytes)};
-    Write(collection::kFieldCountAt, countPiece);
+    WriteAllAt(file_, file_.IsNew() ? 0 : EndOfRecords(header), pieces, retry_);
+    WriteFieldCount(file_, newCount, retry_);
     file_.Close();
     if (!sourcePath.complete) WarnLostCharacters(context_, field_.filePath);
     return newCount;
@@ -77,8 +73,8 @@ class Append {
   CollectionHeader ExistingHeader() {
     file_.Seek(0);
     BinaryReader reader(file_);
-    if (!IsCollection(reader)) throw FormatError("    COL-Datei ist nicht von QuiverionSeries!");
     CollectionHeader header;
+    if (!ReadIdentity(reader, header)) throw FormatError("    COL-Datei ist nicht von QuiverionSeries!");
     collection::Counts(reader, header);
     if (header.columnCount != field_.columnCount || header.rowCount != field_.rowCount) {
       throw FormatError("    Anzahl der Vektoren stimmt nicht überein!");
@@ -102,20 +98,6 @@ class Append {
       if (position - file_.Size() > free) throw SystemError(ErrorNumber::endOfFile);
     }
     return position;
-  }
-
-  void Write(std::uint64_t position, std::span<std::string_view> pieces) {
-    WriteAllPieces(pieces, [&](std::span<const std::string_view> rest) {
-      const std::size_t written = retry_([&] { return file_.WriteSomePiecesAt(position, rest); });
-      position += written;
-      return written;
-    });
-  }
-
-  template <class Values>
-  static std::string_view BytesOf(const Values& values) {
-    const auto bytes = std::as_bytes(std::span(values));
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
   }
 
   Context& context_;

@@ -5,10 +5,8 @@
 #include <memory>
 #include <string_view>
 
-#include "field/binary_writer.h"
 #include "field/frames.h"
-#include "platform/write_retry.h"
-#include "statistics/collection_reader.h"
+#include "statistics/collection_file.h"
 
 namespace quiverion {
 namespace {
@@ -26,15 +24,12 @@ void ShowError(Context& context, std::string_view title, std::string_view senten
 
 // Throws FormatError for anything but a collection of version 1.
 CollectionHeader ReadHeader(BinaryReader& reader) {
-  const bool isCollection = IsCollection(reader);
-  std::int16_t version = 0;
-  if (isCollection) {
-    const std::uint64_t counts = reader.Position();
-    reader.Int16(version);
-    reader.MoveTo(counts);
+  CollectionHeader header;
+  if (!ReadIdentity(reader, header) || header.formatVersion != 1) {
+    throw FormatError("    COL-Datei ist nicht von QuiverionSeries!");
   }
-  if (version != 1) throw FormatError("    COL-Datei ist nicht von QuiverionSeries!");
-  return ReadCollectionHeader(reader);
+  ReadCountsAndPositions(reader, header);
+  return header;
 }
 
 CollectionContents ReadContents(InputFile& file) {
@@ -71,9 +66,7 @@ class Removal {
       ++hole;
     }
     header_.fieldCount = last;
-    ByteString count;
-    BinaryWriter(count).Int32(last);
-    Write(collection::kFieldCountAt, count.bytes);
+    WriteFieldCount(file_, last, retry_);
     file_.Close();
     return header_;
   }
@@ -88,24 +81,17 @@ class Removal {
     for (std::uint64_t position = RecordPosition(header_, target - 1); left > 0;) {
       const auto size = static_cast<std::size_t>(std::min(blockSize, left));
       if (file_.Read(block_.data(), size) < size) throw SystemError(ErrorNumber::endOfFile);
-      Write(position, std::string_view(block_).substr(0, size));
+      std::array pieces = {std::string_view(block_).substr(0, size)};
+      WriteAllAt(file_, position, pieces, retry_);
       position += size;
       left -= size;
     }
   }
 
-  void Write(std::uint64_t position, std::string_view bytes) {
-    std::array pieces = {bytes};
-    WriteAllPieces(pieces, [&](std::span<const std::string_view> rest) {
-      const std::size_t written = file_.WriteSomePiecesAt(position, rest);
-      position += written;
-      return written;
-    });
-  }
-
   UpdatedFile& file_;
   CollectionHeader header_;
   std::string block_;
+  WriteRetry retry_{nullptr};  // nothing here takes room on the disk
 };
 
 }  // namespace

@@ -35,9 +35,16 @@ constexpr std::uint64_t RecordBytes(std::uint64_t vectors) {
   return kPathBytes + 16 * vectors + vectors / 8 + 1;
 }
 
+/// Magic word and version. False where the magic word differs.
+template <class Archive, class Header>
+bool Identity(Archive& archive, Header& header) {
+  if (!archive.Magic(kMagic)) return false;
+  archive.Int16(header.formatVersion);
+  return true;
+}
+
 template <class Archive, class Header>
 void Counts(Archive& archive, Header& header) {
-  archive.Int16(header.formatVersion);
   archive.Int32(header.fieldCount);
   archive.Int32(header.columnCount);
   archive.Int32(header.rowCount);

@@ -8,7 +8,7 @@
 #include "field/vas_file.h"
 #include "platform/float_errors.h"
 #include "platform/text.h"
-#include "statistics/collection_reader.h"
+#include "statistics/collection_file.h"
 #include "statistics/record_sums.h"
 #include "statistics/statistic_steps.h"
 
@@ -68,8 +68,8 @@ class Computation {
 
   // Throws FormatError and SystemError; the field is left as far as the computation had got.
   void Run(const StatisticSteps& steps, double viscosity) {
-    if (!IsCollection(reader_)) throw FormatError("Dies ist keine gültige COL-Datei!");
-    header_ = ReadCollectionHeader(reader_);
+    if (!ReadIdentity(reader_, header_)) throw FormatError("Dies ist keine gültige COL-Datei!");
+    ReadCountsAndPositions(reader_, header_);
     CheckSparseGrid(header_.columnCount, header_.rowCount, fileSize_);
     const bool twoPasses = steps.addRecord != nullptr;
     total_ = std::max(std::int64_t{header_.fieldCount} * (twoPasses ? 2 : 1), std::int64_t{1});

@@ -1,28 +1,29 @@
-#include "statistics/collection_reader.h"
+#include "statistics/collection_file.h"
 
+#include <array>
+
+#include "field/binary_writer.h"
 #include "platform/system_error.h"
 #include "platform/text.h"
 
 namespace quiverion {
 
-bool IsCollection(BinaryReader& reader) {
-  return reader.Remaining() >= collection::kMagic.size() && reader.Magic(collection::kMagic);
+bool ReadIdentity(BinaryReader& reader, CollectionHeader& header) {
+  return reader.Remaining() >= collection::kMagic.size() && collection::Identity(reader, header);
 }
 
-CollectionHeader ReadCollectionHeader(BinaryReader& reader) {
-  CollectionHeader header;
+void ReadCountsAndPositions(BinaryReader& reader, CollectionHeader& header) {
   collection::Counts(reader, header);
   if (header.fieldCount < 0) throw SystemError(ErrorNumber::invalidCall);
   if (header.columnCount < 1 || header.rowCount < 1) throw SystemError(ErrorNumber::indexOutOfRange);
   collection::Positions(reader, header);
-  if (header.fieldCount == 0) return header;
+  if (header.fieldCount == 0) return;
   // Every vector takes more than a byte: beyond this the size of a record could leave the range of 64 bits.
   reader.Require(header.VectorCount());
   if (static_cast<std::uint64_t>(header.fieldCount) >
       reader.Remaining() / collection::RecordBytes(header.VectorCount())) {
     throw SystemError(ErrorNumber::endOfFile);
   }
-  return header;
 }
 
 std::uint64_t RecordPosition(const CollectionHeader& header, std::int32_t index) {
@@ -33,6 +34,11 @@ std::string ReadSourcePath(BinaryReader& reader) {
   std::string bytes(collection::kPathBytes, '\0');
   reader.Bytes(bytes.data(), bytes.size());
   return Utf8FromWindows1252(TrimBlanks(bytes));
+}
+
+void WriteFieldCount(UpdatedFile& file, std::int32_t fieldCount, WriteRetry& retry) {
+  std::array pieces = {BytesOf(std::span(&fieldCount, 1))};
+  WriteAllAt(file, collection::kFieldCountAt, pieces, retry);
 }
 
 }  // namespace quiverion

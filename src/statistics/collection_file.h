@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+#include "field/binary_reader.h"
+#include "platform/write_retry.h"
+#include "statistics/collection_layout.h"
+
+namespace quiverion {
+
+/// Magic word and version, which is not checked. False where the magic word differs, as it does in a file shorter than it.
+bool ReadIdentity(BinaryReader& reader, CollectionHeader& header);
+
+/// The rest of the header. Throws SystemError 62 where the file ends before its last counted record, 5 for a negative number
+/// of fields and 9 for a grid without columns or rows.
+void ReadCountsAndPositions(BinaryReader& reader, CollectionHeader& header);
+
+/// Bytes before record `index`, counted from 0.
+std::uint64_t RecordPosition(const CollectionHeader& header, std::int32_t index);
+
+/// A record's source path as UTF-8, without the blanks around it. The reader stands at the beginning of the record.
+std::string ReadSourcePath(BinaryReader& reader);
+
+/// The step that makes an append or a removal count.
+void WriteFieldCount(UpdatedFile& file, std::int32_t fieldCount, WriteRetry& retry);
+
+}  // namespace quiverion
