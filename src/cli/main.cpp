@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "cli/commands.h"
+#include "cli/german_usage.h"
 #include "platform/environment.h"
 #include "platform/numbers.h"
 #include "platform/paths.h"
@@ -13,41 +14,6 @@
 
 namespace quiverion::cli {
 namespace {
-
-/// The German words of the help pages and of usage errors.
-class GermanHelp : public CLI::Formatter {
- public:
-  GermanHelp() {
-    label("REQUIRED", "(Pflicht)");
-    label("POSITIONALS", "Argumente");
-    label("Positionals", "Argumente");
-    label("TEXT", "TEXT");
-    column_width(34);
-  }
-  std::string make_usage(const CLI::App* app, std::string name) const override {
-    std::string usage = CLI::Formatter::make_usage(app, std::move(name));
-    Replace(usage, "Usage:", "Aufruf:");
-    Replace(usage, "[OPTIONS]", "[OPTIONEN]");
-    Replace(usage, "[SUBCOMMAND]", "BEFEHL");
-    Replace(usage, "SUBCOMMAND", "BEFEHL");
-    return usage;
-  }
-  std::string make_group(std::string group, bool isPositional, std::vector<const CLI::Option*> options) const override {
-    if (group == "Options") group = "Optionen";
-    return CLI::Formatter::make_group(group, isPositional, options);
-  }
-  std::string make_subcommands(const CLI::App* app, CLI::AppFormatMode mode) const override {
-    std::string text = CLI::Formatter::make_subcommands(app, mode);
-    Replace(text, "Subcommands:", "Befehle:");
-    return text;
-  }
-
- private:
-  static void Replace(std::string& text, std::string_view from, std::string_view to) {
-    const std::size_t at = text.find(from);
-    if (at != std::string::npos) text.replace(at, from.size(), to);
-  }
-};
 
 // What to do once everything was understood.
 using Action = std::function<int()>;
@@ -230,29 +196,6 @@ void AddQueries(CLI::App& app, Action& action, FileArguments& files) {
   CLI::App* const commands = app.add_subcommand("commands", "Alle Makrobefehle mit ihren Parametern zeigen");
   commands->add_flag("--json", files.json, "als JSON ausgeben");
   commands->callback([&] { action = [&files] { return ListCommands(files.json); }; });
-}
-
-// CLI11 words its errors in English; the kind and the names in it are enough for a German sentence.
-std::string UsageMessage(const CLI::App& app, const CLI::ParseError& error) {
-  const std::string what = error.what();
-  const std::string name = what.substr(0, what.find_first_of(": "));
-  if (dynamic_cast<const CLI::ValidationError*>(&error)) return "Ungültiger Wert: " + what;
-  if (dynamic_cast<const CLI::ExtrasError*>(&error)) {
-    return "Unbekanntes Argument: " + what.substr(what.find(": ") == std::string::npos ? 0 : what.find(": ") + 2);
-  }
-  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) return "Wert fehlt oder steht zuviel: " + name;
-  if (dynamic_cast<const CLI::RequiredError*>(&error)) {
-    const std::vector<std::string> unknown = app.remaining(true);
-    if (!unknown.empty()) return "Unbekannter Befehl: " + unknown.front();
-    return what.find("ubcommand") != std::string::npos ? "Ein Befehl fehlt." : "Argument fehlt: " + name;
-  }
-  return "Ungültiger Aufruf: " + name;
-}
-
-void UseGerman(CLI::App& app, const std::shared_ptr<GermanHelp>& german) {
-  app.formatter(german);
-  app.set_help_flag("-h,--help", "Diese Hilfe zeigen");
-  for (CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) UseGerman(*command, german);
 }
 
 int Main(int argc, char** argv) {
