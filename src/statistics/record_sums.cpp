@@ -136,7 +136,7 @@ void AddDerivativesOfRows(StatisticState& state) {
                   [&](std::int32_t j, const RowInput& row) {
                     AddInnerDerivatives(row, field.velX.Row(j), samples.data(), field.status.Row(j));
                     plain::AddDerivativesAt(state, 1, j);
-                    if (field.columnCount > 1) plain::AddDerivativesAt(state, field.columnCount, j);
+                    plain::AddDerivativesAt(state, field.columnCount, j);  // nothing where it is the first again
                   });
 }
 

@@ -147,6 +147,12 @@ TEST_F(Collecting, LosesNothingOnAFullDisk) {
     EXPECT_EQ(Content(), three) << "Retry goes on where it stopped: " << room;
     program.ui.onAsk = nullptr;
   }
+  Content() = two;
+  program.files.faults.read = ErrorNumber::tooManyFiles;
+  program.ui.answers = {MessageAnswer::retry};
+  program.ui.onAsk = [&](const Message&) { program.files.faults = {}; };
+  EXPECT_EQ(Collect(NumberedField(3)), Collected(3)) << "reading is repeated as well";
+  EXPECT_EQ(Content(), three);
   program.files.faults.commit = ErrorNumber::deviceError;
   EXPECT_EQ(Collect(NumberedField(4)), kWriteFailed + "Geräte-E/A-Fehler   (Fehler-Nr. 57)\r\n");
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "collection_fixture.h"
+#include "support/random_fields.h"
 
 namespace quiverion::test {
 namespace {
@@ -77,7 +78,9 @@ TEST_F(Contents, AreRefusedWithAMessage) {
       {With(five, kCountAt, -1), reading(5)},
       {With(five, kColumnsAt, 0), reading(9)},
       {With(five, kRowsAt, -2), reading(9)},
-      {With(With(five, kColumnsAt, 2147483647), kRowsAt, 2147483647), reading(62)}};
+      {With(With(five, kColumnsAt, 2147483647), kRowsAt, 2147483647), reading(62)},
+      // A record of this size has 147 bytes modulo 2^64.
+      {With(With(five, kColumnsAt, 575292019), kRowsAt, 1988527723), reading(62)}};
   for (const auto& [content, message] : cases) {
     Content() = content;
     EXPECT_EQ(Paths(), "not readable") << message;
@@ -114,6 +117,15 @@ TEST_F(Contents, FillTheLowestHolesFromTheEnd) {
               five.substr(kCountAt + 4, kHeader - kCountAt - 4));
   }
   EXPECT_TRUE(program.ui.messages.empty());
+}
+
+TEST_F(Contents, MoveInSeveralBlocks) {
+  program.files.files.erase("C.col");
+  for (std::uint64_t k = 1; k <= 3; ++k) EXPECT_FALSE(Collect(RandomField(k, 190, 180, {})).empty());
+  const std::size_t record = (Content().size() - kHeader) / 3;
+  const std::string last = Content().substr(kHeader + 2 * record);
+  EXPECT_EQ(RemoveRecords(context, "C.col", {1}), RemovalOutcome::removed);
+  EXPECT_TRUE(Content().substr(kHeader, record) == last);
 }
 
 TEST_F(Contents, GoWithTheirFileWhereAllAreRemoved) {

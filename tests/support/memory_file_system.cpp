@@ -58,6 +58,11 @@ class MemoryUpdatedFile : public MemoryReadableFile<UpdatedFile> {
 
   bool IsNew() const override { return isNew_; }
 
+  std::size_t Read(void* target, std::size_t size) override {
+    if (system_.faults.read) throw SystemError(*system_.faults.read);
+    return MemoryReadableFile::Read(target, size);
+  }
+
   std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) override {
     const auto first =
         std::find_if(pieces.begin(), pieces.end(), [](std::string_view piece) { return !piece.empty(); });

@@ -31,6 +31,7 @@ class MemoryFileSystem : public FileSystem {
     std::optional<ErrorNumber> commit = {};
     int commitFailures = std::numeric_limits<int>::max();  // so many times
     std::optional<ErrorNumber> setLength = {};
+    std::optional<ErrorNumber> read = {};  // of a file that is changed in place
   };
   Faults faults;
 
