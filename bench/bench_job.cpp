@@ -1,6 +1,6 @@
 // A whole evaluation over a series of DAT files: median 5x5, interpolation, Gauss 3x3, save, collect. The run driver
-// beside plain loops from end to end (lines and numbers one by one, the definitions of the operations, values one by one, and
-// nothing collected), and beside reading, creating and appending the same bytes.
+// beside plain loops from end to end (lines and numbers one by one, the definitions of the operations, values one by
+// one, and nothing collected), and beside reading, creating and appending the same bytes.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>

@@ -4,14 +4,12 @@
 #include <exception>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "generator/sample_files.h"
 #include "macro/command_catalogue.h"
 #include "macro/macro_file.h"
 #include "platform/file_system.h"
-#include "statistics/collect.h"
-#include "support/random_fields.h"
-#include "support/test_session.h"
 
 namespace quiverion::fuzz {
 namespace {
@@ -99,13 +97,13 @@ void WriteMacroSeeds(SeedWriter& seeds) {
 
 void WriteCollectionSeeds(SeedWriter& seeds) {
   for (const auto& [columns, rows] : {std::pair{3, 2}, {4, 2}, {1, 1}, {7, 5}}) {
-    test::TestSession program;
+    std::vector<samples::SampleField> fields;
+    std::vector<std::string> paths;
     for (int k = 1; k <= 3; ++k) {
-      program.context.field = test::RandomField(static_cast<std::uint64_t>(k), columns, rows, {.invalid = 200});
-      program.context.field.filePath = "C:\\Düse\\" + std::to_string(k) + ".vas";
-      CollectForStatistics(program.context, "c.col");
+      fields.push_back(samples::MakeSampleField({.index = k, .columns = columns, .rows = rows, .maskedBody = false}));
+      paths.push_back("C:\\Düse\\" + std::to_string(k) + ".vas");
       const std::string name = std::to_string(columns) + "x" + std::to_string(rows) + "_" + std::to_string(k);
-      seeds.Put("col/" + name + ".col", program.files.files["c.col"]);
+      seeds.Put("col/" + name + ".col", samples::CollectionBytes(fields, paths));
     }
   }
 }

@@ -320,4 +320,29 @@ std::string VecBytes(const SampleField& field, int subType) {
   return out.Take();
 }
 
+std::string CollectionBytes(const std::vector<SampleField>& fields, const std::vector<std::string>& paths) {
+  const SampleField& first = fields.front();
+  ByteWriter out;
+  out.Raw("QuiverionStatisticsCollection");
+  out.Int16(1);
+  out.Int32(static_cast<std::int32_t>(fields.size()));
+  out.Int32(first.columns);
+  out.Int32(first.rows);
+  for (const double position : {PositionX(first, 1), PositionX(first, first.columns)}) out.Double(position);
+  for (const double position : {PositionY(first, 1), PositionY(first, first.rows)}) out.Double(position);
+  for (std::size_t k = 0; k < fields.size(); ++k) {
+    std::string path = Windows1252Bytes(paths[k]);
+    path.append(128 - path.size(), ' ');
+    out.Raw(path);
+    for (const double value : fields[k].u) out.Double(value);
+    for (const double value : fields[k].v) out.Double(value);
+    std::string bits(fields[k].status.size() / 8 + 1, '\0');
+    for (std::size_t p = 0; p < fields[k].status.size(); ++p) {
+      if (fields[k].status[p] > 0) bits[p / 8] = static_cast<char>(bits[p / 8] + (1 << p % 8));
+    }
+    out.Raw(bits);
+  }
+  return out.Take();
+}
+
 }  // namespace quiverion::samples

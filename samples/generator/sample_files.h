@@ -3,10 +3,11 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "sample_field.h"
 
-/// The three input formats, written without any code of the readers: a second opinion on them.
+/// The input formats and the collection, written without any code of the readers: a second opinion on them.
 namespace quiverion::samples {
 
 /// A VAS file. Reserved items hold what the program writes there, so that reading and saving the file again
@@ -25,6 +26,9 @@ std::string VecBytes(const SampleField& field, int subType);
 /// Status 0 to 4 of a vector in the VEC files of sub types 1 and 3: valid vectors are spread over the four
 /// peaks.
 std::int32_t VecStatus(const SampleField& field, int column, int row);
+
+/// A collection of fields with one grid; `paths` (at most 128 characters) are where they came from.
+std::string CollectionBytes(const std::vector<SampleField>& fields, const std::vector<std::string>& paths);
 
 /// UTF-8 to Windows-1252. Throws std::invalid_argument for characters that Windows-1252 lacks.
 std::string Windows1252Bytes(std::string_view utf8);

@@ -11,12 +11,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// The reason of a failure has been shown; this says which file it was about.
-int Failed(Services& services, const std::string& path) {
-  services.terminal.PrintError("Kollektion: '" + path + "'\n");
-  return kFailed;
-}
-
 std::string AsText(const std::string& path, const CollectionContents& contents) {
   const CollectionHeader& header = contents.header;
   std::string text = "Name der Kollektion:  " + path + "\nInhalt:  " + std::to_string(header.fieldCount) +
@@ -45,7 +39,7 @@ std::string AsJson(const CollectionContents& contents) {
 int ListCollection(const std::string& path, bool json) {
   Services services;
   const auto contents = ReadCollectionContents(services.session.context, path);
-  if (!contents) return Failed(services, path);
+  if (!contents) return services.FailedOn(path);
   services.terminal.Print(json ? AsJson(*contents) : AsText(path, *contents));
   return services.Done();
 }
@@ -54,7 +48,7 @@ int RemoveFromCollection(const std::string& path, const std::vector<std::int32_t
   Services services;
   Context& context = services.session.context;
   const auto contents = ReadCollectionContents(context, path);
-  if (!contents) return Failed(services, path);
+  if (!contents) return services.FailedOn(path);
   const std::int32_t largest = *std::max_element(numbers.begin(), numbers.end());
   if (largest > contents->header.fieldCount) {
     services.terminal.PrintError("'" + path + "': Die Nummer " + std::to_string(largest) +
@@ -64,7 +58,7 @@ int RemoveFromCollection(const std::string& path, const std::vector<std::int32_t
   }
   const RemovalOutcome outcome = RemoveRecords(context, path, numbers);
   const bool done = outcome == RemovalOutcome::removed || outcome == RemovalOutcome::collectionDeleted;
-  return done ? services.Done() : Failed(services, path);
+  return done ? services.Done() : services.FailedOn(path);
 }
 
 }  // namespace quiverion::cli

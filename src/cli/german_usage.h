@@ -9,7 +9,6 @@
 /// The German words of CLI11's help pages and usage errors. For main.cpp only.
 namespace quiverion::cli {
 
-/// The German words of the help pages and of usage errors.
 class GermanHelp : public CLI::Formatter {
  public:
   GermanHelp() {
@@ -52,7 +51,7 @@ inline std::string UsageMessage(const CLI::App& app, const CLI::ParseError& erro
   if (dynamic_cast<const CLI::ExtrasError*>(&error)) {
     return "Unbekanntes Argument: " + what.substr(what.find(": ") == std::string::npos ? 0 : what.find(": ") + 2);
   }
-  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) return "Wert fehlt oder steht zuviel: " + name;
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) return "Wert fehlt oder ist zu viel: " + name;
   if (dynamic_cast<const CLI::RequiredError*>(&error)) {
     const std::vector<std::string> unknown = app.remaining(true);
     if (!unknown.empty()) return "Unbekannter Befehl: " + unknown.front();

@@ -5,9 +5,9 @@
 
 #include "cli/commands.h"
 #include "cli/german_usage.h"
+#include "field/vas_file.h"
 #include "platform/environment.h"
 #include "platform/numbers.h"
-#include "platform/paths.h"
 #include "platform/system_error.h"
 #include "platform/text.h"
 #include "version.h"
@@ -49,7 +49,8 @@ void AddRun(CLI::App& app, Action& action, RunArguments& arguments) {
       ->check(CLI::Validator(
           [](std::string& value) {
             const std::string end = AsciiUpper(value.size() < 4 ? value : value.substr(value.size() - 4));
-            return end == ".RTF" || end == ".TXT" ? std::string() : "'" + value + "' endet weder in .rtf noch in .txt";
+            return end == ".RTF" || end == ".TXT" ? std::string()
+                                                  : "'" + value + "' endet weder auf .rtf noch auf .txt";
           },
           ""));
   AddChoice(run, "--on-problem", arguments.onProblem, "Antwort auf Probleme vor dem Lauf: abort (Vorgabe) oder ignore",
@@ -130,7 +131,7 @@ void AddStatistics(CLI::App& app, Action& action, StatisticsArguments& arguments
   AddPath(statistics, "ERGEBNIS", arguments.output, "Vektorfeld (*.vas), das geschrieben wird")
       ->check(CLI::Validator(
           [](std::string& path) {
-            return ExtensionOf(path) == "VAS" ? std::string() : "'" + path + "' endet nicht in .vas";
+            return HasVasExtension(path) ? std::string() : "'" + path + "' endet nicht auf .vas";
           },
           ""));
   statistics
@@ -163,7 +164,7 @@ std::vector<std::int32_t> RecordNumbersOf(const std::vector<std::string>& texts)
       throw CLI::ValidationError("NUMMER", "'" + text + "' ist keine Nummer ab 1");
     }
     if (std::ranges::find(numbers, number) != numbers.end()) {
-      throw CLI::ValidationError("NUMMER", "'" + text + "' steht zweimal da");
+      throw CLI::ValidationError("NUMMER", "'" + text + "' ist doppelt angegeben");
     }
     numbers.push_back(number);
   }

@@ -22,6 +22,12 @@ struct Services {
   /// The exit code of a command that has printed its result.
   int Done() const { return terminal.OutputFailed() ? kFailed : kDone; }
 
+  /// The exit code of a command that has failed with a message, which did not say on which collection.
+  int FailedOn(const std::string& collectionPath) {
+    terminal.PrintError("Kollektion: '" + collectionPath + "'\n");
+    return kFailed;
+  }
+
   /// The exit code of operations that set the flags of the context.
   int Outcome() const {
     if (session.context.userAbortRequested) return kAborted;

@@ -10,10 +10,7 @@ int RunStatistic(StatisticKind kind, const std::string& collectionPath, const st
   FirstLines lines;
   services.log.Attach(lines);
   const bool computed = ComputeStatistic(services.session.context, kind, collectionPath, outputPath, viscosity);
-  if (!computed) {
-    services.terminal.PrintError("Kollektion: '" + collectionPath + "'\n");
-    return kFailed;
-  }
+  if (!computed) return services.FailedOn(collectionPath);
   const int code = services.Outcome();
   if (code != kDone) services.terminal.PrintError(lines.Text());
   return code;

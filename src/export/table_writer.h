@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <cstring>
 #include <memory>
 #include <span>
@@ -28,8 +29,8 @@ class PrintedNumbers {
 };
 
 /// Writes lines of texts and numbers into a result file: numbers in print style with the user's decimal separator,
-/// texts as they are, lines ended by CR LF. Items are gathered in a block of its own, nothing allocates per item. Throws
-/// SystemError as ResultFile does.
+/// texts as they are, lines ended by CR LF. Items are gathered in a block of its own, nothing allocates per item.
+/// Throws SystemError as ResultFile does.
 class TableWriter {
  public:
   TableWriter(ResultFile& file, char decimalSeparator);
@@ -54,6 +55,7 @@ class TableWriter {
   }
   /// At most kMaxText bytes.
   TableWriter& operator<<(std::string_view text) {
+    assert(text.size() <= kMaxText);
     MakeRoom();
     std::memcpy(end_, text.data(), text.size());
     end_ += text.size();

@@ -4,13 +4,14 @@
 
 #include "field/context.h"
 
-/// The current field, or a quantity derived from it, as a text file for other programs: tab-separated tables for Stanford,
-/// blank-separated triples for TecPlot, semicolon-separated matrices for Matlab. doc/formats/exports.md has their lines.
+/// The current field, or a quantity derived from it, as a text file for other programs: tab-separated tables for
+/// Stanford, blank-separated triples for TecPlot, semicolon-separated matrices for Matlab. doc/formats/exports.md has
+/// their lines.
 ///
-/// Each logs its announcement and "fertig". Missing directories are created; an existing file is replaced once the new one
-/// is complete. A failure to open or write, or to compute a value that is written, is logged and sets `runHadError`,
-/// never `abortCurrentFile`; Cancel on a full disk also sets `userAbortRequested`. Those with a derived quantity fill
-/// `derivedScalar` first, before the file is opened; its arithmetic errors (SystemError) are thrown.
+/// Each logs its announcement and "fertig". Missing directories are created; an existing file is replaced once the new
+/// one is complete. A failure to open or write, or to compute a value that is written, is logged and sets
+/// `runHadError`, never `abortCurrentFile`; Cancel on a full disk also sets `userAbortRequested`. Those with a derived
+/// quantity fill `derivedScalar` first, before the file is opened; its arithmetic errors (SystemError) are thrown.
 namespace quiverion {
 
 /// All valid vectors with their magnitude, row by row; the Galilei transformation in the header.

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/result_file.h"
 #include "platform/text.h"
 
 namespace quiverion {
@@ -17,19 +18,10 @@ std::string_view BytesOf(const Array& array) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-/// Takes bytes like a file: for what is written in one piece later.
-struct ByteString {
-  std::string bytes;
-  void Write(std::string_view more) { bytes.append(more); }
-  void WriteKept(std::string_view more) { bytes.append(more); }
-};
-
-/// Writes little-endian values into a ResultFile or a ByteString; the verbs are those of BinaryReader. Throws what `File`
-/// throws.
-template <class File>
+/// Writes little-endian values; the verbs are those of BinaryReader. Throws SystemError as ResultFile does.
 class BinaryWriter {
  public:
-  explicit BinaryWriter(File& file) : file_(file) {}
+  explicit BinaryWriter(ResultFile& file) : file_(file) {}
 
   void Int16(std::int16_t value) { Bytes(&value, sizeof value); }
   void Int32(std::int32_t value) { Bytes(&value, sizeof value); }
@@ -65,7 +57,7 @@ class BinaryWriter {
  private:
   void Bytes(const void* source, std::size_t size) { file_.Write({static_cast<const char*>(source), size}); }
 
-  File& file_;
+  ResultFile& file_;
   std::optional<std::string> lostText_;
 };
 

@@ -96,8 +96,8 @@ QUIVERION_MULTI_TARGET std::int64_t MaskPoints(const std::int32_t* bufferStatus,
   return lost;
 }
 
-// The fast kernel works on scratch memory. Where it meets an arithmetic error the plain loops run in place: they stop at
-// the exact point, if there is one.
+// The fast kernel works on scratch memory. Where it meets an arithmetic error the plain loops run in place: they stop
+// at the exact point, if there is one.
 template <class Operation>
 void CombineWithBuffer(VectorField& field, const BufferField& buffer, Operation operation) {
   const auto data = [](auto& grid) { return grid.Values().data(); };

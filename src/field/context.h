@@ -9,9 +9,8 @@
 
 namespace quiverion {
 
-/// What operations work on: the one current field, the buffer field, the flags of the run and the services. Plain data; a
-/// function that takes a Context may log, ask, fail and set flags, a function that takes a VectorField only
-/// computes.
+/// What operations work on: the one current field, the buffer field, the flags of the run and the services. Plain data;
+/// a function that takes a Context may log, ask, fail and set flags, a function that takes a VectorField only computes.
 struct Context {
   Context(FileSystem& fileSystem, UserInterface& userInterface, RunLog& runLog, const Clock& systemClock)
       : files(fileSystem), ui(userInterface), log(runLog), clock(systemClock) {}

@@ -86,7 +86,8 @@ QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
   const Word refused = (ByteBelow(tail, places) ^ '.') | words::BytesFrom<10>(placeDigits) |
                        (whole + places - 1) >> 63 | (ByteBelow(beforeDigits, negative) ^ ' ');
 
-  // At most fourteen digits: all of this is exact up to the division, which rounds once, to the correctly rounded value.
+  // At most fourteen digits: all of this is exact up to the division, which rounds once, to the correctly rounded
+  // value.
   const auto wholeValue = static_cast<double>(static_cast<std::int64_t>(EightDigits(wholeDigits)));
   const auto placesValue = static_cast<double>(static_cast<std::int64_t>(EightDigits(placeDigits)));
   const double power = PowerOfTen(places);

@@ -33,8 +33,8 @@ class DatLines {
   static constexpr std::size_t kBehind = kChunk;
 
   /// Takes the lines of the usual shape that `text` begins with, as many as fit, and reads their numbers. Returns the
-  /// bytes taken, line ends included. The next call goes on behind them, or farther behind, in the same memory: what has
-  /// been looked at is not looked at again.
+  /// bytes taken, line ends included. The next call goes on behind them, or farther behind, in the same memory: what
+  /// has been looked at is not looked at again.
   std::size_t Take(std::string_view text);
 
   int Count() const { return count_; }

@@ -20,6 +20,11 @@ void FailSave(Context& context, std::string_view sentence, const std::exception&
   context.runHadError = true;
 }
 
+void ShowErrorBox(Context& context, std::string_view title, std::string_view sentence, const std::exception& error) {
+  context.ui.Ask(
+      {.title = std::string(title), .text = std::string(sentence) + "\r\n\r\n" + ErrorText(AsSystemError(error))});
+}
+
 void WarnLostCharacters(Context& context, std::string_view text) {
   LogWarning(context, {"    Zeichen, die der Zeichensatz der Datei nicht kennt, werden als '?' gespeichert: '" +
                        std::string(text) + "'"});

@@ -47,6 +47,9 @@ void RunLoadFrame(Context& context, const std::string& path, const std::function
 /// Logs the error mark, `sentence` and the error and sets `runHadError`.
 void FailSave(Context& context, std::string_view sentence, const std::exception& error);
 
+/// Shows a message box: `sentence`, an empty line and the error.
+void ShowErrorBox(Context& context, std::string_view title, std::string_view sentence, const std::exception& error);
+
 /// Logs that characters of `text` which Windows-1252 lacks were written as "?", a warning.
 void WarnLostCharacters(Context& context, std::string_view text);
 

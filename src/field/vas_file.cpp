@@ -89,9 +89,13 @@ void ReadVasGrid(VectorField& field, InputFile& file) {
   ReadGrid(field, reader);
 }
 
+bool HasVasExtension(std::string_view path) {
+  return path.size() >= 4 && EqualsIgnoringCase(path.substr(path.size() - 4), ".VAS");
+}
+
 void SaveVas(Context& context, const std::string& path) {
   context.log.WriteLogLine("Datei speichern unter '" + path + "'... ");
-  if (path.size() < 4 || !EqualsIgnoringCase(std::string_view(path).substr(path.size() - 4), ".VAS")) {
+  if (!HasVasExtension(path)) {
     CreatePathDirectories(context.files, path);
     LogLines(context.log, {kErrorMark, "    Unbekanntes Dateiformat!"});
     context.runHadError = true;

@@ -160,7 +160,8 @@ QUIVERION_MULTI_TARGET void ConvertExtended(const float* frames, std::size_t cou
   }
 }
 
-// One pass, so each value is touched once; all operands are plain pointers, so the compiler can go several vectors wide.
+// One pass, so each value is touched once; all operands are plain pointers, so the compiler can go several vectors
+// wide.
 QUIVERION_MULTI_TARGET void ConvertSimple(const float* frames, std::size_t count, VelocityScale scale, double* velX,
                                           double* velY, std::int32_t* status) {
   for (std::size_t p = 0; p < count; ++p) {

@@ -84,7 +84,8 @@ struct VectorField {
   std::array<std::int32_t, 9> colours = {};  // red + 256 green + 65536 blue
 };
 
-/// Adds `change` to `validVectorCount`. The count comes from a file and may be anything: it stays at the end of its range.
+/// Adds `change` to `validVectorCount`. The count comes from a file and may be anything: it stays at the end of its
+/// range.
 inline void ChangeValidCount(VectorField& field, std::int64_t change) {
   using Limits = std::numeric_limits<std::int32_t>;
   field.validVectorCount = static_cast<std::int32_t>(
@@ -94,16 +95,16 @@ inline void ChangeValidCount(VectorField& field, std::int64_t change) {
 /// Empties the streamline table.
 void ResetStreamlines(VectorField& field);
 
-/// Everything takes its default except the arrays and grid size, the paths, and `paletteSetting` and `viewerSettings`, which
-/// keep the values of the field before.
+/// Everything takes its default except the arrays and grid size, the paths, and `paletteSetting` and `viewerSettings`,
+/// which keep the values of the field before.
 void ResetHeader(VectorField& field);
 
 /// What a load does before it opens `path`: resets the header and sets the paths. The reader sets arrays and grid size
 /// (CreateArrays).
 void ResetForLoad(VectorField& field, const std::string& path);
 
-/// For formats that do not hold every point of their grid, whose header alone could ask for any amount of memory: a file
-/// may have 2^20 points and one more for each of its bytes. Throws SystemError 7 for more; counts below 1 pass.
+/// For formats that do not hold every point of their grid, whose header alone could ask for any amount of memory: a
+/// file may have 2^20 points and one more for each of its bytes. Throws SystemError 7 for more; counts below 1 pass.
 void CheckSparseGrid(std::int64_t columns, std::int64_t rows, std::uint64_t fileSize);
 
 /// Creates all six arrays with the given size, zero-filled. Throws SystemError 9 for counts below 1 and 7

@@ -38,7 +38,7 @@ MacroValue ReadValue(BinaryReader& reader, FileEncoding encoding) {
   return number;
 }
 
-void WriteValue(BinaryWriter<ResultFile>& writer, const MacroEvent& event, const Parameter& parameter) {
+void WriteValue(BinaryWriter& writer, const MacroEvent& event, const Parameter& parameter) {
   switch (parameter.encoding) {
     case FileEncoding::text:
       writer.Text(event.Text(parameter.key));

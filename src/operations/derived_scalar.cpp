@@ -64,8 +64,8 @@ void ComputeFast(const VectorField& field, Grid<double>& target, Inner inner, Fo
 }
 
 // The fast kernel works on scratch memory. Only where a floating-point flag was raised the plain loops run in place:
-// they stop at the exact point, if there is one. Dividing 0 or NaN by the distance of equal positions raises no flag that is
-// watched, but stops the computation all the same.
+// they stop at the exact point, if there is one. Dividing 0 or NaN by the distance of equal positions raises no flag
+// that is watched, but stops the computation all the same.
 template <class Inner, class Formula, class CheckedFormula>
 void Calculate(VectorField& field, Inner inner, Formula formula, CheckedFormula checkedFormula) {
   Grid<double> scratch;

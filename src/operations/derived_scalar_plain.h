@@ -1,6 +1,7 @@
 #pragma once
 
 #include "field/vector_field.h"
+#include "operations/neighbours_plain.h"
 #include "platform/checked_real.h"
 
 /// The definition of the derived scalars: plain loops in visiting order. `Real` is double, or CheckedReal
@@ -8,13 +9,12 @@
 namespace quiverion::plain {
 
 /// The difference quotients at one point, each computed when a formula asks for it: what a quantity does not use cannot
-/// stop it. Neighbours are columns im, ip and rows jm, jp.
+/// stop it.
 template <class Real>
 class VelocityGradient {
  public:
-  VelocityGradient(const VectorField& field, std::int32_t i, std::int32_t j, std::int32_t im, std::int32_t ip,
-                   std::int32_t jm, std::int32_t jp)
-      : field_(field), i_(i), j_(j), im_(im), ip_(ip), jm_(jm), jp_(jp) {}
+  VelocityGradient(const VectorField& field, std::int32_t i, std::int32_t j, const Neighbours& neighbours)
+      : field_(field), i_(i), j_(j), at_(neighbours) {}
 
   Real DuDx() const { return AlongX(field_.velX); }  // 1/s
   Real DuDy() const { return AlongY(field_.velX); }
@@ -24,15 +24,16 @@ class VelocityGradient {
  private:
   Real AlongX(const Grid<double>& velocity) const {
     const auto x = [this](std::int32_t column) { return Real(field_.posX[static_cast<std::size_t>(column - 1)]); };
-    return (Real(velocity(ip_, j_)) - Real(velocity(im_, j_))) * 1000.0 / (x(ip_) - x(im_));
+    return (Real(velocity(at_.ip, j_)) - Real(velocity(at_.im, j_))) * 1000.0 / (x(at_.ip) - x(at_.im));
   }
   Real AlongY(const Grid<double>& velocity) const {
     const auto y = [this](std::int32_t row) { return Real(field_.posY[static_cast<std::size_t>(row - 1)]); };
-    return (Real(velocity(i_, jp_)) - Real(velocity(i_, jm_))) * 1000.0 / (y(jp_) - y(jm_));
+    return (Real(velocity(i_, at_.jp)) - Real(velocity(i_, at_.jm))) * 1000.0 / (y(at_.jp) - y(at_.jm));
   }
 
   const VectorField& field_;
-  std::int32_t i_, j_, im_, ip_, jm_, jp_;
+  std::int32_t i_, j_;
+  Neighbours at_;
 };
 
 template <class Real>
@@ -53,14 +54,9 @@ Real SwirlingStrength(const VelocityGradient<Real>& g) {
 /// The value of `formula` at point (i, j), 0 where the point has too few usable neighbours.
 template <class Real, class Formula>
 Real DerivedValue(const VectorField& f, std::int32_t i, std::int32_t j, Formula formula) {
-  const auto valid = [&f](std::int32_t column, std::int32_t row) { return f.status(column, row) > 0; };
-  const std::int32_t im = i > 1 && valid(i - 1, j) ? i - 1 : i;
-  const std::int32_t ip = i < f.columnCount && valid(i + 1, j) ? i + 1 : i;
-  const std::int32_t jm = j > 1 && valid(i, j - 1) ? j - 1 : j;
-  const std::int32_t jp = j < f.rowCount && valid(i, j + 1) ? j + 1 : j;
-  const bool usable = valid(i, j) || (im != i && ip != i && jm != j && jp != j);
-  if (im == ip || jm == jp || !usable) return 0.0;
-  return formula(VelocityGradient<Real>(f, i, j, im, ip, jm, jp));
+  const Neighbours neighbours = NeighboursOf(f.status, i, j);
+  if (!neighbours.haveValue) return 0.0;
+  return formula(VelocityGradient<Real>(f, i, j, neighbours));
 }
 
 /// Visits the grid column by column and writes into `target`.

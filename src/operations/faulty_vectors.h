@@ -39,10 +39,10 @@ struct FaultyVectorCriteria {
   bool NeedsCompareVector() const { return magnitudeDeviation || directionDeviation; }
 };
 
-/// Sets the status of every faulty valid vector to 0 and lowers `validVectorCount`; each is tested with all others still
-/// valid. Does nothing where no criterion is selected. Throws SystemError 5 for a compare type that does not exist or a
-/// negative half width where a compare vector is needed; at an arithmetic error: visited column by column, the faulty
-/// vectors before it have status 5, nothing else has changed.
+/// Sets the status of every faulty valid vector to 0 and lowers `validVectorCount`; each is tested with all others
+/// still valid. Does nothing where no criterion is selected. Throws SystemError 5 for a compare type that does not
+/// exist or a negative half width where a compare vector is needed; at an arithmetic error: visited column by column,
+/// the faulty vectors before it have status 5, nothing else has changed.
 void RejectFaultyVectors(VectorField& field, const FaultyVectorCriteria& criteria);
 
 /// The command: logs the announcement and "fertig" (only the announcement where no criterion is selected). Errors as

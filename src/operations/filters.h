@@ -12,8 +12,8 @@ namespace quiverion {
 /// visited column by column, the vectors before it are done, the rest as before.
 void ApplyFilterKernel(VectorField& field, const WeightMatrix& weights);
 
-/// The commands: announce, filter, log "fertig". The Gauss kernels are binomial, the velocity profile is the mean of the
-/// vector's row. Errors as above.
+/// The commands: announce, filter, log "fertig". The Gauss kernels are binomial, the velocity profile is the mean of
+/// the vector's row. Errors as above.
 void FilterRect3x3(Context& context);
 void FilterRect5x5(Context& context);
 void FilterGauss3x3(Context& context);

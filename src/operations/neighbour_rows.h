@@ -47,15 +47,16 @@ struct Differences {
 };
 
 /// Calls use(k, hasValue, differences) for the points between the first and the last column, k counted from 0.
-/// `hasValue`: a valid point with a usable neighbour along both axes, or any point with four. Operands are selected
-/// before they are subtracted.
+/// `hasValue`: a valid point with a usable neighbour along both axes, or any point with four. The differences of any
+/// other point are those of the point to itself: what does not count cannot overflow.
 template <class Use>
 QUIVERION_ALWAYS_INLINE void ForInnerPoints(const RowInput& row, Use use) {
   const RowInput in = row;  // a copy cannot alias what `use` writes
   const std::int32_t last = in.columns - 1;
   for (std::int32_t i = 1; i < last; ++i) {
-    const Mask left = in.valid[i - 1], right = in.valid[i + 1], down = in.validDown[i], up = in.validUp[i];
+    Mask left = in.valid[i - 1], right = in.valid[i + 1], down = in.validDown[i], up = in.validUp[i];
     const Mask hasValue = (in.valid[i] & (left | right) & (down | up)) | (left & right & down & up);
+    left &= hasValue, right &= hasValue, down &= hasValue, up &= hasValue;
     const double x = in.x[i], u = in.u[i], v = in.v[i];
     Differences d;
     d.dx = Select(right, in.x[i + 1], x) - Select(left, in.x[i - 1], x);

@@ -3,8 +3,8 @@
 #include "field/vector_field.h"
 #include "platform/checked_real.h"
 
-/// The definition of the changes of all velocities: plain loops in visiting order. `Real` is double, or CheckedReal where
-/// the computation must stop at an arithmetic error.
+/// The definition of the changes of all velocities: plain loops in visiting order. `Real` is double, or CheckedReal
+/// where the computation must stop at an arithmetic error.
 namespace quiverion::plain {
 
 template <class Real>

@@ -6,11 +6,12 @@
 
 namespace quiverion {
 
-/// Finds vortex centres as local maxima of the squared swirling strength, which derivedScalar holds afterwards, and logs
-/// the steps.
+/// Finds vortex centres as local maxima of the squared swirling strength, which derivedScalar holds afterwards, and
+/// logs the steps.
 ///
-/// The maxima are appended to the text file `textPath` unless that is empty. A failure is logged and sets `runHadError`;
-/// Cancel on a full disk sets `userAbortRequested` also and ends the command at once. Both leave the text file as it was.
+/// The maxima are appended to the text file `textPath` unless that is empty. A failure is logged and sets
+/// `runHadError`; Cancel on a full disk sets `userAbortRequested` also and ends the command at once. Both leave the
+/// text file as it was.
 ///
 /// With `autoTrafo` a copy of the field, moving with the centre, is saved for each centre that is no isolated peak:
 /// Swirl1.vas, Swirl2.vas ... in a directory beside the input file that has its name. The current field is the same

@@ -32,15 +32,15 @@ class InputFile {
 };
 
 /// A file that is read and changed in place. What has been written stays, whatever happens later; the position of reads
-/// does not matter to writes.
+/// does not matter to writes. Other processes that open the same file for updating wait until it is closed.
 class UpdatedFile : public InputFile {
  public:
-  /// True where the file did not exist before it was opened.
-  virtual bool IsNew() const = 0;
+  /// Free bytes of the drive it lies on; 0 where that cannot be told.
+  virtual std::uint64_t FreeDiskBytes() = 0;
 
-  /// Writes at least one byte of the pieces (not all of them empty), one after the other from byte `position` on, and returns
-  /// how many. What lies between the end of the file and `position` becomes zeros. Throws SystemError with nothing more
-  /// written, so that the call can be repeated.
+  /// Writes at least one byte of the pieces (not all of them empty), one after the other from byte `position` on, and
+  /// returns how many. What lies between the end of the file and `position` becomes zeros. Throws SystemError with
+  /// nothing more written, so that the call can be repeated.
   virtual std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) = 0;
 
   /// Cuts or extends the file. Throws SystemError.
@@ -51,8 +51,8 @@ class UpdatedFile : public InputFile {
 };
 
 /// A file that is written whole or not at all. Bytes of a result file go to a temporary file beside the place, and only
-/// Commit renames it over `path`. Bytes of an appended file go to its end at once. Destroyed without a commit both leave
-/// an old file as it was, the appended one cut to its old length, and none where there was none.
+/// Commit renames it over `path`. Bytes of an appended file go to its end at once. Destroyed without a commit both
+/// leave an old file as it was, the appended one cut to its old length, and none where there was none.
 class OutputFile {
  public:
   virtual ~OutputFile() = default;
@@ -65,14 +65,14 @@ class OutputFile {
   /// it can.
   virtual std::size_t WriteSomePieces(std::span<const std::string_view> pieces);
 
-  /// Flushes, closes and puts a result file in its place. One that replaces an existing file is synced to the disk first:
-  /// what it replaces may be the only copy of a measurement. Throws SystemError; may then be repeated, but once
+  /// Flushes, closes and puts a result file in its place. One that replaces an existing file is synced to the disk
+  /// first: what it replaces may be the only copy of a measurement. Throws SystemError; may then be repeated, but once
   /// the bytes could not be flushed it fails again each time.
   virtual void Commit() = 0;
 };
 
-/// What opening a file for updating does where there is none.
-enum class MissingFile { create, fail };
+/// What the commit of a result does with a file that stands at its place by then.
+enum class ExistingFile { replace, keep };
 
 enum class DriveKind { other, cdRom };
 
@@ -86,14 +86,17 @@ class FileSystem {
   /// Throws SystemError where `path` cannot be opened for reading or is no ordinary file.
   virtual std::unique_ptr<InputFile> OpenForReading(const std::string& path) = 0;
 
-  /// Throws SystemError where a file cannot be created beside `path`, or `path` is a directory or read-only.
-  virtual std::unique_ptr<OutputFile> CreateResultFile(const std::string& path) = 0;
+  /// Throws SystemError where a file cannot be created beside `path`, or `path` is a directory or read-only. `keep`:
+  /// the commit fails with error 75 where a file has appeared at the place.
+  virtual std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) = 0;
 
-  /// Opens `path` for writing at its end and creates it where it is missing. Throws SystemError as CreateResultFile does.
+  /// Opens `path` for writing at its end and creates it where it is missing. Throws SystemError as CreateResultFile
+  /// does.
   virtual std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) = 0;
 
-  /// Opens `path` for reading and writing in place. Throws SystemError as CreateResultFile does.
-  virtual std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path, MissingFile missing) = 0;
+  /// Opens an existing file for reading and writing in place. Throws SystemError as CreateResultFile does, and 53 or 76
+  /// where there is none.
+  virtual std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path) = 0;
 
   /// Deletes one file; errors are ignored.
   virtual void RemoveFileQuietly(const std::string& path) = 0;
@@ -124,7 +127,8 @@ bool FileExists(FileSystem& files, const std::string& path);
 void CreatePathDirectories(FileSystem& files, const std::string& path);
 
 /// What `open` returns. Where it throws that the path was not found, the directories along `path` are created and it is
-/// called once more: nearly always the directory is there, and only where it is not the way along the path is looked at.
+/// called once more: nearly always the directory is there, and only where it is not the way along the path is looked
+/// at.
 template <class Open>
 auto OpenWithDirectories(FileSystem& files, const std::string& path, Open open) {
   try {

@@ -43,8 +43,8 @@ std::string FormatNumber(float value, char decimalSeparator = '.');
 /// Bytes that FormatNumberTo and PrintNumberTo may touch; what stands behind the text they return is unspecified.
 inline constexpr std::size_t kMaxNumberLength = 40;
 
-/// FormatNumber with at most `digits` (1 to 15) significant digits into `buffer` (at least kMaxNumberLength bytes), without
-/// allocating. Returns the end of the text.
+/// FormatNumber with at most `digits` (1 to 15) significant digits into `buffer` (at least kMaxNumberLength bytes),
+/// without allocating. Returns the end of the text.
 char* FormatNumberTo(char* buffer, double value, int digits, char decimalSeparator);
 
 /// A number in print style into such a buffer: a blank where FormatNumber gives no minus sign, its digits, a blank.

@@ -1,6 +1,7 @@
 // Files and directories by POSIX calls. A port to another system replaces platform/posix_*.
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
@@ -61,30 +62,20 @@ bool CheckTarget(const std::string& nativePath) {
   return true;
 }
 
-struct OpenedTarget {
-  int descriptor;
-  off_t length;
-  bool isNew;
-};
-
-// Opens a file that is changed where it lies.
-OpenedTarget OpenTarget(const std::string& nativePath, int access, MissingFile missing) {
-  const int flags = access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-  int descriptor = ::open(nativePath.c_str(), flags);
-  const bool creates = descriptor < 0 && errno == ENOENT && missing == MissingFile::create;
-  // O_EXCL: only what this call has created is new.
-  if (creates) descriptor = ::open(nativePath.c_str(), flags | O_CREAT | O_EXCL, 0666);
-  if (descriptor < 0) {
+// Opens an existing file that is changed where it lies, -1 with errno where that fails. Throws SystemError for what is
+// no ordinary file or read-only.
+int OpenTarget(const std::string& nativePath, int access, struct stat& info) {
+  const int descriptor = ::open(nativePath.c_str(), access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+  if (descriptor >= 0 && (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode) || IsReadOnly(info))) {
+    ::close(descriptor);
+    throw SystemError(ErrorNumber::pathAccess);
+  }
+  if (descriptor < 0 && errno != ENOENT) {
     const int code = errno;
     CheckTarget(nativePath);  // says it as for every other file that is written
     ThrowErrno(code, nativePath);
   }
-  struct stat info {};
-  if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode) || (!creates && IsReadOnly(info))) {
-    ::close(descriptor);
-    throw SystemError(ErrorNumber::pathAccess);
-  }
-  return {descriptor, info.st_size, creates};
+  return descriptor;
 }
 
 class PosixFileSystem : public FileSystem {
@@ -101,7 +92,7 @@ class PosixFileSystem : public FileSystem {
     return file;
   }
 
-  std::unique_ptr<OutputFile> CreateResultFile(const std::string& path) override {
+  std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) override {
     std::string native = OpenablePath(path);
     const bool replaces = CheckTarget(native);
     std::string temporary = temporaryNames_.PathFor(native);
@@ -112,20 +103,34 @@ class PosixFileSystem : public FileSystem {
       if (code == ENOENT) throw SystemError(ErrorNumber::pathNotFound);
       ThrowErrno(code, native);
     }
-    return std::make_unique<PosixResultFile>(descriptor, std::move(temporary), std::move(native), replaces);
+    return std::make_unique<PosixResultFile>(descriptor, std::move(temporary), std::move(native), replaces, existing);
   }
 
   std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) override {
     std::string native = OpenablePath(path);
-    const OpenedTarget target = OpenTarget(native, O_WRONLY | O_APPEND, MissingFile::create);
-    const auto oldLength = target.isNew ? std::nullopt : std::optional(target.length);
-    return std::make_unique<PosixAppendedFile>(target.descriptor, std::move(native), oldLength);
+    struct stat info {};
+    int descriptor = OpenTarget(native, O_WRONLY | O_APPEND, info);
+    const bool isNew = descriptor < 0;
+    // O_EXCL: only what this call has created may be deleted again.
+    if (isNew) descriptor = ::open(native.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor < 0) ThrowErrno(errno, native);
+    const auto oldLength = isNew ? std::nullopt : std::optional(info.st_size);
+    return std::make_unique<PosixAppendedFile>(descriptor, std::move(native), oldLength);
   }
 
-  std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path, MissingFile missing) override {
-    const OpenedTarget target = OpenTarget(OpenablePath(path), O_RDWR, missing);
-    return std::make_unique<PosixUpdatedFile>(target.descriptor, static_cast<std::uint64_t>(target.length),
-                                              target.isNew);
+  std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path) override {
+    const std::string native = OpenablePath(path);
+    for (;;) {
+      struct stat info {};
+      const int descriptor = OpenTarget(native, O_RDWR, info);
+      if (descriptor < 0) ThrowErrno(ENOENT, native);
+      auto file = std::make_unique<PosixUpdatedFile>(descriptor, static_cast<std::uint64_t>(info.st_size));
+      while (::flock(descriptor, LOCK_EX) != 0 && errno == EINTR) continue;  // a file system without locks has none
+      struct stat locked {};
+      if (::fstat(descriptor, &locked) != 0) ThrowErrno(errno, native);
+      // Whoever had the lock may have changed the file, or deleted it.
+      if (locked.st_nlink > 0 && locked.st_size == info.st_size) return file;
+    }
   }
 
   void RemoveFileQuietly(const std::string& path) override {
@@ -166,7 +171,7 @@ class PosixFileSystem : public FileSystem {
   std::uint64_t FreeDiskBytes(const std::string& directory) override {
     struct statvfs info {};
     if (::statvfs(SystemPath(directory).c_str(), &info) != 0) return 0;
-    return static_cast<std::uint64_t>(info.f_frsize) * static_cast<std::uint64_t>(info.f_bavail);
+    return FreeBytes(info);
   }
 
  private:

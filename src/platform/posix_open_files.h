@@ -1,6 +1,7 @@
 #pragma once
 
 #include <fcntl.h>
+#include <sys/statvfs.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -44,6 +45,10 @@ static_assert(sizeof(off_t) == 8, "files may be longer than 2 GB");
 
 /// Pieces of one readv or writev.
 constexpr std::size_t kMaxPieces = 64;
+
+inline std::uint64_t FreeBytes(const struct statvfs& info) {
+  return static_cast<std::uint64_t>(info.f_frsize) * static_cast<std::uint64_t>(info.f_bavail);
+}
 
 /// Repeats an interrupted call; returns the bytes written, at least one.
 template <class Call>
@@ -124,10 +129,12 @@ using PosixInputFile = PosixReadableFile<InputFile>;
 
 class PosixUpdatedFile : public PosixReadableFile<UpdatedFile> {
  public:
-  PosixUpdatedFile(int descriptor, std::uint64_t size, bool isNew)
-      : PosixReadableFile(descriptor, size), isNew_(isNew) {}
+  using PosixReadableFile::PosixReadableFile;
 
-  bool IsNew() const override { return isNew_; }
+  std::uint64_t FreeDiskBytes() override {
+    struct statvfs info {};
+    return ::fstatvfs(descriptor_.Number(), &info) == 0 ? FreeBytes(info) : 0;
+  }
 
   std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) override {
     const WritePieces list(pieces);
@@ -142,9 +149,6 @@ class PosixUpdatedFile : public PosixReadableFile<UpdatedFile> {
   void Close() override {
     if (descriptor_.Close() != 0) ThrowErrno(errno);
   }
-
- private:
-  bool isNew_;
 };
 
 /// What the two kinds of written files share; they differ in what a commit means, and its absence.
@@ -179,11 +183,13 @@ class PosixOutputFile : public OutputFile {
 
 class PosixResultFile : public PosixOutputFile {
  public:
-  PosixResultFile(int descriptor, std::string temporaryPath, std::string path, bool replaces)
+  /// `replaces`: a file stands at the place.
+  PosixResultFile(int descriptor, std::string temporaryPath, std::string path, bool replaces, ExistingFile existing)
       : PosixOutputFile(descriptor),
         temporaryPath_(std::move(temporaryPath)),
         path_(std::move(path)),
-        replaces_(replaces) {}
+        replaces_(replaces),
+        existing_(existing) {}
 
   ~PosixResultFile() override {
     if (!committed_) ::unlink(temporaryPath_.c_str());
@@ -191,14 +197,23 @@ class PosixResultFile : public PosixOutputFile {
 
   void Commit() override {
     Flush(replaces_);
-    if (::rename(temporaryPath_.c_str(), path_.c_str()) != 0) ThrowErrno(errno, path_);
+    if (Rename() != 0) ThrowErrno(errno, path_);
     committed_ = true;
   }
 
  private:
+  int Rename() const {
+    if (existing_ == ExistingFile::keep) {
+      const int result = ::renameat2(AT_FDCWD, temporaryPath_.c_str(), AT_FDCWD, path_.c_str(), RENAME_NOREPLACE);
+      if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return result;  // else the file system cannot keep it
+    }
+    return ::rename(temporaryPath_.c_str(), path_.c_str());
+  }
+
   std::string temporaryPath_;
   std::string path_;
   bool replaces_;
+  ExistingFile existing_;
   bool committed_ = false;
 };
 

@@ -11,8 +11,8 @@ bool BeginsWithDriveLetter(std::string_view path);
 /// With the system's separators.
 std::string SystemPath(const std::string& path);
 
-/// The native form of a path that is to be opened. Throws SystemError where it has a drive letter or holds a zero byte: the
-/// system would take what stands before that for the whole name.
+/// The native form of a path that is to be opened. Throws SystemError where it has a drive letter or holds a zero byte:
+/// the system would take what stands before that for the whole name.
 std::string OpenablePath(const std::string& path);
 
 /// The directory of a native path.

@@ -15,7 +15,8 @@ constexpr std::size_t kMaxKept = 16;
 
 ResultFile::ResultFile(FileSystem& files, UserInterface* ui, const std::string& path, Opening opening) : retry_(ui) {
   file_ = OpenWithDirectories(files, path, [&] {
-    return opening == Opening::append ? files.OpenForAppending(path) : files.CreateResultFile(path);
+    if (opening == Opening::append) return files.OpenForAppending(path);
+    return files.CreateResultFile(path, opening == Opening::create ? ExistingFile::keep : ExistingFile::replace);
   });
 }
 

@@ -10,13 +10,13 @@
 
 namespace quiverion {
 
-/// What happens to a file that is there already.
-enum class Opening { replace, append };
+/// What happens to a file that is there already. `create`: it is kept, and the commit fails with error 75.
+enum class Opening { replace, create, append };
 
 /// A buffered result file, or the end of a file that results are appended to. A full disk or too many open files ask
-/// Retry or Cancel where a user interface is given; Retry repeats the failed write and writing goes on, so no writer has a
-/// retry loop of its own. Small items are gathered, large blocks go to the system as they are. Without a commit nothing
-/// appears and an old file stays as it was.
+/// Retry or Cancel where a user interface is given; Retry repeats the failed write and writing goes on, so no writer
+/// has a retry loop of its own. Small items are gathered, large blocks go to the system as they are. Without a commit
+/// nothing appears and an old file stays as it was.
 class ResultFile {
  public:
   /// Missing directories are created. Throws SystemError where the file cannot be opened. `ui` may be null: then every

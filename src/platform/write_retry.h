@@ -10,8 +10,8 @@
 
 namespace quiverion {
 
-/// The one Retry/Cancel loop of everything that is written: a full disk or too many open files ask the user, every other
-/// error is thrown at once.
+/// The one Retry/Cancel loop of everything that is written: a full disk or too many open files ask the user, every
+/// other error is thrown at once.
 class WriteRetry {
  public:
   /// `ui` may be null: then nobody is asked.
@@ -39,8 +39,8 @@ class WriteRetry {
   bool cancelled_ = false;
 };
 
-/// Writes all pieces, one after the other. `writeSome(rest)` writes at least one byte of what is left (its first piece is
-/// not empty) and returns how many.
+/// Writes all pieces, one after the other. `writeSome(rest)` writes at least one byte of what is left (its first piece
+/// is not empty) and returns how many.
 template <class WriteSome>
 void WriteAllPieces(std::span<std::string_view> pieces, WriteSome writeSome) {
   while (!pieces.empty()) {

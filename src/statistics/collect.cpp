@@ -3,12 +3,13 @@
 #include <array>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "field/binary_writer.h"
 #include "field/frames.h"
 #include "platform/numbers.h"
-#include "platform/paths.h"
+#include "platform/result_file.h"
 #include "platform/text.h"
 #include "statistics/collection_file.h"
 #include "statistics/valid_bits.h"
@@ -29,108 +30,158 @@ Windows1252Text StoredPath(std::string_view path) {
   return stored;
 }
 
-class Append {
+// A record of the current field, ready to be written.
+class Record {
  public:
-  Append(Context& context, const std::string& path, UpdatedFile& file)
-      : context_(context), field_(context.field), path_(path), file_(file), retry_(&context.ui) {}
+  explicit Record(const VectorField& field)
+      : field_(field), sourcePath_(StoredPath(field.filePath)), validBits_(PackValidBits(field.status.Values())) {}
 
-  // Returns the new number of fields. Throws FormatError and SystemError.
-  std::int32_t Run() {
-    CollectionHeader header = file_.IsNew() ? NewHeader() : retry_([&] { return ExistingHeader(); });
-    ByteString newHeader;
-    if (file_.IsNew()) {
-      BinaryWriter writer(newHeader);
-      collection::Identity(writer, header);
-      collection::Counts(writer, header);
-      collection::Positions(writer, header);
-    }
-    const std::int32_t newCount = CheckedInt32(std::int64_t{header.fieldCount} + 1);
-    const Windows1252Text sourcePath = StoredPath(field_.filePath);
-    const ValidBits validBits = PackValidBits(field_.status.Values());
-    std::array pieces = {std::string_view(newHeader.bytes), std::string_view(sourcePath.bytes),
-                         BytesOf(field_.velX.Values()), BytesOf(field_.velY.Values()), BytesOf(validBits)};
-    WriteAllAt(file_, file_.IsNew() ? 0 : EndOfRecords(header), pieces, retry_);
-    WriteFieldCount(file_, newCount, retry_);
-    file_.Close();
-    if (!sourcePath.complete) WarnLostCharacters(context_, field_.filePath);
-    return newCount;
+  // Source path, velocities, bits.
+  std::array<std::string_view, 4> Pieces() const {
+    return {sourcePath_.bytes, BytesOf(field_.velX.Values()), BytesOf(field_.velY.Values()), BytesOf(validBits_)};
   }
-
-  bool Cancelled() const { return retry_.Cancelled(); }
+  bool IsComplete() const { return sourcePath_.complete; }
 
  private:
-  CollectionHeader NewHeader() const {
-    CollectionHeader header;
-    header.columnCount = field_.columnCount;
-    header.rowCount = field_.rowCount;
-    header.firstPosX = field_.posX.front();
-    header.lastPosX = field_.posX.back();
-    header.firstPosY = field_.posY.front();
-    header.lastPosY = field_.posY.back();
-    return header;
+  const VectorField& field_;
+  Windows1252Text sourcePath_;
+  ValidBits validBits_;
+};
+
+CollectionHeader HeaderOf(const VectorField& field) {
+  CollectionHeader header;
+  header.columnCount = field.columnCount;
+  header.rowCount = field.rowCount;
+  header.firstPosX = field.posX.front();
+  header.lastPosX = field.posX.back();
+  header.firstPosY = field.posY.front();
+  header.lastPosY = field.posY.back();
+  return header;
+}
+
+// A new collection appears whole, with its first record: the beginning of a header would be none that can be read.
+void WriteNew(const VectorField& field, const Record& record, ResultFile& file) {
+  CollectionHeader header = HeaderOf(field);
+  header.fieldCount = 1;
+  BinaryWriter writer(file);
+  collection::Identity(writer, header);
+  collection::Counts(writer, header);
+  collection::Positions(writer, header);
+  for (const std::string_view piece : record.Pieces()) file.WriteKept(piece);
+  file.Commit();
+}
+
+CollectionHeader ReadHeaderFor(const VectorField& field, UpdatedFile& file) {
+  file.Seek(0);
+  BinaryReader reader(file);
+  CollectionHeader header;
+  if (!ReadIdentity(reader, header)) throw FormatError("    COL-Datei ist nicht von QuiverionSeries!");
+  collection::Counts(reader, header);
+  if (header.columnCount != field.columnCount || header.rowCount != field.rowCount) {
+    throw FormatError("    Anzahl der Vektoren stimmt nicht überein!");
+  }
+  if (header.fieldCount < 0) throw SystemError(ErrorNumber::invalidCall);
+  reader.Require(collection::kHeaderBytes - reader.Position());  // without its positions nothing could be told of it
+  return header;
+}
+
+// Where the new record goes. What a file lacks of its counted records becomes zeros, vectors that are not valid; the
+// drive must have room for them, because no count of a damaged header may make a file of any length.
+std::uint64_t EndOfRecords(Context& context, const CollectionHeader& header, UpdatedFile& file) {
+  const std::uint64_t largest = std::numeric_limits<std::int64_t>::max() / 2;
+  if (static_cast<std::uint64_t>(header.fieldCount) > largest / collection::RecordBytes(header.VectorCount())) {
+    throw SystemError(ErrorNumber::endOfFile);
+  }
+  const std::uint64_t end = RecordPosition(header, header.fieldCount);
+  if (end > file.Size()) {
+    if (end - file.Size() > file.FreeDiskBytes()) throw SystemError(ErrorNumber::endOfFile);
+    LogWarning(context, {"    Die Kollektion endet vor dem letzten ihrer " + std::to_string(header.fieldCount) +
+                         " Vektorfelder: Was fehlt, zählt als ungültig."});
+  }
+  return end;
+}
+
+// Returns the new number of fields.
+std::int32_t AppendTo(Context& context, const Record& record, UpdatedFile& file, WriteRetry& retry) {
+  const CollectionHeader header = retry([&] { return ReadHeaderFor(context.field, file); });
+  const std::int32_t newCount = CheckedInt32(std::int64_t{header.fieldCount} + 1);
+  auto pieces = record.Pieces();
+  WriteAllAt(file, EndOfRecords(context, header, file), pieces, retry);
+  WriteFieldCount(file, newCount, retry);
+  file.Close();
+  return newCount;
+}
+
+// The file to append to; null where there is none.
+std::unique_ptr<UpdatedFile> OpenExisting(FileSystem& files, const std::string& path) {
+  try {
+    return files.OpenForUpdating(path);
+  } catch (const SystemError& error) {
+    if (error.Number() != ErrorNumber::fileNotFound && error.Number() != ErrorNumber::pathNotFound) throw;
+    return nullptr;
+  }
+}
+
+class Collecting {
+ public:
+  Collecting(Context& context, const std::string& path) : context_(context), path_(path), retry_(&context.ui) {}
+
+  void Run() {
+    try {
+      existing_ = OpenExisting(context_.files, path_);
+      if (!existing_) new_.emplace(context_.files, &context_.ui, path_, Opening::create);
+    } catch (const std::exception& error) {
+      FailSave(context_, SaveWording().openFailed, error);
+      return;
+    }
+    try {
+      Finish(Write());
+    } catch (const FormatError& error) {
+      LogLines(context_.log, {kErrorMark, error.Message()});
+      context_.runHadError = true;
+    } catch (const std::exception& error) {
+      if (retry_.Cancelled() || (new_ && new_->Cancelled())) context_.userAbortRequested = true;
+      FailSave(context_, WriteFailedSentence(path_), error);
+    }
   }
 
-  CollectionHeader ExistingHeader() {
-    file_.Seek(0);
-    BinaryReader reader(file_);
-    CollectionHeader header;
-    if (!ReadIdentity(reader, header)) throw FormatError("    COL-Datei ist nicht von QuiverionSeries!");
-    collection::Counts(reader, header);
-    if (header.columnCount != field_.columnCount || header.rowCount != field_.rowCount) {
-      throw FormatError("    Anzahl der Vektoren stimmt nicht überein!");
+ private:
+  // Returns the new number of fields.
+  std::int32_t Write() {
+    const Record record(context_.field);
+    isComplete_ = record.IsComplete();
+    if (new_) {
+      try {
+        WriteNew(context_.field, record, *new_);
+        return 1;
+      } catch (const SystemError&) {
+        // Another process may have begun the same collection meanwhile.
+        existing_ = new_->Cancelled() ? nullptr : OpenExisting(context_.files, path_);
+        if (!existing_) throw;
+      }
     }
-    if (header.fieldCount < 0) throw SystemError(ErrorNumber::invalidCall);
-    reader.Require(collection::kHeaderBytes - reader.Position());  // without its positions nothing could be told of it
-    return header;
+    return AppendTo(context_, record, *existing_, retry_);
   }
 
-  // Where the new record goes. A file that is shorter than its counted records gets zeros for what is missing, vectors that
-  // count nowhere; more of them than the drive has room for can only come from a damaged count.
-  std::uint64_t EndOfRecords(const CollectionHeader& header) const {
-    const std::uint64_t largest = std::numeric_limits<std::int64_t>::max() / 2;
-    if (static_cast<std::uint64_t>(header.fieldCount) > largest / collection::RecordBytes(header.VectorCount())) {
-      throw SystemError(ErrorNumber::endOfFile);
-    }
-    const std::uint64_t position = RecordPosition(header, header.fieldCount);
-    if (position > file_.Size()) {
-      const std::string_view directory = DirectoryOf(path_);
-      const std::uint64_t free = context_.files.FreeDiskBytes(directory.empty() ? "." : std::string(directory));
-      if (position - file_.Size() > free) throw SystemError(ErrorNumber::endOfFile);
-    }
-    return position;
+  void Finish(std::int32_t count) {
+    if (!isComplete_) WarnLostCharacters(context_, context_.field.filePath);
+    LogLines(context_.log, {"fertig", "    Zahl der in der Kollektion '" + path_ +
+                                          "' gesammelten Dateien: " + std::to_string(count)});
   }
 
   Context& context_;
-  const VectorField& field_;
   const std::string& path_;
-  UpdatedFile& file_;
   WriteRetry retry_;
+  std::unique_ptr<UpdatedFile> existing_;
+  std::optional<ResultFile> new_;
+  bool isComplete_ = true;
 };
 
 }  // namespace
 
 void CollectForStatistics(Context& context, const std::string& collectionPath) {
   context.log.WriteLogLine("Vektorfeld für Statistik sammeln in '" + collectionPath + "'... ");
-  std::unique_ptr<UpdatedFile> file;
-  try {
-    file = OpenWithDirectories(context.files, collectionPath,
-                               [&] { return context.files.OpenForUpdating(collectionPath, MissingFile::create); });
-  } catch (const std::exception& error) {
-    FailSave(context, SaveWording().openFailed, error);
-    return;
-  }
-  Append append(context, collectionPath, *file);
-  try {
-    const std::int32_t count = append.Run();
-    LogLines(context.log, {"fertig", "    Zahl der in der Kollektion '" + collectionPath +
-                                         "' gesammelten Dateien: " + std::to_string(count)});
-  } catch (const FormatError& error) {
-    LogLines(context.log, {kErrorMark, error.Message()});
-    context.runHadError = true;
-  } catch (const std::exception& error) {
-    if (append.Cancelled()) context.userAbortRequested = true;
-    FailSave(context, WriteFailedSentence(collectionPath), error);
-  }
+  Collecting(context, collectionPath).Run();
 }
 
 }  // namespace quiverion

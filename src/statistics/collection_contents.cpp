@@ -18,10 +18,6 @@ void ShowBox(Context& context, std::string_view title, std::string text, Message
   context.ui.Ask({.title = std::string(title), .text = std::move(text), .icon = icon});
 }
 
-void ShowError(Context& context, std::string_view title, std::string_view sentence, const std::exception& error) {
-  ShowBox(context, title, std::string(sentence) + "\r\n\r\n" + ErrorText(AsSystemError(error)));
-}
-
 // Throws FormatError for anything but a collection of version 1.
 CollectionHeader ReadHeader(BinaryReader& reader) {
   CollectionHeader header;
@@ -50,8 +46,8 @@ class Removal {
     header_ = ReadHeader(reader);
   }
 
-  // Returns the header with its new count.
-  CollectionHeader Run(const std::vector<std::int32_t>& numbers) {
+  // Returns the new number of records; the file still has its old length. Throws SystemError.
+  std::int32_t Run(const std::vector<std::int32_t>& numbers) {
     std::int32_t last = header_.fieldCount;
     std::vector<bool> selected(static_cast<std::size_t>(last) + 1);
     for (const std::int32_t number : numbers) {
@@ -67,8 +63,21 @@ class Removal {
     }
     header_.fieldCount = last;
     WriteFieldCount(file_, last, retry_);
-    file_.Close();
-    return header_;
+    return last;
+  }
+
+  // Cuts off what lies behind `recordCount` records and closes the file. Throws SystemError with a description of its
+  // own that names the failed step; moving the file pointer and setting the end are one step here.
+  void SetFileSize(std::int32_t recordCount) {
+    const auto step = [](const char* failure, auto action) {
+      try {
+        action();
+      } catch (const SystemError& error) {
+        throw SystemError::Saying(error.Number(), failure);
+      }
+    };
+    step("Fehler beim Setzen des neuen Dateiendes!", [&] { file_.SetLength(RecordPosition(header_, recordCount)); });
+    step("Fehler beim Schließen der Datei nach dem Setzen der neuen Dateigröße!", [&] { file_.Close(); });
   }
 
  private:
@@ -101,8 +110,8 @@ std::optional<CollectionContents> ReadCollectionContents(Context& context, const
   try {
     file = context.files.OpenForReading(collectionPath);
   } catch (const std::exception& error) {
-    ShowError(context, "QuiverionSeries  -  FEHLER",
-              "Beim Öffnen der Kollektion ist der folgende Fehler aufgetreten:", error);
+    ShowErrorBox(context, "QuiverionSeries  -  FEHLER",
+                 "Beim Öffnen der Kollektion ist der folgende Fehler aufgetreten:", error);
     return std::nullopt;
   }
   try {
@@ -110,53 +119,46 @@ std::optional<CollectionContents> ReadCollectionContents(Context& context, const
   } catch (const FormatError& error) {
     ShowBox(context, kErrorTitle, error.Message());
   } catch (const std::exception& error) {
-    ShowError(context, kErrorTitle, "Beim Einlesen der Kollektion ist der folgende Fehler aufgetreten:", error);
+    ShowErrorBox(context, kErrorTitle, "Beim Einlesen der Kollektion ist der folgende Fehler aufgetreten:", error);
   }
   return std::nullopt;
 }
 
 RemovalOutcome RemoveRecords(Context& context, const std::string& collectionPath,
                              const std::vector<std::int32_t>& numbers) {
-  CollectionHeader header;
+  const BusyGuard guard(context);
+  if (!guard.Entered()) return RemovalOutcome::busy;
+  // One file from the first move to the last step: no other process comes between them.
+  std::unique_ptr<UpdatedFile> file;
+  std::optional<Removal> removal;
+  std::int32_t count = 0;
   try {
-    const auto file = context.files.OpenForUpdating(collectionPath, MissingFile::fail);
-    header = Removal(*file).Run(numbers);
+    file = context.files.OpenForUpdating(collectionPath);
+    removal.emplace(*file);
+    if (numbers.empty()) return RemovalOutcome::removed;
+    count = removal->Run(numbers);
   } catch (const FormatError& error) {
     ShowBox(context, kErrorTitle, error.Message());
     return RemovalOutcome::failed;
   } catch (const std::exception& error) {
-    ShowError(context, kErrorTitle, kWritingFailed, error);
+    ShowErrorBox(context, kErrorTitle, kWritingFailed, error);
     return RemovalOutcome::failed;
   }
-  if (header.fieldCount < 1) {
+  if (count < 1) {
     context.files.RemoveFileQuietly(collectionPath);
+    file.reset();
     ShowBox(context, "QuiverionSeries - Kollektion gelöscht",
             "Da alle Vektorfelder entfernt wurden, wurde damit die Kollektion vollständig gelöscht.",
             MessageIcon::information);
     return RemovalOutcome::collectionDeleted;
   }
   try {
-    SetFileSize(context.files, collectionPath, RecordPosition(header, header.fieldCount));
+    removal->SetFileSize(count);
   } catch (const SystemError& error) {
     ShowBox(context, "Schwerer Fehler", error.Description(), MessageIcon::critical);
     return RemovalOutcome::lengthNotSet;
   }
   return RemovalOutcome::removed;
-}
-
-void SetFileSize(FileSystem& files, const std::string& path, std::uint64_t length) {
-  std::unique_ptr<UpdatedFile> file;
-  const auto step = [](const char* failure, auto action) {
-    try {
-      action();
-    } catch (const SystemError& error) {
-      throw SystemError::Saying(error.Number(), failure);
-    }
-  };
-  step("Fehler beim Öffnen der Datei zum Einstellen der neuen Dateigröße!",
-       [&] { file = files.OpenForUpdating(path, MissingFile::fail); });
-  step("Fehler beim Setzen des neuen Dateiendes!", [&] { file->SetLength(length); });
-  step("Fehler beim Schließen der Datei nach dem Setzen der neuen Dateigröße!", [&] { file->Close(); });
 }
 
 }  // namespace quiverion

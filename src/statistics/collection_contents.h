@@ -22,16 +22,15 @@ enum class RemovalOutcome {
   removed,            // read the list again
   collectionDeleted,  // no field was left; a message box has said so
   failed,             // a message box has said why; the file is readable, read the list again
+  busy,               // another entry point is running; nothing has happened
   lengthNotSet,       // the records are removed but the file could not be shortened: after its message the program ends
 };
 
 /// Removes the records with these numbers, counted from 1 and none twice: records from the end move into the holes, the
 /// lowest first, then the count is lowered and the file shortened. At every step the file is readable, at worst with
-/// its old count. A number beyond the last record is a failure that changes nothing.
+/// its old count. A number beyond the last record is a failure that changes nothing; no numbers change nothing either.
+/// Other processes that append to the collection wait meanwhile.
 RemovalOutcome RemoveRecords(Context& context, const std::string& collectionPath,
                              const std::vector<std::int32_t>& numbers);
-
-/// Sets the length of an existing file. Throws SystemError with a description of its own that names the failed step.
-void SetFileSize(FileSystem& files, const std::string& path, std::uint64_t length);
 
 }  // namespace quiverion

@@ -8,11 +8,12 @@
 
 namespace quiverion {
 
-/// Magic word and version, which is not checked. False where the magic word differs, as it does in a file shorter than it.
+/// Magic word and version, which is not checked. False where the magic word differs, as it does in a file shorter than
+/// it.
 bool ReadIdentity(BinaryReader& reader, CollectionHeader& header);
 
-/// The rest of the header. Throws SystemError 62 where the file ends before its last counted record, 5 for a negative number
-/// of fields and 9 for a grid without columns or rows.
+/// The rest of the header. Throws SystemError 62 where the file ends before its last counted record, 5 for a negative
+/// number of fields and 9 for a grid without columns or rows.
 void ReadCountsAndPositions(BinaryReader& reader, CollectionHeader& header);
 
 /// Bytes before record `index`, counted from 0.

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string_view>
 
-/// The layout of a collection (doc/formats/col.md): a header, then records of one size, for BinaryReader and BinaryWriter
-/// alike.
+/// The layout of a collection (doc/formats/col.md): a header, then records of one size, for BinaryReader and
+/// BinaryWriter alike.
 namespace quiverion {
 
 struct CollectionHeader {

@@ -76,14 +76,14 @@ class Computation {
     ShowProgress();
     CreateArrays(context_.field, header_.columnCount, header_.rowCount);
     CreateBuffer(context_.buffer, header_);
-    StatisticState state{context_.field, context_.buffer, ValidBits(header_.VectorCount() / 8 + 1)};
+    StatisticState state{context_.field, context_.buffer, ValidBits(header_.VectorCount() / 8 + 1), viscosity};
     Checked([&] { ReconstructGrid(context_.field, header_); });
     Pass(state, AddVelocities);
     if (twoPasses) {
       Checked([&] { steps.betweenPasses(state); });
       Pass(state, steps.addRecord);
     }
-    Checked([&] { steps.finish(state, viscosity); });
+    Checked([&] { steps.finish(state); });
   }
 
  private:
@@ -123,12 +123,6 @@ void SetResultHeader(Context& context, StatisticKind kind, std::string_view coll
   field.infoText.append(" erzeugt aus der Kollektion: ").append(TrimBlanks(collectionPath));
 }
 
-void ShowError(Context& context, std::string_view sentence, const std::exception& error) {
-  context.ui.Ask(
-      {.title = std::string(kErrorTitle),
-       .text = std::string(sentence) + " Folgender Fehler ist aufgetreten:\r\n\r\n" + ErrorText(AsSystemError(error))});
-}
-
 }  // namespace
 
 bool ComputeStatistic(Context& context, StatisticKind kind, const std::string& collectionPath,
@@ -140,7 +134,8 @@ bool ComputeStatistic(Context& context, StatisticKind kind, const std::string& c
   try {
     file = context.files.OpenForReading(collectionPath);
   } catch (const std::exception& error) {
-    ShowError(context, "Die Kollektion kann nicht geöffnet werden!", error);
+    ShowErrorBox(context, kErrorTitle,
+                 "Die Kollektion kann nicht geöffnet werden! Folgender Fehler ist aufgetreten:", error);
     return false;
   }
   try {
@@ -149,7 +144,7 @@ bool ComputeStatistic(Context& context, StatisticKind kind, const std::string& c
     context.ui.Ask({.title = std::string(kErrorTitle), .text = error.Message()});
     return false;
   } catch (const std::exception& error) {
-    ShowError(context, "Fehler beim Einlesen der Kollektion!", error);
+    ShowErrorBox(context, kErrorTitle, "Fehler beim Einlesen der Kollektion! Folgender Fehler ist aufgetreten:", error);
     return false;
   }
   file.reset();

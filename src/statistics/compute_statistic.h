@@ -6,28 +6,26 @@
 
 namespace quiverion {
 
-enum class StatisticKind { mean, standardDeviation, fluctuationSquares, fluctuationProduct, turbulence, dissipation };
+/// What the x and y components of the result are. For each vector the n fields count in which it is valid: u and v are
+/// its velocity components there (m/s), <> is the mean over them, u' and v' are the deviations from it.
+enum class StatisticKind {
+  mean,                // <u>, <v>
+  standardDeviation,   // of u and of v, n - 1 in the denominator; valid for n >= 2, as are the following
+  fluctuationSquares,  // <u'²>, <v'²>
+  fluctuationProduct,  // <u'v'>, 0
+  turbulence,   // sqrt((<u'²> + <v'²>) / 2) / length of the mean; <u'v'> d<u>/dy (m²/s³). Needs a row beside it
+  dissipation,  // 15 nu <(du'/dx)² + (du'/dy)² + dv'/dy du'/dx> (m²/s³), 0. Valid from one sample on
+};
 
-/// Computes one statistic over a collection, which becomes the current field and is saved as a VAS file. For each vector the n
-/// fields count in which it is valid; u and v are its velocity components (m/s), u' and v' their deviations from
-/// the mean.
+/// Computes one statistic over a collection, which becomes the current field and is saved as a VAS file. `viscosity`: nu
+/// in m²/s, only for the dissipation (isotropic turbulence). Where rounding leaves a variance below 0, the standard
+/// deviation is 0. Where the mean velocity is 0 the degree of turbulence is 0 and the vector invalid. Vectors that end
+/// invalid hold what their sums had got to.
 ///
-/// | kind               | x component                                    | y component             | valid where |
-/// |--------------------|------------------------------------------------|-------------------------|-------------|
-/// | mean               | mean of u                                      | mean of v               | n >= 1      |
-/// | standardDeviation  | of u, n - 1 in the denominator                 | of v                    | n >= 2      |
-/// | fluctuationSquares | <u'²>, n in the denominator                    | <v'²>                   | n >= 2      |
-/// | fluctuationProduct | <u'v'>, n in the denominator                   | 0                       | n >= 2      |
-/// | turbulence         | sqrt((<u'²> + <v'²>)/2) / length of the mean   | <u'v'> dU/dy (m²/s³)    | n >= 2 and a row above or below |
-/// | dissipation        | 15 nu (mean of (du'/dx)² + (du'/dy)² + dv'/dy du'/dx) (m²/s³) | 0        | one sample or more |
-///
-/// `viscosity`: nu in m²/s, only for the dissipation (isotropic turbulence). Where the mean velocity is 0 the degree of
-/// turbulence is 0 and the vector invalid. Vectors that end invalid hold what the sums had got to.
-///
-/// One record is in memory at a time: in the buffer field, where the last one stays (for the dissipation its fluctuations);
-/// two passes read the file twice. Shows its progress and yields after each record. What fails is shown in a message box,
-/// and nothing is saved; so is an arithmetic error. The save logs as SaveVas does. Returns true where the result
-/// was handed to it.
+/// One record is in memory at a time: in the buffer field, where the last one stays (for the dissipation its
+/// fluctuations); two passes read the file twice. Shows its progress and yields after each record. What fails is shown
+/// in a message box, and nothing is saved; so is an arithmetic error. The save logs as SaveVas does. Returns true where
+/// the result was handed to it.
 bool ComputeStatistic(Context& context, StatisticKind kind, const std::string& collectionPath,
                       const std::string& outputPath, double viscosity = 0.0);
 

@@ -2,8 +2,8 @@
 
 #include "statistics/statistic_state.h"
 
-/// What each pass of a statistic does with the record just read. The same bits as the functions of record_sums_plain.h, which
-/// define them; overflows and divisions by zero leave their mark in the floating-point status and nothing stops.
+/// What each pass of a statistic does with the record just read. The same bits as the functions of record_sums_plain.h,
+/// which define them; overflows and divisions by zero leave their mark in the floating-point status and nothing stops.
 namespace quiverion {
 
 /// velX, velY: sums of the velocities; status: number of fields in which the vector is valid.

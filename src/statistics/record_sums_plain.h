@@ -1,5 +1,6 @@
 #pragma once
 
+#include "operations/neighbours_plain.h"
 #include "statistics/statistic_state.h"
 
 /// What each pass of a statistic does with a record: the definition, as plain loops in visiting order. A vector that is
@@ -59,18 +60,13 @@ inline void TurnIntoFluctuations(StatisticState& s) {
   });
 }
 
-/// Adds the squared derivatives of the fluctuations at (i, j) to velX and 1 to status, where the point has usable neighbours
-/// along both axes at different positions.
+/// Adds the squared derivatives of the fluctuations at (i, j) to velX and 1 to status, where the point has usable
+/// neighbours along both axes at different positions.
 inline void AddDerivativesAt(StatisticState& s, std::int32_t i, std::int32_t j) {
   const Grid<double>& u = s.buffer.bufferVelX;
   const Grid<double>& v = s.buffer.bufferVelY;
-  const auto valid = [&s](std::int32_t column, std::int32_t row) { return s.buffer.bufferStatus(column, row) > 0; };
-  const std::int32_t im = i > 1 && valid(i - 1, j) ? i - 1 : i;
-  const std::int32_t ip = i < s.field.columnCount && valid(i + 1, j) ? i + 1 : i;
-  const std::int32_t jm = j > 1 && valid(i, j - 1) ? j - 1 : j;
-  const std::int32_t jp = j < s.field.rowCount && valid(i, j + 1) ? j + 1 : j;
-  const bool bridged = im != i && ip != i && jm != j && jp != j;
-  if (im == ip || jm == jp || !(valid(i, j) || bridged)) return;
+  const auto [im, ip, jm, jp, haveValue] = NeighboursOf(s.buffer.bufferStatus, i, j);
+  if (!haveValue) return;
   const auto x = [&s](std::int32_t column) { return s.field.posX[static_cast<std::size_t>(column - 1)]; };
   const auto y = [&s](std::int32_t row) { return s.field.posY[static_cast<std::size_t>(row - 1)]; };
   const double dx = x(ip) - x(im), dy = y(jp) - y(jm);

@@ -16,7 +16,7 @@ void ForEachPoint(const VectorField& field, Visit visit) {
   }
 }
 
-void FinishMean(StatisticState& s, double /*viscosity*/) {
+void FinishMean(StatisticState& s) {
   VectorField& f = s.field;
   ForEachPoint(f, [&f](std::int32_t i, std::int32_t j) {
     if (f.status(i, j) <= 0) return;
@@ -53,7 +53,7 @@ double RootOrZero(double value) {
   return value < 0.0 ? 0.0 : std::sqrt(value);
 }
 
-void FinishDeviation(StatisticState& s, double /*viscosity*/) {
+void FinishDeviation(StatisticState& s) {
   VectorField& f = s.field;
   FinishWhereTwoCount(f, [&f](std::int32_t i, std::int32_t j, double n) {
     f.velX(i, j) = RootOrZero(f.velX(i, j) / (n - 1.0));
@@ -61,7 +61,7 @@ void FinishDeviation(StatisticState& s, double /*viscosity*/) {
   });
 }
 
-void FinishSquares(StatisticState& s, double /*viscosity*/) {
+void FinishSquares(StatisticState& s) {
   VectorField& f = s.field;
   FinishWhereTwoCount(f, [&f](std::int32_t i, std::int32_t j, double n) {
     f.velX(i, j) /= n;
@@ -80,7 +80,7 @@ void BeginProduct(StatisticState& s) {
   });
 }
 
-void FinishProduct(StatisticState& s, double /*viscosity*/) {
+void FinishProduct(StatisticState& s) {
   VectorField& f = s.field;
   FinishWhereTwoCount(f, [&f](std::int32_t i, std::int32_t j, double n) {
     f.velX(i, j) = f.velY(i, j) / n - f.velX(i, j);
@@ -102,8 +102,8 @@ void TakeMeans(StatisticState& s) {
   f.velY.Reset(f.columnCount, f.rowCount);
 }
 
-// The counts of the rows below are final already (1 or 0), those of the rows above are not: there a vector with one field
-// passes as a neighbour, with the mean 0.
+// The counts of the rows below are final already (1 or 0), those of the rows above are not: there a vector with one
+// field passes as a neighbour, with the mean 0.
 void FinishTurbulenceAt(StatisticState& s, std::int32_t i, std::int32_t j) {
   VectorField& f = s.field;
   if (f.status(i, j) < 2) {
@@ -122,7 +122,7 @@ void FinishTurbulenceAt(StatisticState& s, std::int32_t i, std::int32_t j) {
   f.status(i, j) = hasGradient && meanLength != 0.0 ? 1 : 0;
 }
 
-void FinishTurbulence(StatisticState& s, double /*viscosity*/) {
+void FinishTurbulence(StatisticState& s) {
   ForEachPoint(s.field, [&s](std::int32_t i, std::int32_t j) { FinishTurbulenceAt(s, i, j); });
 }
 
@@ -131,28 +131,33 @@ void BeginDissipation(StatisticState& s) {
   s.field.status.Reset(s.field.columnCount, s.field.rowCount);
 }
 
-void FinishDissipation(StatisticState& s, double viscosity) {
+void FinishDissipation(StatisticState& s) {
   VectorField& f = s.field;
-  ForEachPoint(f, [&f, viscosity](std::int32_t i, std::int32_t j) {
+  ForEachPoint(f, [&f, &s](std::int32_t i, std::int32_t j) {
     if (f.status(i, j) < 1) return;
-    f.velX(i, j) = f.velX(i, j) / f.status(i, j) * 15.0 * viscosity;
+    f.velX(i, j) = f.velX(i, j) / f.status(i, j) * 15.0 * s.viscosity;
     f.status(i, j) = 1;
   });
 }
 
-constexpr StatisticSteps kSteps[] = {
-    {nullptr, nullptr, FinishMean},
-    {BeginSquares, AddSquares, FinishDeviation},
-    {BeginSquares, AddSquares, FinishSquares},
-    {BeginProduct, AddProducts, FinishProduct},
-    {TakeMeans, AddFluctuations, FinishTurbulence},
-    {BeginDissipation, AddDerivatives, FinishDissipation},
-};
-
 }  // namespace
 
-const StatisticSteps& StepsOf(StatisticKind kind) {
-  return kSteps[static_cast<std::size_t>(kind)];
+StatisticSteps StepsOf(StatisticKind kind) {
+  switch (kind) {
+    case StatisticKind::mean:
+      return {nullptr, nullptr, FinishMean};
+    case StatisticKind::standardDeviation:
+      return {BeginSquares, AddSquares, FinishDeviation};
+    case StatisticKind::fluctuationSquares:
+      return {BeginSquares, AddSquares, FinishSquares};
+    case StatisticKind::fluctuationProduct:
+      return {BeginProduct, AddProducts, FinishProduct};
+    case StatisticKind::turbulence:
+      return {TakeMeans, AddFluctuations, FinishTurbulence};
+    case StatisticKind::dissipation:
+      break;
+  }
+  return {BeginDissipation, AddDerivatives, FinishDissipation};
 }
 
 }  // namespace quiverion

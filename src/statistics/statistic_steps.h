@@ -5,14 +5,14 @@
 
 namespace quiverion {
 
-/// The steps of a kind of statistic. The first pass adds velocities and counts (AddVelocities); a kind with one pass has
-/// neither of the middle steps.
+/// The steps of a kind of statistic behind its first pass, which adds velocities and counts (AddVelocities). Where
+/// there is no second pass, the first two are null.
 struct StatisticSteps {
   void (*betweenPasses)(StatisticState& state);
-  void (*addRecord)(StatisticState& state);  // second pass
-  void (*finish)(StatisticState& state, double viscosity);
+  void (*addRecord)(StatisticState& state);
+  void (*finish)(StatisticState& state);
 };
 
-const StatisticSteps& StepsOf(StatisticKind kind);
+StatisticSteps StepsOf(StatisticKind kind);
 
 }  // namespace quiverion

@@ -41,8 +41,9 @@ struct Outcome {
 Outcome RunProgram(const Workplace& place, const std::vector<std::string>& arguments, const std::string& input = {},
                    const std::string& output = {});
 
-/// Compares with the text in tests/approved/<name>, where the path of `place` is written <hier>/. With QUIVERION_APPROVE
-/// set in the environment the text is written there instead: look at the difference before committing it.
+/// Compares with the text in tests/approved/<name>, where the path of `place` is written <hier>/. With
+/// QUIVERION_APPROVE set in the environment the text is written there instead: look at the difference before committing
+/// it.
 void ExpectApproved(const Workplace& place, const std::string& name, std::string text);
 
 /// A running program whose standard output nobody takes: once the pipe is full, it stands still.

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <set>
+#include <thread>
 
 #include "generator/sample_files.h"
 #include "program.h"
@@ -17,12 +19,16 @@ class ProgramStatistics : public testing::Test {
   // Four fields in c.col.
   ProgramStatistics() {
     place.Write("m.mak", Bytes().I32(1).I32(60001).Text("c.col"));
+    std::vector<samples::SampleField> fields;
+    std::vector<std::string> paths;
     for (int k = 1; k <= 4; ++k) {
-      place.Write("serie/" + std::to_string(k) + ".vas",
-                  samples::VasBytes(samples::MakeSampleField({.index = k, .columns = 5, .rows = 4})));
+      fields.push_back(samples::MakeSampleField({.index = k, .columns = 5, .rows = 4}));
+      paths.push_back(Path(k));
+      place.Write("serie/" + std::to_string(k) + ".vas", samples::VasBytes(fields.back()));
     }
     const Outcome outcome = RunProgram(place, {"run", "--macro", "m.mak", "serie"});
     EXPECT_EQ(outcome.code, 0) << outcome.out << outcome.err;
+    EXPECT_TRUE(place.Read("c.col") == samples::CollectionBytes(fields, paths));
   }
 
   std::string Path(int k) const { return place.Path() + "serie/" + std::to_string(k) + ".vas"; }
@@ -80,6 +86,33 @@ TEST_F(ProgramStatistics, ComputesEveryKind) {
   EXPECT_DOUBLE_EQ(twice["velX"]["max"].get<double>(), 2 * once["velX"]["max"].get<double>());
 }
 
+// A job array: whoever is first begins the collection, and no field is lost.
+TEST_F(ProgramStatistics, CollectsFromSeveralProcessesAtOnce) {
+  constexpr int processes = 4, files = 25;
+  place.Write("n.mak", Bytes().I32(1).I32(60001).Text("all.col"));
+  std::vector<std::thread> runs;
+  for (int p = 0; p < processes; ++p) {
+    const std::string directory = "array" + std::to_string(p) + "/";
+    for (int k = 0; k < files; ++k) place.Write(directory + std::to_string(k) + ".vas", place.Read("serie/1.vas"));
+    runs.emplace_back([this, directory] {
+      EXPECT_EQ(RunProgram(place, {"run", "--macro", "n.mak", directory}).code, 0);
+    });
+  }
+  for (std::thread& run : runs) run.join();
+  const auto json = nlohmann::json::parse(RunProgram(place, {"collection", "list", "--json", "all.col"}).out);
+  const auto paths = json["sourcePaths"].get<std::set<std::string>>();
+  EXPECT_EQ(paths.size(), processes * files);
+}
+
+TEST_F(ProgramStatistics, WarnsWhereTheInfoTextLosesCharacters) {
+  place.Write("Ω.col", place.Read("c.col"));
+  const Outcome outcome = RunProgram(place, {"statistics", "mean", "Ω.col", "r.vas"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_NE(outcome.err.find("!!! WARNUNG !!!\n    Zeichen, die der Zeichensatz der Datei nicht kennt"),
+            std::string::npos);
+  EXPECT_TRUE(place.Has("r.vas"));
+}
+
 TEST_F(ProgramStatistics, FailsWithAReasonAndLeavesFilesAlone) {
   place.Write("cut.col", place.Read("c.col").substr(0, 300));
   place.Write("old.vas", "old");
@@ -101,7 +134,8 @@ TEST_F(ProgramStatistics, FailsWithAReasonAndLeavesFilesAlone) {
       {with(rate, "--viscosity=1,5E-5"), 2, "Ungültiger Wert: --viscosity: '1,5E-5': "},
       {with(rate, "--viscosity=1e999"), 2, "Ungültiger Wert: --viscosity: '1e999': "},
       {{"statistics", "median", "c.col", "old.vas"}, 2, "Ungültiger Wert: ART: unbekannter Wert 'median'\n"},
-      {{"statistics", "mean", "c.col", "old.txt"}, 2, "Ungültiger Wert: ERGEBNIS: 'old.txt' endet nicht in .vas\n"},
+      {{"statistics", "mean", "c.col", "old.txt"}, 2, "Ungültiger Wert: ERGEBNIS: 'old.txt' endet nicht auf .vas\n"},
+      {{"statistics", "mean", "c.col", "vas"}, 2, "Ungültiger Wert: ERGEBNIS: 'vas' endet nicht auf .vas\n"},
       {{"statistics", "mean", "c.col"}, 2, "Argument fehlt: ERGEBNIS\n"},
       {{"statistics", "mean", "fehlt.col", "old.vas"},
        1,
@@ -124,7 +158,7 @@ TEST_F(ProgramStatistics, FailsWithAReasonAndLeavesFilesAlone) {
       {{"collection", "remove", "c.col", "0"}, 2, "Ungültiger Wert: NUMMER: '0' ist keine Nummer ab 1\n"},
       {{"collection", "remove", "c.col", "-1"}, 2, "Ungültiger Wert: NUMMER: '-1' ist keine Nummer ab 1\n"},
       {{"collection", "remove", "c.col", "1", "zwei"}, 2, "Ungültiger Wert: NUMMER: 'zwei' ist keine Nummer ab 1\n"},
-      {{"collection", "remove", "c.col", "2", "1", "2"}, 2, "Ungültiger Wert: NUMMER: '2' steht zweimal da\n"},
+      {{"collection", "remove", "c.col", "2", "1", "2"}, 2, "Ungültiger Wert: NUMMER: '2' ist doppelt angegeben\n"},
       {{"collection", "remove", "c.col", "1", "5"},
        1,
        "'c.col': Die Nummer 5 gibt es nicht, die Zahl der Vektorfelder ist 4.\n"},

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <sstream>
 
 #include "platform/numbers.h"
 #include "support/error_of.h"
@@ -126,7 +128,8 @@ TEST_F(TextExports, LoseNothingOfALongFile) {
   EXPECT_TRUE(Written(ExportMatlabVectorField) == expected);
 }
 
-// Circulation G and core radius a: the vorticity is G / (pi a²) exp(-r²/a²). Read back from the file as another program would.
+// Circulation G and core radius a: the vorticity is G / (pi a²) exp(-r²/a²). Read back from the file as another program
+// would.
 TEST_F(TextExports, GiveTheVorticityOfALambOseenVortex) {
   constexpr double circulation = 0.02, core = 2E-3;  // m²/s, m
   VectorField& field = context.field;

@@ -72,7 +72,7 @@ class FieldTest : public testing::Test {
     context_.abortCurrentFile = context_.runHadError = context_.userAbortRequested = false;
     SaveVas(context_, path);
     EXPECT_FALSE(context_.abortCurrentFile) << "a failed save must not stop the file";
-    EXPECT_EQ(files_.temporaryFiles, 0);
+    EXPECT_EQ(files_.openWrittenFiles, 0);
     return program_.TakeLog();
   }
 

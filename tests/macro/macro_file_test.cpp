@@ -174,7 +174,7 @@ TEST_F(MacroFile, LeavesTheOldFileWhereASaveFails) {
     ExpectMessage(failure.message);
     EXPECT_EQ(program.files.files["/m.mak"], "old");
     EXPECT_EQ(program.files.files.size(), 1u);
-    EXPECT_EQ(program.files.temporaryFiles, 0);
+    EXPECT_EQ(program.files.openWrittenFiles, 0);
     EXPECT_EQ(program.session.macro.size(), failure.macro.size());
   }
 }

@@ -45,7 +45,7 @@ class RunTest : public testing::Test {
     session.macro = macro;
     RunMacro(session);
     EXPECT_FALSE(ui.running);
-    EXPECT_EQ(program.files.temporaryFiles, 0);
+    EXPECT_EQ(program.files.openWrittenFiles, 0);
     return program.TakeLog();
   }
 

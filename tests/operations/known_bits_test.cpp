@@ -1,4 +1,5 @@
-// Golden checksums of random fields: any compiler option that changes values changes these. They were computed by another program.
+// Golden checksums of random fields: any compiler option that changes values changes these. They were computed by
+// another program.
 #include <gtest/gtest.h>
 
 #include <limits>

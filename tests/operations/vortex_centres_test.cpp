@@ -79,7 +79,7 @@ class VortexCentres : public testing::Test {
     before.derivedScalar = field.derivedScalar;
     EXPECT_EQ(FirstDifference(before, field), "") << "the field is as before";
     EXPECT_FALSE(context.abortCurrentFile);
-    EXPECT_EQ(files.temporaryFiles, 0);
+    EXPECT_EQ(files.openWrittenFiles, 0);
     return program.TakeLog();
   }
 
@@ -193,7 +193,8 @@ TEST_F(VortexCentres, CancelEndsTheSeriesOfCopies) {
 }
 
 TEST_F(VortexCentres, AnOverflowBetweenTheCopiesLeavesTheInfoAsItWas) {
-  // Two rotations and a lone column. The second rotation moves so fast that the velocities of the column leave the range.
+  // Two rotations and a lone column. The second rotation moves so fast that the velocities of the column leave the
+  // range.
   field = MakeField(7, 2);
   for (double& x : field.posX) x *= 1e300;
   for (double& y : field.posY) y *= 1e300;

@@ -56,7 +56,7 @@ class SystemFiles : public testing::Test {
     return ErrorOf([&] { files_->OpenForReading(path); });
   }
   int CreateError(const std::string& path) {
-    return ErrorOf([&] { files_->CreateResultFile(path); });
+    return ErrorOf([&] { files_->CreateResultFile(path, ExistingFile::replace); });
   }
   int AppendError(const std::string& path) {
     return ErrorOf([&] { files_->OpenForAppending(path); });
@@ -70,9 +70,9 @@ using NameList = std::vector<std::string>;
 
 TEST_F(SystemFiles, AnOldFileStaysUntilTheCommitReplacesIt) {
   Put("old.vas", "a longer measurement");
-  { WriteAll(*files_->CreateResultFile(At("old.vas")), "part"); }
+  { WriteAll(*files_->CreateResultFile(At("old.vas"), ExistingFile::replace), "part"); }
   EXPECT_EQ(Get("old.vas"), "a longer measurement");
-  const auto file = files_->CreateResultFile(At("old.vas"));
+  const auto file = files_->CreateResultFile(At("old.vas"), ExistingFile::replace);
   WriteAll(*file, "new");
   EXPECT_EQ(Get("old.vas"), "a longer measurement");
   file->Commit();
@@ -93,9 +93,7 @@ TEST_F(SystemFiles, AResultIsNotWrittenOverWhatItMayNotReplace) {
   for (const auto& [path, number] : cases) {
     EXPECT_EQ(CreateError(path), number) << path;
     EXPECT_EQ(AppendError(path), number) << path;
-    for (const auto missing : {MissingFile::create, MissingFile::fail}) {
-      EXPECT_EQ(ErrorOf([&] { files_->OpenForUpdating(path, missing); }), number) << path;
-    }
+    EXPECT_EQ(ErrorOf([&] { files_->OpenForUpdating(path); }), number) << path;
   }
   EXPECT_EQ(Get("locked.vas"), "kept");
   EXPECT_EQ(Names(), (NameList{"folder", "locked.vas", "pipe"}));
@@ -122,13 +120,12 @@ TEST_F(SystemFiles, WhatWasAppendedStaysOnlyWithACommit) {
 }
 
 TEST_F(SystemFiles, AFileIsReadAndChangedInPlace) {
-  EXPECT_EQ(ErrorOf([&] { files_->OpenForUpdating(At("c.col"), MissingFile::fail); }), 53);
+  EXPECT_EQ(ErrorOf([&] { files_->OpenForUpdating(At("c.col")); }), 53);
   EXPECT_TRUE(Names().empty());
-  EXPECT_TRUE(files_->OpenForUpdating(At("c.col"), MissingFile::create)->IsNew());
   Put("c.col", "0123456789");
-  const auto file = files_->OpenForUpdating(At("c.col"), MissingFile::create);
-  EXPECT_FALSE(file->IsNew());
+  const auto file = files_->OpenForUpdating(At("c.col"));
   EXPECT_EQ(file->Size(), 10u);
+  EXPECT_EQ(file->FreeDiskBytes(), files_->FreeDiskBytes(root_));
   char read[4] = {};
   file->Seek(7);
   EXPECT_EQ(file->Read(read, 2), 2u);
@@ -145,6 +142,18 @@ TEST_F(SystemFiles, AFileIsReadAndChangedInPlace) {
   files_->RemoveFileQuietly(At("c.col"));
   files_->RemoveFileQuietly(At("c.col"));
   EXPECT_TRUE(Names().empty());
+}
+
+// Where two begin the same file, the second must find it.
+TEST_F(SystemFiles, AResultDoesNotReplaceWhatAppearedMeanwhile) {
+  const auto file = files_->CreateResultFile(At("c.col"), ExistingFile::keep);
+  WriteAll(*file, "second");
+  Put("c.col", "first");
+  EXPECT_EQ(ErrorOf([&] { file->Commit(); }), 75);
+  EXPECT_EQ(Get("c.col"), "first");
+  fs::remove(At("c.col"));
+  file->Commit();
+  EXPECT_EQ(Get("c.col"), "second");
 }
 
 TEST_F(SystemFiles, WhatIsNoReadableFileIsRefused) {
@@ -172,7 +181,7 @@ TEST_F(SystemFiles, BothSeparatorsLeadToTheSameFile) {
   CreatePathDirectories(*files_, At("a\\b/c\\x.vas"));
   EXPECT_TRUE(fs::is_directory(At("a/b/c")));
   EXPECT_TRUE(files_->IsDirectory(At("a\\b")));
-  const auto file = files_->CreateResultFile(At("a\\b\\c\\x.vas"));
+  const auto file = files_->CreateResultFile(At("a\\b\\c\\x.vas"), ExistingFile::replace);
   WriteAll(*file, "here");
   file->Commit();
   EXPECT_EQ(Get("a/b/c/x.vas"), "here");

@@ -127,7 +127,8 @@ TEST(FormatNumber, WritesFixedAndExponentNotation) {
   EXPECT_EQ(FormatNumber(1.5E-5, ','), "1,5E-05");
 }
 
-// Every exponent, ties between two 15-digit numbers, powers of ten and their neighbours: digits as the C library has them.
+// Every exponent, ties between two 15-digit numbers, powers of ten and their neighbours: digits as the C library has
+// them.
 TEST(FormatNumber, RoundsCorrectlyWhateverTheMagnitude) {
   std::mt19937_64 random(7);
   const auto digit = [&random](std::uint64_t below) { return static_cast<double>(random() % below); };

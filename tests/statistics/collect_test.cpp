@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "collection_fixture.h"
 #include "statistics/valid_bits.h"
 
@@ -117,7 +119,12 @@ TEST_F(Collecting, GoesOnBehindTheCountedRecords) {
   CollectNumbered(3);
   const std::string good = Content();
   Content() = good.substr(0, kHeader + kRecord + 100).replace(29, 2, "\x07\x01");
-  EXPECT_EQ(Collect(NumberedField(4)), Collected(4));
+  EXPECT_EQ(Collect(NumberedField(4)),
+            kBegin +
+                "!!! WARNUNG !!!\r\n    Die Kollektion endet vor dem letzten ihrer 3 Vektorfelder: Was fehlt, zählt "
+                "als ungültig.\r\n" +
+                Collected(4).substr(kBegin.size()));
+  EXPECT_TRUE(context.runHadError);
   EXPECT_EQ(Content().size(), kHeader + 4 * kRecord);
   EXPECT_EQ(Content().substr(kHeader, kRecord + 100), good.substr(kHeader, kRecord + 100));
   EXPECT_EQ(Content().substr(kHeader + kRecord + 100, 2 * kRecord - 100), std::string(2 * kRecord - 100, '\0'));
@@ -155,6 +162,30 @@ TEST_F(Collecting, LosesNothingOnAFullDisk) {
   EXPECT_EQ(Content(), three);
   program.files.faults.commit = ErrorNumber::deviceError;
   EXPECT_EQ(Collect(NumberedField(4)), kWriteFailed + "Geräte-E/A-Fehler   (Fehler-Nr. 57)\r\n");
+}
+
+TEST_F(Collecting, BeginsACollectionAsAWholeOrNotAtAll) {
+  for (std::uint64_t room = 0; room < kHeader + kRecord; room += 23) {
+    program.files.faults.diskSize = room;
+    EXPECT_EQ(Collect(NumberedField(1)), kWriteFailed + "Datenträger voll   (Fehler-Nr. 61)\r\n");
+    EXPECT_TRUE(context.userAbortRequested);
+    EXPECT_TRUE(program.files.files.empty()) << "half a header would refuse every later field";
+    program.files.faults = {};
+  }
+  program.files.onChange = [&] { EXPECT_EQ(Content().size(), kHeader + kRecord); };
+  EXPECT_EQ(Collect(NumberedField(1)), Collected(1));
+  // Another process begins the same collection between the look and the commit.
+  const std::string first = Content();
+  program.files.files.erase("C.col");
+  program.files.onChange = nullptr;
+  program.files.faults.diskSize = 10;
+  program.ui.answers = {MessageAnswer::retry};
+  program.ui.onAsk = [&](const Message&) {
+    program.files.faults = {};
+    Content() = first;
+  };
+  EXPECT_EQ(Collect(NumberedField(2)), Collected(2));
+  EXPECT_EQ(Content().substr(kHeader, kRecord), first.substr(kHeader));
 }
 
 // Wherever the program is ended, the file has its old records and count, or the new ones as well.

@@ -176,19 +176,18 @@ TEST_F(Contents, AreConsistentWhereTheLengthCannotBeSet) {
   EXPECT_EQ(RemoveRecords(context, "C.col", {1}), RemovalOutcome::lengthNotSet);
   EXPECT_EQ(TakeMessage(), "XSchwerer Fehler|Fehler beim Setzen des neuen Dateiendes!");
   EXPECT_EQ(Paths(), "5234");
-  const auto failure = [&](const MemoryFileSystem::Faults& faults) {
-    program.files.faults = faults;
-    try {
-      SetFileSize(program.files, "C.col", 75);
-    } catch (const SystemError& error) {
-      return error.Description();
-    }
-    return std::string();
-  };
-  EXPECT_EQ(failure({.open = ErrorNumber::accessDenied}),
-            "Fehler beim Öffnen der Datei zum Einstellen der neuen Dateigröße!");
-  EXPECT_EQ(failure({.commit = ErrorNumber::deviceError}),
-            "Fehler beim Schließen der Datei nach dem Setzen der neuen Dateigröße!");
+  Content() = five;
+  program.files.faults = {.commit = ErrorNumber::deviceError};
+  EXPECT_EQ(RemoveRecords(context, "C.col", {1}), RemovalOutcome::lengthNotSet);
+  EXPECT_EQ(TakeMessage(), "XSchwerer Fehler|Fehler beim Schließen der Datei nach dem Setzen der neuen Dateigröße!");
+}
+
+TEST_F(Contents, StayWhileAnotherEntryPointRuns) {
+  context.busy = true;
+  EXPECT_EQ(RemoveRecords(context, "C.col", {1}), RemovalOutcome::busy);
+  context.busy = false;
+  EXPECT_EQ(RemoveRecords(context, "C.col", {}), RemovalOutcome::removed);
+  EXPECT_EQ(Content(), five);
 }
 
 }  // namespace

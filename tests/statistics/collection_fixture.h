@@ -20,7 +20,7 @@ class CollectionTest : public testing::Test {
     context.field = field;
     CollectForStatistics(context, "C.col");
     EXPECT_FALSE(context.abortCurrentFile);
-    EXPECT_EQ(program.files.temporaryFiles, 0) << "the file is closed";
+    EXPECT_EQ(program.files.openWrittenFiles, 0) << "the file is closed";
     return program.TakeLog();
   }
 

@@ -50,13 +50,13 @@ std::size_t TakeDiskSpace(MemoryFileSystem::Faults& faults, std::size_t size) {
 
 class MemoryUpdatedFile : public MemoryReadableFile<UpdatedFile> {
  public:
-  MemoryUpdatedFile(MemoryFileSystem& system, std::string path, std::uint64_t readFailsAt, bool isNew)
-      : MemoryReadableFile(system.files[path], readFailsAt), system_(system), path_(std::move(path)), isNew_(isNew) {
-    ++system_.temporaryFiles;
+  MemoryUpdatedFile(MemoryFileSystem& system, std::string path, std::uint64_t readFailsAt)
+      : MemoryReadableFile(system.files[path], readFailsAt), system_(system), path_(std::move(path)) {
+    ++system_.openWrittenFiles;
   }
-  ~MemoryUpdatedFile() override { --system_.temporaryFiles; }
+  ~MemoryUpdatedFile() override { --system_.openWrittenFiles; }
 
-  bool IsNew() const override { return isNew_; }
+  std::uint64_t FreeDiskBytes() override { return system_.FreeDiskBytes(path_); }
 
   std::size_t Read(void* target, std::size_t size) override {
     if (system_.faults.read) throw SystemError(*system_.faults.read);
@@ -92,17 +92,16 @@ class MemoryUpdatedFile : public MemoryReadableFile<UpdatedFile> {
 
   MemoryFileSystem& system_;
   std::string path_;
-  bool isNew_;
 };
 
 class MemoryOutputFile : public OutputFile {
  public:
   // An appended file begins with the content that is there.
-  MemoryOutputFile(MemoryFileSystem& system, std::string path, std::string content = {})
-      : system_(system), path_(std::move(path)), content_(std::move(content)) {
-    ++system_.temporaryFiles;
+  MemoryOutputFile(MemoryFileSystem& system, std::string path, ExistingFile existing, std::string content = {})
+      : system_(system), path_(std::move(path)), existing_(existing), content_(std::move(content)) {
+    ++system_.openWrittenFiles;
   }
-  ~MemoryOutputFile() override { --system_.temporaryFiles; }
+  ~MemoryOutputFile() override { --system_.openWrittenFiles; }
 
   std::size_t WriteSome(const void* source, std::size_t size) override {
     const std::size_t count = TakeDiskSpace(system_.faults, size);
@@ -115,12 +114,15 @@ class MemoryOutputFile : public OutputFile {
       --system_.faults.commitFailures;
       throw SystemError(*system_.faults.commit);
     }
+    if (existing_ == ExistingFile::keep && system_.files.contains(path_)) throw SystemError(ErrorNumber::pathAccess);
     system_.files[path_] = content_;
+    if (system_.onChange) system_.onChange();
   }
 
  private:
   MemoryFileSystem& system_;
   std::string path_;
+  ExistingFile existing_;
   std::string content_;
 };
 
@@ -142,24 +144,24 @@ std::uint64_t MemoryFileSystem::ReadFailsAt(const std::string& path) const {
   return failing == readFailsAt.end() ? std::numeric_limits<std::uint64_t>::max() : failing->second;
 }
 
-std::unique_ptr<OutputFile> MemoryFileSystem::CreateResultFile(const std::string& path) {
+std::unique_ptr<OutputFile> MemoryFileSystem::CreateResultFile(const std::string& path, ExistingFile existing) {
   if (faults.open) throw SystemError(*faults.open);
   const std::string normal = Normal(path);
   if (!IsDirectory(std::string(DirectoryOf(normal)))) throw SystemError(ErrorNumber::pathNotFound);
-  return std::make_unique<MemoryOutputFile>(*this, normal);
+  return std::make_unique<MemoryOutputFile>(*this, normal, existing);
 }
 
 std::unique_ptr<OutputFile> MemoryFileSystem::OpenForAppending(const std::string& path) {
   const std::string normal = WritablePath(path);
   const auto found = files.find(normal);
-  return std::make_unique<MemoryOutputFile>(*this, normal, found == files.end() ? std::string() : found->second);
+  return std::make_unique<MemoryOutputFile>(*this, normal, ExistingFile::replace,
+                                            found == files.end() ? std::string() : found->second);
 }
 
-std::unique_ptr<UpdatedFile> MemoryFileSystem::OpenForUpdating(const std::string& path, MissingFile missing) {
+std::unique_ptr<UpdatedFile> MemoryFileSystem::OpenForUpdating(const std::string& path) {
   const std::string normal = WritablePath(path);
-  const bool isNew = !files.contains(normal);
-  if (isNew && missing == MissingFile::fail) throw SystemError(ErrorNumber::fileNotFound);
-  return std::make_unique<MemoryUpdatedFile>(*this, normal, ReadFailsAt(normal), isNew);
+  if (!files.contains(normal)) throw SystemError(ErrorNumber::fileNotFound);
+  return std::make_unique<MemoryUpdatedFile>(*this, normal, ReadFailsAt(normal));
 }
 
 std::string MemoryFileSystem::WritablePath(const std::string& path) {

@@ -38,14 +38,14 @@ class MemoryFileSystem : public FileSystem {
   std::map<std::string, ErrorNumber> openErrors;     // of files that are there but cannot be opened
   std::map<std::string, std::uint64_t> readFailsAt;  // byte at which reading fails with error 57
 
-  int temporaryFiles = 0;  // written files that are open now
+  int openWrittenFiles = 0;
 
-  std::function<void()> onChange;  // after every change of a file in place: where a crash could leave it
+  std::function<void()> onChange;  // after every change of a file: where a crash could leave it
 
   std::unique_ptr<InputFile> OpenForReading(const std::string& path) override;
-  std::unique_ptr<OutputFile> CreateResultFile(const std::string& path) override;
+  std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) override;
   std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) override;
-  std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path, MissingFile missing) override;
+  std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path) override;
   void RemoveFileQuietly(const std::string& path) override;
   void CreateDirectoryQuietly(const std::string& path) override;
   std::vector<std::string> ListFiles(const std::string& directory) override;
