@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
-#include <set>
-#include <thread>
 
 #include "generator/sample_files.h"
 #include "program.h"
@@ -86,24 +84,6 @@ TEST_F(ProgramStatistics, ComputesEveryKind) {
     ASSERT_EQ(result.size(), expected.size());
     EXPECT_TRUE(result.replace(expected.find(date), date.size(), date) == expected) << name;
   }
-}
-
-// A job array: whoever is first begins the collection, and no field is lost.
-TEST_F(ProgramStatistics, CollectsFromSeveralProcessesAtOnce) {
-  constexpr int processes = 4, files = 25;
-  place.Write("n.mak", Bytes().I32(1).I32(60001).Text("all.col"));
-  std::vector<std::thread> runs;
-  for (int p = 0; p < processes; ++p) {
-    const std::string directory = "array" + std::to_string(p) + "/";
-    for (int k = 0; k < files; ++k) place.Write(directory + std::to_string(k) + ".vas", place.Read("serie/1.vas"));
-    runs.emplace_back([this, directory] {
-      EXPECT_EQ(RunProgram(place, {"run", "--macro", "n.mak", directory}).code, 0);
-    });
-  }
-  for (std::thread& run : runs) run.join();
-  const auto json = nlohmann::json::parse(RunProgram(place, {"collection", "list", "--json", "all.col"}).out);
-  const auto paths = json["sourcePaths"].get<std::set<std::string>>();
-  EXPECT_EQ(paths.size(), processes * files);
 }
 
 TEST_F(ProgramStatistics, WarnsWhereTheInfoTextLosesCharacters) {

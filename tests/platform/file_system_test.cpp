@@ -5,9 +5,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <thread>
 
 #include "platform/file_system.h"
 #include "platform/text.h"
@@ -142,6 +145,29 @@ TEST_F(SystemFiles, AFileIsReadAndChangedInPlace) {
   files_->RemoveFileQuietly(At("c.col"));
   files_->RemoveFileQuietly(At("c.col"));
   EXPECT_TRUE(Names().empty());
+}
+
+TEST_F(SystemFiles, AFileIsUpdatedByOneAtATime) {
+  for (const bool removed : {false, true}) {
+    Put("c.col", "12");
+    auto first = files_->OpenForUpdating(At("c.col"));
+    std::atomic<bool> opened = false;
+    std::thread other([&] {
+      const int error = ErrorOf([&] { EXPECT_EQ(files_->OpenForUpdating(At("c.col"))->Size(), 5u); });
+      EXPECT_EQ(error, removed ? 53 : 0);
+      opened = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_FALSE(opened);
+    const std::vector<std::string_view> pieces = {"345"};
+    if (removed) {
+      files_->RemoveFileQuietly(At("c.col"));
+    } else {
+      first->WriteSomePiecesAt(2, pieces);
+    }
+    first.reset();
+    other.join();
+  }
 }
 
 // Where two begin the same file, the second must find it.

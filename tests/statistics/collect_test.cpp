@@ -179,11 +179,15 @@ TEST_F(Collecting, BeginsACollectionAsAWholeOrNotAtAll) {
   program.files.files.erase("C.col");
   program.files.onChange = nullptr;
   program.files.faults.diskSize = 10;
-  program.ui.answers = {MessageAnswer::retry};
+  program.ui.answers = {MessageAnswer::cancel, MessageAnswer::retry};
   program.ui.onAsk = [&](const Message&) {
     program.files.faults = {};
     Content() = first;
   };
+  EXPECT_EQ(Collect(NumberedField(2)), kWriteFailed + "Datenträger voll   (Fehler-Nr. 61)\r\n");
+  EXPECT_EQ(Content(), first) << "Cancel is Cancel";
+  program.files.files.erase("C.col");
+  program.files.faults.diskSize = 10;
   EXPECT_EQ(Collect(NumberedField(2)), Collected(2));
   EXPECT_EQ(Content().substr(kHeader, kRecord), first.substr(kHeader));
 }

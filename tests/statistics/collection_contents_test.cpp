@@ -186,8 +186,10 @@ TEST_F(Contents, StayWhileAnotherEntryPointRuns) {
   context.busy = true;
   EXPECT_EQ(RemoveRecords(context, "C.col", {1}), RemovalOutcome::busy);
   context.busy = false;
-  EXPECT_EQ(RemoveRecords(context, "C.col", {}), RemovalOutcome::removed);
   EXPECT_EQ(Content(), five);
+  Content() = With(five, kCountAt, 0);
+  EXPECT_EQ(RemoveRecords(context, "C.col", {}), RemovalOutcome::removed);
+  EXPECT_EQ(Content(), With(five, kCountAt, 0)) << "nothing was asked for";
 }
 
 }  // namespace
