@@ -43,9 +43,6 @@ class UpdatedFile : public InputFile {
   /// nothing more written, so that the call can be repeated.
   virtual std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) = 0;
 
-  /// Cuts or extends the file. Throws SystemError.
-  virtual void SetLength(std::uint64_t length) = 0;
-
   /// Closes the file with the error that the system kept for the end. Throws SystemError. Destruction closes silently.
   virtual void Close() = 0;
 };
@@ -97,6 +94,10 @@ class FileSystem {
   /// Opens an existing file for reading and writing in place. Throws SystemError as CreateResultFile does, and 53 or 76
   /// where there is none.
   virtual std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path) = 0;
+
+  /// Cuts or extends an existing file, which may be open for updating. Throws SystemError with a description of its own
+  /// that names the failed step.
+  virtual void SetFileSize(const std::string& path, std::uint64_t newLength) = 0;
 
   /// Deletes one file; errors are ignored.
   virtual void RemoveFileQuietly(const std::string& path) = 0;

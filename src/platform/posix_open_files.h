@@ -142,10 +142,6 @@ class PosixUpdatedFile : public PosixReadableFile<UpdatedFile> {
         [&] { return ::pwritev(descriptor_.Number(), list.List(), list.Count(), static_cast<off_t>(position)); });
   }
 
-  void SetLength(std::uint64_t length) override {
-    if (::ftruncate(descriptor_.Number(), static_cast<off_t>(length)) != 0) ThrowErrno(errno);
-  }
-
   void Close() override {
     if (descriptor_.Close() != 0) ThrowErrno(errno);
   }

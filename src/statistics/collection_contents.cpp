@@ -12,7 +12,6 @@ namespace quiverion {
 namespace {
 
 constexpr std::string_view kErrorTitle = "QuiverionSeries - FEHLER";
-constexpr std::string_view kWritingFailed = "Beim Schreiben der Kollektion ist der folgende Fehler aufgetreten:";
 
 void ShowBox(Context& context, std::string_view title, std::string text, MessageIcon icon = MessageIcon::warning) {
   context.ui.Ask({.title = std::string(title), .text = std::move(text), .icon = icon});
@@ -46,8 +45,8 @@ class Removal {
     header_ = ReadHeader(reader);
   }
 
-  // Returns the new number of records; the file still has its old length. Throws SystemError.
-  std::int32_t Run(const std::vector<std::int32_t>& numbers) {
+  // Returns the header with the new count; the file still has its old length. Throws SystemError.
+  const CollectionHeader& Run(const std::vector<std::int32_t>& numbers) {
     std::int32_t last = header_.fieldCount;
     std::vector<bool> selected(static_cast<std::size_t>(last) + 1);
     for (const std::int32_t number : numbers) {
@@ -63,21 +62,7 @@ class Removal {
     }
     header_.fieldCount = last;
     WriteFieldCount(file_, last, retry_);
-    return last;
-  }
-
-  // Cuts off what lies behind `recordCount` records and closes the file. Throws SystemError with a description of its
-  // own that names the failed step; moving the file pointer and setting the end are one step here.
-  void SetFileSize(std::int32_t recordCount) {
-    const auto step = [](const char* failure, auto action) {
-      try {
-        action();
-      } catch (const SystemError& error) {
-        throw SystemError::Saying(error.Number(), failure);
-      }
-    };
-    step("Fehler beim Setzen des neuen Dateiendes!", [&] { file_.SetLength(RecordPosition(header_, recordCount)); });
-    step("Fehler beim Schließen der Datei nach dem Setzen der neuen Dateigröße!", [&] { file_.Close(); });
+    return header_;
   }
 
  private:
@@ -102,6 +87,28 @@ class Removal {
   std::string block_;
   WriteRetry retry_{nullptr};  // nothing here takes room on the disk
 };
+
+// Open from the first move to the last step: no other process comes between them. `failedStep` is what went wrong where
+// the length could not be set. Throws FormatError and SystemError.
+RemovalOutcome RemoveFromFile(FileSystem& files, const std::string& path, const std::vector<std::int32_t>& numbers,
+                              std::string& failedStep) {
+  const auto file = files.OpenForUpdating(path);
+  const CollectionHeader header = Removal(*file).Run(numbers);
+  RemovalOutcome outcome = RemovalOutcome::removed;
+  if (header.fieldCount < 1) {
+    files.RemoveFileQuietly(path);
+    outcome = RemovalOutcome::collectionDeleted;
+  } else {
+    try {
+      files.SetFileSize(path, RecordPosition(header, header.fieldCount));
+    } catch (const SystemError& error) {
+      failedStep = error.Description();
+      outcome = RemovalOutcome::lengthNotSet;
+    }
+  }
+  file->Close();
+  return outcome;
+}
 
 }  // namespace
 
@@ -128,37 +135,23 @@ RemovalOutcome RemoveRecords(Context& context, const std::string& collectionPath
                              const std::vector<std::int32_t>& numbers) {
   const BusyGuard guard(context);
   if (!guard.Entered()) return RemovalOutcome::busy;
-  // One file from the first move to the last step: no other process comes between them.
-  std::unique_ptr<UpdatedFile> file;
-  std::optional<Removal> removal;
-  std::int32_t count = 0;
+  if (numbers.empty()) return RemovalOutcome::removed;
+  RemovalOutcome outcome = RemovalOutcome::failed;
+  std::string failedStep;
   try {
-    file = context.files.OpenForUpdating(collectionPath);
-    removal.emplace(*file);
-    if (numbers.empty()) return RemovalOutcome::removed;
-    count = removal->Run(numbers);
+    outcome = RemoveFromFile(context.files, collectionPath, numbers, failedStep);
   } catch (const FormatError& error) {
     ShowBox(context, kErrorTitle, error.Message());
-    return RemovalOutcome::failed;
   } catch (const std::exception& error) {
-    ShowErrorBox(context, kErrorTitle, kWritingFailed, error);
-    return RemovalOutcome::failed;
+    ShowErrorBox(context, kErrorTitle, "Beim Schreiben der Kollektion ist der folgende Fehler aufgetreten:", error);
   }
-  if (count < 1) {
-    context.files.RemoveFileQuietly(collectionPath);
-    file.reset();
+  if (outcome == RemovalOutcome::collectionDeleted) {
     ShowBox(context, "QuiverionSeries - Kollektion gelöscht",
             "Da alle Vektorfelder entfernt wurden, wurde damit die Kollektion vollständig gelöscht.",
             MessageIcon::information);
-    return RemovalOutcome::collectionDeleted;
   }
-  try {
-    removal->SetFileSize(count);
-  } catch (const SystemError& error) {
-    ShowBox(context, "Schwerer Fehler", error.Description(), MessageIcon::critical);
-    return RemovalOutcome::lengthNotSet;
-  }
-  return RemovalOutcome::removed;
+  if (outcome == RemovalOutcome::lengthNotSet) ShowBox(context, "Schwerer Fehler", failedStep, MessageIcon::critical);
+  return outcome;
 }
 
 }  // namespace quiverion

@@ -139,10 +139,16 @@ TEST_F(SystemFiles, AFileIsReadAndChangedInPlace) {
   EXPECT_EQ(Get("c.col"), "01abcd6789");
   EXPECT_EQ(file->WriteSomePiecesAt(12, pieces), 4u);
   EXPECT_EQ(Get("c.col"), std::string("01abcd6789\0\0abcd", 16));
-  file->SetLength(3);
+  files_->SetFileSize(At("c.col"), 3);
   file->Close();
   EXPECT_EQ(Get("c.col"), "01a");
   files_->RemoveFileQuietly(At("c.col"));
+  try {
+    files_->SetFileSize(At("c.col"), 3);
+    ADD_FAILURE() << "there is no file";
+  } catch (const SystemError& error) {
+    EXPECT_EQ(error.Description(), "Fehler beim Öffnen der Datei zum Einstellen der neuen Dateigröße!");
+  }
   files_->RemoveFileQuietly(At("c.col"));
   EXPECT_TRUE(Names().empty());
 }

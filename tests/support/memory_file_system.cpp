@@ -74,12 +74,6 @@ class MemoryUpdatedFile : public MemoryReadableFile<UpdatedFile> {
     return count;
   }
 
-  void SetLength(std::uint64_t length) override {
-    if (system_.faults.setLength) throw SystemError(*system_.faults.setLength);
-    content_.resize(static_cast<std::size_t>(length), '\0');
-    Changed();
-  }
-
   void Close() override {
     if (system_.faults.commit) throw SystemError(*system_.faults.commit);
   }
@@ -170,6 +164,12 @@ std::string MemoryFileSystem::WritablePath(const std::string& path) {
   if (faults.open) throw SystemError(*faults.open);
   if (!IsDirectory(std::string(DirectoryOf(normal)))) throw SystemError(ErrorNumber::pathNotFound);
   return normal;
+}
+
+void MemoryFileSystem::SetFileSize(const std::string& path, std::uint64_t newLength) {
+  if (faults.setFileSize) throw SystemError::Saying(ErrorNumber::deviceError, "not set");
+  files.at(Normal(path)).resize(static_cast<std::size_t>(newLength), '\0');
+  if (onChange) onChange();
 }
 
 void MemoryFileSystem::RemoveFileQuietly(const std::string& path) {

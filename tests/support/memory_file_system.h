@@ -30,7 +30,7 @@ class MemoryFileSystem : public FileSystem {
     ErrorNumber write = ErrorNumber::diskFull;                           // ... with this
     std::optional<ErrorNumber> commit = {};
     int commitFailures = std::numeric_limits<int>::max();  // so many times
-    std::optional<ErrorNumber> setLength = {};
+    bool setFileSize = false;
     std::optional<ErrorNumber> read = {};  // of a file that is changed in place
   };
   Faults faults;
@@ -46,6 +46,7 @@ class MemoryFileSystem : public FileSystem {
   std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) override;
   std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) override;
   std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path) override;
+  void SetFileSize(const std::string& path, std::uint64_t newLength) override;
   void RemoveFileQuietly(const std::string& path) override;
   void CreateDirectoryQuietly(const std::string& path) override;
   std::vector<std::string> ListFiles(const std::string& directory) override;
