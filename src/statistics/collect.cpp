@@ -49,6 +49,7 @@ class Record {
 };
 
 CollectionHeader HeaderOf(const VectorField& field) {
+  if (field.posX.empty() || field.posY.empty()) throw SystemError(ErrorNumber::indexOutOfRange);  // nothing loaded yet
   CollectionHeader header;
   header.columnCount = field.columnCount;
   header.rowCount = field.rowCount;
