@@ -27,15 +27,11 @@ struct Block {
 };
 
 // Bits of the next vectors as masks, whole bytes of them.
-QUIVERION_ALWAYS_INLINE void ExpandMasks(const unsigned char* bits, std::size_t count, Mask* masks) {
+QUIVERION_MULTI_TARGET void ExpandMasks(const unsigned char* bits, std::size_t count, Mask* masks) {
   for (std::size_t byte = 0; byte < (count + 7) / 8; ++byte) {
     const Mask all = bits[byte];
     for (std::size_t bit = 0; bit < 8; ++bit) masks[8 * byte + bit] = Mask{0} - (all >> bit & 1);
   }
-}
-
-QUIVERION_MULTI_TARGET void ExpandBlock(const unsigned char* bits, std::size_t count, Mask* masks) {
-  ExpandMasks(bits, count, masks);
 }
 
 QUIVERION_MULTI_TARGET void AddVelocityBlock(const Block& block) {
@@ -101,7 +97,7 @@ void ForEachBlock(StatisticState& s, Visit visit) {
   const bool means = !s.meanU.Values().empty();
   for (std::size_t begin = 0; begin < vectors; begin += kBlock) {
     const std::size_t count = std::min(kBlock, vectors - begin);
-    ExpandBlock(s.validBits.data() + begin / 8, count, masks.data());
+    ExpandMasks(s.validBits.data() + begin / 8, count, masks.data());
     visit(begin, Block{count, masks.data(), from(s.buffer.bufferVelX, begin), from(s.buffer.bufferVelY, begin),
                        means ? from(s.meanU, begin) : nullptr, means ? from(s.meanV, begin) : nullptr,
                        from(s.field.velX, begin), from(s.field.velY, begin), from(s.field.status, begin)});
