@@ -14,7 +14,7 @@ using words::Load;
 using words::Word;
 
 // One bit for each of the characters that `isMeant` holds for, 64 to a word. The comparison becomes vector
-// instructions; a multiplication gathers eight of its bytes, each 0 or 1, in the highest one.
+// instructions; eight of its bytes at a time become bits.
 template <std::size_t size, class IsMeant>
 QUIVERION_ALWAYS_INLINE void FindCharacters(const char* text, Word* found, IsMeant isMeant) {
   constexpr std::size_t kPart = 1024;
@@ -22,9 +22,7 @@ QUIVERION_ALWAYS_INLINE void FindCharacters(const char* text, Word* found, IsMea
     char meant[kPart];
     for (std::size_t k = 0; k < kPart; ++k) meant[k] = isMeant(static_cast<unsigned char>(text[part + k])) ? 1 : 0;
     unsigned char bits[kPart / 8];
-    for (std::size_t k = 0; k < kPart / 8; ++k) {
-      bits[k] = static_cast<unsigned char>(Load(meant + 8 * k) * 0x0102040810204080 >> 56);
-    }
+    for (std::size_t k = 0; k < kPart / 8; ++k) bits[k] = words::GatherBits(Load(meant + 8 * k));
     for (std::size_t k = 0; k < kPart / 64; ++k) found[part / 64 + k] = words::Load(bits + 8 * k);
   }
 }

@@ -22,6 +22,11 @@ inline Word Load(const void* text) {
   return word;
 }
 
+/// Eight bytes that are 0 or 1 as the bits of one, the first byte as the lowest.
+constexpr unsigned char GatherBits(Word word) {
+  return static_cast<unsigned char>(word * 0x0102040810204080 >> 56);
+}
+
 /// Bytes below `limit` (at most 0x80), exactly.
 template <Word limit>
 constexpr Word BytesBelow(Word word) {

@@ -96,8 +96,8 @@ std::uint64_t EndOfRecords(Context& context, const CollectionHeader& header, Upd
   const std::uint64_t end = RecordPosition(header, header.fieldCount);
   if (end > file.Size()) {
     if (end - file.Size() > file.FreeDiskBytes()) throw SystemError(ErrorNumber::endOfFile);
-    LogWarning(context, {"    Die Kollektion endet vor dem letzten ihrer " + std::to_string(header.fieldCount) +
-                         " Vektorfelder: Was fehlt, zählt als ungültig."});
+    LogWarning(context, {"    Die Kollektion ist kürzer, als die Zahl ihrer Vektorfelder (" +
+                         std::to_string(header.fieldCount) + ") verlangt: Was fehlt, zählt als ungültig."});
   }
   return end;
 }

@@ -16,11 +16,6 @@ QUIVERION_MULTI_TARGET void FlagValid(const std::int32_t* status, std::size_t co
   for (std::size_t k = 0; k < count; ++k) flags[k] = status[k] > 0 ? 1 : 0;
 }
 
-// Bit k of the result is the lowest bit of byte k.
-constexpr unsigned char GatherLowestBits(words::Word word) {
-  return static_cast<unsigned char>(word * 0x0102040810204080 >> 56);
-}
-
 }  // namespace
 
 ValidBits PackValidBits(std::span<const std::int32_t> status) {
@@ -30,7 +25,7 @@ ValidBits PackValidBits(std::span<const std::int32_t> status) {
     const std::size_t count = std::min(kBlock, status.size() - begin);
     std::fill_n(flags.begin() + static_cast<std::ptrdiff_t>(count / 8 * 8), count % 8 == 0 ? 0 : 8, 0);
     FlagValid(status.data() + begin, count, flags.data());
-    for (std::size_t k = 0; k < count; k += 8) bits[(begin + k) / 8] = GatherLowestBits(words::Load(flags.data() + k));
+    for (std::size_t k = 0; k < count; k += 8) bits[(begin + k) / 8] = words::GatherBits(words::Load(flags.data() + k));
   }
   return bits;
 }

@@ -38,7 +38,7 @@ class ProgramRun : public testing::Test {
   Workplace place;
 };
 
-TEST_F(ProgramRun, LogsEveryCommandOnEveryFormat) {
+TEST_F(ProgramRun, LogsEveryCommandAndEveryFormat) {
   place.Write("serie/a.dat", samples::DatBytes(Sample(1)));
   place.Write("serie/C.VEC", samples::VecBytes(Sample(2), 1));
   place.Write("serie/notes.txt", "no field");
@@ -46,18 +46,19 @@ TEST_F(ProgramRun, LogsEveryCommandOnEveryFormat) {
   place.Write("serie/im Weg/b.vas/directory", "");
   const std::string macro = std::string(APPROVED_TEXTS) + "/every_command.json";
   ASSERT_EQ(RunProgram(place, {"macro", "import", macro, "m.mak"}).code, 0);
-  const Outcome outcome = RunProgram(place, {"run", "--macro", "m.mak", "--log", "X.RTF", "serie"});
+  const Outcome outcome = RunProgram(place, {"run", "--macro", "m.mak", "--log", "X.RTF", "serie/b.vas"});
   EXPECT_EQ(outcome.code, 1);
   EXPECT_EQ(outcome.err, "");
   ExpectApproved(place, "every_command.txt", UpToVerdict(outcome.out));
   // The place's path holds nothing that RTF would escape.
   ExpectApproved(place, "every_command.rtf", UpToVerdict(place.Read("X.RTF")));
   ExpectApproved(place, "maxima.txt", place.Read("wirbel/Maxima.txt"));
-  for (const char* exported : {"a_1.txt", "neu/a_2.txt", "a_3.txt", "a_4.txt", "a_5.txt", "a_7.csv", "a_8.csv"}) {
+  for (const char* exported : {"b_1.txt", "neu/b_2.txt", "b_3.txt", "b_4.txt", "b_5.txt", "b_7.csv", "b_8.csv"}) {
     EXPECT_TRUE(place.Has(std::string("serie/") + exported)) << exported;
   }
   for (const char* same : {"serie/", "./serie/../serie"}) {
     EXPECT_EQ(RunProgram(place, {"run", "--macro", "s.mak", same}).code, 0);
+    for (const char* saved : {"a_s.vas", "b_s.vas", "C_s.vas"}) EXPECT_TRUE(place.Has(std::string("serie/") + saved));
   }
 }
 

@@ -82,10 +82,9 @@ TEST_F(Program, TellsWhatAFileHolds) {
   place.Write("a.vas", samples::VasBytes(sample));
   place.Write("b.DAT", samples::DatBytes(sample));
   place.Write("c.vec", samples::VecBytes(sample, 2));
-  std::string told;
-  for (const char* file : {"a.vas", "b.DAT", "c.vec"}) {
-    told += RunProgram(place, {"info", file}).out + RunProgram(place, {"info", "--json", file}).out + "\n";
-  }
+  const std::string told = RunProgram(place, {"info", "a.vas"}).out +
+                           RunProgram(place, {"info", "--json", "b.DAT"}).out +
+                           RunProgram(place, {"info", "c.vec"}).out;
   ExpectApproved(place, "info.txt", told);
   place.Write("caf\xE9.vas", samples::VasBytes(sample));
   EXPECT_TRUE(nlohmann::json::accept(RunProgram(place, {"info", "--json", "caf\xE9.vas"}).out)) << "no UTF-8";

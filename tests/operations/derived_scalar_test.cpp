@@ -59,17 +59,6 @@ TEST(DerivedScalar, OfALinearFlowIsThatOfItsGradient) {
   }
 }
 
-TEST(DerivedScalar, IsZeroOnASingleColumnOrRow) {
-  for (const auto& [columns, rows] : {std::pair{1, 1}, {1, 6}, {6, 1}}) {
-    VectorField field = MakeField(columns, rows);
-    SetVelocities(
-        field, [](double x, double y) { return 3 * x - y * y; }, [](double x, double y) { return x * x + 5 * y; });
-    for (double& old : field.derivedScalar.Values()) old = 99;
-    ExpectEverywhere(VorticityOf(field), 0.0);
-    ExpectEverywhere(SwirlOf(field), 0.0);
-  }
-}
-
 // u = y², v = x² (mm): the vorticity in 1/s is 1000 (difference of x² - difference of y²).
 struct NeighbourCase {
   const char* name;
