@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
+#include <numeric>
 
 #include "bench_support.h"
 #include "statistics/collect.h"
@@ -81,7 +82,17 @@ BENCHMARK(Compute<StatisticKind::fluctuationProduct>)->Name("Statistic/product")
 BENCHMARK(Compute<StatisticKind::turbulence>)->Name("Statistic/turbulence")->Apply(Sizes);
 BENCHMARK(Compute<StatisticKind::dissipation>)->Name("Statistic/dissipation")->Apply(Sizes);
 
-// range(0): records in the file before. After so many appends the file is cut again.
+// Changes `path` within a pause: what it was before a round of appends or a removal.
+template <class Restore>
+void Pause(benchmark::State& state, const std::string& path, Restore restore) {
+  state.PauseTiming();
+  const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+  restore(descriptor);
+  ::close(descriptor);
+  state.ResumeTiming();
+}
+
+// range(0): records in the file before. After so many appends the file gets its old length and count.
 constexpr int kAppends = 100;
 
 void AppendSizes(benchmark::internal::Benchmark* benchmark) {
@@ -89,52 +100,40 @@ void AppendSizes(benchmark::internal::Benchmark* benchmark) {
   benchmark->Args({1, 125, 100})->Args({500, 125, 100})->Args({1, 400, 400});
 }
 
-template <class Act>
-void AppendLoop(benchmark::State& state, const Series& series, const std::string& path, Act append) {
-  const auto length = std::filesystem::file_size(path);
-  for (auto _ : state) {
-    for (int k = 0; k < kAppends; ++k) append();
-    state.PauseTiming();
-    std::filesystem::resize_file(path, length);
-    state.ResumeTiming();
-  }
-  state.SetItemsProcessed(state.iterations() * kAppends);
-  state.SetBytesProcessed(state.items_processed() * static_cast<std::int64_t>(series.RecordBytes()));
-}
+using Appending = void (*)(Context& context, const std::string& path, const std::string& record);
 
-void PlainAppend(benchmark::State& state) {
-  const ScratchDirectory directory;
-  const Series series(state);
-  BenchSession bench;
-  const std::string path = directory.File("c.col");
-  series.Collect(bench.context, path, series.fields);
-  const std::string record(series.RecordBytes(), 'x');
-  AppendLoop(state, series, path, [&] {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
-    if (::write(descriptor, record.data(), record.size()) < 0) std::abort();
-    ::close(descriptor);
-  });
-}
-BENCHMARK(PlainAppend)->Name("Append/plain_write")->Apply(AppendSizes);
-
+template <Appending append>
 void Append(benchmark::State& state) {
   const ScratchDirectory directory;
   const Series series(state);
   BenchSession bench;
-  const std::string path = directory.File("c.col");
+  const std::string path = directory.File("c.col"), record(series.RecordBytes(), 'x');
   series.Collect(bench.context, path, series.fields);
-  const std::string begin = ReadWholeFile(*bench.files, path).substr(0, collection::kHeaderBytes);
-  const auto length = std::filesystem::file_size(path);
-  AppendLoop(state, series, path, [&] {
-    CollectForStatistics(bench.context, path);
-    if (std::filesystem::file_size(path) < length + kAppends * series.RecordBytes()) return;
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);  // the old count
-    if (::pwrite(descriptor, begin.data(), begin.size(), 0) < 0) std::abort();
-    ::close(descriptor);
-  });
+  const std::string header = ReadWholeFile(*bench.files, path).substr(0, collection::kHeaderBytes);
+  const auto length = static_cast<off_t>(std::filesystem::file_size(path));
+  for (auto _ : state) {
+    for (int k = 0; k < kAppends; ++k) append(bench.context, path, record);
+    Pause(state, path, [&](int descriptor) {
+      if (::ftruncate(descriptor, length) != 0 || ::pwrite(descriptor, header.data(), header.size(), 0) < 0)
+        std::abort();
+    });
+  }
   if (bench.context.runHadError) state.SkipWithError("append failed");
+  state.SetItemsProcessed(state.iterations() * kAppends);
+  state.SetBytesProcessed(state.items_processed() * static_cast<std::int64_t>(series.RecordBytes()));
 }
-BENCHMARK(Append)->Name("Append/collect")->Apply(AppendSizes);
+
+void AppendPlainly(Context& /*context*/, const std::string& path, const std::string& record) {
+  const int descriptor = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+  if (::write(descriptor, record.data(), record.size()) < 0) std::abort();
+  ::close(descriptor);
+}
+
+void AppendField(Context& context, const std::string& path, const std::string& /*record*/) {
+  CollectForStatistics(context, path);
+}
+BENCHMARK(Append<AppendPlainly>)->Name("Append/plain_write")->Apply(AppendSizes);
+BENCHMARK(Append<AppendField>)->Name("Append/collect")->Apply(AppendSizes);
 
 // The first range(3) records go: so many move from the end, then the file is cut.
 void RemovalSizes(benchmark::internal::Benchmark* benchmark) {
@@ -142,55 +141,46 @@ void RemovalSizes(benchmark::internal::Benchmark* benchmark) {
   benchmark->Args({200, 125, 100, 1})->Args({200, 125, 100, 90});
 }
 
-// The collection as it was, on the disk: shortening a file whose blocks have no place there yet waits for it.
-void Renew(benchmark::State& state, const ScratchDirectory& directory) {
-  state.PauseTiming();
-  const std::string path = directory.File("c.col");
-  std::filesystem::copy_file(directory.File("whole.col"), path, std::filesystem::copy_options::overwrite_existing);
-  const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-  ::fsync(descriptor);
-  ::close(descriptor);
-  state.ResumeTiming();
-}
+using Removing = void (*)(Context& context, const std::string& path, const Series& series, int count);
 
-void PlainMove(benchmark::State& state) {
+template <Removing remove>
+void Removal(benchmark::State& state) {
   const ScratchDirectory directory;
   const Series series(state);
   BenchSession bench;
-  const std::string path = directory.File("c.col");
-  series.Collect(bench.context, directory.File("whole.col"), series.fields);
+  const std::string path = directory.File("c.col"), whole = directory.File("whole.col");
+  series.Collect(bench.context, whole, series.fields);
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::filesystem::copy_file(whole, path, std::filesystem::copy_options::overwrite_existing);
+    state.ResumeTiming();
+    // On the disk: shortening a file whose blocks have no place there yet waits for it.
+    Pause(state, path, [](int descriptor) { ::fsync(descriptor); });
+    remove(bench.context, path, series, static_cast<int>(state.range(3)));
+  }
+}
+
+void MovePlainly(Context& /*context*/, const std::string& path, const Series& series, int count) {
   std::string record(series.RecordBytes(), ' ');
-  for (auto _ : state) {
-    Renew(state, directory);
-    const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-    for (std::int64_t k = 0; k < state.range(3); ++k) {
-      const auto size = static_cast<off_t>(record.size());
-      if (::pread(descriptor, record.data(), record.size(), 75 + (series.fields - 1 - k) * size) < 0 ||
-          ::pwrite(descriptor, record.data(), record.size(), 75 + k * size) < 0) {
-        std::abort();
-      }
-    }
-    if (::ftruncate(descriptor, 75 + (series.fields - state.range(3)) * static_cast<off_t>(record.size())) != 0)
+  const auto size = static_cast<off_t>(record.size());
+  const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+  for (int k = 0; k < count; ++k) {
+    if (::pread(descriptor, record.data(), record.size(), 75 + (series.fields - 1 - k) * size) < 0 ||
+        ::pwrite(descriptor, record.data(), record.size(), 75 + k * size) < 0) {
       std::abort();
-    ::close(descriptor);
+    }
   }
+  if (::ftruncate(descriptor, 75 + (series.fields - count) * size) != 0) std::abort();
+  ::close(descriptor);
 }
-BENCHMARK(PlainMove)->Name("Removal/plain_move")->Apply(RemovalSizes);
 
-void Remove(benchmark::State& state) {
-  const ScratchDirectory directory;
-  const Series series(state);
-  BenchSession bench;
-  const std::string path = directory.File("c.col");
-  series.Collect(bench.context, directory.File("whole.col"), series.fields);
-  std::vector<std::int32_t> numbers;
-  for (std::int32_t k = 1; k <= state.range(3); ++k) numbers.push_back(k);
-  for (auto _ : state) {
-    Renew(state, directory);
-    if (RemoveRecords(bench.context, path, numbers) != RemovalOutcome::removed) state.SkipWithError("removal failed");
-  }
+void RemoveFirst(Context& context, const std::string& path, const Series& /*series*/, int count) {
+  std::vector<std::int32_t> numbers(static_cast<std::size_t>(count));
+  std::iota(numbers.begin(), numbers.end(), 1);
+  if (RemoveRecords(context, path, numbers) != RemovalOutcome::removed) std::abort();
 }
-BENCHMARK(Remove)->Name("Removal/remove")->Apply(RemovalSizes);
+BENCHMARK(Removal<MovePlainly>)->Name("Removal/plain_move")->Apply(RemovalSizes);
+BENCHMARK(Removal<RemoveFirst>)->Name("Removal/remove")->Apply(RemovalSizes);
 
 }  // namespace
 }  // namespace quiverion::bench

@@ -40,7 +40,7 @@ class Statistics : public CollectionTest {
       SetVelocities(
           field, [&](double x, double y) { return amplitude * u(x, y); },
           [&](double x, double y) { return amplitude * v(x, y); });
-      EXPECT_FALSE(Collect(field).empty());
+      Collect(field);
     }
   }
 };
@@ -129,7 +129,7 @@ TEST_F(Statistics, OfALinearShearWithMissingVectors) {
       field.velX(i, j) = 1E300;
       field.status(i, j) = i % 2 == 0 ? 0 : -1;
     }
-    EXPECT_FALSE(Collect(field).empty());
+    Collect(field);
   }
   const VectorField average = Compute(mean), deviation = Compute(standardDeviation),
                     squares = Compute(fluctuationSquares), product = Compute(fluctuationProduct),
@@ -168,7 +168,7 @@ TEST_F(Statistics, HaveTheseBits) {
     VectorField field = KnownField(seed, 23, 17);
     for (double& x : field.posX) x = x * 0.37 - 20.0;
     for (double& y : field.posY) y = 18.0 - y * 0.41;
-    EXPECT_FALSE(Collect(field).empty());
+    Collect(field);
   }
   const std::pair<std::uint64_t, std::int32_t> known[] = {{0x2772ba92a0543af8u, 391}, {0xa1bc758cc64c1211u, 390},
                                                           {0xbabf722852ff22a9u, 390}, {0xeb8a44f717497411u, 390},
@@ -185,7 +185,7 @@ TEST_F(Statistics, CarryOnWhereAFormulaHasNoValue) {
   field.posY = {1, 2, 1};  // the reconstructed rows are all at 1 mm
   SetVelocities(
       field, [](double x, double) { return x == 2 ? 0 : 0.1; }, [](double, double) { return 0; });
-  for (int k = 0; k < 3; ++k) EXPECT_FALSE(Collect(field).empty());
+  for (int k = 0; k < 3; ++k) Collect(field);
   const VectorField deviations = Compute(standardDeviation);
   for (const double deviation : deviations.velX.Values()) EXPECT_EQ(deviation, 0) << "never a NaN";
   const VectorField flat = Compute(turbulence);
@@ -237,7 +237,7 @@ TEST_F(Statistics, EndWhereAnyStepOverflows) {
       VectorField field = MakeField(3, 2);
       field.velX(1, 1) = u;
       field.velY(1, 1) = v;
-      EXPECT_FALSE(Collect(field).empty());
+      Collect(field);
     }
     program.ui.messages.clear();
     EXPECT_FALSE(ComputeStatistic(context, kind, "C.col", "r.vas", 1E308));
@@ -318,7 +318,7 @@ TEST_F(Statistics, LeaveTheLastRecordInTheBuffer) {
   CollectNumbered(2);
   VectorField last = NumberedField(6);
   last.status(2, 1) = 0;
-  EXPECT_FALSE(Collect(last).empty());
+  Collect(last);
   context.buffer.bufferFileName = "kept";
   for (const StatisticKind kind : kKinds) {
     const bool fluctuations = kind == dissipation;  // the mean is 3, at the invalid vector 1.5 of the others
@@ -340,19 +340,9 @@ TEST_F(Statistics, SayWhyTheyFailAndSaveNothing) {
     return "Fehler beim Einlesen der Kollektion! Folgender Fehler ist aufgetreten:\r\n\r\n" +
            ErrorText(SystemError(static_cast<ErrorNumber>(number)));
   };
-  const std::string otherKind = "Dies ist keine gültige COL-Datei!";
+  auto cases = Damaged(good);
   const std::string noRecords = With(good, kCountAt, 0).substr(0, kHeader);
-  const std::pair<std::string, std::string> cases[] = {
-      {"", otherKind},
-      {"quiverion" + good.substr(9), otherKind},
-      {good.substr(0, 30), reading(62)},
-      {good.substr(0, 74), reading(62)},
-      {good.substr(0, good.size() - 1), reading(62)},
-      {With(good, kCountAt, 2147483647), reading(62)},
-      {With(good, kCountAt, -3), reading(5)},
-      {With(good, kColumnsAt, 0), reading(9)},
-      {With(With(good, kColumnsAt, 2147483647), kRowsAt, 2147483647), reading(62)},
-      {With(With(noRecords, kColumnsAt, 1100), kRowsAt, 1000), reading(7)}};
+  cases.emplace_back(With(With(noRecords, kColumnsAt, 1100), kRowsAt, 1000), 7);
   const auto fails = [&](const std::string& path) {
     program.ui.messages.clear();
     EXPECT_FALSE(ComputeStatistic(context, fluctuationSquares, path, "r.vas"));
@@ -364,9 +354,9 @@ TEST_F(Statistics, SayWhyTheyFailAndSaveNothing) {
     EXPECT_EQ(program.ui.messages.back().icon, MessageIcon::warning);
     return program.ui.messages.back().text;
   };
-  for (const auto& [content, text] : cases) {
+  for (const auto& [content, number] : cases) {
     Content() = content;
-    EXPECT_EQ(fails("C.col"), text);
+    EXPECT_EQ(fails("C.col"), number == 0 ? "Dies ist keine gültige COL-Datei!" : reading(number));
   }
   EXPECT_EQ(
       fails("fehlt.col"),
