@@ -76,14 +76,14 @@ void RunLoadFrame(Context& context, const std::string& path, const std::function
   }
 }
 
-bool RunSaveFrame(Context& context, const std::string& path, const std::function<void(ResultFile&)>& write,
+void RunSaveFrame(Context& context, const std::string& path, const std::function<void(ResultFile&)>& write,
                   const SaveWording& wording) {
   std::optional<ResultFile> file;
   try {
     file.emplace(context.files, &context.ui, path);
   } catch (const std::exception& error) {
     FailSave(context, wording.openFailed, error);
-    return false;
+    return;
   }
   try {
     write(*file);
@@ -92,10 +92,9 @@ bool RunSaveFrame(Context& context, const std::string& path, const std::function
     if (file->Cancelled()) context.userAbortRequested = true;
     file.reset();
     FailSave(context, WriteFailedSentence(path), error);
-    return false;
+    return;
   }
   LogLine(context.log, "fertig");
-  return true;
 }
 
 }  // namespace quiverion

@@ -65,9 +65,8 @@ struct SaveWording {
 
 /// Opens a result file for `path`, runs `write`, commits and logs "fertig". A failure is logged as stated for
 /// saving and sets `runHadError`, never `abortCurrentFile`; the old file stays and no part of a new one is
-/// left. A full disk asks Retry or Cancel; Cancel also sets `userAbortRequested`. Returns true where the file
-/// was written.
-bool RunSaveFrame(Context& context, const std::string& path, const std::function<void(ResultFile&)>& write,
+/// left. A full disk asks Retry or Cancel; Cancel also sets `userAbortRequested`.
+void RunSaveFrame(Context& context, const std::string& path, const std::function<void(ResultFile&)>& write,
                   const SaveWording& wording = {});
 
 }  // namespace quiverion

@@ -37,6 +37,11 @@ void ResultFile::WriteOut() {
 }
 
 void ResultFile::Write(std::string_view bytes) {
+  if (bytes.size() >= kBufferSize) {
+    kept_.push_back({buffer_.size(), bytes});
+    WriteOut();
+    return;
+  }
   buffer_.append(bytes);
   if (buffer_.size() >= kBufferSize) WriteOut();
 }

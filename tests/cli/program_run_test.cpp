@@ -42,6 +42,7 @@ TEST_F(ProgramRun, LogsEveryCommandAndEveryFormat) {
   place.Write("serie/a.dat", samples::DatBytes(Sample(1)));
   place.Write("serie/C.VEC", samples::VecBytes(Sample(2), 1));
   place.Write("serie/notes.txt", "no field");
+  place.Write("serie/vas", "no extension");
   place.Write("serie/sub/d.vas", "not in this directory");
   place.Write("serie/im Weg/b.vas/directory", "");
   const std::string macro = std::string(APPROVED_TEXTS) + "/every_command.json";

@@ -48,7 +48,8 @@ TEST(RtfWriter, EscapesWhatRtfDoesNotHold) {
       {"\xC2\x81\xC2\x9D", "\\'81\\'9d"},
       {"αβ9", "\\u945?\\u946?9"},
       {"\xE4\xB8\x80\xEA\x80\x80", "\\u19968?\\u-24576?"},  // the number is a signed one of 16 bits
-      {"😀", "\\u-10179?\\u-8704?"},                         // two UTF-16 units
+      {"\xE7\xBF\xBF\xE8\x80\x80", "\\u32767?\\u-32768?"},
+      {"😀", "\\u-10179?\\u-8704?"},  // two UTF-16 units
       {"a\tb", "a\\tab b"},
       {"a\r\nb\nc", "a\\par\r\nb\\par\r\nc"},
       {std::string_view("\0\x01\x1B\x7F\r", 5), "?????"},

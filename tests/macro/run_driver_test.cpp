@@ -122,6 +122,8 @@ TEST_F(RunDriver, DoesNothingForMenusAndUnknownIds) {
   EXPECT_EQ(RunLogOf({Event(12345), Event(10000), Event(50100), Event(-1), Event(50101)}),
             kTitleA + kLoadA + kNoBackground + kSuccess);
   EXPECT_EQ(ui.yields, 6);
+  program.clock.times = {10.0f, 13.25f};
+  EXPECT_TRUE(RunLogOf({Event(50101)}).ends_with("\r\nDauer: 3.25 s\r\n")) << "from its beginning to its end";
 }
 
 TEST_F(RunDriver, EndsWhereAFullDiskIsAnsweredWithCancel) {
