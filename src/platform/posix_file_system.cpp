@@ -62,18 +62,20 @@ bool CheckTarget(const std::string& nativePath) {
   return true;
 }
 
-// Opens an existing file that is changed where it lies, -1 with errno where that fails. Throws SystemError for what is
-// no ordinary file or read-only.
-int OpenTarget(const std::string& nativePath, int access, struct stat& info) {
+// Opens an existing file that is changed where it lies, -1 with errno where there is none. `lock`: waits until no other
+// process has it open so. Throws SystemError for what is no ordinary file or read-only.
+int OpenTarget(const std::string& nativePath, int access, bool lock, struct stat& info) {
   const int descriptor = ::open(nativePath.c_str(), access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-  if (descriptor >= 0 && (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode) || IsReadOnly(info))) {
-    ::close(descriptor);
-    throw SystemError(ErrorNumber::pathAccess);
-  }
   if (descriptor < 0 && errno != ENOENT) {
     const int code = errno;
     CheckTarget(nativePath);  // says it as for every other file that is written
     ThrowErrno(code, nativePath);
+  }
+  if (descriptor < 0) return descriptor;
+  while (lock && ::flock(descriptor, LOCK_EX) != 0 && errno == EINTR) continue;  // a file system without locks has none
+  if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode) || IsReadOnly(info)) {
+    ::close(descriptor);
+    throw SystemError(ErrorNumber::pathAccess);
   }
   return descriptor;
 }
@@ -109,7 +111,7 @@ class PosixFileSystem : public FileSystem {
   std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) override {
     std::string native = OpenablePath(path);
     struct stat info {};
-    int descriptor = OpenTarget(native, O_WRONLY | O_APPEND, info);
+    int descriptor = OpenTarget(native, O_WRONLY | O_APPEND, false, info);
     const bool isNew = descriptor < 0;
     // O_EXCL: only what this call has created may be deleted again.
     if (isNew) descriptor = ::open(native.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
@@ -122,14 +124,10 @@ class PosixFileSystem : public FileSystem {
     const std::string native = OpenablePath(path);
     for (;;) {
       struct stat info {};
-      const int descriptor = OpenTarget(native, O_RDWR, info);
+      const int descriptor = OpenTarget(native, O_RDWR, true, info);
       if (descriptor < 0) ThrowErrno(ENOENT, native);
       auto file = std::make_unique<PosixUpdatedFile>(descriptor, static_cast<std::uint64_t>(info.st_size));
-      while (::flock(descriptor, LOCK_EX) != 0 && errno == EINTR) continue;  // a file system without locks has none
-      struct stat locked {};
-      if (::fstat(descriptor, &locked) != 0) ThrowErrno(errno, native);
-      // Whoever had the lock may have changed the file, or deleted it.
-      if (locked.st_nlink > 0 && locked.st_size == info.st_size) return file;
+      if (info.st_nlink > 0) return file;  // else whoever had the lock has deleted the file
     }
   }
 
