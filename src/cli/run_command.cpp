@@ -4,6 +4,7 @@
 #include "cli/commands.h"
 #include "cli/services.h"
 #include "log/log_writers.h"
+#include "macro/log_messages.h"
 #include "macro/macro_file.h"
 #include "macro/pre_run_checks.h"
 #include "macro/series_files.h"
@@ -60,11 +61,6 @@ class LogFile {
   std::optional<PlainTextWriter> plain_;
   std::optional<SystemError> error_;
 };
-
-void ReportLogFailure(Terminal& terminal, const std::string& path, const SystemError& error) {
-  terminal.Ask({.title = "Log-Datei speichern",
-                .text = "Die Log-Datei kann nicht gespeichert werden unter '" + path + "'!\r\n" + ErrorText(error)});
-}
 
 // Adds what one INPUT stands for. False where it lies in another directory than the ones before.
 bool AddInput(Session& session, const std::string& input) {
@@ -127,7 +123,7 @@ int RunSeries(const RunOptions& options) {
   try {
     if (!StartRun(session, openLog)) return kRefused;
   } catch (const SystemError& error) {
-    ReportLogFailure(services.terminal, options.log, error);
+    services.terminal.Ask(LogNotSaved(options.log, error));
     return kFailed;
   }
   services.log.Flush();
@@ -135,7 +131,7 @@ int RunSeries(const RunOptions& options) {
   try {
     if (logFile) logFile->Save();
   } catch (const SystemError& error) {
-    ReportLogFailure(services.terminal, options.log, error);
+    services.terminal.Ask(LogNotSaved(options.log, error));
     if (code == kDone) code = kFailed;
   }
   return code;

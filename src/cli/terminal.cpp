@@ -84,8 +84,12 @@ MessageAnswer Terminal::Ask(const Message& message) {
   switch (message.buttons) {
     case MessageButtons::ok:
       return MessageAnswer::ok;
+    case MessageButtons::okCancel:
     case MessageButtons::retryCancel:
+    case MessageButtons::yesNoCancel:
       return MessageAnswer::cancel;
+    case MessageButtons::yesNo:
+      return MessageAnswer::no;
     case MessageButtons::abortRetryIgnore:
       break;
   }

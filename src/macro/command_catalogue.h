@@ -31,6 +31,29 @@ struct Parameter {
   FileEncoding encoding;
 };
 
+/// How the window asks for the parameters of a command.
+enum class EditorKind {
+  none,  // the command has no parameters
+  names,
+  comment,
+  bufferFile,
+  faultVectors,
+  mirror,
+  coordinates,
+  constVector,
+  vortexCentres,
+  question,  // yes or no
+  number,    // an input box
+  collectionFile,
+};
+
+struct ParameterEditor {
+  EditorKind kind = EditorKind::none;
+  std::string_view title = {};   // of the window, where it depends on the command
+  std::string_view text = {};    // question or prompt
+  std::string_view preset = {};  // of a new command: prefix or number
+};
+
 /// What a running command gets.
 struct CommandCall {
   Context& context;
@@ -48,6 +71,7 @@ struct CommandRow {
   std::span<const Parameter> parameters;  // in the order of the macro file
   std::int32_t outputKilobytes;           // estimated size of what it writes per input file
   void (*run)(const CommandCall& call);   // null: a menu
+  ParameterEditor editor = {};
 
   bool IsMenu() const { return eventId % 100 == 0; }
 };

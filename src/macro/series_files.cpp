@@ -7,13 +7,15 @@
 
 namespace quiverion {
 
+bool IsSeriesFile(const std::string& name) {
+  if (name.find('.') == std::string::npos) return false;
+  const std::string extension = ExtensionOf(name);
+  return extension == "VAS" || extension == "VEC" || extension == "DAT";
+}
+
 std::vector<std::string> ListSeriesFiles(FileSystem& files, const std::string& directory) {
   std::vector<std::string> names = files.ListFiles(directory);
-  std::erase_if(names, [](const std::string& name) {
-    if (name.find('.') == std::string::npos) return true;
-    const std::string extension = ExtensionOf(name);
-    return extension != "VAS" && extension != "VEC" && extension != "DAT";
-  });
+  std::erase_if(names, [](const std::string& name) { return !IsSeriesFile(name); });
   std::sort(names.begin(), names.end(), FileNameLess);
   return names;
 }

@@ -7,7 +7,10 @@
 
 namespace quiverion {
 
-/// The files of a directory that can be loaded (VAS, VEC, DAT, any case), in the order of the file list: by
+/// True for a name with the extension of a file that can be loaded: VAS, VEC, DAT, any case.
+bool IsSeriesFile(const std::string& name);
+
+/// The files of a directory that can be loaded, in the order of the file list: by
 /// name without regard to case. Throws SystemError.
 std::vector<std::string> ListSeriesFiles(FileSystem& files, const std::string& directory);
 

@@ -108,7 +108,16 @@ class FileSystem {
   /// Names of the ordinary files of a directory, unsorted. Throws SystemError.
   virtual std::vector<std::string> ListFiles(const std::string& directory) = 0;
 
+  /// Names of the directories in a directory, without hidden ones, unsorted. Throws SystemError.
+  virtual std::vector<std::string> ListDirectories(const std::string& directory) = 0;
+
   virtual bool IsDirectory(const std::string& path) = 0;
+
+  /// True for an existing file with the read-only attribute: nobody may write it.
+  virtual bool IsReadOnly(const std::string& path) = 0;
+
+  /// Takes the read-only attribute off a file and keeps all others. Throws SystemError.
+  virtual void ClearReadOnly(const std::string& path) = 0;
 
   /// The drive (mount point) that holds `directory`.
   virtual DriveKind KindOfDrive(const std::string& directory) = 0;

@@ -47,7 +47,7 @@ class TemporaryNames {
 };
 
 // No bit that lets anybody write: what the read-only attribute is elsewhere. It counts for root as well.
-bool IsReadOnly(const struct stat& info) {
+bool HasNoWriteBit(const struct stat& info) {
   return (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
 }
 
@@ -57,7 +57,7 @@ bool CheckTarget(const std::string& nativePath) {
   if (::lstat(nativePath.c_str(), &info) != 0) return false;
   // A link is replaced itself; what it leads to must be a file that could be written.
   if (S_ISLNK(info.st_mode) && ::stat(nativePath.c_str(), &info) != 0) return true;
-  if (!S_ISREG(info.st_mode) || IsReadOnly(info)) throw SystemError(ErrorNumber::pathAccess);
+  if (!S_ISREG(info.st_mode) || HasNoWriteBit(info)) throw SystemError(ErrorNumber::pathAccess);
   if (::access(nativePath.c_str(), W_OK) != 0) ThrowErrno(errno, nativePath);
   return true;
 }
@@ -73,7 +73,7 @@ int OpenTarget(const std::string& nativePath, int access, bool lock, struct stat
   }
   if (descriptor < 0) return descriptor;
   while (lock && ::flock(descriptor, LOCK_EX) != 0 && errno == EINTR) continue;  // a file system without locks has none
-  if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode) || IsReadOnly(info)) {
+  if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode) || HasNoWriteBit(info)) {
     ::close(descriptor);
     throw SystemError(ErrorNumber::pathAccess);
   }
@@ -152,21 +152,33 @@ class PosixFileSystem : public FileSystem {
   }
 
   std::vector<std::string> ListFiles(const std::string& directory) override {
-    const std::string native = SystemPath(directory);
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(native.c_str()), ::closedir);
-    if (!stream) ThrowErrno(errno, native);
-    std::vector<std::string> names;
-    for (errno = 0; const dirent* entry = ::readdir(stream.get()); errno = 0) {
-      if (entry->d_type == DT_REG || (entry->d_type != DT_DIR && IsOrdinaryFile(stream.get(), entry->d_name))) {
-        names.emplace_back(entry->d_name);
-      }
-    }
-    if (errno != 0) ThrowErrno(errno, native);
-    return names;
+    return ListEntries(directory, [](DIR* stream, const dirent& entry) {
+      return entry.d_type == DT_REG || (entry.d_type != DT_DIR && IsOfType(stream, entry.d_name, S_IFREG));
+    });
+  }
+
+  std::vector<std::string> ListDirectories(const std::string& directory) override {
+    return ListEntries(directory, [](DIR* stream, const dirent& entry) {
+      if (entry.d_name[0] == '.') return false;
+      return entry.d_type == DT_DIR || (entry.d_type != DT_REG && IsOfType(stream, entry.d_name, S_IFDIR));
+    });
   }
 
   bool IsDirectory(const std::string& path) override {
     return !BeginsWithDriveLetter(path) && IsDirectoryNative(SystemPath(path));
+  }
+
+  bool IsReadOnly(const std::string& path) override {
+    struct stat info {};
+    return !BeginsWithDriveLetter(path) && ::stat(SystemPath(path).c_str(), &info) == 0 && HasNoWriteBit(info);
+  }
+
+  void ClearReadOnly(const std::string& path) override {
+    const std::string native = OpenablePath(path);
+    struct stat info {};
+    if (::stat(native.c_str(), &info) != 0 || ::chmod(native.c_str(), (info.st_mode & 07777) | S_IWUSR) != 0) {
+      ThrowErrno(errno, native);
+    }
   }
 
   DriveKind KindOfDrive(const std::string& directory) override {
@@ -191,9 +203,23 @@ class PosixFileSystem : public FileSystem {
 
   TemporaryNames temporaryNames_;
 
-  static bool IsOrdinaryFile(DIR* directory, const char* name) {
+  // Names of the entries for which `wanted` is true.
+  template <class Wanted>
+  static std::vector<std::string> ListEntries(const std::string& directory, Wanted wanted) {
+    const std::string native = OpenablePath(directory);
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(native.c_str()), ::closedir);
+    if (!stream) ThrowErrno(errno, native);
+    std::vector<std::string> names;
+    for (errno = 0; const dirent* entry = ::readdir(stream.get()); errno = 0) {
+      if (wanted(stream.get(), *entry)) names.emplace_back(entry->d_name);
+    }
+    if (errno != 0) ThrowErrno(errno, native);
+    return names;
+  }
+
+  static bool IsOfType(DIR* directory, const char* name, mode_t type) {
     struct stat info {};
-    return ::fstatat(::dirfd(directory), name, &info, 0) == 0 && S_ISREG(info.st_mode);
+    return ::fstatat(::dirfd(directory), name, &info, 0) == 0 && (info.st_mode & S_IFMT) == type;
   }
 };
 

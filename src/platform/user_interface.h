@@ -1,14 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace quiverion {
 
-enum class MessageButtons { ok, retryCancel, abortRetryIgnore };
-enum class MessageIcon { information, warning, critical };
-enum class MessageAnswer { ok, retry, cancel, abort, ignore };
+enum class MessageButtons { ok, okCancel, retryCancel, abortRetryIgnore, yesNo, yesNoCancel };
+enum class MessageIcon { information, warning, critical, question };
+enum class MessageAnswer { ok, retry, cancel, abort, ignore, yes, no };
 
 /// A message box. Texts are German UTF-8; lines of `text` are separated by "\r\n".
 struct Message {
@@ -16,6 +17,7 @@ struct Message {
   std::string text;
   MessageButtons buttons = MessageButtons::ok;
   MessageIcon icon = MessageIcon::warning;
+  std::optional<MessageAnswer> preselected = {};  // the button that Enter presses; none: the first one
 };
 
 /// Where a run is, for a progress window or line.

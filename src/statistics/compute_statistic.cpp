@@ -15,6 +15,9 @@
 namespace quiverion {
 namespace {
 
+// The user does not want the result any more.
+struct Stopped {};
+
 constexpr std::string_view kErrorTitle = "QuiverionSeries - Fehler";
 
 // Between its beginning and its end a computation is shown, whatever the end is.
@@ -66,7 +69,7 @@ class Computation {
  public:
   Computation(Context& context, InputFile& file) : context_(context), fileSize_(file.Size()), reader_(file) {}
 
-  // Throws FormatError and SystemError; the field is left as far as the computation had got.
+  // Throws FormatError, SystemError and Stopped; the field is left as far as the computation had got.
   void Run(const StatisticSteps& steps, double viscosity) {
     if (!ReadIdentity(reader_, header_)) throw FormatError("Dies ist keine gültige COL-Datei!");
     ReadCountsAndPositions(reader_, header_);
@@ -100,7 +103,7 @@ class Computation {
 
   void ShowProgress() {
     context_.ui.ShowComputation(done_, total_);
-    context_.ui.Yield();
+    if (context_.ui.Yield()) throw Stopped();
   }
 
   Context& context_;
@@ -140,6 +143,8 @@ bool ComputeStatistic(Context& context, StatisticKind kind, const std::string& c
   }
   try {
     Computation(context, *file).Run(StepsOf(kind), viscosity);
+  } catch (const Stopped&) {
+    return false;
   } catch (const FormatError& error) {
     context.ui.Ask({.title = std::string(kErrorTitle), .text = error.Message()});
     return false;

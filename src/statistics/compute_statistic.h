@@ -24,7 +24,7 @@ enum class StatisticKind {
 ///
 /// One record is in memory at a time: in the buffer field, where the last one stays (for the dissipation its
 /// fluctuations); two passes read the file twice. Shows its progress and yields after each record. What fails is shown
-/// in a message box, and nothing is saved; so is an arithmetic error. The save logs as SaveVas does. Returns true where
+/// in a message box, and nothing is saved; so is an arithmetic error. Nothing is saved either where a yield asks to stop. The save logs as SaveVas does. Returns true where
 /// the result was handed to it.
 bool ComputeStatistic(Context& context, StatisticKind kind, const std::string& collectionPath,
                       const std::string& outputPath, double viscosity = 0.0);

@@ -192,6 +192,30 @@ std::vector<std::string> MemoryFileSystem::ListFiles(const std::string& director
   return names;
 }
 
+std::vector<std::string> MemoryFileSystem::ListDirectories(const std::string& directory) {
+  if (!IsDirectory(directory)) throw SystemError(ErrorNumber::pathNotFound);
+  const std::string prefix = WithSeparator(Normal(directory));
+  std::set<std::string> names;
+  const auto add = [&](const std::string& path, bool isDirectory) {
+    const std::size_t end = path.find('/', prefix.size());
+    if (path.starts_with(prefix) && (isDirectory || end != std::string::npos)) {
+      names.insert(path.substr(prefix.size(), end - prefix.size()));
+    }
+  };
+  for (const auto& [path, content] : files) add(path, false);
+  for (const std::string& path : directories) add(path, true);
+  return {names.begin(), names.end()};
+}
+
+bool MemoryFileSystem::IsReadOnly(const std::string& path) {
+  return readOnly.contains(Normal(path));
+}
+
+void MemoryFileSystem::ClearReadOnly(const std::string& path) {
+  if (faults.open) throw SystemError(*faults.open);
+  readOnly.erase(Normal(path));
+}
+
 bool MemoryFileSystem::IsDirectory(const std::string& path) {
   const std::string normal = Normal(path);
   if (normal.empty() || normal == "/" || directories.contains(normal)) return true;

@@ -20,6 +20,7 @@ class MemoryFileSystem : public FileSystem {
  public:
   std::map<std::string, std::string> files;
   std::set<std::string> directories;
+  std::set<std::string> readOnly;
   DriveKind drive = DriveKind::other;
   std::vector<std::uint64_t> freeBytes = {std::uint64_t{1} << 40};  // one answer per question, the last one stays
 
@@ -50,7 +51,10 @@ class MemoryFileSystem : public FileSystem {
   void RemoveFileQuietly(const std::string& path) override;
   void CreateDirectoryQuietly(const std::string& path) override;
   std::vector<std::string> ListFiles(const std::string& directory) override;
+  std::vector<std::string> ListDirectories(const std::string& directory) override;
   bool IsDirectory(const std::string& path) override;
+  bool IsReadOnly(const std::string& path) override;
+  void ClearReadOnly(const std::string& path) override;
   DriveKind KindOfDrive(const std::string& directory) override;
   std::uint64_t FreeDiskBytes(const std::string& directory) override;
 

@@ -1,0 +1,74 @@
+#include "app/directory_list.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPixmap>
+
+#include "app/navigation.h"
+#include "dialogs/qt_text.h"
+
+namespace quiverion {
+namespace {
+
+constexpr int kPath = Qt::UserRole;
+constexpr int kIndent = 10;  // pixels for each level
+constexpr int kIconSize = 16;
+
+// The picture behind the indent of a line.
+QIcon IndentedIcon(const QIcon& icon, int depth, qreal scale) {
+  const int width = depth * kIndent + kIconSize;
+  QPixmap picture((QSizeF(width, kIconSize) * scale).toSize());
+  picture.setDevicePixelRatio(scale);
+  picture.fill(Qt::transparent);
+  QPainter painter(&picture);
+  icon.paint(&painter, QRect(depth * kIndent, 0, kIconSize, kIconSize));
+  return picture;
+}
+
+}  // namespace
+
+DirectoryList::DirectoryList(QWidget* parent) : QListWidget(parent) {
+  connect(this, &QListWidget::itemDoubleClicked, this, &DirectoryList::Choose);
+}
+
+void DirectoryList::Choose(const QListWidgetItem* line) {
+  if (line != nullptr) emit Chosen(line->data(kPath).toByteArray());
+}
+
+void DirectoryList::SetPath(const std::string& path) {
+  const std::vector<DirectoryLine> lines = DirectoryLines(path, files_->ListDirectories(path));
+  path_ = path;
+  clear();
+  const QIcon open(":/icons/directory-open.svg"), closed(":/icons/directory.svg");
+  int current = 0;
+  for (const DirectoryLine& line : lines) {
+    auto* const item = new QListWidgetItem(IndentedIcon(line.open ? open : closed, line.depth, devicePixelRatioF()),
+                                           ToQt(line.name), this);
+    item->setData(kPath, QByteArray::fromStdString(line.path));
+    if (line.open) current = line.depth;
+  }
+  setCurrentRow(current);
+}
+
+void DirectoryList::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      return Choose(currentItem());
+    case Qt::Key_Backspace:
+      if (const auto lines = DirectoryLines(path_, {}); lines.size() > 1) {
+        emit Chosen(QByteArray::fromStdString(lines[lines.size() - 2].path));
+      }
+      return;
+    default:
+      QListWidget::keyPressEvent(event);
+  }
+}
+
+void DirectoryList::mouseReleaseEvent(QMouseEvent* event) {
+  QListWidget::mouseReleaseEvent(event);
+  if (event->button() == Qt::RightButton) emit RefreshWanted();
+}
+
+}  // namespace quiverion

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QListWidget>
+#include <string>
+
+#include "platform/file_system.h"
+
+namespace quiverion {
+
+/// The directories from the root down to the current one and those in it. Double-click or Enter opens one, Backspace goes
+/// up.
+class DirectoryList : public QListWidget {
+  Q_OBJECT
+
+ public:
+  explicit DirectoryList(QWidget* parent = nullptr);
+
+  /// The file system must outlive the widget. Called before everything else.
+  void Use(FileSystem& files) { files_ = &files; }
+
+  /// The current directory, without a separator behind it unless it is a root.
+  const std::string& Path() const { return path_; }
+
+  /// Opens a directory. Throws SystemError where it cannot be listed: the list stays as it was.
+  void SetPath(const std::string& path);
+
+ signals:
+  /// The user wants to open a directory.
+  void Chosen(const QByteArray& path);
+  /// The right mouse button was released.
+  void RefreshWanted();
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+
+ private:
+  void Choose(const QListWidgetItem* line);
+
+  FileSystem* files_ = nullptr;
+  std::string path_;
+};
+
+}  // namespace quiverion

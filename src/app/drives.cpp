@@ -1,0 +1,23 @@
+#include "app/drives.h"
+
+#include <QDir>
+#include <QStorageInfo>
+#include <algorithm>
+
+#include "dialogs/qt_text.h"
+
+namespace quiverion {
+
+std::vector<std::string> MountedDrives() {
+  std::vector<std::string> drives = {PathFromQt(QDir::rootPath())};
+  for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
+    // A single file can be a mount point too.
+    if (QFileInfo(volume.rootPath()).isDir()) drives.push_back(PathFromQt(volume.rootPath()));
+  }
+  std::ranges::sort(drives);
+  const auto repeated = std::ranges::unique(drives);
+  drives.erase(repeated.begin(), repeated.end());
+  return drives;
+}
+
+}  // namespace quiverion

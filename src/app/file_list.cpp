@@ -1,0 +1,81 @@
+#include "app/file_list.h"
+
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <algorithm>
+#include <unordered_set>
+
+#include "dialogs/qt_text.h"
+#include "macro/series_files.h"
+
+namespace quiverion {
+
+int FileListModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(names_.size());
+}
+
+QVariant FileListModel::data(const QModelIndex& index, int role) const {
+  if (role != Qt::DisplayRole || !index.isValid()) return {};
+  return ToQt(names_[static_cast<std::size_t>(index.row())]);
+}
+
+void FileListModel::SetNames(std::vector<std::string> names) {
+  beginResetModel();
+  names_ = std::move(names);
+  endResetModel();
+}
+
+FileList::FileList(QWidget* parent) : QListView(parent), model_(new FileListModel(this)) {
+  setModel(model_);
+  setUniformItemSizes(true);
+  setSelectionMode(ExtendedSelection);
+}
+
+void FileList::ShowDirectory(const std::string& directory) {
+  const std::vector<std::string> selected = directory == directory_ ? SelectedNames() : std::vector<std::string>();
+  const int scrolled = verticalScrollBar()->value();
+  std::vector<std::string> names;
+  try {
+    names = ListSeriesFiles(*files_, directory);
+  } catch (const SystemError&) {  // what could be said about it the directory list says
+  }
+  model_->SetNames(std::move(names));
+  if (directory == directory_) {
+    SelectNames(selected);
+    verticalScrollBar()->setValue(scrolled);
+  }
+  directory_ = directory;
+}
+
+std::vector<std::string> FileList::SelectedNames() const {
+  std::vector<std::string> names;
+  const std::vector<std::string>& all = model_->Names();
+  QItemSelection ranges = selectionModel()->selection();
+  std::ranges::sort(ranges, {}, [](const QItemSelectionRange& range) { return range.top(); });
+  for (const QItemSelectionRange& range : ranges) {
+    names.insert(names.end(), all.begin() + range.top(), all.begin() + range.bottom() + 1);
+  }
+  return names;
+}
+
+void FileList::SelectNames(const std::vector<std::string>& names) {
+  const std::unordered_set<std::string> wanted(names.begin(), names.end());
+  const std::vector<std::string>& all = model_->Names();
+  QItemSelection selection;
+  const int count = static_cast<int>(all.size());
+  const auto isWanted = [&](int row) { return wanted.contains(all[static_cast<std::size_t>(row)]); };
+  for (int row = 0; row < count; ++row) {
+    if (!isWanted(row)) continue;
+    const int first = row;
+    while (row + 1 < count && isWanted(row + 1)) ++row;
+    selection.append(QItemSelectionRange(model_->index(first), model_->index(row)));
+  }
+  selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+}
+
+void FileList::mouseReleaseEvent(QMouseEvent* event) {
+  QListView::mouseReleaseEvent(event);
+  if (event->button() == Qt::RightButton) emit RefreshWanted();
+}
+
+}  // namespace quiverion

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QListView>
+#include <string>
+#include <vector>
+
+#include "platform/file_system.h"
+
+namespace quiverion {
+
+/// The names of a file list; large directories need no item of their own for each.
+class FileListModel : public QAbstractListModel {
+  Q_OBJECT
+
+ public:
+  using QAbstractListModel::QAbstractListModel;
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+
+  void SetNames(std::vector<std::string> names);
+  const std::vector<std::string>& Names() const { return names_; }
+
+ private:
+  std::vector<std::string> names_;
+};
+
+/// The files of a directory that a run can load. Ranges are selected with Shift, single files with Ctrl.
+class FileList : public QListView {
+  Q_OBJECT
+
+ public:
+  explicit FileList(QWidget* parent = nullptr);
+
+  /// The file system must outlive the widget. Called before everything else.
+  void Use(FileSystem& files) { files_ = &files; }
+
+  /// Lists a directory; one that cannot be read has no files. The selection of names that are still there stays where the
+  /// directory is the same.
+  void ShowDirectory(const std::string& directory);
+
+  /// Selected names in the order of the list.
+  std::vector<std::string> SelectedNames() const;
+  void SelectNames(const std::vector<std::string>& names);
+
+ signals:
+  /// The right mouse button was released.
+  void RefreshWanted();
+
+ protected:
+  void mouseReleaseEvent(QMouseEvent* event) override;
+
+ private:
+  FileSystem* files_ = nullptr;
+  FileListModel* model_;  // owned by the widget
+  std::string directory_;
+};
+
+}  // namespace quiverion

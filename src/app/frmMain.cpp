@@ -1,0 +1,345 @@
+#include "app/frmMain.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMimeData>
+#include <QShortcut>
+#include <QSignalBlocker>
+#include <algorithm>
+
+#include "app/navigation.h"
+#include "app/statistics_flow.h"
+#include "dialogs/file_choices.h"
+#include "dialogs/frmShowLogFile.h"
+#include "dialogs/icons.h"
+#include "dialogs/qt_text.h"
+#include "macro/macro_file.h"
+#include "macro/pre_run_checks.h"
+#include "platform/paths.h"
+#include "platform/system_error.h"
+#include "ui_frmMain.h"
+
+namespace quiverion {
+
+frmMain::frmMain(const Machine& machine, QWidget* parent)
+    : QMainWindow(parent),
+      machine_(machine),
+      session_(machine.files, messages_, log_, machine.clock),
+      ui_(std::make_unique<Ui::frmMain>()) {
+  session_.context.decimalSeparator = machine.decimalSeparator;
+  log_.Attach(logText_);
+  UseIcons();
+  ui_->setupUi(this);
+  ConnectMacroControls();
+  ConnectFileControls();
+  ConnectMenus();
+  ReadDrives();
+  OpenDirectory(NearestDirectory(machine_.files, machine_.startDirectory));
+  ui_->lstMacroList->setFocus();
+}
+
+frmMain::~frmMain() = default;
+
+void frmMain::Guarded(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const std::exception& error) {
+    messages_.Ask({.title = "QuiverionSeries", .text = ErrorText(AsSystemError(error))});
+  }
+}
+
+void frmMain::AddShortcut(const QKeySequence& keys, QWidget* where, Qt::ShortcutContext context,
+                          std::function<void()> action) {
+  auto* const shortcut = new QShortcut(keys, where);
+  shortcut->setContext(context);
+  connect(shortcut, &QShortcut::activated, this, std::move(action));
+}
+
+void frmMain::ConnectMacroControls() {
+  connect(ui_->cmdNewMacroEvent, &QPushButton::clicked, this, &frmMain::InsertCommand);
+  connect(ui_->cmdEditMacroEvent, &QPushButton::clicked, this, &frmMain::EditCommand);
+  connect(ui_->cmdDeleteMacroEvent, &QPushButton::clicked, this, &frmMain::DeleteCommand);
+  connect(ui_->cmdMoveUp, &QPushButton::clicked, this, [this] { MoveCommand(-1); });
+  connect(ui_->cmdMoveDown, &QPushButton::clicked, this, [this] { MoveCommand(1); });
+  connect(ui_->lstMacroList, &QListWidget::itemDoubleClicked, this, &frmMain::EditCommand);
+  ui_->lstMacroList->viewport()->installEventFilter(this);
+  const auto onMacro = [this](int keys, void (frmMain::*action)()) {
+    AddShortcut(QKeySequence(keys), ui_->lstMacroList, Qt::WidgetShortcut, [this, action] { (this->*action)(); });
+  };
+  onMacro(Qt::Key_Delete, &frmMain::DeleteCommand);
+  onMacro(Qt::Key_Insert, &frmMain::InsertCommand);
+  const auto moving = Qt::WidgetWithChildrenShortcut;
+  AddShortcut(Qt::ALT | Qt::Key_Up, ui_->fraMacroList, moving, [this] { MoveCommand(-1); });
+  AddShortcut(Qt::ALT | Qt::Key_Down, ui_->fraMacroList, moving, [this] { MoveCommand(1); });
+}
+
+void frmMain::ConnectFileControls() {
+  ui_->Directory->Use(machine_.files);
+  ui_->Files->Use(machine_.files);
+  connect(ui_->Directory, &DirectoryList::Chosen, this,
+          [this](const QByteArray& path) { OpenDirectory(path.toStdString()); });
+  connect(ui_->Directory, &DirectoryList::RefreshWanted, this, &frmMain::ReadLists);
+  connect(ui_->Files, &FileList::RefreshWanted, this, &frmMain::ReadLists);
+  connect(ui_->Drive, &QComboBox::activated, this, &frmMain::ChangeDrive);
+  AddShortcut(Qt::CTRL | Qt::Key_A, this, Qt::WindowShortcut, [this] {
+    ui_->Files->setFocus();
+    ui_->Files->selectAll();
+  });
+  AddShortcut(Qt::Key_F5, this, Qt::WindowShortcut, [this] {
+    ReadDrives();
+    ReadLists();
+  });
+  connect(ui_->cmdOk, &QPushButton::clicked, this, &frmMain::Start);
+  connect(ui_->cmdCancel, &QPushButton::clicked, this, &frmMain::Quit);
+}
+
+void frmMain::ConnectMenus() {
+  connect(ui_->mnuOpenMacroList, &QAction::triggered, this, &frmMain::OpenMacro);
+  connect(ui_->mnuSaveMacroList, &QAction::triggered, this, &frmMain::SaveMacro);
+  const std::pair<QAction*, StatisticKind> statistics[] = {
+      {ui_->mnuAverage, StatisticKind::mean},
+      {ui_->mnuStdDeviation, StatisticKind::standardDeviation},
+      {ui_->mnuAvgUsAndVs, StatisticKind::fluctuationSquares},
+      {ui_->mnuAvgUsTimesVs, StatisticKind::fluctuationProduct},
+      {ui_->mnuTu, StatisticKind::turbulence},
+      {ui_->mnuDissipation, StatisticKind::dissipation},
+  };
+  for (const auto& [item, kind] : statistics) {
+    connect(item, &QAction::triggered, this, [this, chosen = kind] { RunStatistic(chosen); });
+  }
+  ui_->mnuEditCollection->setEnabled(false);
+  connect(ui_->mnuShowHelp, &QAction::triggered, this, &frmMain::ShowHelp);
+  connect(ui_->mnuHelpIndex, &QAction::triggered, this, &frmMain::ShowHelp);
+  connect(ui_->mnuAbout, &QAction::triggered, this, [this] {
+    messages_.Ask({.title = "Über das Programm", .text = "QuiverionSeries V1.0", .icon = MessageIcon::information});
+  });
+}
+
+int frmMain::SelectedLine() const {
+  const QModelIndexList lines = ui_->lstMacroList->selectionModel()->selectedIndexes();
+  return lines.isEmpty() ? -1 : lines.front().row();
+}
+
+void frmMain::ShowMacro(int selected) {
+  QListWidget* const list = ui_->lstMacroList;
+  const int current = std::max(list->currentRow(), 0);
+  list->clear();
+  for (const MacroEvent& event : session_.macro) list->addItem(ToQt(MacroEventDescription(event.EventId(), true)));
+  // The keyboard goes on where it was, also where no line is selected.
+  const int line = selected >= 0 ? selected : std::min(current, list->count() - 1);
+  list->setCurrentRow(line, selected >= 0 ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate);
+}
+
+void frmMain::InsertCommand() {
+  Guarded([this] {
+    const int position = editing_.Insert(SelectedLine(), ui_->Directory->Path());
+    if (position < 0) return;
+    ShowMacro(-1);
+    ui_->lstMacroList->scrollToItem(ui_->lstMacroList->item(position));
+  });
+}
+
+void frmMain::EditCommand() {
+  Guarded([this] {
+    if (editing_.Edit(SelectedLine(), ui_->Directory->Path())) ShowMacro(-1);
+  });
+}
+
+void frmMain::DeleteCommand() {
+  Guarded([this] {
+    if (editing_.Delete(SelectedLine())) ShowMacro(-1);
+  });
+}
+
+void frmMain::MoveCommand(int by) {
+  const int selected = SelectedLine();
+  const int target = editing_.Move(selected, by);
+  if (target != selected) ShowMacro(target);
+}
+
+void frmMain::OpenMacro() {
+  Guarded([this] {
+    const auto path = ChooseFileWithExtension(dialogs_, machine_.files, messages_,
+                                              {.title = "Makro öffnen",
+                                               .filters = {"QuiverionSeries-Makro (*.mak)"},
+                                               .directory = ui_->Directory->Path(),
+                                               .extension = "mak"});
+    if (path && LoadMacroFile(session_, *path)) ShowMacro(-1);
+  });
+}
+
+void frmMain::SaveMacro() {
+  Guarded([this] {
+    const auto path = ChooseFileWithExtension(dialogs_, machine_.files, messages_,
+                                              {.kind = FileQuestion::Kind::save,
+                                               .title = "Makro speichern",
+                                               .filters = {"QuiverionSeries-Makro (*.mak)"},
+                                               .directory = ui_->Directory->Path(),
+                                               .extension = "mak"});
+    if (path) SaveMacroFile(session_, *path);
+  });
+}
+
+void frmMain::ReadDrives() {
+  drives_ = machine_.listDrives();
+  ui_->Drive->clear();
+  for (const std::string& drive : drives_) ui_->Drive->addItem(ToQt(drive));
+  ShowDriveOfDirectory();
+}
+
+void frmMain::ShowDriveOfDirectory() {
+  const auto drive = std::ranges::find(drives_, DriveOf(drives_, ui_->Directory->Path()));
+  ui_->Drive->setCurrentIndex(drive == drives_.end() ? -1 : static_cast<int>(drive - drives_.begin()));
+}
+
+void frmMain::ChangeDrive(int index) {
+  try {
+    ui_->Directory->SetPath(drives_.at(static_cast<std::size_t>(index)));
+    ui_->Files->ShowDirectory(ui_->Directory->Path());
+  } catch (const std::exception&) {
+    messages_.Ask({.title = "Fehler", .text = "Laufwerk nicht bereit!"});
+  }
+  ShowDriveOfDirectory();
+}
+
+bool frmMain::OpenDirectory(const std::string& path) {
+  try {
+    ui_->Directory->SetPath(path);
+  } catch (const std::exception& error) {
+    messages_.Ask(
+        {.title = "Verzeichnisauswahl",
+         .text = "Das Verzeichnis '" + path + "' kann nicht gelesen werden!\r\n" + ErrorText(AsSystemError(error))});
+    return false;
+  }
+  ui_->Files->ShowDirectory(path);
+  ShowDriveOfDirectory();
+  return true;
+}
+
+void frmMain::ReadLists() {
+  const std::string path = ui_->Directory->Path();
+  const std::string nearest = NearestDirectory(machine_.files, path);
+  if (nearest != path) {
+    messages_.Ask({.title = "Verzeichnisauswahl",
+                   .text = "Das Verzeichnis '" + path + "' ist nicht mehr vorhanden oder nicht lesbar!"});
+  }
+  OpenDirectory(nearest);
+}
+
+void frmMain::Start() {
+  Guarded([this] {
+    session_.selectedFiles = ui_->Files->SelectedNames();
+    session_.inputDirectory = WithSeparator(ui_->Directory->Path());
+    logText_.Clear();
+    if (!StartRun(session_)) return;
+    ShowLog();
+    ReadLists();
+  });
+}
+
+void frmMain::ShowLog() {
+  if (!quitting_) {
+    frmShowLogFile(logText_, session_.inputDirectory + "Log.rtf", machine_.files, messages_).exec();
+  }
+  logText_.Clear();
+  if (!quitting_) show();
+}
+
+void frmMain::RunStatistic(StatisticKind kind) {
+  Guarded([this, kind] {
+    const std::string title(TextsOf(kind).title);
+    if (session_.context.busy) {
+      messages_.Ask({.title = title, .text = "Es wird bereits eine Statistik berechnet!"});
+      return;
+    }
+    logText_.Clear();
+    session_.context.runHadError = false;
+    const bool computed = StatisticsCommandFlow(session_.context, dialogs_, kind, ui_->Directory->Path());
+    // The result is saved as in a run: what went wrong stands in the log.
+    if (computed && session_.context.runHadError) messages_.Ask({.title = title, .text = logText_.Text()});
+    logText_.Clear();
+    if (computed) ReadLists();
+  });
+}
+
+void frmMain::ComputationStarted() {
+  setCursor(Qt::WaitCursor);
+  ui_->cmdOk->hide();
+  ui_->cmdCancel->hide();
+  ui_->ProgressBar->setRange(0, 1);
+  ui_->ProgressBar->setValue(0);
+  ui_->ProgressBar->show();
+}
+
+void frmMain::ShowComputation(std::int64_t done, std::int64_t total) {
+  ui_->ProgressBar->setRange(0, static_cast<int>(total));
+  ui_->ProgressBar->setValue(static_cast<int>(done));
+}
+
+void frmMain::ComputationEnded() {
+  ui_->ProgressBar->hide();
+  ui_->cmdOk->show();
+  ui_->cmdCancel->show();
+  unsetCursor();
+}
+
+void frmMain::ShowHelp() {
+  messages_.Ask(
+      {.title = "QuiverionSeries", .text = "Die Hilfe-Datei '" + machine_.helpFile + "' ist nicht vorhanden!"});
+}
+
+void frmMain::Quit() {
+  quitting_ = true;
+  hide();
+  QCoreApplication::exit();
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+  if (ui_->ProgressBar->isVisible() && !quitting_) {
+    const MessageAnswer answer =
+        messages_.Ask({.title = "QuiverionSeries - Beenden",
+                       .text = "Wollen Sie den aktuellen Vorgang wirklich abbrechen und beenden?",
+                       .buttons = MessageButtons::yesNo,
+                       .icon = MessageIcon::question,
+                       .preselected = MessageAnswer::no});
+    if (answer != MessageAnswer::yes) return event->ignore();
+  }
+  event->accept();
+  Quit();
+}
+
+void frmMain::keyPressEvent(QKeyEvent* event) {
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (!enter) return QMainWindow::keyPressEvent(event);
+  if (ui_->cmdOk->isVisible()) ui_->cmdOk->click();
+}
+
+void frmMain::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void frmMain::dropEvent(QDropEvent* event) {
+  std::vector<std::string> paths;
+  for (const QUrl& url : event->mimeData()->urls()) {
+    if (url.isLocalFile()) paths.push_back(PathFromQt(url.toLocalFile()));
+  }
+  event->acceptProposedAction();
+  const DroppedSelection selection = SelectionOf(machine_.files, paths);
+  if (selection.directory.empty() || !OpenDirectory(selection.directory)) return;
+  if (selection.everything) {
+    ui_->Files->selectAll();
+  } else {
+    ui_->Files->SelectNames(selection.names);
+  }
+}
+
+bool frmMain::eventFilter(QObject* object, QEvent* event) {
+  if (object == ui_->lstMacroList->viewport() && event->type() == QEvent::MouseButtonRelease &&
+      static_cast<QMouseEvent*>(event)->button() == Qt::RightButton) {
+    ui_->lstMacroList->clearSelection();
+    ui_->cmdOk->setFocus();
+  }
+  return QMainWindow::eventFilter(object, event);
+}
+
+}  // namespace quiverion

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <QMainWindow>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/qt_user_interface.h"
+#include "dialogs/log_text.h"
+#include "dialogs/macro_editing.h"
+#include "dialogs/parameter_windows.h"
+#include "macro/session.h"
+#include "statistics/compute_statistic.h"
+
+namespace Ui {
+class frmMain;
+}
+
+namespace quiverion {
+
+/// What the program needs of the machine it runs on. The references must outlive the window.
+struct Machine {
+  FileSystem& files;
+  const Clock& clock;
+  std::function<std::vector<std::string>()> listDrives;
+  std::string startDirectory;
+  char decimalSeparator = '.';
+  std::string helpFile;
+};
+
+/// The main window: the macro, the files of the series, Start. It holds the session; everything runs in its event
+/// handlers, and the progress of a run or a computation lets further events through.
+class frmMain : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  explicit frmMain(const Machine& machine, QWidget* parent = nullptr);
+  ~frmMain() override;
+
+  Session& TheSession() { return session_; }
+
+  /// Opens a directory and lists its files. One that cannot be read is reported and nothing changes.
+  bool OpenDirectory(const std::string& path);
+
+  /// Shows the macro of the session; `selected` is the selected line, -1 for none.
+  void ShowMacro(int selected);
+
+  /// A statistic is computed: Start and Abbrechen give way to the progress bar.
+  void ComputationStarted();
+  void ShowComputation(std::int64_t done, std::int64_t total);
+  void ComputationEnded();
+
+  /// True once the window is closed for good: what is going on is to end.
+  bool IsQuitting() const { return quitting_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  bool eventFilter(QObject* object, QEvent* event) override;
+
+ private:
+  void ConnectMacroControls();
+  void ConnectFileControls();
+  void ConnectMenus();
+  void AddShortcut(const QKeySequence& keys, QWidget* where, Qt::ShortcutContext context, std::function<void()> action);
+
+  // Runs what an event asks for: whatever it throws ends in a message box.
+  void Guarded(const std::function<void()>& action);
+
+  int SelectedLine() const;
+  void InsertCommand();
+  void EditCommand();
+  void DeleteCommand();
+  void MoveCommand(int by);
+  void OpenMacro();
+  void SaveMacro();
+
+  void ReadDrives();
+  void ShowDriveOfDirectory();
+  void ChangeDrive(int index);
+  void ReadLists();
+
+  void Start();
+  void RunStatistic(StatisticKind kind);
+  void ShowLog();
+  void ShowHelp();
+  void Quit();
+
+  Machine machine_;
+  RunLog log_;
+  LogText logText_;
+  QtUserInterface messages_{*this};
+  Session session_;
+  ParameterWindows dialogs_{*this, messages_};
+  MacroEditing editing_{session_, dialogs_};
+  std::vector<std::string> drives_;
+  bool quitting_ = false;
+  std::unique_ptr<Ui::frmMain> ui_;
+};
+
+}  // namespace quiverion

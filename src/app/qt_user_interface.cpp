@@ -1,0 +1,55 @@
+#include "app/qt_user_interface.h"
+
+#include <QApplication>
+
+#include "app/frmMain.h"
+#include "dialogs/message_box.h"
+
+namespace quiverion {
+
+MessageAnswer QtUserInterface::Ask(const Message& box) {
+  if (progressWindow_) progressWindow_->Show(progress_);
+  QWidget* parent = QApplication::activeWindow();
+  if (parent == nullptr && progressWindow_) parent = progressWindow_.get();
+  if (parent == nullptr && window_.isVisible()) parent = &window_;
+  return ShowMessageBox(parent, box);
+}
+
+void QtUserInterface::RunStarted(const RunProgress& progress) {
+  progress_ = progress;
+  throttle_ = RepaintThrottle();
+  time_.start();
+  progressWindow_ = std::make_unique<frmShowProgress>(*this);
+  progressWindow_->Show(progress);
+  window_.hide();
+  progressWindow_->show();
+}
+
+void QtUserInterface::ShowProgress(const RunProgress& progress) {
+  progress_ = progress;
+  if (throttle_.IsDue(progress.event, static_cast<double>(time_.elapsed()) / 1000.0)) progressWindow_->Show(progress);
+}
+
+void QtUserInterface::RunEnded() {
+  progressWindow_.reset();
+}
+
+void QtUserInterface::ComputationStarted() {
+  window_.ComputationStarted();
+}
+
+void QtUserInterface::ShowComputation(std::int64_t done, std::int64_t total) {
+  window_.ShowComputation(done, total);
+}
+
+void QtUserInterface::ComputationEnded() {
+  window_.ComputationEnded();
+}
+
+bool QtUserInterface::Yield() {
+  QCoreApplication::processEvents();
+  if (window_.IsQuitting()) return true;
+  return progressWindow_ && progressWindow_->AbortRequested();
+}
+
+}  // namespace quiverion

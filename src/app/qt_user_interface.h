@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <memory>
+#include <optional>
+
+#include "dialogs/frmShowProgress.h"
+#include "dialogs/repaint_throttle.h"
+#include "platform/user_interface.h"
+
+namespace quiverion {
+
+class frmMain;
+
+/// The core's user interface as windows: message boxes over the window in use, the progress window in place of the main
+/// window during a run, the main window's progress bar during a computation.
+class QtUserInterface : public UserInterface {
+ public:
+  /// The window must outlive the object.
+  explicit QtUserInterface(frmMain& window) : window_(window) {}
+
+  MessageAnswer Ask(const Message& box) override;
+  void RunStarted(const RunProgress& progress) override;
+  void ShowProgress(const RunProgress& progress) override;
+  void RunEnded() override;
+  void ComputationStarted() override;
+  void ShowComputation(std::int64_t done, std::int64_t total) override;
+  void ComputationEnded() override;
+  bool Yield() override;
+
+ private:
+  frmMain& window_;
+  std::unique_ptr<frmShowProgress> progressWindow_;  // during a run
+  RunProgress progress_;                             // the last one, shown or not
+  RepaintThrottle throttle_;
+  QElapsedTimer time_;
+};
+
+}  // namespace quiverion

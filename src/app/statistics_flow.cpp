@@ -1,0 +1,91 @@
+#include "app/statistics_flow.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+
+#include "dialogs/file_choices.h"
+#include "dialogs/parameter_editing.h"
+#include "platform/numbers.h"
+#include "platform/paths.h"
+
+namespace quiverion {
+namespace {
+
+constexpr StatisticTexts kTexts[] = {
+    {StatisticKind::mean, "QuiverionSeries - Mittelwert berechnen", "des Mittelwertes", "den Mittelwerten", "AVG.vas"},
+    {StatisticKind::standardDeviation, "QuiverionSeries - Standardabweichung berechnen", "der Standardabweichung",
+     "den Standardabweichungen", "RMS.vas"},
+    {StatisticKind::fluctuationSquares, "QuiverionSeries - <u' ²> und <v' ²> berechnen", "von <u' ²> und <v' ²>",
+     "<u' ²> und <v' ²>", "UsAndVs.vas"},
+    {StatisticKind::fluctuationProduct, "QuiverionSeries - <u' v'> berechnen", "von <u' v'>", "<u' v'>",
+     "UsTimesVs.vas"},
+    {StatisticKind::turbulence, "QuiverionSeries - Turbulenzgrad und -produktion berechnen",
+     "von Turbulenzgrad und -produktion", "Turbulenzgrad und -produktion", "TU.vas"},
+    {StatisticKind::dissipation, "QuiverionSeries - Energiedissipationsrate berechnen",
+     "der Energiedissipationsrate (für isotrope Turbulenz)", "der Energiedissipationsrate als x-Komponente",
+     "DISS.vas"},
+};
+
+void Inform(Context& context, std::string_view title, std::string text) {
+  context.ui.Ask({.title = std::string(title), .text = std::move(text), .icon = MessageIcon::information});
+}
+
+// The viscosity in m²/s; none where the user cancels or the answer is refused.
+std::optional<double> AskViscosity(Context& context, ParameterDialogs& dialogs, const StatisticTexts& texts) {
+  const auto answer =
+      dialogs.AskText({std::string(texts.title), "Bitte geben Sie die kinematische Viskosität [m/s²] an:", "15E-6"});
+  if (!answer || answer->empty()) return std::nullopt;
+  try {
+    const double viscosity = ReadParameterNumber(*answer);
+    if (viscosity > 0.0) return viscosity;
+    context.ui.Ask({.title = "QuiverionSeries - Fehlerhafte Eingabe",
+                    .text = "Ihre Eingabe lautete:  " + FormatNumber(viscosity) +
+                            " m/s²\r\n\r\nSie müssen eine Zahl > 0 eingeben!"});
+  } catch (const SystemError&) {
+    RefuseHugeNumber(context.ui, *answer);
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+const StatisticTexts& TextsOf(StatisticKind kind) {
+  return *std::ranges::find(kTexts, kind, &StatisticTexts::kind);
+}
+
+bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, StatisticKind kind,
+                           const std::string& directory) {
+  const StatisticTexts& texts = TextsOf(kind);
+  Inform(context, texts.title,
+         "Wählen sie zunächst die Statistik-Kollektion (Datei mit Endung '.col') aus, die für die Berechnung " +
+             std::string(texts.collection) + " benutzt werden soll...");
+  const auto collection = ChooseFileWithExtension(dialogs, context.files, context.ui,
+                                                  {.title = std::string(texts.title),
+                                                   .filters = {"Statistik-Kollektion (*.col)"},
+                                                   .directory = directory,
+                                                   .extension = "col"});
+  if (!collection) return false;
+  double viscosity = 0.0;
+  std::string explanation;
+  if (kind == StatisticKind::dissipation) {
+    const auto answer = AskViscosity(context, dialogs, texts);
+    if (!answer) return false;
+    viscosity = *answer;
+    explanation = "Die verwendete kinenamtische Viskosität beträgt:  " + FormatNumber(viscosity) + " m/s²\r\n\r\n";
+  }
+  Inform(context, texts.title,
+         explanation + "Wählen Sie nun den Dateinamen, unter dem das erzeugte Vektorfeld (mit " +
+             std::string(texts.result) + ") gespeichert werden soll...");
+  const auto output = ChooseFileWithExtension(
+      dialogs, context.files, context.ui,
+      {.kind = FileQuestion::Kind::save,
+       .title = std::string(texts.title),
+       .filters = {"Quiverion-Datei (*.vas)"},
+       .directory = collection->substr(0, collection->size() - FileNameOf(*collection).size()),
+       .fileName = std::string(BaseNameOf(FileNameOf(*collection))) + std::string(texts.defaultName),
+       .extension = "vas"});
+  return output && ComputeStatistic(context, kind, *collection, *output, viscosity);
+}
+
+}  // namespace quiverion

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "dialogs/parameter_dialogs.h"
+#include "platform/file_system.h"
+#include "platform/user_interface.h"
+
+namespace quiverion {
+
+/// `path` with `extension` (".mak") in place of everything from the last "." of its file name on, or behind a file name
+/// without one.
+std::string WithExtension(const std::string& path, const std::string& extension);
+
+/// The chosen file with the extension forced; none where the user cancels. A file to be saved over that the dialog did
+/// not ask about, because the extension made another name of it, is asked about here.
+std::optional<std::string> ChooseFileWithExtension(ParameterDialogs& dialogs, FileSystem& files, UserInterface& ui,
+                                                   const FileQuestion& question);
+
+}  // namespace quiverion

@@ -1,0 +1,69 @@
+#include "dialogs/frmChooseMacroEvent.h"
+
+#include <QIcon>
+#include <map>
+
+#include "dialogs/icons.h"
+#include "dialogs/qt_text.h"
+#include "macro/command_catalogue.h"
+#include "ui_frmChooseMacroEvent.h"
+
+namespace quiverion {
+namespace {
+
+constexpr int kKey = Qt::UserRole;  // of a node: "K" and the id
+
+std::int32_t EventIdOf(const QTreeWidgetItem& node) {
+  return node.data(0, kKey).toString().mid(1).toInt();
+}
+
+}  // namespace
+
+frmChooseMacroEvent::frmChooseMacroEvent(QWidget* parent)
+    : QDialog(parent), ui_(std::make_unique<Ui::frmChooseMacroEvent>()) {
+  UseIcons();
+  ui_->setupUi(this);
+  FillTree();
+  ui_->cmdOk->setEnabled(false);
+  QTreeWidget* const tree = ui_->tvwMacroEvents;
+  connect(tree, &QTreeWidget::currentItemChanged, this, [this] { ui_->cmdOk->setEnabled(CommandIsSelected()); });
+  connect(tree, &QTreeWidget::itemClicked, this, [this] { ui_->cmdOk->setEnabled(CommandIsSelected()); });
+  connect(tree, &QTreeWidget::itemActivated, this, [this] { AcceptCommand(); });  // double-click and Enter
+  connect(ui_->cmdOk, &QPushButton::clicked, this, [this] { AcceptCommand(); });
+  connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+frmChooseMacroEvent::~frmChooseMacroEvent() = default;
+
+void frmChooseMacroEvent::FillTree() {
+  const QIcon closedMenu(":/icons/menu-closed.svg"), openMenu(":/icons/menu-open.svg"), command(":/icons/command.svg");
+  std::map<std::int32_t, QTreeWidgetItem*> nodes;
+  for (const CommandRow& row : CommandCatalogue()) {
+    auto* const node =
+        row.parent == 0 ? new QTreeWidgetItem(ui_->tvwMacroEvents) : new QTreeWidgetItem(nodes.at(row.parent));
+    nodes[row.eventId] = node;
+    node->setText(0, ToQt(MacroEventDescription(row.eventId, false)));
+    node->setData(0, kKey, QStringLiteral("K%1").arg(row.eventId));
+    node->setIcon(0, row.IsMenu() ? closedMenu : command);
+  }
+  const auto showIcon = [](const QIcon& icon) { return [icon](QTreeWidgetItem* node) { node->setIcon(0, icon); }; };
+  connect(ui_->tvwMacroEvents, &QTreeWidget::itemExpanded, this, showIcon(openMenu));
+  connect(ui_->tvwMacroEvents, &QTreeWidget::itemCollapsed, this, showIcon(closedMenu));
+}
+
+bool frmChooseMacroEvent::CommandIsSelected() const {
+  const QTreeWidgetItem* const node = ui_->tvwMacroEvents->currentItem();
+  return node != nullptr && node->childCount() == 0;
+}
+
+void frmChooseMacroEvent::AcceptCommand() {
+  if (CommandIsSelected()) accept();
+}
+
+std::optional<std::int32_t> frmChooseMacroEvent::Choose() {
+  ui_->tvwMacroEvents->setFocus();
+  if (exec() != Accepted) return std::nullopt;
+  return EventIdOf(*ui_->tvwMacroEvents->currentItem());
+}
+
+}  // namespace quiverion

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <memory>
+
+#include "dialogs/parameter_window.h"
+#include "platform/user_interface.h"
+
+namespace Ui {
+class frmEditVector;
+}
+
+namespace quiverion {
+
+/// The constant vector of a command.
+class frmEditVector : public ParameterWindow {
+  Q_OBJECT
+
+ public:
+  explicit frmEditVector(UserInterface& messages, const QString& title, QWidget* parent = nullptr);
+  ~frmEditVector() override;
+
+  void Load(const MacroEvent& event) override;
+  void Store(MacroEvent& event) const override;
+
+  void accept() override;
+
+ private:
+  UserInterface& messages_;
+  std::unique_ptr<Ui::frmEditVector> ui_;
+};
+
+}  // namespace quiverion

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QDialog>
+#include <memory>
+#include <string>
+
+#include "dialogs/log_text.h"
+#include "platform/file_system.h"
+#include "platform/user_interface.h"
+
+class QPrinter;
+
+namespace Ui {
+class frmShowLogFile;
+}
+
+namespace quiverion {
+
+/// The log of the last run: to read, to print, to save as RTF.
+class frmShowLogFile : public QDialog {
+  Q_OBJECT
+
+ public:
+  /// `path` is where Save writes the log. The references must outlive the window.
+  frmShowLogFile(const LogText& log, std::string path, FileSystem& files, UserInterface& messages,
+                 QWidget* parent = nullptr);
+  ~frmShowLogFile() override;
+
+  /// Prints the selected text, or the whole log where nothing is selected.
+  void PrintTo(QPrinter& printer);
+
+ private:
+  void Print();
+  void Save();
+
+  const LogText& log_;
+  std::string path_;
+  FileSystem& files_;
+  UserInterface& messages_;
+  std::unique_ptr<Ui::frmShowLogFile> ui_;
+};
+
+}  // namespace quiverion

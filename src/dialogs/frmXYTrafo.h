@@ -1,0 +1,32 @@
+#pragma once
+
+#include <memory>
+
+#include "dialogs/parameter_window.h"
+#include "platform/user_interface.h"
+
+namespace Ui {
+class frmXYTrafo;
+}
+
+namespace quiverion {
+
+/// Factors and shifts of a coordinate transformation.
+class frmXYTrafo : public ParameterWindow {
+  Q_OBJECT
+
+ public:
+  explicit frmXYTrafo(UserInterface& messages, QWidget* parent = nullptr);
+  ~frmXYTrafo() override;
+
+  void Load(const MacroEvent& event) override;
+  void Store(MacroEvent& event) const override;
+
+  void accept() override;
+
+ private:
+  UserInterface& messages_;
+  std::unique_ptr<Ui::frmXYTrafo> ui_;
+};
+
+}  // namespace quiverion

@@ -1,0 +1,65 @@
+#include "dialogs/macro_editing.h"
+
+#include <utility>
+
+#include "dialogs/parameter_editing.h"
+
+namespace quiverion {
+namespace {
+
+bool HasParameters(const MacroEvent& event) {
+  const CommandRow* const command = FindCommand(event.EventId());
+  return command != nullptr && command->editor.kind != EditorKind::none;
+}
+
+}  // namespace
+
+int MacroEditing::Insert(int selected, const std::string& directory) {
+  const auto eventId = dialogs_.ChooseCommand();
+  if (!eventId) return -1;
+  session_.currentMacroEvent = MacroEvent(*eventId);
+  EditingServices services{session_.context, dialogs_, directory};
+  if (AskParameters(services, session_.currentMacroEvent, true) != EditOutcome::stored) return -1;
+  MacroEventList& macro = session_.macro;
+  const int position = IsCommand(selected) ? selected : static_cast<int>(macro.size());
+  macro.insert(macro.begin() + position, session_.currentMacroEvent);
+  return position;
+}
+
+bool MacroEditing::Edit(int selected, const std::string& directory) {
+  if (!IsCommand(selected)) return false;
+  MacroEvent& command = session_.macro[static_cast<std::size_t>(selected)];
+  session_.currentMacroEvent = command;
+  if (!HasParameters(command)) {
+    session_.context.ui.Ask({.title = "QuiverionSeries  -  Parameter bearbeiten",
+                             .text = "Dieser Makro-Befehl hat keine Parameter, die bearbeitet werden könnten!",
+                             .icon = MessageIcon::information});
+    return false;
+  }
+  EditingServices services{session_.context, dialogs_, directory};
+  switch (AskParameters(services, session_.currentMacroEvent, false)) {
+    case EditOutcome::cancelled:
+      return false;
+    case EditOutcome::removeCommand:
+      return Delete(selected);
+    case EditOutcome::stored:
+      break;
+  }
+  session_.macro[static_cast<std::size_t>(selected)] = session_.currentMacroEvent;
+  return true;
+}
+
+bool MacroEditing::Delete(int selected) {
+  if (!IsCommand(selected)) return false;
+  session_.macro.erase(session_.macro.begin() + selected);
+  return true;
+}
+
+int MacroEditing::Move(int selected, int by) {
+  const int target = selected + by;
+  if (!IsCommand(selected) || !IsCommand(target)) return selected;
+  std::swap(session_.macro[static_cast<std::size_t>(selected)], session_.macro[static_cast<std::size_t>(target)]);
+  return target;
+}
+
+}  // namespace quiverion

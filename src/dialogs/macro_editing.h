@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "dialogs/parameter_dialogs.h"
+#include "macro/session.h"
+
+/// The five actions on the macro list, without the list itself. `selected` is the index of its selected line, -1 where
+/// there is none; line k shows command k of the macro. Each leaves the macro unchanged where the user cancels.
+namespace quiverion {
+
+class MacroEditing {
+ public:
+  /// Both must outlive the object.
+  MacroEditing(Session& session, ParameterDialogs& dialogs) : session_(session), dialogs_(dialogs) {}
+
+  /// A new command before the selected one, or at the end. `directory` is where file dialogs begin. Returns the index of
+  /// the new command, -1 where there is none.
+  int Insert(int selected, const std::string& directory);
+
+  /// New parameters for the selected command. Returns true where the macro changed.
+  bool Edit(int selected, const std::string& directory);
+
+  /// Returns true where the macro changed.
+  bool Delete(int selected);
+
+  /// Moves the selected command by -1 (up) or 1 (down). Returns its new index, `selected` where it cannot move.
+  int Move(int selected, int by);
+
+ private:
+  bool IsCommand(int selected) const { return selected >= 0 && selected < static_cast<int>(session_.macro.size()); }
+
+  Session& session_;
+  ParameterDialogs& dialogs_;
+};
+
+}  // namespace quiverion

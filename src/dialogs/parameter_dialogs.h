@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "macro/command_catalogue.h"
+
+namespace quiverion {
+
+/// An input box.
+struct TextQuestion {
+  std::string title;
+  std::string prompt;
+  std::string preset;
+};
+
+/// A file dialog. Paths are the bytes the system uses.
+struct FileQuestion {
+  enum class Kind {
+    open,          // the file must exist
+    save,          // asks before a file is chosen that exists
+    saveSilently,  // for files that are added to
+  };
+  Kind kind = Kind::open;
+  std::string title;
+  std::vector<std::string> filters;  // "Textdatei (*.txt)"; several patterns are separated by blanks
+  std::size_t selectedFilter = 0;
+  std::string directory = {};
+  std::string fileName = {};   // preset, without directory
+  std::string extension = {};  // appended to a name without one, "txt"; none where empty
+};
+
+/// What editing a macro shows beyond message boxes: windows in the program, a script in tests. Nothing here changes a
+/// macro.
+class ParameterDialogs {
+ public:
+  virtual ~ParameterDialogs() = default;
+
+  /// The command chosen in the command tree; none where the user cancels.
+  virtual std::optional<std::int32_t> ChooseCommand() = 0;
+
+  /// The answer to an input box; none where the user cancels.
+  virtual std::optional<std::string> AskText(const TextQuestion& question) = 0;
+
+  /// The chosen path; none where the user cancels or the dialog fails.
+  virtual std::optional<std::string> ChooseFile(const FileQuestion& question) = 0;
+
+  /// Shows the parameter window of a command with the values of `event`, which are all there, and stores what the user
+  /// confirms. False where the user cancels: the event is unchanged.
+  virtual bool EditInWindow(const CommandRow& command, MacroEvent& event) = 0;
+};
+
+}  // namespace quiverion

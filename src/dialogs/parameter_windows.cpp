@@ -1,0 +1,76 @@
+#include "dialogs/parameter_windows.h"
+
+#include <QFileDialog>
+#include <QInputDialog>
+
+#include "dialogs/frmEditVector.h"
+#include "dialogs/frmFaultVectors.h"
+#include "dialogs/frmMirrorOptions.h"
+#include "dialogs/frmPrefixPostfix.h"
+#include "dialogs/frmXYTrafo.h"
+#include "dialogs/qt_text.h"
+
+namespace quiverion {
+namespace {
+
+std::unique_ptr<ParameterWindow> MakeWindow(const ParameterEditor& editor, UserInterface& messages, QWidget* parent) {
+  switch (editor.kind) {
+    case EditorKind::names:
+      return std::make_unique<frmPrefixPostfix>(parent);
+    case EditorKind::faultVectors:
+      return std::make_unique<frmFaultVectors>(messages, parent);
+    case EditorKind::mirror:
+      return std::make_unique<frmMirrorOptions>(parent);
+    case EditorKind::coordinates:
+      return std::make_unique<frmXYTrafo>(messages, parent);
+    case EditorKind::constVector:
+      return std::make_unique<frmEditVector>(messages, ToQt(editor.title), parent);
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace
+
+std::optional<std::int32_t> ParameterWindows::ChooseCommand() {
+  if (commandTree_ == nullptr) commandTree_ = new frmChooseMacroEvent(&parent_);
+  return commandTree_->Choose();
+}
+
+std::optional<std::string> ParameterWindows::AskText(const TextQuestion& question) {
+  QInputDialog box(&parent_);
+  box.setWindowTitle(ToQt(question.title));
+  box.setLabelText(ToQt(question.prompt));
+  box.setTextValue(ToQt(question.preset));
+  if (box.exec() != QDialog::Accepted) return std::nullopt;
+  return FromQt(box.textValue());
+}
+
+std::optional<std::string> ParameterWindows::ChooseFile(const FileQuestion& question) {
+  QFileDialog dialog(&parent_, ToQt(question.title), QFile::decodeName(question.directory.c_str()));
+  QStringList filters;
+  for (const std::string& filter : question.filters) filters.append(ToQt(filter));
+  dialog.setNameFilters(filters);
+  dialog.selectNameFilter(filters.value(static_cast<qsizetype>(question.selectedFilter)));
+  dialog.setDefaultSuffix(ToQt(question.extension));
+  if (question.kind == FileQuestion::Kind::open) {
+    dialog.setFileMode(QFileDialog::ExistingFile);
+  } else {
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, question.kind == FileQuestion::Kind::saveSilently);
+  }
+  if (!question.fileName.empty()) dialog.selectFile(QFile::decodeName(question.fileName.c_str()));
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  return PathFromQt(dialog.selectedFiles().front());
+}
+
+bool ParameterWindows::EditInWindow(const CommandRow& command, MacroEvent& event) {
+  const auto window = MakeWindow(command.editor, messages_, &parent_);
+  if (!window) return false;
+  window->Load(event);
+  if (window->exec() != QDialog::Accepted) return false;
+  window->Store(event);
+  return true;
+}
+
+}  // namespace quiverion

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QWidget>
+#include <memory>
+
+#include "dialogs/frmChooseMacroEvent.h"
+#include "dialogs/parameter_dialogs.h"
+#include "platform/user_interface.h"
+
+namespace quiverion {
+
+/// The dialogs as windows over `parent`.
+class ParameterWindows : public ParameterDialogs {
+ public:
+  /// Both must outlive the object.
+  ParameterWindows(QWidget& parent, UserInterface& messages) : parent_(parent), messages_(messages) {}
+
+  std::optional<std::int32_t> ChooseCommand() override;
+  std::optional<std::string> AskText(const TextQuestion& question) override;
+  std::optional<std::string> ChooseFile(const FileQuestion& question) override;
+  bool EditInWindow(const CommandRow& command, MacroEvent& event) override;
+
+ private:
+  QWidget& parent_;
+  UserInterface& messages_;
+  frmChooseMacroEvent* commandTree_ = nullptr;  // owned by the parent
+};
+
+}  // namespace quiverion

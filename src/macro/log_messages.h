@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/system_error.h"
+#include "platform/user_interface.h"
+
+namespace quiverion {
+
+inline constexpr std::string_view kSaveLogTitle = "Log-Datei speichern";
+
+/// What is shown where the log of a run cannot be saved.
+inline Message LogNotSaved(const std::string& path, const SystemError& error) {
+  return {.title = std::string(kSaveLogTitle),
+          .text = "Die Log-Datei kann nicht gespeichert werden unter '" + path + "'!\r\n" + ErrorText(error)};
+}
+
+}  // namespace quiverion
