@@ -1,7 +1,6 @@
 #include "app/directory_list.h"
 
 #include <QKeyEvent>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
 
@@ -40,6 +39,7 @@ void DirectoryList::SetPath(const std::string& path) {
   const std::vector<DirectoryLine> lines = DirectoryLines(path, files_->ListDirectories(path));
   path_ = path;
   clear();
+  setIconSize({static_cast<int>(lines.size()) * kIndent + kIconSize, kIconSize});  // room for the deepest
   const QIcon open(":/icons/directory-open.svg"), closed(":/icons/directory.svg");
   int current = 0;
   for (const DirectoryLine& line : lines) {
@@ -64,11 +64,6 @@ void DirectoryList::keyPressEvent(QKeyEvent* event) {
     default:
       QListWidget::keyPressEvent(event);
   }
-}
-
-void DirectoryList::mouseReleaseEvent(QMouseEvent* event) {
-  QListWidget::mouseReleaseEvent(event);
-  if (event->button() == Qt::RightButton) emit RefreshWanted();
 }
 
 }  // namespace quiverion

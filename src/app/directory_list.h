@@ -27,12 +27,9 @@ class DirectoryList : public QListWidget {
  signals:
   /// The user wants to open a directory.
   void Chosen(const QByteArray& path);
-  /// The right mouse button was released.
-  void RefreshWanted();
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
-  void mouseReleaseEvent(QMouseEvent* event) override;
 
  private:
   void Choose(const QListWidgetItem* line);

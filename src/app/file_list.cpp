@@ -1,6 +1,5 @@
 #include "app/file_list.h"
 
-#include <QMouseEvent>
 #include <QScrollBar>
 #include <algorithm>
 #include <unordered_set>
@@ -71,11 +70,6 @@ void FileList::SelectNames(const std::vector<std::string>& names) {
     selection.append(QItemSelectionRange(model_->index(first), model_->index(row)));
   }
   selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-}
-
-void FileList::mouseReleaseEvent(QMouseEvent* event) {
-  QListView::mouseReleaseEvent(event);
-  if (event->button() == Qt::RightButton) emit RefreshWanted();
 }
 
 }  // namespace quiverion

@@ -43,13 +43,6 @@ class FileList : public QListView {
   std::vector<std::string> SelectedNames() const;
   void SelectNames(const std::vector<std::string>& names);
 
- signals:
-  /// The right mouse button was released.
-  void RefreshWanted();
-
- protected:
-  void mouseReleaseEvent(QMouseEvent* event) override;
-
  private:
   FileSystem* files_ = nullptr;
   FileListModel* model_;  // owned by the widget

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "app/navigation.h"
+#include "app/right_button.h"
 #include "app/statistics_flow.h"
 #include "dialogs/file_choices.h"
 #include "dialogs/frmShowLogFile.h"
@@ -62,7 +63,10 @@ void frmMain::ConnectMacroControls() {
   connect(ui_->cmdMoveUp, &QPushButton::clicked, this, [this] { MoveCommand(-1); });
   connect(ui_->cmdMoveDown, &QPushButton::clicked, this, [this] { MoveCommand(1); });
   connect(ui_->lstMacroList, &QListWidget::itemDoubleClicked, this, &frmMain::EditCommand);
-  ui_->lstMacroList->viewport()->installEventFilter(this);
+  new RightButton(*ui_->lstMacroList, [this] {
+    ui_->lstMacroList->clearSelection();
+    ui_->cmdOk->setFocus();
+  });
   const auto onMacro = [this](int keys, void (frmMain::*action)()) {
     AddShortcut(QKeySequence(keys), ui_->lstMacroList, Qt::WidgetShortcut, [this, action] { (this->*action)(); });
   };
@@ -78,8 +82,9 @@ void frmMain::ConnectFileControls() {
   ui_->Files->Use(machine_.files);
   connect(ui_->Directory, &DirectoryList::Chosen, this,
           [this](const QByteArray& path) { OpenDirectory(path.toStdString()); });
-  connect(ui_->Directory, &DirectoryList::RefreshWanted, this, &frmMain::ReadLists);
-  connect(ui_->Files, &FileList::RefreshWanted, this, &frmMain::ReadLists);
+  for (QAbstractItemView* const list : std::initializer_list<QAbstractItemView*>{ui_->Directory, ui_->Files}) {
+    new RightButton(*list, [this] { ReadLists(); });
+  }
   connect(ui_->Drive, &QComboBox::activated, this, &frmMain::ChangeDrive);
   AddShortcut(Qt::CTRL | Qt::Key_A, this, Qt::WindowShortcut, [this] {
     ui_->Files->setFocus();
@@ -331,15 +336,6 @@ void frmMain::dropEvent(QDropEvent* event) {
   } else {
     ui_->Files->SelectNames(selection.names);
   }
-}
-
-bool frmMain::eventFilter(QObject* object, QEvent* event) {
-  if (object == ui_->lstMacroList->viewport() && event->type() == QEvent::MouseButtonRelease &&
-      static_cast<QMouseEvent*>(event)->button() == Qt::RightButton) {
-    ui_->lstMacroList->clearSelection();
-    ui_->cmdOk->setFocus();
-  }
-  return QMainWindow::eventFilter(object, event);
 }
 
 }  // namespace quiverion

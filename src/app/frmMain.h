@@ -59,7 +59,6 @@ class frmMain : public QMainWindow {
   void keyPressEvent(QKeyEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
-  bool eventFilter(QObject* object, QEvent* event) override;
 
  private:
   void ConnectMacroControls();

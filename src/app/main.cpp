@@ -3,7 +3,7 @@
 #include "app/drives.h"
 #include "app/frmMain.h"
 #include "app/navigation.h"
-#include "app/program.h"
+#include "dialogs/application.h"
 #include "dialogs/qt_text.h"
 #include "platform/environment.h"
 

@@ -24,8 +24,8 @@ struct FileQuestion {
     saveSilently,  // for files that are added to
   };
   Kind kind = Kind::open;
-  std::string title;
-  std::vector<std::string> filters;  // "Textdatei (*.txt)"; several patterns are separated by blanks
+  std::string title = {};
+  std::vector<std::string> filters = {};  // "Textdatei (*.txt)"; several patterns are separated by blanks
   std::size_t selectedFilter = 0;
   std::string directory = {};
   std::string fileName = {};   // preset, without directory

@@ -1,4 +1,4 @@
-#include "app/program.h"
+#include "dialogs/application.h"
 
 #include <QApplication>
 #include <QIcon>

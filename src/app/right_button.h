@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QAbstractItemView>
+#include <QMouseEvent>
+#include <functional>
+#include <utility>
+
+namespace quiverion {
+
+/// Calls `action` when the right mouse button is released over a list. The button selects nothing: what is selected stays.
+class RightButton : public QObject {
+ public:
+  RightButton(QAbstractItemView& list, std::function<void()> action) : QObject(&list), action_(std::move(action)) {
+    list.viewport()->installEventFilter(this);
+  }
+
+  bool eventFilter(QObject* /*viewport*/, QEvent* event) override {
+    const QEvent::Type type = event->type();
+    const bool ofButton = type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick ||
+                          type == QEvent::MouseButtonRelease;
+    if (!ofButton || static_cast<QMouseEvent*>(event)->button() != Qt::RightButton) return false;
+    if (type == QEvent::MouseButtonRelease) action_();
+    return true;
+  }
+
+ private:
+  std::function<void()> action_;
+};
+
+}  // namespace quiverion

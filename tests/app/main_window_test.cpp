@@ -1,0 +1,287 @@
+// The main window: lists, menus, keys, and what goes wrong with them.
+#include <QMimeData>
+#include <QSplitter>
+#include <filesystem>
+
+#include "window_fixture.h"
+
+namespace quiverion::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+TEST_F(MainWindow, ListsTheFilesOfTheDirectoryAndOpensOthers) {
+  Open();
+  EXPECT_EQ(Lines(Files()), "a.dat|b.vas|C.VEC|");
+  EXPECT_EQ(Directory().Path(), place.Path() + "serie");
+  QTest::keyClick(&Directory(), Qt::Key_Backspace);
+  EXPECT_EQ(Lines(Files()), "");
+  EXPECT_EQ(FromQt(Directory().item(Directory().count() - 1)->text()), "serie");
+  Directory().setCurrentRow(Directory().count() - 1);
+  QTest::keyClick(&Directory(), Qt::Key_Return);
+  EXPECT_EQ(Files().SelectedNames(), Names());
+  QTest::keyClick(window.get(), Qt::Key_A, Qt::ControlModifier);
+  EXPECT_EQ(Files().SelectedNames(), (Names{"a.dat", "b.vas", "C.VEC"}));
+}
+
+TEST_F(MainWindow, ReReadListsKeepTheSelectionOfWhatIsStillThere) {
+  Open();
+  Files().SelectNames({"a.dat", "C.VEC"});
+  std::filesystem::remove(place.Path() + "serie/a.dat");
+  place.Write("serie/aa.vas", "");
+  place.Write("serie/unter/x.vas", "");
+  QTest::mouseClick(Files().viewport(), Qt::RightButton, {}, {5, Files().height() - 30});
+  EXPECT_EQ(Lines(Files()), "aa.vas|b.vas|C.VEC|");
+  QTest::keyClick(window.get(), Qt::Key_F5);
+  EXPECT_EQ(FromQt(Directory().item(Directory().count() - 1)->text()), "unter");
+}
+
+TEST_F(MainWindow, F5KeepsTheSelection) {
+  Open();
+  Files().SelectNames({"a.dat", "C.VEC"});
+  std::filesystem::remove(place.Path() + "serie/a.dat");
+  QTest::keyClick(window.get(), Qt::Key_F5);
+  EXPECT_EQ(Files().SelectedNames(), Names{"C.VEC"});
+}
+
+TEST_F(MainWindow, ANameThatIsNoUtf8CanBeEvaluated) {
+  const std::string name =
+      "m\xFC"
+      "hle.vas";
+  place.Write("serie/" + name, samples::VasBytes(Sample(3)));
+  Open();
+  SetMacro({40001, 10001});
+  TheSession().macro[1].Set("Prefix", std::string("neu\\"));
+  TheSession().macro[1].Set("Postfix", std::string());
+  Files().SelectNames({name});
+  EXPECT_EQ(Files().SelectedNames(), Names{name});
+  script.Expect<QDialog>("quiverion::frmShowLogFile", [](QDialog& log) { Press(log, "cmdOk"); });
+  Click("cmdOk");
+  EXPECT_TRUE(place.Has("serie/neu/" + name));
+}
+
+TEST_F(MainWindow, ADriveThatIsNotReadyIsRefused) {
+  drives = {"/", place.Path() + "serie", "/nicht/da"};
+  Open();
+  auto& drive = Get<QComboBox>("Drive");
+  EXPECT_EQ(drive.currentIndex(), 1);
+  script.ExpectBox(QMessageBox::Ok, "Fehler|Laufwerk nicht bereit!");
+  emit drive.activated(2);
+  EXPECT_EQ(drive.currentIndex(), 1);
+  emit drive.activated(0);
+  EXPECT_EQ(Directory().Path(), "/");
+  EXPECT_EQ(drive.currentIndex(), 0);
+}
+
+TEST_F(MainWindow, AVanishedDirectoryIsSaidAndLeft) {
+  Open();
+  std::filesystem::remove_all(place.Path() + "serie");
+  script.ExpectBox(QMessageBox::Ok, "Verzeichnisauswahl|Das Verzeichnis '" + place.Path() +
+                                        "serie' ist nicht mehr vorhanden oder nicht lesbar!");
+  QTest::keyClick(window.get(), Qt::Key_F5);
+  EXPECT_EQ(Directory().Path() + "/", place.Path());
+  script.ExpectBox(QMessageBox::Ok);
+  window->OpenDirectory(place.Path() + "serie");
+  EXPECT_EQ(Directory().Path() + "/", place.Path());
+}
+
+TEST_F(MainWindow, DroppedFilesAreSelected) {
+  Open("leer");
+  const auto drop = [&](const Names& paths) {
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const std::string& path : paths) urls.append(QUrl::fromLocalFile(ToQt(place.Path() + path)));
+    data.setUrls(urls);
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent event({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(window.get(), &event);
+  };
+  drop({"serie/b.vas", "serie/notes.txt"});
+  EXPECT_EQ(Files().SelectedNames(), Names{"b.vas"});
+  drop({"serie"});
+  EXPECT_EQ(Files().SelectedNames().size(), 3u);
+}
+
+TEST_F(MainWindow, TheMacroListObeysKeysAndTheRightButton) {
+  Open();
+  SetMacro({40001, 40101, 10001});
+  EXPECT_EQ(Lines(MacroList()),
+            "Ungültige Vektoren durch Interpolation ersetzen|Smoothing mit 3x3 "
+            "Rechteck-Filter|Datei im VAS-Format speichern unter...|");
+  MacroList().setCurrentRow(2);
+  QTest::keyClick(&MacroList(), Qt::Key_Up, Qt::AltModifier);
+  QTest::keyClick(&MacroList(), Qt::Key_Up, Qt::AltModifier);
+  EXPECT_EQ(SelectedLine(), 0);
+  QTest::keyClick(&MacroList(), Qt::Key_Down, Qt::AltModifier);
+  EXPECT_EQ(SelectedLine(), 1);
+  EXPECT_EQ(TheSession().macro[1].EventId(), 10001);
+  QTest::keyClick(&MacroList(), Qt::Key_Delete);
+  EXPECT_EQ(SelectedLine(), -1);
+  EXPECT_EQ(TheSession().macro.size(), 2u);
+  MacroList().setCurrentRow(0);
+  script.ExpectBox(QMessageBox::Ok);  // no parameters
+  QTest::mouseClick(MacroList().viewport(), Qt::LeftButton, {}, {20, 5});
+  QTest::mouseDClick(MacroList().viewport(), Qt::LeftButton, {}, {20, 5});
+  QTest::mouseClick(MacroList().viewport(), Qt::RightButton, {}, {20, 5});
+  EXPECT_EQ(SelectedLine(), -1);
+  EXPECT_EQ(window->focusWidget(), &Get<QPushButton>("cmdOk"));
+}
+
+TEST_F(MainWindow, StartAsksForFilesBeforeCommands) {
+  Open();
+  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Sie müssen mindestens eine Datei auswählen!");
+  QTest::keyClick(window.get(), Qt::Key_Return);
+  Files().selectAll();
+  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Sie müssen wenigstens einen Makrobefehl wählen!");
+  Click("cmdOk");
+  EXPECT_TRUE(window->isVisible());
+}
+
+TEST_F(MainWindow, AnAccessKeyOfTwoControlsReachesBoth) {
+  Open();
+  bool opened = false;
+  bool focused = false;
+  script.idle = [&] {
+    if (QWidget* const menu = QApplication::activePopupWidget()) {
+      opened = true;
+      menu->close();
+    }
+    focused = focused || QApplication::focusWidget() == &Get<QPushButton>("cmdOk");
+  };
+  for (int k = 0; k < 4; ++k) {
+    QTest::keyClick(window.get(), Qt::Key_S, Qt::AltModifier);
+    QTest::qWait(150);
+  }
+  EXPECT_TRUE(opened);
+  EXPECT_TRUE(focused);
+}
+
+TEST_F(MainWindow, MacrosAreSavedAndLoaded) {
+  Open();
+  SetMacro({40001, 40101});
+  script.ExpectFile(place.Path() + "m.txt",
+                    [&](const QDialog& dialog) { EXPECT_EQ(FromQt(dialog.windowTitle()), "Makro speichern"); });
+  Trigger("mnuSaveMacroList");
+  EXPECT_TRUE(place.Has("m.mak"));
+  SetMacro({});
+  script.ExpectFile(place.Path() + "m.mak");
+  Trigger("mnuOpenMacroList");
+  EXPECT_EQ(MacroList().count(), 2);
+  place.Write("kaputt.mak", std::string("\xFF\xFF\xFF\xFF", 4));
+  script.ExpectFile(place.Path() + "kaputt.mak");
+  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Fehler beim Öffnen der Datei!");
+  Trigger("mnuOpenMacroList");
+  EXPECT_EQ(TheSession().macro.size(), 2u);
+  script.ExpectFile("");
+  Trigger("mnuSaveMacroList");
+}
+
+TEST_F(MainWindow, MenusHaveTheirTexts) {
+  Open();
+  const std::pair<const char*, const char*> items[] = {{"mnuOpenMacroList", "&Makro öffnen"},
+                                                       {"mnuSaveMacroList", "M&akro speichern"},
+                                                       {"mnuAvgUsAndVs", "<u' ²>  und  <v' ²>"},
+                                                       {"mnuDissipation", "Energie&dissipationsrate (isotr. Turb.)"},
+                                                       {"mnuHelpIndex", "Inde&x"}};
+  for (const auto& [name, text] : items) EXPECT_EQ(FromQt(window->findChild<QAction*>(name)->text()), text);
+  script.ExpectBox(QMessageBox::Ok, "Über das Programm|QuiverionSeries V1.0");
+  Trigger("mnuAbout");
+  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Die Hilfe-Datei '/opt/Quiverion.hlp' ist nicht vorhanden!");
+  Trigger("mnuShowHelp");
+}
+
+TEST_F(MainWindow, EveryControlHasANameForScreenReaders) {
+  Open();
+  for (const QWidget* control : window->findChildren<QWidget*>()) {
+    if (control->focusPolicy() == Qt::NoFocus || control->objectName().startsWith("qt_")) continue;
+    // Parts that the widgets make for themselves have no name.
+    if (control->objectName().isEmpty() || qobject_cast<const QSplitter*>(control) != nullptr) continue;
+    const auto* button = qobject_cast<const QAbstractButton*>(control);
+    EXPECT_TRUE(!control->accessibleName().isEmpty() || (button != nullptr && !button->text().isEmpty()))
+        << control->metaObject()->className() << " " << FromQt(control->objectName());
+  }
+}
+
+// A collection of many small records, so that a statistic yields often.
+class DuringAStatistic : public MainWindow {
+ protected:
+  DuringAStatistic() {
+    const std::vector<samples::SampleField> fields(40, Sample(0));
+    place.Write("s.col", samples::CollectionBytes(fields, std::vector<std::string>(40, "x")));
+    Open();
+    script.ExpectBox(QMessageBox::Ok);
+    script.ExpectFile(place.Path() + "s.col");
+    script.ExpectBox(QMessageBox::Ok);
+    script.ExpectFile(place.Path() + "s_mean.vas");
+  }
+  // Calls `action` once while the statistic is computed.
+  void Meanwhile(std::function<void()> action) {
+    auto* const timer = new QTimer(window.get());
+    QObject::connect(timer, &QTimer::timeout, [this, timer, action] {
+      if (!Get<QProgressBar>("ProgressBar").isVisible() || Get<QProgressBar>("ProgressBar").value() == 0) return;
+      timer->stop();
+      action();
+    });
+    timer->start(0);
+  }
+};
+
+TEST_F(DuringAStatistic, StartGivesWayAndASecondOneIsRefused) {
+  bool seen = false;
+  Meanwhile([&] {
+    seen = true;
+    EXPECT_FALSE(Get<QPushButton>("cmdOk").isVisible() || Get<QPushButton>("cmdCancel").isVisible());
+    EXPECT_EQ(Get<QProgressBar>("ProgressBar").maximum(), 40);
+    EXPECT_EQ(window->cursor().shape(), Qt::WaitCursor);
+    QTest::keyClick(window.get(), Qt::Key_Return);  // starts nothing
+    script.ExpectBox(QMessageBox::Ok, "QuiverionSeries - <u' v'> berechnen|Es wird bereits eine Statistik berechnet!");
+    Trigger("mnuAvgUsTimesVs");
+  });
+  Trigger("mnuAverage");
+  EXPECT_TRUE(seen);
+  EXPECT_TRUE(place.Has("s_mean.vas"));
+  EXPECT_TRUE(Get<QPushButton>("cmdOk").isVisible());
+  EXPECT_FALSE(Get<QProgressBar>("ProgressBar").isVisible());
+}
+
+TEST_F(DuringAStatistic, ClosingTheWindowAsksFirst) {
+  const std::string question =
+      "QuiverionSeries - Beenden|Wollen Sie den aktuellen Vorgang wirklich abbrechen und beenden?";
+  Meanwhile([&] {
+    script.ExpectBox(QMessageBox::No, question);
+    EXPECT_FALSE(window->close());
+    script.ExpectBox(QMessageBox::Yes, question);
+    EXPECT_TRUE(window->close());
+  });
+  Trigger("mnuAverage");
+  EXPECT_TRUE(window->IsQuitting());
+  EXPECT_FALSE(place.Has("s_mean.vas"));
+}
+
+TEST_F(MainWindow, AResultThatCannotBeSavedIsSaid) {
+  place.Write("s.col", samples::CollectionBytes({Sample(0)}, {"x"}));
+  place.Write("fest.vas", "");
+  std::filesystem::permissions(place.Path() + "fest.vas", std::filesystem::perms::owner_read);
+  Open();
+  script.ExpectBox(QMessageBox::Ok);
+  script.ExpectFile(place.Path() + "s.col");
+  script.ExpectBox(QMessageBox::Ok);
+  script.ExpectFile(place.Path() + "fest.vas");
+  script.ExpectBox(QMessageBox::Yes);  // the file dialog's: replace it
+  script.Expect<QMessageBox>("QMessageBox", [](QMessageBox& box) {
+    EXPECT_TRUE(box.text().contains("!!! FEHLER !!!") && box.text().contains("(Fehler-Nr. 75)"));
+    box.accept();
+  });
+  Trigger("mnuAverage");
+}
+
+TEST_F(MainWindow, ClosesWithoutAQuestionWhereNothingRuns) {
+  Open();
+  EXPECT_TRUE(window->close());
+  EXPECT_TRUE(window->IsQuitting());
+}
+
+}  // namespace
+}  // namespace quiverion::test

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QListWidget>
+#include <QMenu>
+#include <QProgressBar>
+#include <QPushButton>
+
+#include "app/directory_list.h"
+#include "app/file_list.h"
+#include "app/frmMain.h"
+#include "cli/program.h"
+#include "generator/sample_files.h"
+#include "windows/modal_script.h"
+
+namespace quiverion::test {
+
+/// The main window on a directory of its own with a small series: a.dat, b.vas, c.vec.
+class MainWindow : public testing::Test {
+ protected:
+  MainWindow() {
+    place.Write("serie/b.vas", samples::VasBytes(Sample(0)));
+    place.Write("serie/a.dat", samples::DatBytes(Sample(1)));
+    place.Write("serie/C.VEC", samples::VecBytes(Sample(2), 1));
+    place.Write("serie/notes.txt", "no field");
+    place.Write("leer/x.txt", "");
+  }
+
+  static samples::SampleField Sample(int index) {
+    return samples::MakeSampleField({.index = index, .columns = 5, .rows = 4});
+  }
+
+  /// The window, shown and active, in the directory `name`.
+  frmMain& Open(const std::string& name = "serie") {
+    window = std::make_unique<frmMain>(Machine{.files = *files,
+                                               .clock = clock,
+                                               .listDrives = [this] { return drives; },
+                                               .startDirectory = place.Path() + name,
+                                               .helpFile = "/opt/Quiverion.hlp"});
+    window->show();
+    window->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    return *window;
+  }
+
+  template <class Control>
+  Control& Get(const char* name) {
+    return Find<Control>(*window, name);
+  }
+  void Click(const char* button) { Press(*window, button); }
+  void Trigger(const char* item) { window->findChild<QAction*>(item)->trigger(); }
+  FileList& Files() { return Get<FileList>("Files"); }
+  DirectoryList& Directory() { return Get<DirectoryList>("Directory"); }
+  QListWidget& MacroList() { return Get<QListWidget>("lstMacroList"); }
+  Session& TheSession() { return window->TheSession(); }
+
+  /// The lines of a list, with a "|" behind each.
+  static std::string Lines(const QAbstractItemView& list) {
+    std::string text;
+    for (int row = 0; row < list.model()->rowCount(); ++row) {
+      text += FromQt(list.model()->index(row, 0).data().toString()) + "|";
+    }
+    return text;
+  }
+  void SetMacro(std::initializer_list<std::int32_t> ids) {
+    TheSession().macro.clear();
+    for (const std::int32_t id : ids) TheSession().macro.emplace_back(id);
+    window->ShowMacro(-1);
+  }
+  int SelectedLine() {
+    return MacroList().selectedItems().isEmpty() ? -1 : MacroList().row(MacroList().selectedItems().front());
+  }
+
+  cli::Workplace place;
+  std::unique_ptr<FileSystem> files = MakeSystemFileSystem();
+  SystemClock clock;
+  std::vector<std::string> drives = {"/"};
+  ModalScript script;
+  std::unique_ptr<frmMain> window;
+};
+
+}  // namespace quiverion::test

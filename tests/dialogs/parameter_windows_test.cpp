@@ -1,0 +1,276 @@
+// The parameter windows as the user handles them, by keys and clicks.
+#include "dialogs/parameter_windows.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTreeWidget>
+
+#include "dialogs/frmEditVector.h"
+#include "dialogs/frmFaultVectors.h"
+#include "dialogs/frmMirrorOptions.h"
+#include "dialogs/frmPrefixPostfix.h"
+#include "dialogs/frmXYTrafo.h"
+#include "dialogs/parameter_editing.h"
+#include "support/test_session.h"
+#include "windows/modal_script.h"
+
+namespace quiverion {
+namespace {
+
+using test::Find;
+using test::Press;
+using test::Type;
+
+MacroEvent NewCommand(std::int32_t eventId) {
+  MacroEvent event(eventId);
+  AddDefaultParameters(event);
+  return event;
+}
+
+template <class Window>
+MacroEvent Stored(const Window& window) {
+  MacroEvent event;
+  window.Store(event);
+  return event;
+}
+
+std::string TextOf(const QWidget& window, const char* box) {
+  return FromQt(Find<QLineEdit>(window, box).text());
+}
+
+TEST(ParameterWindowsTest, GiveBackWhatTheyWereGiven) {
+  test::ScriptedUi ui;
+  QWidget parent;
+  ParameterWindows windows(parent, ui);
+  for (const std::int32_t id : {10101, 30001, 30002, 30003, 40201}) {
+    MacroEvent event = NewCommand(id);
+    for (const Parameter& parameter : ParametersOf(id)) {
+      if (parameter.kind == ParameterKind::text) event.Set(parameter.key, std::string("7") + parameter.key.back());
+      if (parameter.kind == ParameterKind::number) event.Set(parameter.key, -2.25);
+      if (parameter.kind == ParameterKind::flag) event.Set(parameter.key, parameter.key != "OptXCompIntOut");
+      if (parameter.kind == ParameterKind::checkState) event.Set(parameter.key, parameter.key != "ChkPosX" ? 1 : 0);
+      if (parameter.kind == ParameterKind::integer) event.Set(parameter.key, 3);
+    }
+    const MacroEvent given = event;
+    test::ModalScript script;
+    const auto press = [&](const char* button) {
+      const std::string className(id == 10101   ? "frmPrefixPostfix"
+                                  : id == 30001 ? "frmFaultVectors"
+                                  : id == 30002 ? "frmMirrorOptions"
+                                  : id == 30003 ? "frmXYTrafo"
+                                                : "frmEditVector");
+      script.Expect<QDialog>("quiverion::" + className, [button](QDialog& window) { Press(window, button); });
+    };
+    press("cmdOk");
+    EXPECT_TRUE(windows.EditInWindow(*FindCommand(id), event)) << id;
+    EXPECT_EQ(event.Values(), given.Values()) << id;
+    press("cmdCancel");
+    MacroEvent untouched(id);
+    AddDefaultParameters(untouched);
+    EXPECT_FALSE(windows.EditInWindow(*FindCommand(id), untouched)) << id;
+  }
+}
+
+TEST(ParameterWindowsTest, TheTreeHoldsEveryCommandAndKeepsItsState) {
+  test::ScriptedUi ui;
+  QWidget parent;
+  ParameterWindows windows(parent, ui);
+  test::ModalScript script;
+  const auto node = [](const QDialog& window, const char* key) {
+    auto& tree = Find<QTreeWidget>(window, "tvwMacroEvents");
+    for (QTreeWidgetItemIterator item(&tree); *item != nullptr; ++item) {
+      if ((*item)->data(0, Qt::UserRole) == QString(key)) return *item;
+    }
+    throw std::runtime_error(std::string("no node ") + key);
+  };
+  script.Expect<QDialog>("quiverion::frmChooseMacroEvent", [&](QDialog& window) {
+    auto& tree = Find<QTreeWidget>(window, "tvwMacroEvents");
+    auto& ok = Find<QPushButton>(window, "cmdOk");
+    EXPECT_EQ(tree.topLevelItemCount(), 6);
+    EXPECT_FALSE(ok.isEnabled());
+    tree.setCurrentItem(node(window, "K40100"));
+    EXPECT_FALSE(ok.isEnabled());
+    const qint64 closed = tree.currentItem()->icon(0).cacheKey();
+    tree.currentItem()->setExpanded(true);
+    EXPECT_NE(tree.currentItem()->icon(0).cacheKey(), closed);
+    QTest::keyClick(&tree, Qt::Key_Return);
+    EXPECT_TRUE(window.isVisible());  // a menu is not accepted
+    tree.setCurrentItem(node(window, "K40103"));
+    EXPECT_TRUE(ok.isEnabled());
+    QTest::keyClick(&tree, Qt::Key_Return);
+  });
+  EXPECT_EQ(windows.ChooseCommand(), 40103);
+  script.Expect<QDialog>("quiverion::frmChooseMacroEvent", [&](QDialog& window) {
+    EXPECT_TRUE(node(window, "K40100")->isExpanded());
+    EXPECT_EQ(Find<QTreeWidget>(window, "tvwMacroEvents").currentItem(), node(window, "K40103"));
+    Press(window, "cmdOk");
+  });
+  EXPECT_EQ(windows.ChooseCommand(), 40103);
+  script.Expect<QDialog>("quiverion::frmChooseMacroEvent", [](QDialog& window) { window.close(); });
+  EXPECT_EQ(windows.ChooseCommand(), std::nullopt);
+}
+
+TEST(PrefixPostfix, FiltersWhatIsTypedAndPasted) {
+  frmPrefixPostfix window;
+  window.Load(NewCommand(10101));
+  window.show();
+  Type(window, "txtPrefix", "/a/b.:c");
+  EXPECT_EQ(TextOf(window, "txtPrefix"), "a\\bc");
+  auto& postfix = Find<QLineEdit>(window, "txtPostfix");
+  QApplication::clipboard()->setText("_1/2.x\n\\");
+  postfix.setFocus();
+  QTest::keyClick(&postfix, Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(FromQt(postfix.text()), "_12x");
+  QTest::keyClick(&postfix, Qt::Key_Home);
+  QTest::keyClicks(&postfix, "a.b");
+  QTest::keyClick(&postfix, Qt::Key_Delete);
+  EXPECT_EQ(Stored(window).Text("Postfix"), "ab12x");
+  window.Load([] {
+    MacroEvent stored = NewCommand(10001);
+    stored.Set("Prefix", std::string("a.b?"));
+    return stored;
+  }());
+  EXPECT_EQ(TextOf(window, "txtPrefix"), "a.b?");  // what a macro holds is shown as it is
+}
+
+TEST(NumberBoxes, SelectTheirTextAndKeepSignAndPointInPlace) {
+  test::ScriptedUi ui;
+  frmFaultVectors window(ui);
+  MacroEvent event = NewCommand(30001);
+  event.Set("ChkXComp", 1);
+  window.Load(event);
+  window.show();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  auto& lower = Find<QLineEdit>(window, "txtXCompIntMin");
+  QTest::mouseClick(&lower, Qt::LeftButton);
+  EXPECT_EQ(lower.selectedText(), "-10");
+  QTest::keyClicks(&lower, "-5,2.5");  // typed over the selected -10
+  EXPECT_EQ(FromQt(lower.text()), "-5.25");
+  QTest::keyClick(&lower, Qt::Key_Home);
+  QTest::keyClicks(&lower, "-");
+  QTest::keyClick(&lower, Qt::Key_End);
+  QTest::keyClicks(&lower, "-x");
+  EXPECT_EQ(FromQt(lower.text()), "-5.25");
+  QTest::keyClick(&lower, Qt::Key_Backspace);
+  EXPECT_EQ(FromQt(lower.text()), "-5.2");
+}
+
+TEST(FaultVectors, EnablesAndOrdersItsControls) {
+  test::ScriptedUi ui;
+  frmFaultVectors window(ui);
+  window.Load(NewCommand(30001));
+  window.show();
+  const auto enabled = [&](const char* name) { return Find<QWidget>(window, name).isEnabled(); };
+  for (const char* off : {"txtAbsDeviation", "optAbsIntIn", "txtXCompIntMax", "optMedian", "optLogicalOr", "cmdOk"}) {
+    EXPECT_FALSE(enabled(off)) << off;
+  }
+  EXPECT_EQ(Find<QComboBox>(window, "cboMedianX").count(), 200);
+  EXPECT_EQ(Find<QComboBox>(window, "cboMedianX").currentText(), "5");
+  EXPECT_EQ(Find<QComboBox>(window, "cboMedianY").itemText(199), "399");
+  Press(window, "chkAbsDeviation");
+  EXPECT_TRUE(enabled("txtAbsDeviation") && enabled("cboLocalMiddleX") && enabled("cmdOk"));
+  EXPECT_FALSE(enabled("cboMedianX") || enabled("fraLogicalAndOr"));
+  Press(window, "optUserVector");
+  EXPECT_TRUE(enabled("txtUserVectorX") && !enabled("cboLocalMiddleX"));
+  Press(window, "chkAbsInterval");
+  Press(window, "optAbsIntIn");
+  Press(window, "optLogicalAnd");
+  Type(window, "txtAbsIntMin", "3,5");
+  Type(window, "txtAbsIntMax", "1");
+  Press(window, "cmdOk");
+  EXPECT_EQ(window.result(), QDialog::Accepted);
+  const MacroEvent stored = Stored(window);
+  EXPECT_EQ(stored.Text("TxtAbsIntMin") + ";" + stored.Text("TxtAbsIntMax"), "1;3.5");
+  EXPECT_EQ(stored.Integer("CompareVectorType"), 4);
+  EXPECT_FALSE(stored.Flag("OptAbsIntOut") || stored.Flag("LogicalOr"));
+}
+
+TEST(FaultVectors, ShowsWhatADamagedMacroHolds) {
+  test::ScriptedUi ui;
+  frmFaultVectors window(ui);
+  MacroEvent event = NewCommand(30001);
+  event.Set("CboMedianX", 100000);
+  event.Set("CboMedianY", -5);
+  event.Set("CompareVectorType", 9);
+  event.Set("ChkXComp", 2);
+  event.Set("TxtAbsIntMax", std::string(400, '9'));
+  window.Load(event);
+  EXPECT_EQ(Stored(window).Integer("CboMedianX"), 199);
+  EXPECT_EQ(Stored(window).Integer("CboMedianY"), 0);
+  EXPECT_EQ(Stored(window).Integer("CompareVectorType"), 4);
+  window.show();
+  Press(window, "cmdOk");
+  EXPECT_TRUE(window.isVisible());
+  EXPECT_EQ(ui.messages.at(0).text, "Die Zahl '" + std::string(400, '9') + "' ist zu groß!");
+}
+
+TEST(XYTrafo, CopiesFactorsAndRefusesZero) {
+  test::ScriptedUi ui;
+  frmXYTrafo window(ui);
+  window.Load(NewCommand(30003));
+  window.show();
+  Type(window, "txtFakX", "2,5");
+  Type(window, "txtDeltaX", "-1");
+  EXPECT_EQ(TextOf(window, "txtFakVecX"), "2.5");
+  EXPECT_EQ(TextOf(window, "txtFakVecY"), "1");
+  Type(window, "txtFakVecX", "3");
+  EXPECT_EQ(TextOf(window, "txtFakX"), "2.5");
+  const struct {
+    const char* box;
+    const char* factor;
+  } zeros[] = {{"txtFakX", "bei der x-Koordinate"},
+               {"txtFakY", "bei der y-Koordinate"},
+               {"txtFakVecX", "bei der Vektorskalierung"},
+               {"txtFakVecY", "bei der Vektorskalierung"}};
+  for (const auto& zero : zeros) {
+    const std::string kept = TextOf(window, zero.box);
+    Type(window, zero.box, "0.0");
+    Press(window, "cmdOk");
+    ASSERT_TRUE(window.isVisible());
+    EXPECT_EQ(ui.messages.back().title + ui.messages.back().text,
+              "Ungültige EingabeBitte geben sie als Faktor " + std::string(zero.factor) + " keine Null an!");
+    Type(window, zero.box, kept.c_str());
+  }
+  Press(window, "cmdOk");
+  EXPECT_EQ(window.result(), QDialog::Accepted);
+  EXPECT_EQ(Stored(window).Text("TxtDeltaX"), "-1");
+}
+
+TEST(EditVector, ReadsItsNumbersAtThePoint) {
+  test::ScriptedUi ui;
+  frmEditVector window(ui, "Zu addierender Vektor");
+  MacroEvent event = NewCommand(40201);
+  event.Set("XComp", 0.1);
+  window.Load(event);
+  window.show();
+  EXPECT_EQ(TextOf(window, "txtXComp"), "0.1");
+  Type(window, "txtYComp", "-1,5");
+  Press(window, "cmdOk");
+  EXPECT_EQ(Stored(window).Number("XComp"), 0.1);
+  EXPECT_EQ(Stored(window).Number("YComp"), -1.5);
+}
+
+TEST(ParameterWindowsTest, EveryControlHasANameForScreenReaders) {
+  test::ScriptedUi ui;
+  const frmFaultVectors faultVectors(ui);
+  const frmXYTrafo trafo(ui);
+  const frmPrefixPostfix names;
+  for (const QWidget* window : std::initializer_list<const QWidget*>{&faultVectors, &trafo, &names}) {
+    for (const QWidget* control : window->findChildren<QWidget*>()) {
+      const bool named = qobject_cast<const QLineEdit*>(control) || qobject_cast<const QComboBox*>(control);
+      if (!named || control->objectName().startsWith("qt_")) continue;
+      EXPECT_FALSE(control->accessibleName().isEmpty()) << FromQt(control->objectName());
+    }
+  }
+}
+
+}  // namespace
+}  // namespace quiverion

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "dialogs/parameter_dialogs.h"
+
+namespace quiverion::test {
+
+/// Answers the dialogs of macro editing from a script and records what they were preset with. Without an answer the user
+/// cancels.
+class ScriptedDialogs : public ParameterDialogs {
+ public:
+  std::deque<std::int32_t> commands;
+  std::deque<std::string> texts;
+  std::deque<std::string> files;
+  std::function<void(MacroEvent&)> edit;  // null: the parameter window is cancelled
+
+  std::vector<TextQuestion> textQuestions;
+  std::vector<FileQuestion> fileQuestions;
+  std::vector<MacroEvent> edited;  // as the windows got them
+
+  std::optional<std::int32_t> ChooseCommand() override { return Next(commands); }
+  std::optional<std::string> AskText(const TextQuestion& question) override {
+    textQuestions.push_back(question);
+    return Next(texts);
+  }
+  std::optional<std::string> ChooseFile(const FileQuestion& question) override {
+    fileQuestions.push_back(question);
+    return Next(files);
+  }
+  bool EditInWindow(const CommandRow& /*command*/, MacroEvent& event) override {
+    edited.push_back(event);
+    if (edit) edit(event);
+    return edit != nullptr;
+  }
+
+ private:
+  template <class T>
+  static std::optional<T> Next(std::deque<T>& answers) {
+    if (answers.empty()) return std::nullopt;
+    T answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+};
+
+}  // namespace quiverion::test

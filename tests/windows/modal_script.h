@@ -1,0 +1,133 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTest>
+#include <QTimer>
+#include <deque>
+#include <functional>
+#include <string>
+
+#include "dialogs/qt_text.h"
+
+namespace quiverion::test {
+
+/// A control of a window by its object name. Fails the test where there is none of that kind.
+template <class Control>
+Control& Find(const QWidget& window, const char* name) {
+  auto* const control = window.findChild<Control*>(name);
+  if (control == nullptr) throw std::runtime_error(std::string("no control ") + name);
+  return *control;
+}
+
+inline void Press(const QWidget& window, const char* button) {
+  Find<QAbstractButton>(window, button).click();
+}
+
+/// Replaces the text of a box by typing, as a user does who has moved into it.
+inline void Type(QWidget& window, const char* box, const char* text) {
+  auto& edit = Find<QLineEdit>(window, box);
+  edit.setFocus();
+  edit.selectAll();
+  QTest::keyClicks(&edit, text);
+}
+
+/// Answers modal windows while the code under test waits for them: each step handles the modal window that is up, in
+/// turn. A window that no step expects is closed and fails the test; so does a step that was not needed.
+class ModalScript {
+ public:
+  ModalScript() {
+    timer_.setInterval(5);
+    QObject::connect(&timer_, &QTimer::timeout, [this] { Tick(); });
+    timer_.start();
+  }
+  ~ModalScript() { EXPECT_TRUE(steps_.empty()) << "no window for " << steps_.front().className; }
+  ModalScript(const ModalScript&) = delete;
+  ModalScript& operator=(const ModalScript&) = delete;
+
+  /// The next modal window is a `className`; `action` handles it.
+  template <class Window = QDialog>
+  void Expect(std::string className, std::function<void(Window&)> action) {
+    steps_.push_back({std::move(className), [action](QWidget& window) { action(static_cast<Window&>(window)); }});
+  }
+
+  /// The next modal window is a message box, answered with `button`. `text` where it matters: "title|text".
+  void ExpectBox(QMessageBox::StandardButton button, std::string text = {}) {
+    Expect<QMessageBox>("QMessageBox", [button, text](QMessageBox& box) {
+      if (!text.empty()) {
+        EXPECT_EQ(FromQt(box.windowTitle() + "|" + box.text()), text);
+      }
+      box.button(button)->click();
+    });
+  }
+
+  /// The next modal window is a file dialog; an empty path cancels it.
+  void ExpectFile(std::string path, std::function<void(const QDialog&)> look = {}) {
+    Expect<QDialog>("QFileDialog", [path, look](QDialog& dialog) {
+      if (look) look(dialog);
+      if (path.empty()) return dialog.reject();
+      Find<QLineEdit>(dialog, "fileNameEdit").setText(QFile::decodeName(path.c_str()));
+      QMetaObject::invokeMethod(&dialog, "accept");
+    });
+  }
+
+  /// Called at every tick while no modal window is up.
+  std::function<void()> idle;
+
+ private:
+  struct Step {
+    std::string className;
+    std::function<void(QWidget&)> action;
+  };
+
+  void Tick() {
+    QWidget* const window = QApplication::activeModalWidget();
+    if (window == nullptr || !window->isVisible()) {
+      if (idle) idle();
+      return;
+    }
+    if (steps_.empty()) {
+      ADD_FAILURE() << "unexpected " << window->metaObject()->className() << " " << FromQt(window->windowTitle());
+      window->close();
+      return;
+    }
+    if (steps_.front().className != window->metaObject()->className()) {
+      // The window of the step before is still closing, or the wrong one has come.
+      if (++patience_ < 400) return;
+      ADD_FAILURE() << window->metaObject()->className() << " in place of " << steps_.front().className;
+      patience_ = 0;
+      window->close();
+      return;
+    }
+    patience_ = 0;
+    // Not in the timer's own event: a timer does not tick in a window that its event opens.
+    QMetaObject::invokeMethod(
+        window, [window, step = std::move(steps_.front())] { Run(step, *window); }, Qt::QueuedConnection);
+    steps_.pop_front();
+  }
+
+  static void Run(const Step& step, QWidget& window) {
+    try {
+      step.action(window);
+    } catch (const std::exception& error) {
+      ADD_FAILURE() << step.className << ": " << error.what();
+      window.close();
+    }
+  }
+
+  QTimer timer_;
+  std::deque<Step> steps_;
+  int patience_ = 0;
+};
+
+/// Lets events through until `reached` is true. False where that takes longer than ten seconds.
+inline bool WaitFor(const std::function<bool()>& reached) {
+  return QTest::qWaitFor(reached, 10000);
+}
+
+}  // namespace quiverion::test
