@@ -28,6 +28,13 @@ class MainWindow : public testing::Test {
     place.Write("leer/x.txt", "");
   }
 
+  /// A window that is closed ends the program. For the next test it begins again: nothing modal would be shown.
+  ~MainWindow() override {
+    QMetaObject::invokeMethod(
+        qApp, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
+    QCoreApplication::exec();
+  }
+
   static samples::SampleField Sample(int index) {
     return samples::MakeSampleField({.index = index, .columns = 5, .rows = 4});
   }

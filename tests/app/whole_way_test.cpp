@@ -1,0 +1,293 @@
+// One user's whole way through the program, by clicks and keys: a macro is composed, saved, loaded and run, a run is
+// aborted, the log read and saved. The command line does the same, bit for bit.
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPrinter>
+#include <QTreeWidget>
+
+#include <QTextBlock>
+#include "dialogs/frmShowLogFile.h"
+#include "support/test_session.h"
+#include "window_fixture.h"
+
+namespace quiverion::test {
+namespace {
+
+// Up to the verdict: how long a run took differs.
+std::string UpToVerdict(const std::string& log) {
+  return log.substr(0, log.find('\n', log.rfind("Makro-Ausf")) + 1);
+}
+
+class WholeWay : public MainWindow {
+ protected:
+  // The user chooses a command in the tree; what its dialogs want has to be expected after it.
+  void ExpectTree(std::int32_t eventId) {
+    script.Expect<QDialog>("quiverion::frmChooseMacroEvent", [eventId](QDialog& dialog) {
+      auto& tree = Find<QTreeWidget>(dialog, "tvwMacroEvents");
+      for (QTreeWidgetItemIterator item(&tree); *item != nullptr; ++item) {
+        if ((*item)->data(0, Qt::UserRole) == QStringLiteral("K%1").arg(eventId)) tree.setCurrentItem(*item);
+      }
+      Press(dialog, "cmdOk");
+    });
+  }
+  void ExpectText(const char* text) {
+    script.Expect<QDialog>("QInputDialog", [text](QDialog& dialog) {
+      dialog.findChild<QLineEdit*>()->setText(text);
+      dialog.accept();
+    });
+  }
+  void ExpectWindow(const char* className, std::function<void(QDialog&)> action) {
+    script.Expect<QDialog>(std::string("quiverion::") + className, [action](QDialog& dialog) {
+      action(dialog);
+      Press(dialog, "cmdOk");
+    });
+  }
+  void ExpectNames(const char* prefix, const char* postfix) {
+    ExpectWindow("frmPrefixPostfix", [prefix, postfix](QDialog& dialog) {
+      Type(dialog, "txtPrefix", prefix);
+      Type(dialog, "txtPostfix", postfix);
+    });
+  }
+  void Insert() { Click("cmdNewMacroEvent"); }
+
+  // Ten commands of ten kinds, each through its dialogs.
+  void ComposeMacro() {
+    ExpectTree(10002);
+    ExpectText("Kommentar");
+    Insert();
+    ExpectTree(30001);
+    ExpectWindow("frmFaultVectors", [](QDialog& dialog) {
+      Press(dialog, "chkAbsDeviation");
+      Press(dialog, "optMedian");
+      Press(dialog, "chkYComp");
+    });
+    Insert();
+    for (const std::int32_t plain : {40001, 40103}) {
+      ExpectTree(plain);
+      Insert();
+    }
+    ExpectTree(30002);
+    ExpectWindow("frmMirrorOptions", [](QDialog& dialog) { Press(dialog, "chkPosY"); });
+    Insert();
+    ExpectTree(30003);
+    ExpectWindow("frmXYTrafo", [](QDialog& dialog) { Type(dialog, "txtFakX", "2"); });
+    Insert();
+    ExpectTree(40201);
+    ExpectWindow("frmEditVector", [](QDialog& dialog) { Type(dialog, "txtXComp", "-3"); });
+    Insert();
+    ExpectTree(50002);
+    script.ExpectBox(QMessageBox::Yes,
+                     "Tabelle anzeigen?|Soll die Tabelle nach dem Einladen der jeweils aktuellen Datei in Quiverion "
+                     "automatisch angezeigt werden?");
+    Insert();
+    ExpectTree(60001);
+    script.ExpectFile(place.Path() + "serie/Serie", [](const QDialog& dialog) {
+      EXPECT_EQ(FromQt(Find<QLineEdit>(dialog, "fileNameEdit").text()), "Statistics");
+    });
+    Insert();
+    ExpectTree(10001);
+    ExpectNames("neu/", "_x");
+    Insert();
+  }
+
+  // Reads the log and closes its window.
+  void ExpectLog(std::string* text, std::function<void(QDialog&)> look = {}) {
+    script.Expect<QDialog>("quiverion::frmShowLogFile", [this, text, look](QDialog& dialog) {
+      EXPECT_FALSE(window->isVisible());
+      *text = FromQt(Find<QPlainTextEdit>(dialog, "RichTextBox").toPlainText());
+      if (look) look(dialog);
+      Press(dialog, "cmdOk");
+    });
+  }
+};
+
+TEST_F(WholeWay, ComposesSavesLoadsRunsAndSavesTheLog) {
+  Open("leer");
+  window->OpenDirectory(place.Path() + "serie");
+  ComposeMacro();
+  const std::vector<std::int32_t> order = {10002, 30001, 40001, 40103, 30002, 30003, 40201, 50002, 60001, 10001};
+  ASSERT_EQ(TheSession().macro.size(), order.size());
+  for (std::size_t k = 0; k < order.size(); ++k) EXPECT_EQ(TheSession().macro[k].EventId(), order[k]);
+  // The comment is edited and goes to the third place.
+  MacroList().setCurrentRow(0);
+  ExpectText("Neuer Kommentar");
+  Click("cmdEditMacroEvent");
+  MacroList().setCurrentRow(0);
+  Click("cmdMoveDown");
+  Click("cmdMoveDown");
+  EXPECT_EQ(TheSession().macro[2].Text("Comment"), "Neuer Kommentar");
+  script.ExpectFile(place.Path() + "macro");
+  Trigger("mnuSaveMacroList");
+  SetMacro({});
+  script.ExpectFile(place.Path() + "macro.mak");
+  Trigger("mnuOpenMacroList");
+  ASSERT_EQ(TheSession().macro.size(), 10u);
+
+  place.Write("serie/kaputt.vas", "no field");
+  window->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  QTest::keyClick(window.get(), Qt::Key_F5);
+  Files().selectAll();
+  std::vector<std::string> seen;
+  script.idle = [&] {
+    for (const QWidget* shown : QApplication::topLevelWidgets()) {
+      if (QByteArrayView(shown->metaObject()->className()) != "quiverion::frmShowProgress" || !shown->isVisible())
+        continue;
+      seen.push_back(FromQt(Find<QGroupBox>(*shown, "Frame1").title() + "|" +
+                            Find<QLabel>(*shown, "lblFileName").text() + "|" +
+                            Find<QLabel>(*shown, "lblRunningEvent").text()));
+    }
+  };
+  std::string log;
+  ExpectLog(&log, [&](QDialog& dialog) {
+    script.ExpectBox(QMessageBox::Ok,
+                     "Log-Datei speichern|Datei gespeichert unter '" + place.Path() + "serie/Log.rtf'");
+    Press(dialog, "cmdSave");
+  });
+  Click("cmdOk");
+  EXPECT_TRUE(window->isVisible());
+  EXPECT_NE(log.find("Makro-Ausführung FEHLERHAFT beendet"), std::string::npos);
+  EXPECT_EQ(Lines(Files()), "a.dat|b.vas|C.VEC|kaputt.vas|");
+  EXPECT_EQ(FromQt(Directory().item(Directory().count() - 1)->text()), "neu");
+  for (const std::string& state : seen) EXPECT_NE(state.find("Aktuelle Datei ("), std::string::npos);
+
+  // The command line, on the same files: the same results and the same log.
+  const std::vector<std::string> results = {"serie/neu/a_x.vas", "serie/neu/b_x.vas", "serie/neu/C_x.vas",
+                                            "serie/Serie.col"};
+  std::vector<std::string> ofWindow;
+  for (const std::string& name : results) {
+    ofWindow.push_back(place.Read(name));
+    std::remove((place.Path() + name).c_str());
+  }
+  const std::string rtf = place.Read("serie/Log.rtf");
+  const cli::Outcome outcome =
+      cli::RunProgram(place, {"run", "--macro", "macro.mak", "--log", "cli.rtf", place.Path() + "serie"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_EQ(UpToVerdict(log), UpToVerdict(outcome.out));
+  EXPECT_EQ(UpToVerdict(rtf), UpToVerdict(place.Read("cli.rtf")));
+  for (std::size_t k = 0; k < results.size(); ++k) EXPECT_EQ(place.Read(results[k]), ofWindow[k]) << results[k];
+}
+
+TEST_F(WholeWay, ARunIsAbortedInItsProgressWindow) {
+  for (int k = 0; k < 40; ++k) place.Write("serie/x" + std::to_string(10 + k) + ".vas", samples::VasBytes(Sample(k)));
+  Open();
+  SetMacro({40001, 40101, 40102});
+  Files().selectAll();
+  const std::string question =
+      "QuiverionSeries  -  Makro-Ausführung abbrechen|Damit wird die Makro-Ausführung beendet. Soll die Ausführung "
+      "wirklich beendet werden?";
+  int closed = 0;
+  auto* const timer = new QTimer(window.get());
+  QObject::connect(timer, &QTimer::timeout, [&, timer] {
+    for (QWidget* shown : QApplication::topLevelWidgets()) {
+      if (QByteArrayView(shown->metaObject()->className()) != "quiverion::frmShowProgress" || !shown->isVisible())
+        continue;
+      const auto& bar = Find<QProgressBar>(*shown, "pgbProgress");
+      EXPECT_EQ(bar.maximum(), 43);
+      script.ExpectBox(++closed == 1 ? QMessageBox::No : QMessageBox::Yes, question);
+      if (closed == 2) timer->stop();
+      EXPECT_EQ(shown->close(), closed == 2);
+      return;
+    }
+  });
+  timer->start(0);
+  std::string log;
+  ExpectLog(&log);
+  Click("cmdOk");
+  EXPECT_EQ(closed, 2);
+  EXPECT_NE(log.find("Makro-Ausführung frühzeitig ABGEBROCHEN"), std::string::npos);
+  EXPECT_EQ(log.find("x49.vas"), std::string::npos);
+}
+
+TEST_F(WholeWay, AFileDeletedBeforeStartIsAskedAbout) {
+  Open();
+  SetMacro({40001});
+  Files().selectAll();
+  std::remove((place.Path() + "serie/b.vas").c_str());
+  script.ExpectBox(QMessageBox::Retry, "QuiverionSeries  -  Fehler im Makro|Die Datei '" + place.Path() +
+                                           "serie/b.vas' kann nicht geöffnet werden!\nDatei nicht vorhanden, "
+                                           "beschädigt oder wird bereits verwendet.");
+  script.ExpectBox(QMessageBox::Abort);
+  Click("cmdOk");
+  EXPECT_TRUE(window->isVisible());
+  script.ExpectBox(QMessageBox::Ignore);
+  std::string log;
+  ExpectLog(&log);
+  Click("cmdOk");
+  EXPECT_NE(log.find("(Fehler-Nr. 53)"), std::string::npos);
+}
+
+TEST_F(WholeWay, QuittingWhileABoxOfTheRunIsOpenEndsIt) {
+  Open();
+  SetMacro({40001});
+  Files().selectAll();
+  std::remove((place.Path() + "serie/b.vas").c_str());
+  script.Expect<QMessageBox>("QMessageBox", [](QMessageBox&) { QCoreApplication::exit(); });
+  Click("cmdOk");
+  EXPECT_FALSE(TheSession().context.busy);
+}
+
+// A log window on its own, with the text of a run.
+class LogWindow : public MainWindow {
+ protected:
+  LogWindow() {
+    RunLog run;
+    run.Attach(log);
+    for (const char* piece : {"Titel\r\n", "Laden... ", "fertig\r\n", "    klein\r\n", "!!! FEHLER !!!\r\n"}) {
+      run.WriteLogLine(piece);
+    }
+  }
+  LogText log;
+  ScriptedUi ui;
+};
+
+TEST_F(LogWindow, ShowsEveryPieceInItsFormat) {
+  const frmShowLogFile shown(log, place.Path() + "Log.rtf", *files, ui);
+  QTextDocument* const document = Find<QPlainTextEdit>(shown, "RichTextBox").document();
+  std::string formats;
+  for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+    for (auto piece = block.begin(); !piece.atEnd(); ++piece) {
+      const QTextCharFormat format = piece.fragment().charFormat();
+      formats += FromQt(piece.fragment().text()) + "=" + FromQt(format.foreground().color().name()) +
+                 (format.fontWeight() == QFont::Bold ? " bold" : "") + (format.fontItalic() ? " italic " : " ") +
+                 std::to_string(static_cast<int>(format.fontPointSize())) + "|";
+    }
+  }
+  EXPECT_EQ(formats,
+            "Titel=#000000 bold 10|Laden... =#000000 bold 10|fertig=#00c800 10|    klein=#00c800 italic 8|"
+            "!!! FEHLER !!!=#c80000 10|");
+}
+
+TEST_F(LogWindow, PrintsWhatIsSelectedOrEverything) {
+  frmShowLogFile shown(log, place.Path() + "Log.rtf", *files, ui);
+  const auto print = [&](const char* name) {
+    QPrinter printer;
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(ToQt(place.Path() + name));
+    shown.PrintTo(printer);
+    return place.Read(name).size();
+  };
+  const std::size_t whole = print("a.pdf");
+  QTextCursor cursor(Find<QPlainTextEdit>(shown, "RichTextBox").document());
+  cursor.select(QTextCursor::WordUnderCursor);
+  Find<QPlainTextEdit>(shown, "RichTextBox").setTextCursor(cursor);
+  const std::size_t word = print("b.pdf");
+  EXPECT_TRUE(place.Read("a.pdf").starts_with("%PDF"));
+  EXPECT_LT(word, whole);
+  EXPECT_GT(word, 0u);
+}
+
+TEST_F(LogWindow, SaysWhereItCannotBeSaved) {
+  const frmShowLogFile shown(log, place.Path() + "nicht/Log.rtf", *files, ui);
+  place.Write("nicht", "a file in the way");
+  Press(shown, "cmdSave");
+  ASSERT_EQ(ui.messages.size(), 1u);
+  EXPECT_EQ(ui.messages[0].title, "Log-Datei speichern");
+  EXPECT_EQ(ui.messages[0].text, "Die Log-Datei kann nicht gespeichert werden unter '" + place.Path() +
+                                     "nicht/Log.rtf'!\r\nPfad nicht gefunden   (Fehler-Nr. 76)");
+}
+
+}  // namespace
+}  // namespace quiverion::test
