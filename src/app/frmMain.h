@@ -26,7 +26,7 @@ struct Machine {
   std::function<std::vector<std::string>()> listDrives;
   std::string startDirectory;
   char decimalSeparator = '.';
-  std::string helpFile;
+  std::string helpFile = {};
 };
 
 /// The main window: the macro, the files of the series, Start. It holds the session; everything runs in its event

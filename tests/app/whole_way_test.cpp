@@ -179,6 +179,7 @@ TEST_F(WholeWay, ARunIsAbortedInItsProgressWindow) {
       "QuiverionSeries  -  Makro-Ausführung abbrechen|Damit wird die Makro-Ausführung beendet. Soll die Ausführung "
       "wirklich beendet werden?";
   int closed = 0;
+  std::string log;
   auto* const timer = new QTimer(window.get());
   QObject::connect(timer, &QTimer::timeout, [&, timer] {
     for (QWidget* shown : QApplication::topLevelWidgets()) {
@@ -187,14 +188,15 @@ TEST_F(WholeWay, ARunIsAbortedInItsProgressWindow) {
       const auto& bar = Find<QProgressBar>(*shown, "pgbProgress");
       EXPECT_EQ(bar.maximum(), 43);
       script.ExpectBox(++closed == 1 ? QMessageBox::No : QMessageBox::Yes, question);
-      if (closed == 2) timer->stop();
+      if (closed == 2) {
+        timer->stop();
+        ExpectLog(&log);
+      }
       EXPECT_EQ(shown->close(), closed == 2);
       return;
     }
   });
   timer->start(0);
-  std::string log;
-  ExpectLog(&log);
   Click("cmdOk");
   EXPECT_EQ(closed, 2);
   EXPECT_NE(log.find("Makro-Ausführung frühzeitig ABGEBROCHEN"), std::string::npos);

@@ -1,0 +1,206 @@
+// Saves a picture of every window, filled from a series: make_shots MAKRO SERIE ZIEL
+#include <QApplication>
+#include <QDir>
+#include <QMenu>
+#include <QTimer>
+#include <QTreeWidget>
+#include <iostream>
+
+#include "app/drives.h"
+#include "app/file_list.h"
+#include "app/frmMain.h"
+#include "dialogs/application.h"
+#include "dialogs/frmEditVector.h"
+#include "dialogs/frmFaultVectors.h"
+#include "dialogs/frmMirrorOptions.h"
+#include "dialogs/frmPrefixPostfix.h"
+#include "dialogs/frmShowLogFile.h"
+#include "dialogs/frmShowProgress.h"
+#include "dialogs/frmXYTrafo.h"
+#include "dialogs/message_box.h"
+#include "dialogs/parameter_editing.h"
+#include "dialogs/qt_text.h"
+#include "macro/macro_file.h"
+#include "macro/run_driver.h"
+#include "macro/series_files.h"
+#include "platform/paths.h"
+
+namespace quiverion {
+namespace {
+
+// A run without windows: its log is what is wanted.
+class SilentUi : public UserInterface {
+ public:
+  MessageAnswer Ask(const Message& /*box*/) override { return MessageAnswer::cancel; }
+  void RunStarted(const RunProgress& /*progress*/) override {}
+  void ShowProgress(const RunProgress& /*progress*/) override {}
+  void RunEnded() override {}
+  void ComputationStarted() override {}
+  void ShowComputation(std::int64_t /*done*/, std::int64_t /*total*/) override {}
+  void ComputationEnded() override {}
+  bool Yield() override { return false; }
+};
+
+class Shots {
+ public:
+  Shots(std::string macro, std::string series, QString target)
+      : macro_(std::move(macro)), series_(std::move(series)), target_(std::move(target)) {}
+
+  void TakeAll() {
+    Windows();
+    ParameterWindowsWithDefaults();
+    Boxes();
+    Menus();
+  }
+  bool Complete() const { return complete_; }
+
+ private:
+  void Save(QWidget& widget, const QString& name) {
+    QApplication::processEvents();
+    complete_ = widget.grab().save(target_ + "/" + name + ".png") && complete_;
+  }
+  void Show(QWidget& widget, const QString& name) {
+    widget.show();
+    Save(widget, name);
+    widget.hide();
+  }
+  // What `open` shows modally, photographed and closed.
+  void Modal(const QString& name, const std::function<void()>& open) {
+    QTimer::singleShot(50, [this, name] {
+      QWidget* const window = QApplication::activeModalWidget();
+      Save(*window, name);
+      window->close();
+    });
+    open();
+  }
+
+  void Windows() {
+    main_.TheSession().macro = Macro();
+    main_.ShowMacro(2);
+    main_.OpenDirectory(series_);
+    main_.findChild<FileList*>("Files")->SelectNames(Names());
+    main_.show();
+    Save(main_, "frmMain");
+    main_.ComputationStarted();
+    main_.ShowComputation(7, 12);
+    Save(main_, "frmMain-Statistik");
+    main_.ComputationEnded();
+
+    RunLog log;
+    LogText text;
+    log.Attach(text);
+    Session session(*files_, ui_, log, clock_);
+    session.macro = main_.TheSession().macro;
+    session.inputDirectory = WithSeparator(series_);
+    session.selectedFiles = Names();
+    session.selectedFiles.resize(3);
+    session.selectedFiles.emplace_back("fehlt.vas");
+    RunMacro(session);
+    frmShowLogFile shown(text, session.inputDirectory + "Log.rtf", *files_, ui_);
+    Show(shown, "frmShowLogFile");
+    frmShowProgress progress(ui_);
+    progress.Show({12, 5, 4, "run05.vec", "Fehlerhafte Vektoren suchen", true});
+    Show(progress, "frmShowProgress");
+  }
+
+  template <class Window>
+  void Parameters(Window& window, const QString& name, MacroEvent event) {
+    AddDefaultParameters(event);
+    window.Load(event);
+    Show(window, name);
+  }
+
+  void ParameterWindowsWithDefaults() {
+    frmFaultVectors faultVectors(ui_);
+    MacroEvent event = Macro()[1];
+    Parameters(faultVectors, "frmFaultVectors", event);
+    frmFaultVectors empty(ui_);
+    Parameters(empty, "frmFaultVectors-neu", MacroEvent(30001));
+    frmPrefixPostfix names;
+    Parameters(names, "frmPrefixPostfix", MacroEvent(10101));
+    frmXYTrafo trafo(ui_);
+    Parameters(trafo, "frmXYTrafo", MacroEvent(30003));
+    frmMirrorOptions mirror;
+    Parameters(mirror, "frmMirrorOptions", MacroEvent(30002));
+    frmEditVector vector(ui_, ToQt(FindCommand(40201)->editor.title));
+    Parameters(vector, "frmEditVector", MacroEvent(40201));
+    frmChooseMacroEvent tree;
+    tree.findChild<QTreeWidget*>()->expandItem(tree.findChild<QTreeWidget*>()->topLevelItem(3));
+    Show(tree, "frmChooseMacroEvent");
+  }
+
+  void Boxes() {
+    ParameterWindows dialogs(main_, ui_);
+    Modal("Eingabe", [&] {
+      const ParameterEditor& editor = FindCommand(50104)->editor;
+      dialogs.AskText({std::string(editor.title), std::string(editor.text), std::string(editor.preset)});
+    });
+    Modal("Datei", [&] {
+      dialogs.ChooseFile({.kind = FileQuestion::Kind::save,
+                          .title = "Makro speichern",
+                          .filters = {"QuiverionSeries-Makro (*.mak)"},
+                          .directory = series_,
+                          .extension = "mak"});
+    });
+    const auto box = [&](const QString& name, const Message& message) {
+      Modal(name, [&] { ShowMessageBox(&main_, message); });
+    };
+    const ParameterEditor& question = FindCommand(50003)->editor;
+    box("Frage", {.title = std::string(question.title),
+                  .text = std::string(question.text),
+                  .buttons = MessageButtons::yesNoCancel,
+                  .icon = MessageIcon::question,
+                  .preselected = MessageAnswer::no});
+    box("Abbruch", {.title = "QuiverionSeries  -  Makro-Ausführung abbrechen",
+                    .text = "Damit wird die Makro-Ausführung beendet. Soll die Ausführung wirklich beendet werden?",
+                    .buttons = MessageButtons::yesNo,
+                    .icon = MessageIcon::question});
+    box("Datei-fehlt", {.title = "QuiverionSeries  -  Fehler im Makro",
+                        .text = "Die Datei '" + series_ +
+                                "/fehlt.vas' kann nicht geöffnet werden!\r\nDatei nicht vorhanden, beschädigt oder "
+                                "wird bereits verwendet.",
+                        .buttons = MessageButtons::abortRetryIgnore});
+  }
+
+  void Menus() {
+    for (const char* name : {"mnuFile", "mnuStatistics", "mnuHelpMenu"}) {
+      QMenu* const menu = main_.findChild<QMenu*>(name);
+      menu->popup(main_.mapToGlobal(QPoint(0, 20)));
+      Save(*menu, name);
+      menu->close();
+    }
+  }
+
+  MacroEventList Macro() { return ReadMacro(*files_->OpenForReading(macro_)); }
+  std::vector<std::string> Names() { return ListSeriesFiles(*files_, series_); }
+
+  std::string macro_, series_;
+  QString target_;
+  bool complete_ = true;
+  std::unique_ptr<FileSystem> files_ = MakeSystemFileSystem();
+  SystemClock clock_;
+  SilentUi ui_;
+  frmMain main_{Machine{.files = *files_, .clock = clock_, .listDrives = MountedDrives, .startDirectory = series_}};
+};
+
+}  // namespace
+}  // namespace quiverion
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  quiverion::PrepareApplication(application);
+  const QStringList words = QApplication::arguments();
+  if (words.size() != 4 || !QDir().mkpath(words[3])) {
+    std::cerr << "Aufruf: make_shots MAKRO SERIE ZIEL\n";
+    return 2;
+  }
+  try {
+    quiverion::Shots shots(quiverion::PathFromQt(QDir(words[1]).absolutePath()),
+                           quiverion::PathFromQt(QDir(words[2]).absolutePath()), words[3]);
+    shots.TakeAll();
+    return shots.Complete() ? 0 : 1;
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << '\n';
+    return 1;
+  }
+}
