@@ -15,8 +15,7 @@ std::vector<std::string> MountedDrives() {
     if (QFileInfo(volume.rootPath()).isDir()) drives.push_back(PathFromQt(volume.rootPath()));
   }
   std::ranges::sort(drives);
-  const auto repeated = std::ranges::unique(drives);
-  drives.erase(repeated.begin(), repeated.end());
+  drives.erase(std::unique(drives.begin(), drives.end()), drives.end());
   return drives;
 }
 

@@ -50,10 +50,10 @@ void frmMain::Guarded(const std::function<void()>& action) {
 }
 
 void frmMain::AddShortcut(const QKeySequence& keys, QWidget* where, Qt::ShortcutContext context,
-                          std::function<void()> action) {
+                          const std::function<void()>& action) {
   auto* const shortcut = new QShortcut(keys, where);
   shortcut->setContext(context);
-  connect(shortcut, &QShortcut::activated, this, std::move(action));
+  connect(shortcut, &QShortcut::activated, this, action);
 }
 
 void frmMain::ConnectMacroControls() {

@@ -64,7 +64,8 @@ class frmMain : public QMainWindow {
   void ConnectMacroControls();
   void ConnectFileControls();
   void ConnectMenus();
-  void AddShortcut(const QKeySequence& keys, QWidget* where, Qt::ShortcutContext context, std::function<void()> action);
+  void AddShortcut(const QKeySequence& keys, QWidget* where, Qt::ShortcutContext context,
+                   const std::function<void()>& action);
 
   // Runs what an event asks for: whatever it throws ends in a message box.
   void Guarded(const std::function<void()>& action);

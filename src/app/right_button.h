@@ -16,8 +16,8 @@ class RightButton : public QObject {
 
   bool eventFilter(QObject* /*viewport*/, QEvent* event) override {
     const QEvent::Type type = event->type();
-    const bool ofButton = type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick ||
-                          type == QEvent::MouseButtonRelease;
+    const bool ofButton =
+        type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick || type == QEvent::MouseButtonRelease;
     if (!ofButton || static_cast<QMouseEvent*>(event)->button() != Qt::RightButton) return false;
     if (type == QEvent::MouseButtonRelease) action_();
     return true;

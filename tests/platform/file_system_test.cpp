@@ -221,5 +221,27 @@ TEST_F(SystemFiles, BothSeparatorsLeadToTheSameFile) {
   EXPECT_EQ(Names(), NameList{"a"});
 }
 
+TEST_F(SystemFiles, DirectoriesAreListedWithoutHiddenOnesAndFiles) {
+  for (const char* name : {"b", "A", ".hidden"}) fs::create_directory(At(name));
+  Put("file", "x");
+  fs::create_directory_symlink(At("A"), At("link"));
+  NameList names = files_->ListDirectories(root_);
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ(names, (NameList{"A", "b", "link"}));
+  EXPECT_EQ(ErrorOf([&] { files_->ListDirectories(At("file")); }), 76);
+  EXPECT_EQ(ErrorOf([&] { files_->ListDirectories("C:\\"); }), 76);
+}
+
+TEST_F(SystemFiles, TheReadOnlyAttributeIsTakenOffAndAllOthersStay) {
+  Put("x.col", "x");
+  ::chmod(At("x.col").c_str(), 0540);
+  EXPECT_TRUE(files_->IsReadOnly(At("x.col")));
+  files_->ClearReadOnly(At("x.col"));
+  EXPECT_FALSE(files_->IsReadOnly(At("x.col")));
+  EXPECT_EQ(fs::status(At("x.col")).permissions(), fs::perms{0740});
+  EXPECT_FALSE(files_->IsReadOnly(At("gone")));
+  EXPECT_EQ(ErrorOf([&] { files_->ClearReadOnly(At("gone")); }), 53);
+}
+
 }  // namespace
 }  // namespace quiverion::test

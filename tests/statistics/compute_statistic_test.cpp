@@ -276,6 +276,15 @@ TEST_F(Statistics, ShowTheirProgressAndYieldBehindEveryRecord) {
   }
 }
 
+TEST_F(Statistics, SaveNothingWhereAYieldAsksThemToStop) {
+  CollectNumbered(3);
+  program.ui.abortAtYield = 5;  // in the second pass
+  EXPECT_FALSE(ComputeStatistic(context, turbulence, "C.col", "stopped.vas"));
+  EXPECT_EQ(program.ui.yields, 5);
+  EXPECT_TRUE(program.ui.messages.empty());
+  EXPECT_FALSE(program.ui.running || context.busy || program.files.files.contains("stopped.vas"));
+}
+
 TEST_F(Statistics, SayWhatTheyAreInTheirHeader) {
   CollectNumbered(2);
   VectorField& field = context.field;
