@@ -232,6 +232,7 @@ void frmMain::ReadLists() {
 }
 
 void frmMain::Start() {
+  if (session_.context.busy) return;  // what runs keeps its files and its log
   Guarded([this] {
     session_.selectedFiles = ui_->Files->SelectedNames();
     session_.inputDirectory = WithSeparator(ui_->Directory->Path());

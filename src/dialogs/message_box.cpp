@@ -2,56 +2,43 @@
 
 #include <QMessageBox>
 #include <QPushButton>
-#include <span>
+#include <algorithm>
+#include <iterator>
 
 #include "dialogs/qt_text.h"
 
 namespace quiverion {
 namespace {
 
-using Buttons = std::span<const MessageAnswer>;
+using Button = QMessageBox::StandardButton;
 
-// The last one is what closing the box means.
-Buttons ButtonsOf(MessageButtons buttons) {
-  using enum MessageAnswer;
-  static constexpr MessageAnswer kOk[] = {ok}, kOkCancel[] = {ok, cancel}, kRetryCancel[] = {retry, cancel},
-                                 kRetryIgnoreAbort[] = {retry, ignore, abort}, kYesNo[] = {yes, no},
-                                 kYesNoCancel[] = {yes, no, cancel};
-  switch (buttons) {
-    case MessageButtons::okCancel:
-      return kOkCancel;
-    case MessageButtons::retryCancel:
-      return kRetryCancel;
-    case MessageButtons::abortRetryIgnore:
-      return kRetryIgnoreAbort;
-    case MessageButtons::yesNo:
-      return kYesNo;
-    case MessageButtons::yesNoCancel:
-      return kYesNoCancel;
-    case MessageButtons::ok:
-      break;
-  }
-  return kOk;
-}
+constexpr std::pair<MessageAnswer, Button> kAnswers[] = {
+    {MessageAnswer::ok, QMessageBox::Ok},         {MessageAnswer::retry, QMessageBox::Retry},
+    {MessageAnswer::cancel, QMessageBox::Cancel}, {MessageAnswer::abort, QMessageBox::Abort},
+    {MessageAnswer::ignore, QMessageBox::Ignore}, {MessageAnswer::yes, QMessageBox::Yes},
+    {MessageAnswer::no, QMessageBox::No},
+};
 
-QMessageBox::StandardButton StandardButton(MessageAnswer answer) {
-  switch (answer) {
-    case MessageAnswer::ok:
-      return QMessageBox::Ok;
-    case MessageAnswer::retry:
-      return QMessageBox::Retry;
-    case MessageAnswer::cancel:
-      return QMessageBox::Cancel;
-    case MessageAnswer::abort:
-      return QMessageBox::Abort;
-    case MessageAnswer::ignore:
-      return QMessageBox::Ignore;
-    case MessageAnswer::yes:
-      return QMessageBox::Yes;
-    case MessageAnswer::no:
-      break;
-  }
-  return QMessageBox::No;
+struct ButtonSet {
+  MessageButtons kind;
+  QMessageBox::StandardButtons buttons;
+  Button first;   // what Enter presses where nothing else is said
+  Button escape;  // what closing the box means
+};
+
+constexpr ButtonSet kButtonSets[] = {
+    {MessageButtons::ok, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Ok},
+    {MessageButtons::okCancel, QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Ok, QMessageBox::Cancel},
+    {MessageButtons::retryCancel, QMessageBox::Retry | QMessageBox::Cancel, QMessageBox::Retry, QMessageBox::Cancel},
+    {MessageButtons::abortRetryIgnore, QMessageBox::Abort | QMessageBox::Retry | QMessageBox::Ignore,
+     QMessageBox::Abort, QMessageBox::Abort},
+    {MessageButtons::yesNo, QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes, QMessageBox::No},
+    {MessageButtons::yesNoCancel, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes,
+     QMessageBox::Cancel},
+};
+
+Button ButtonOf(MessageAnswer answer) {
+  return std::ranges::find(kAnswers, answer, [](const auto& pair) { return pair.first; })->second;
 }
 
 QMessageBox::Icon IconOf(MessageIcon icon) {
@@ -71,20 +58,16 @@ QMessageBox::Icon IconOf(MessageIcon icon) {
 }  // namespace
 
 MessageAnswer ShowMessageBox(QWidget* parent, const Message& message) {
-  QMessageBox box(IconOf(message.icon), ToQt(message.title), LinesToQt(message.text), QMessageBox::NoButton, parent);
+  const ButtonSet& set = *std::ranges::find(kButtonSets, message.buttons, &ButtonSet::kind);
+  QMessageBox box(IconOf(message.icon), ToQt(message.title), LinesToQt(message.text), set.buttons, parent);
   box.setTextFormat(Qt::PlainText);
-  const Buttons answers = ButtonsOf(message.buttons);
-  for (const MessageAnswer answer : answers) box.addButton(StandardButton(answer));
   if (QAbstractButton* const abort = box.button(QMessageBox::Abort)) abort->setText(QStringLiteral("Abbrechen"));
-  const MessageAnswer first =
-      message.buttons == MessageButtons::abortRetryIgnore ? MessageAnswer::abort : answers.front();
-  box.setDefaultButton(StandardButton(message.preselected.value_or(first)));
-  box.setEscapeButton(StandardButton(answers.back()));
+  box.setDefaultButton(message.preselected ? ButtonOf(*message.preselected) : set.first);
+  box.setEscapeButton(set.escape);
   const int pressed = box.exec();
-  for (const MessageAnswer answer : answers) {
-    if (pressed == StandardButton(answer)) return answer;
-  }
-  return answers.back();
+  const auto answer = std::ranges::find(kAnswers, pressed, [](const auto& pair) { return int{pair.second}; });
+  if (answer != std::end(kAnswers) && set.buttons.testFlag(answer->second)) return answer->first;
+  return std::ranges::find(kAnswers, set.escape, [](const auto& pair) { return pair.second; })->first;
 }
 
 }  // namespace quiverion
