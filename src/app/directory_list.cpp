@@ -51,6 +51,12 @@ void DirectoryList::SetPath(const std::string& path) {
   setCurrentRow(current);
 }
 
+// A click beside the lines leaves the current directory marked.
+QItemSelectionModel::SelectionFlags DirectoryList::selectionCommand(const QModelIndex& index,
+                                                                    const QEvent* event) const {
+  return index.isValid() ? QListWidget::selectionCommand(index, event) : QItemSelectionModel::NoUpdate;
+}
+
 void DirectoryList::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
     case Qt::Key_Return:

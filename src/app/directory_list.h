@@ -30,6 +30,7 @@ class DirectoryList : public QListWidget {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
 
  private:
   void Choose(const QListWidgetItem* line);

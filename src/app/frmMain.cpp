@@ -7,8 +7,8 @@
 #include <QSignalBlocker>
 #include <algorithm>
 
+#include "app/mouse_rules.h"
 #include "app/navigation.h"
-#include "app/right_button.h"
 #include "app/statistics_flow.h"
 #include "dialogs/file_choices.h"
 #include "dialogs/frmShowLogFile.h"
@@ -85,6 +85,7 @@ void frmMain::ConnectFileControls() {
   for (QAbstractItemView* const list : std::initializer_list<QAbstractItemView*>{ui_->Directory, ui_->Files}) {
     new RightButton(*list, [this] { ReadLists(); });
   }
+  ui_->Drive->installEventFilter(new NoWheel(ui_->Drive));
   connect(ui_->Drive, &QComboBox::activated, this, &frmMain::ChangeDrive);
   AddShortcut(Qt::CTRL | Qt::Key_A, this, Qt::WindowShortcut, [this] {
     ui_->Files->setFocus();
@@ -199,7 +200,9 @@ void frmMain::ShowDriveOfDirectory() {
 
 void frmMain::ChangeDrive(int index) {
   try {
-    ui_->Directory->SetPath(drives_.at(static_cast<std::size_t>(index)));
+    const std::string& drive = drives_.at(static_cast<std::size_t>(index));
+    if (drive == DriveOf(drives_, ui_->Directory->Path())) return;  // the same one was chosen again
+    ui_->Directory->SetPath(drive);
     ui_->Files->ShowDirectory(ui_->Directory->Path());
   } catch (const std::exception&) {
     messages_.Ask({.title = "Fehler", .text = "Laufwerk nicht bereit!"});
@@ -233,12 +236,16 @@ void frmMain::ReadLists() {
 
 void frmMain::Start() {
   if (session_.context.busy) return;  // what runs keeps its files and its log
-  Guarded([this] {
+  const QPoint place = pos();
+  Guarded([this, place] {
     session_.selectedFiles = ui_->Files->SelectedNames();
     session_.inputDirectory = WithSeparator(ui_->Directory->Path());
     logText_.Clear();
     if (!StartRun(session_)) return;
     ShowLog();
+    if (quitting_) return;
+    move(place);  // a window that was hidden would be placed anew
+    show();
     ReadLists();
   });
 }
@@ -248,7 +255,6 @@ void frmMain::ShowLog() {
     frmShowLogFile(logText_, session_.inputDirectory + "Log.rtf", machine_.files, messages_).exec();
   }
   logText_.Clear();
-  if (!quitting_) show();
 }
 
 void frmMain::RunStatistic(StatisticKind kind) {
@@ -260,11 +266,11 @@ void frmMain::RunStatistic(StatisticKind kind) {
     }
     logText_.Clear();
     session_.context.runHadError = false;
-    const bool computed = StatisticsCommandFlow(session_.context, dialogs_, kind, ui_->Directory->Path());
+    const bool begun = StatisticsCommandFlow(session_.context, dialogs_, kind, ui_->Directory->Path());
     // The result is saved as in a run: what went wrong stands in the log.
-    if (computed && session_.context.runHadError) messages_.Ask({.title = title, .text = logText_.Text()});
+    if (begun && session_.context.runHadError) messages_.Ask({.title = title, .text = logText_.Text()});
     logText_.Clear();
-    if (computed) ReadLists();
+    if (begun && !quitting_) ReadLists();
   });
 }
 

@@ -85,7 +85,9 @@ bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, Statisti
        .directory = collection->substr(0, collection->size() - FileNameOf(*collection).size()),
        .fileName = std::string(BaseNameOf(FileNameOf(*collection))) + std::string(texts.defaultName),
        .extension = "vas"});
-  return output && ComputeStatistic(context, kind, *collection, *output, viscosity);
+  if (!output) return false;
+  ComputeStatistic(context, kind, *collection, *output, viscosity);
+  return true;
 }
 
 }  // namespace quiverion

@@ -21,7 +21,7 @@ const StatisticTexts& TextsOf(StatisticKind kind);
 
 /// Leads the user through a statistics command: explains, asks for the collection, for the dissipation for the viscosity,
 /// and for the output file, and computes. File dialogs for the collection begin in `directory`. Cancelling a dialog ends
-/// it silently. Returns true where a result was written.
+/// it silently. Returns true where it came to the computation, whatever its end was.
 bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, StatisticKind kind,
                            const std::string& directory);
 

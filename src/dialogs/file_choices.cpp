@@ -11,18 +11,19 @@ std::string WithExtension(const std::string& path, const std::string& extension)
 
 std::optional<std::string> ChooseFileWithExtension(ParameterDialogs& dialogs, FileSystem& files, UserInterface& ui,
                                                    const FileQuestion& question) {
-  const auto chosen = dialogs.ChooseFile(question);
-  if (!chosen) return std::nullopt;
-  const std::string path = WithExtension(*chosen, "." + question.extension);
-  if (question.kind == FileQuestion::Kind::save && path != *chosen && FileExists(files, path)) {
+  for (FileQuestion shown = question;;) {
+    const auto chosen = dialogs.ChooseFile(shown);
+    if (!chosen) return std::nullopt;
+    std::string path = WithExtension(*chosen, "." + question.extension);
+    if (question.kind == FileQuestion::Kind::open || !FileExists(files, path)) return path;
     const MessageAnswer answer = ui.Ask({.title = question.title,
                                          .text = "'" + path + "' existiert bereits.\r\nSoll die Datei ersetzt werden?",
                                          .buttons = MessageButtons::yesNo,
-                                         .icon = MessageIcon::warning,
                                          .preselected = MessageAnswer::no});
-    if (answer != MessageAnswer::yes) return std::nullopt;
+    if (answer == MessageAnswer::yes) return path;
+    shown.fileName = FileNameOf(path);
+    shown.directory = path.substr(0, path.size() - shown.fileName.size());
   }
-  return path;
 }
 
 }  // namespace quiverion

@@ -13,8 +13,8 @@ namespace quiverion {
 /// without one.
 std::string WithExtension(const std::string& path, const std::string& extension);
 
-/// The chosen file with the extension forced; none where the user cancels. A file to be saved over that the dialog did
-/// not ask about, because the extension made another name of it, is asked about here.
+/// The chosen file with the extension forced; none where the user cancels. Before a file is saved over, that is asked; No
+/// leads back to the dialog.
 std::optional<std::string> ChooseFileWithExtension(ParameterDialogs& dialogs, FileSystem& files, UserInterface& ui,
                                                    const FileQuestion& question);
 

@@ -1,6 +1,8 @@
 #include "dialogs/filtered_line_edit.h"
 
+#include <QClipboard>
 #include <QFocusEvent>
+#include <QGuiApplication>
 #include <QValidator>
 #include <algorithm>
 
@@ -15,7 +17,8 @@ std::u16string_view View(QStringView text) {
 
 }  // namespace
 
-// Sees every change of the text, wherever it comes from, and takes out of it what the rule refuses.
+// Sees every change of the text, wherever it comes from (a drop, an input method), and takes out of it what the rule
+// refuses. What is typed and pasted by keys was filtered before: a change that is mended here cannot be undone.
 class FilteredLineEdit::Filter : public QValidator {
  public:
   explicit Filter(FilteredLineEdit& box) : QValidator(&box), box_(box) {}
@@ -53,6 +56,22 @@ void FilteredLineEdit::ShowText(const std::string& text) {
 
 std::string FilteredLineEdit::Text() const {
   return FromQt(text());
+}
+
+void FilteredLineEdit::InsertFiltered(const QString& typed) {
+  const QStringView whole(text());
+  const bool selected = hasSelectedText();
+  const QStringView left = whole.left(selected ? selectionStart() : cursorPosition());
+  const QStringView right = whole.mid(selected ? selectionEnd() : cursorPosition());
+  const std::u16string accepted = FilterKeys(rule_, View(left), View(typed), View(right));
+  if (!accepted.empty()) insert(QString::fromStdU16String(accepted));
+}
+
+void FilteredLineEdit::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Paste)) return InsertFiltered(QGuiApplication::clipboard()->text());
+  const bool typed = !event->text().isEmpty() && event->text().front().isPrint() &&
+                     (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
+  typed ? InsertFiltered(event->text()) : QLineEdit::keyPressEvent(event);
 }
 
 void FilteredLineEdit::focusInEvent(QFocusEvent* event) {

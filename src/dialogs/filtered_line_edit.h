@@ -8,7 +8,7 @@
 namespace quiverion {
 
 /// A text box that takes only the characters of its rule, typed, pasted or dropped, and that is wholly selected when it
-/// receives the focus. Undo is not filtered: it brings back what the box has held.
+/// receives the focus.
 class FilteredLineEdit : public QLineEdit {
   Q_OBJECT
 
@@ -23,11 +23,14 @@ class FilteredLineEdit : public QLineEdit {
   std::string Text() const;
 
  protected:
+  void keyPressEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
 
  private:
   class Filter;
+
+  void InsertFiltered(const QString& typed);
 
   KeyRule rule_ = KeyRule::signedNumber;
   QString held_;            // the text before the change that is being filtered

@@ -28,7 +28,8 @@ frmChooseMacroEvent::frmChooseMacroEvent(QWidget* parent)
   QTreeWidget* const tree = ui_->tvwMacroEvents;
   connect(tree, &QTreeWidget::currentItemChanged, this, [this] { ui_->cmdOk->setEnabled(CommandIsSelected()); });
   connect(tree, &QTreeWidget::itemClicked, this, [this] { ui_->cmdOk->setEnabled(CommandIsSelected()); });
-  connect(tree, &QTreeWidget::itemActivated, this, [this] { AcceptCommand(); });  // double-click and Enter
+  connect(tree, &QTreeWidget::itemDoubleClicked, this,
+          [this] { AcceptCommand(); });  // Enter presses the default button
   connect(ui_->cmdOk, &QPushButton::clicked, this, [this] { AcceptCommand(); });
   connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 }

@@ -70,6 +70,9 @@ frmShowLogFile::frmShowLogFile(const LogText& log, std::string path, FileSystem&
     DocumentSink document(ui_->RichTextBox->document());
     log_.ReplayTo(document);
   }
+  // The verdict stands at the end.
+  ui_->RichTextBox->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  ui_->RichTextBox->moveCursor(QTextCursor::End);
   connect(ui_->cmdOk, &QPushButton::clicked, this, &QDialog::accept);
   connect(ui_->cmdPrint, &QPushButton::clicked, this, &frmShowLogFile::Print);
   connect(ui_->cmdSave, &QPushButton::clicked, this, &frmShowLogFile::Save);

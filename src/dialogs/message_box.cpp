@@ -1,5 +1,6 @@
 #include "dialogs/message_box.h"
 
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QPushButton>
 #include <algorithm>
@@ -12,11 +13,20 @@ namespace {
 
 using Button = QMessageBox::StandardButton;
 
-constexpr std::pair<MessageAnswer, Button> kAnswers[] = {
-    {MessageAnswer::ok, QMessageBox::Ok},         {MessageAnswer::retry, QMessageBox::Retry},
-    {MessageAnswer::cancel, QMessageBox::Cancel}, {MessageAnswer::abort, QMessageBox::Abort},
-    {MessageAnswer::ignore, QMessageBox::Ignore}, {MessageAnswer::yes, QMessageBox::Yes},
-    {MessageAnswer::no, QMessageBox::No},
+struct Answer {
+  MessageAnswer answer;
+  Button button;
+  const char* text;
+};
+
+constexpr Answer kAnswers[] = {
+    {MessageAnswer::ok, QMessageBox::Ok, "&Ok"},
+    {MessageAnswer::retry, QMessageBox::Retry, "&Wiederholen"},
+    {MessageAnswer::cancel, QMessageBox::Cancel, "&Abbrechen"},
+    {MessageAnswer::abort, QMessageBox::Abort, "&Abbrechen"},
+    {MessageAnswer::ignore, QMessageBox::Ignore, "&Ignorieren"},
+    {MessageAnswer::yes, QMessageBox::Yes, "&Ja"},
+    {MessageAnswer::no, QMessageBox::No, "&Nein"},
 };
 
 struct ButtonSet {
@@ -37,10 +47,6 @@ constexpr ButtonSet kButtonSets[] = {
      QMessageBox::Cancel},
 };
 
-Button ButtonOf(MessageAnswer answer) {
-  return std::ranges::find(kAnswers, answer, [](const auto& pair) { return pair.first; })->second;
-}
-
 QMessageBox::Icon IconOf(MessageIcon icon) {
   switch (icon) {
     case MessageIcon::information:
@@ -57,17 +63,31 @@ QMessageBox::Icon IconOf(MessageIcon icon) {
 
 }  // namespace
 
+int WidthOfTitle(const QWidget& window) {
+  constexpr int besideTitle = 140;  // the picture and the buttons of the window's frame
+  return window.fontMetrics().horizontalAdvance(window.windowTitle()) + besideTitle;
+}
+
 MessageAnswer ShowMessageBox(QWidget* parent, const Message& message) {
   const ButtonSet& set = *std::ranges::find(kButtonSets, message.buttons, &ButtonSet::kind);
   QMessageBox box(IconOf(message.icon), ToQt(message.title), LinesToQt(message.text), set.buttons, parent);
   box.setTextFormat(Qt::PlainText);
-  if (QAbstractButton* const abort = box.button(QMessageBox::Abort)) abort->setText(QStringLiteral("Abbrechen"));
-  box.setDefaultButton(message.preselected ? ButtonOf(*message.preselected) : set.first);
+  box.setDefaultButton(set.first);
   box.setEscapeButton(set.escape);
-  const int pressed = box.exec();
-  const auto answer = std::ranges::find(kAnswers, pressed, [](const auto& pair) { return int{pair.second}; });
-  if (answer != std::end(kAnswers) && set.buttons.testFlag(answer->second)) return answer->first;
-  return std::ranges::find(kAnswers, set.escape, [](const auto& pair) { return pair.second; })->first;
+  for (const Answer& answer : kAnswers) {
+    QAbstractButton* const button = box.button(answer.button);
+    if (button == nullptr) continue;
+    button->setText(ToQt(answer.text));
+    if (message.preselected == answer.answer) box.setDefaultButton(answer.button);
+  }
+  // The box has a fixed size: only what lies in its layout widens it.
+  if (auto* const grid = qobject_cast<QGridLayout*>(box.layout())) {
+    grid->addItem(new QSpacerItem(WidthOfTitle(box), 0), grid->rowCount(), 0, 1, grid->columnCount());
+  }
+  int pressed = box.exec();
+  // An application that ends closes the box without a button.
+  if (!set.buttons.testFlag(static_cast<Button>(pressed))) pressed = set.escape;
+  return std::ranges::find(kAnswers, pressed, [](const Answer& answer) { return int{answer.button}; })->answer;
 }
 
 }  // namespace quiverion

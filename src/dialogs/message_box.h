@@ -10,4 +10,7 @@ namespace quiverion {
 /// No, Cancel or Abort.
 MessageAnswer ShowMessageBox(QWidget* parent, const Message& message);
 
+/// How wide a window must be so that its title is not cut.
+int WidthOfTitle(const QWidget& window);
+
 }  // namespace quiverion

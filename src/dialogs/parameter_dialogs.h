@@ -19,9 +19,8 @@ struct TextQuestion {
 /// A file dialog. Paths are the bytes the system uses.
 struct FileQuestion {
   enum class Kind {
-    open,          // the file must exist
-    save,          // asks before a file is chosen that exists
-    saveSilently,  // for files that are added to
+    open,  // the file must exist
+    save,  // it may exist; nothing is asked about it
   };
   Kind kind = Kind::open;
   std::string title = {};

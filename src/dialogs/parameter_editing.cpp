@@ -80,7 +80,7 @@ EditOutcome AskVortexCentres(const Editing& editing) {
   std::string textFile;
   if (confirmed("Diese Funktion sucht nach Maxima der (Swirling Strength)². Wollen Sie die gefundenen Maxima einer "
                 "Textdatei hinzufügen?")) {
-    FileQuestion question{.kind = FileQuestion::Kind::saveSilently,
+    FileQuestion question{.kind = FileQuestion::Kind::save,
                           .title = "Wirbelzentren einer Textdatei hinzufügen",
                           .filters = {"Textdatei (*.txt)"},
                           .directory = editing.services.directory,
@@ -169,7 +169,7 @@ bool MakeWritable(const Editing& editing, const std::string& path) {
 }
 
 EditOutcome AskCollectionFile(const Editing& editing) {
-  FileQuestion question{.kind = FileQuestion::Kind::saveSilently,
+  FileQuestion question{.kind = FileQuestion::Kind::save,
                         .title = "Vektorfeld für Statistik sammeln",
                         .filters = {"Statistik-Kollektion (*.col)"},
                         .directory = editing.services.directory,
@@ -260,9 +260,9 @@ void AddDefaultParameters(MacroEvent& event) {
 }
 
 void RefuseHugeNumber(UserInterface& ui, std::string_view text) {
-  ui.Ask({.title = "Ungültige Eingabe",
-          .text = "Die Zahl '" + std::string(text) + "' ist zu groß!",
-          .icon = MessageIcon::warning});
+  constexpr std::size_t shownLength = 30;
+  const std::string shown(text.size() <= shownLength ? text : std::string(text.substr(0, shownLength)) + "...");
+  ui.Ask({.title = "Ungültige Eingabe", .text = "Die Zahl '" + shown + "' ist zu groß!", .icon = MessageIcon::warning});
 }
 
 EditOutcome AskParameters(EditingServices& services, MacroEvent& event, bool isNew) {

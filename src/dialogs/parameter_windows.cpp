@@ -8,6 +8,7 @@
 #include "dialogs/frmMirrorOptions.h"
 #include "dialogs/frmPrefixPostfix.h"
 #include "dialogs/frmXYTrafo.h"
+#include "dialogs/message_box.h"
 #include "dialogs/qt_text.h"
 
 namespace quiverion {
@@ -30,6 +31,16 @@ std::unique_ptr<ParameterWindow> MakeWindow(const ParameterEditor& editor, UserI
   }
 }
 
+// `path` or the nearest directory above it that exists: of one that has gone the dialog would take the end for a file name.
+QString ExistingDirectory(const std::string& path) {
+  QString directory = QFile::decodeName(path.c_str());
+  for (QString above; !QFileInfo(directory).isDir(); directory = above) {
+    above = QFileInfo(directory).path();
+    if (above == directory) break;
+  }
+  return directory;
+}
+
 }  // namespace
 
 std::optional<std::int32_t> ParameterWindows::ChooseCommand() {
@@ -42,12 +53,15 @@ std::optional<std::string> ParameterWindows::AskText(const TextQuestion& questio
   box.setWindowTitle(ToQt(question.title));
   box.setLabelText(ToQt(question.prompt));
   box.setTextValue(ToQt(question.preset));
+  box.setOkButtonText(QStringLiteral("&Ok"));
+  box.setCancelButtonText(QStringLiteral("&Abbrechen"));
+  box.setMinimumWidth(WidthOfTitle(box));
   if (box.exec() != QDialog::Accepted) return std::nullopt;
   return FromQt(box.textValue());
 }
 
 std::optional<std::string> ParameterWindows::ChooseFile(const FileQuestion& question) {
-  QFileDialog dialog(&parent_, ToQt(question.title), QFile::decodeName(question.directory.c_str()));
+  QFileDialog dialog(&parent_, ToQt(question.title), ExistingDirectory(question.directory));
   QStringList filters;
   for (const std::string& filter : question.filters) filters.append(ToQt(filter));
   dialog.setNameFilters(filters);
@@ -57,7 +71,7 @@ std::optional<std::string> ParameterWindows::ChooseFile(const FileQuestion& ques
     dialog.setFileMode(QFileDialog::ExistingFile);
   } else {
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setOption(QFileDialog::DontConfirmOverwrite, question.kind == FileQuestion::Kind::saveSilently);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
   }
   if (!question.fileName.empty()) dialog.selectFile(QFile::decodeName(question.fileName.c_str()));
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "field/frames.h"
@@ -132,25 +133,33 @@ bool ComputeStatistic(Context& context, StatisticKind kind, const std::string& c
                       const std::string& outputPath, double viscosity) {
   const BusyGuard guard(context);
   if (!guard.Entered()) return false;
-  const ShownComputation shown(context.ui);
+  std::optional<ShownComputation> shown(context.ui);
+  // The window is as before when a message stands in front of it.
+  const auto fail = [&](const auto& show) {
+    shown.reset();
+    show();
+    return false;
+  };
   std::unique_ptr<InputFile> file;
   try {
     file = context.files.OpenForReading(collectionPath);
   } catch (const std::exception& error) {
-    ShowErrorBox(context, kErrorTitle,
-                 "Die Kollektion kann nicht geöffnet werden! Folgender Fehler ist aufgetreten:", error);
-    return false;
+    return fail([&] {
+      ShowErrorBox(context, kErrorTitle,
+                   "Die Kollektion kann nicht geöffnet werden! Folgender Fehler ist aufgetreten:", error);
+    });
   }
   try {
     Computation(context, *file).Run(StepsOf(kind), viscosity);
   } catch (const Stopped&) {
     return false;
   } catch (const FormatError& error) {
-    context.ui.Ask({.title = std::string(kErrorTitle), .text = error.Message()});
-    return false;
+    return fail([&] { context.ui.Ask({.title = std::string(kErrorTitle), .text = error.Message()}); });
   } catch (const std::exception& error) {
-    ShowErrorBox(context, kErrorTitle, "Fehler beim Einlesen der Kollektion! Folgender Fehler ist aufgetreten:", error);
-    return false;
+    return fail([&] {
+      ShowErrorBox(context, kErrorTitle,
+                   "Fehler beim Einlesen der Kollektion! Folgender Fehler ist aufgetreten:", error);
+    });
   }
   file.reset();
   SetResultHeader(context, kind, collectionPath);

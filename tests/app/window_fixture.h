@@ -30,6 +30,8 @@ class MainWindow : public testing::Test {
 
   /// A window that is closed ends the program. For the next test it begins again: nothing modal would be shown.
   ~MainWindow() override {
+    script.idle = nullptr;  // it looks at what the test has had on its stack
+    window.reset();
     QMetaObject::invokeMethod(
         qApp, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
     QCoreApplication::exec();

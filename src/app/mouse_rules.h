@@ -27,4 +27,12 @@ class RightButton : public QObject {
   std::function<void()> action_;
 };
 
+/// Keeps the wheel from changing a closed box that the mouse happens to be over.
+class NoWheel : public QObject {
+ public:
+  using QObject::QObject;
+
+  bool eventFilter(QObject* /*box*/, QEvent* event) override { return event->type() == QEvent::Wheel; }
+};
+
 }  // namespace quiverion
