@@ -68,6 +68,12 @@ TEST_F(MainWindow, ADriveThatIsNotReadyIsRefused) {
   script.ExpectBox(QMessageBox::Ok, "Fehler|Laufwerk nicht bereit!");
   emit drive.activated(2);
   EXPECT_EQ(drive.currentIndex(), 1);
+  QTest::keyClick(&Directory(), Qt::Key_Backspace);
+  const std::string inRoot = Directory().Path();
+  emit drive.activated(0);  // the drive of the directory: nothing has changed
+  EXPECT_EQ(Directory().Path(), inRoot);
+  emit drive.activated(1);
+  EXPECT_EQ(Directory().Path(), place.Path() + "serie");
   emit drive.activated(0);
   EXPECT_EQ(Directory().Path(), "/");
   EXPECT_EQ(drive.currentIndex(), 0);
@@ -275,6 +281,25 @@ TEST_F(MainWindow, AResultThatCannotBeSavedIsSaid) {
     box.accept();
   });
   Trigger("mnuAverage");
+}
+
+TEST_F(MainWindow, AStatisticThatFailsLeavesTheWindowAsItWas) {
+  place.Write("s.col", "no collection");
+  Open();
+  script.ExpectBox(QMessageBox::Ok);
+  script.ExpectFile(place.Path() + "s.col");
+  script.ExpectBox(QMessageBox::Ok);
+  script.ExpectFile(place.Path() + "r.vas");
+  script.Expect<QMessageBox>("QMessageBox", [this](QMessageBox& box) {
+    EXPECT_EQ(FromQt(box.windowTitle() + "|" + box.text()),
+              "QuiverionSeries - Fehler|Dies ist keine gültige COL-Datei!");
+    EXPECT_TRUE(Get<QPushButton>("cmdOk").isVisible());
+    EXPECT_FALSE(Get<QProgressBar>("ProgressBar").isVisible());
+    place.Write("serie/neu.vas", "");
+    box.accept();
+  });
+  Trigger("mnuAverage");
+  EXPECT_EQ(Lines(Files()), "a.dat|b.vas|C.VEC|neu.vas|");
 }
 
 TEST_F(MainWindow, ClosesWithoutAQuestionWhereNothingRuns) {

@@ -75,6 +75,10 @@ TEST_F(StatisticsFlow, AViscosityIsANumberAboveZero) {
               "Ihre Eingabe lautete:  " + std::string(c.shown) + " m/s²\r\n\r\nSie müssen eine Zahl > 0 eingeben!");
   }
   dialogs.files = {"/c/Serie1"};
+  dialogs.texts = {"1E999"};
+  EXPECT_FALSE(Run(StatisticKind::dissipation));
+  EXPECT_EQ(program.ui.messages.back().text, "Die Zahl '1E999' ist zu groß!");
+  dialogs.files = {"/c/Serie1"};
   dialogs.texts = {"1,5E-5"};
   EXPECT_FALSE(Run(StatisticKind::dissipation));  // the output dialog is cancelled
   EXPECT_TRUE(program.ui.messages.back().text.starts_with("Die verwendete kinenamtische Viskosität beträgt:  1 m/s²"));

@@ -217,7 +217,9 @@ TEST_F(WholeWay, AFileDeletedBeforeStartIsAskedAbout) {
   script.ExpectBox(QMessageBox::Ignore);
   std::string log;
   ExpectLog(&log);
+  window->move(70, 50);
   Click("cmdOk");
+  EXPECT_EQ(window->pos(), QPoint(70, 50));  // where the user has put it
   EXPECT_NE(log.find("(Fehler-Nr. 53)"), std::string::npos);
 }
 

@@ -128,6 +128,10 @@ TEST_F(MacroEditingTest, PresetsTheWindows) {
     EXPECT_EQ(Ask(c.id), EditOutcome::cancelled);
     EXPECT_EQ(dialogs.edited.back().Text(c.key), c.text) << c.id << c.key;
   }
+  Ask(30001);
+  for (const char* flag : {"OptAbsIntOut", "OptXCompIntOut", "OptYCompIntOut", "LogicalOr"}) {
+    EXPECT_TRUE(dialogs.edited.back().Flag(flag)) << flag;
+  }
   MacroEvent stored(10101);
   stored.Set("Prefix", std::string("x"));
   stored.Set("Postfix", std::string("y"));
@@ -285,7 +289,7 @@ TEST_F(MacroEditingTest, TheExtensionOfAFileIsForced) {
                {"/a.b/serie", "/a.b/serie.mak"},
                {"C:\\a.b\\serie", "C:\\a.b\\serie.mak"}};
   for (const auto& c : cases) EXPECT_EQ(WithExtension(c.path, ".mak"), c.forced);
-  // A file that the forced extension leads to is not replaced unasked.
+  // No file is replaced unasked; No leads back to the dialog.
   program.files.files["/a.mak"] = "";
   const auto choose = [&](const char* path, FileQuestion::Kind kind) {
     dialogs.files = {path};
@@ -293,10 +297,12 @@ TEST_F(MacroEditingTest, TheExtensionOfAFileIsForced) {
   };
   program.ui.answers = {MessageAnswer::no, MessageAnswer::yes};
   EXPECT_EQ(choose("/a.txt", FileQuestion::Kind::save), "");
+  EXPECT_EQ(dialogs.fileQuestions.back().fileName, "a.mak");
   EXPECT_EQ(choose("/a.txt", FileQuestion::Kind::save), "/a.mak");
-  EXPECT_EQ(choose("/a.mak", FileQuestion::Kind::save), "/a.mak");  // the dialog has asked
+  EXPECT_EQ(TakeMessages(), Texts(2, "|'/a.mak' existiert bereits.\r\nSoll die Datei ersetzt werden?"));
+  EXPECT_EQ(choose("/b.txt", FileQuestion::Kind::save), "/b.mak");
   EXPECT_EQ(choose("/a.txt", FileQuestion::Kind::open), "/a.mak");
-  EXPECT_EQ(TakeMessages().size(), 2u);
+  EXPECT_TRUE(TakeMessages().empty());
 }
 
 }  // namespace

@@ -49,13 +49,19 @@ TEST(ParameterWindowsTest, GiveBackWhatTheyWereGiven) {
   test::ScriptedUi ui;
   QWidget parent;
   ParameterWindows windows(parent, ui);
-  for (const std::int32_t id : {10101, 30001, 30002, 30003, 40201}) {
+  std::int32_t before = 0;
+  // Twice each, with every mark set the other way round.
+  for (const std::int32_t id : {10101, 30001, 30001, 30002, 30002, 30003, 40201}) {
+    const bool marked = id != before;
+    before = id;
     MacroEvent event = NewCommand(id);
     for (const Parameter& parameter : ParametersOf(id)) {
       if (parameter.kind == ParameterKind::text) event.Set(parameter.key, std::string("7") + parameter.key.back());
       if (parameter.kind == ParameterKind::number) event.Set(parameter.key, -2.25);
-      if (parameter.kind == ParameterKind::flag) event.Set(parameter.key, parameter.key != "OptXCompIntOut");
-      if (parameter.kind == ParameterKind::checkState) event.Set(parameter.key, parameter.key != "ChkPosX" ? 1 : 0);
+      if (parameter.kind == ParameterKind::flag)
+        event.Set(parameter.key, (parameter.key != "OptXCompIntOut") == marked);
+      if (parameter.kind == ParameterKind::checkState)
+        event.Set(parameter.key, (parameter.key != "ChkPosX" && parameter.key != "ChkYComp") == marked ? 1 : 0);
       if (parameter.kind == ParameterKind::integer) event.Set(parameter.key, 3);
     }
     const MacroEvent given = event;
@@ -132,6 +138,8 @@ TEST(PrefixPostfix, FiltersWhatIsTypedAndPasted) {
   QTest::keyClicks(&postfix, "a.b");
   QTest::keyClick(&postfix, Qt::Key_Delete);
   EXPECT_EQ(Stored(window).Text("Postfix"), "ab12x");
+  for (int k = 0; k < 20 && postfix.isUndoAvailable(); ++k) QTest::keyClick(&postfix, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(FromQt(postfix.text()), "");  // what was filtered can be undone too
   window.Load([] {
     MacroEvent stored = NewCommand(10001);
     stored.Set("Prefix", std::string("a.b?"));
@@ -209,7 +217,7 @@ TEST(FaultVectors, ShowsWhatADamagedMacroHolds) {
   window.show();
   Press(window, "cmdOk");
   EXPECT_TRUE(window.isVisible());
-  EXPECT_EQ(ui.messages.at(0).text, "Die Zahl '" + std::string(400, '9') + "' ist zu groß!");
+  EXPECT_EQ(ui.messages.at(0).text, "Die Zahl '" + std::string(30, '9') + "...' ist zu groß!");
 }
 
 TEST(XYTrafo, CopiesFactorsAndRefusesZero) {

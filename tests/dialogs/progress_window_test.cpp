@@ -1,0 +1,91 @@
+#include <gtest/gtest.h>
+
+#include <QGroupBox>
+#include <QLabel>
+#include <QProgressBar>
+
+#include "dialogs/frmShowProgress.h"
+#include "dialogs/message_box.h"
+#include "dialogs/repaint_throttle.h"
+#include "support/test_session.h"
+#include "windows/modal_script.h"
+
+namespace quiverion {
+namespace {
+
+using test::Find;
+
+TEST(RepaintThrottle, PaintsNewAndSlowStepsAlwaysAndQuickOnesNowAndThen) {
+  RepaintThrottle throttle;
+  const struct {
+    const char* step;
+    double begins;
+    bool painted;
+  } steps[] = {
+      {"laden", 0.000, true},    {"median", 0.001, true},   {"sichern", 0.101, true},  // the first file
+      {"laden", 0.103, false},   {"median", 0.105, true},  // it took 0.1 s in the file before
+      {"sichern", 0.108, false}, {"laden", 0.109, false},  // now all are quick
+      {"median", 0.110, false},  {"sichern", 0.144, false}, {"laden", 0.146, false},  // the median took the most time:
+      {"median", 0.147, true},   {"sichern", 0.148, false}, {"laden", 0.229, true},   // it is the one that is shown
+  };
+  for (const auto& s : steps) EXPECT_EQ(throttle.IsDue(s.step, s.begins), s.painted) << s.step << " at " << s.begins;
+}
+
+TEST(ProgressCaption, TellsPercentOnlyWhereTheWindowIsMinimised) {
+  EXPECT_EQ(ProgressCaption(false, 1, 8), "QuiverionSeries  -  Makro wird bearbeitet");
+  EXPECT_EQ(ProgressCaption(true, 1, 8), "QuiverionSeries (12%)");  // halves to even
+  EXPECT_EQ(ProgressCaption(true, 3, 8), "QuiverionSeries (38%)");
+}
+
+TEST(ProgressWindow, ShowsWhereTheRunIs) {
+  test::ScriptedUi ui;
+  frmShowProgress window(ui);
+  const auto shown = [&](const RunProgress& progress) {
+    window.Show(progress);
+    const auto& bar = Find<QProgressBar>(window, "pgbProgress");
+    return FromQt(Find<QLabel>(window, "lblFileName").text() + "|" + Find<QLabel>(window, "lblRunningEvent").text() +
+                  "|" + Find<QGroupBox>(window, "Frame1").title()) +
+           "|" + std::to_string(bar.value()) + "/" + std::to_string(bar.maximum());
+  };
+  EXPECT_EQ(shown({4, 0, 0, "", ""}), "||Fortschritt|0/4");
+  EXPECT_EQ(shown({4, 3, 2, "<b>.vas", "Interpolation", true}),
+            "Aktuelle Datei (3 von 4):  <b>.vas|Interpolation|Fortschritt  (Fehler aufgetreten)|2/4");
+  window.setWindowState(Qt::WindowMinimized);
+  shown({4, 4, 3, "c.vas", "Interpolation", true});
+  EXPECT_EQ(FromQt(window.windowTitle()), "QuiverionSeries (75%)");
+}
+
+TEST(MessageBox, OffersItsButtonsAndTakesClosingForTheLeastChange) {
+  using enum MessageAnswer;
+  const struct {
+    MessageButtons buttons;
+    std::optional<MessageAnswer> preselected;
+    std::string texts, enters;
+    MessageAnswer closed;
+  } cases[] = {
+      {MessageButtons::ok, {}, "&Ok", "&Ok", ok},
+      {MessageButtons::okCancel, {}, "&Abbrechen&Ok", "&Ok", cancel},
+      {MessageButtons::retryCancel, {}, "&Abbrechen&Wiederholen", "&Wiederholen", cancel},
+      {MessageButtons::abortRetryIgnore, {}, "&Abbrechen&Ignorieren&Wiederholen", "&Abbrechen", abort},
+      {MessageButtons::yesNo, no, "&Ja&Nein", "&Nein", no},
+      {MessageButtons::yesNoCancel, {}, "&Abbrechen&Ja&Nein", "&Ja", cancel},
+  };
+  for (const auto& c : cases) {
+    test::ModalScript script;
+    script.Expect<QMessageBox>("QMessageBox", [&](QMessageBox& box) {
+      EXPECT_EQ(box.textFormat(), Qt::PlainText);
+      EXPECT_EQ(FromQt(box.text()), "<i>\nzwei");
+      QStringList texts;
+      for (const QAbstractButton* button : box.buttons()) texts.append(button->text());
+      texts.sort();
+      EXPECT_EQ(FromQt(texts.join("")), c.texts);
+      EXPECT_EQ(FromQt(box.defaultButton()->text()), c.enters);
+      box.close();
+    });
+    const Message message{"t", "<i>\r\nzwei", c.buttons, MessageIcon::question, c.preselected};
+    EXPECT_EQ(ShowMessageBox(nullptr, message), c.closed) << c.texts;
+  }
+}
+
+}  // namespace
+}  // namespace quiverion
