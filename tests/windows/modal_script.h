@@ -92,15 +92,12 @@ class ModalScript {
       if (idle) idle();
       return;
     }
-    if (steps_.empty()) {
-      ADD_FAILURE() << "unexpected " << window->metaObject()->className() << " " << FromQt(window->windowTitle());
-      window->close();
-      return;
-    }
-    if (steps_.front().className != window->metaObject()->className()) {
+    const std::string expected = steps_.empty() ? "nothing" : steps_.front().className;
+    if (expected != window->metaObject()->className()) {
       // The window of the step before is still closing, or the wrong one has come.
       if (++patience_ < 400) return;
-      ADD_FAILURE() << window->metaObject()->className() << " in place of " << steps_.front().className;
+      ADD_FAILURE() << window->metaObject()->className() << " '" << FromQt(window->windowTitle()) << "' in place of "
+                    << expected;
       patience_ = 0;
       window->close();
       return;
