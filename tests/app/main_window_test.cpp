@@ -198,8 +198,9 @@ TEST_F(MainWindow, MenusHaveTheirTexts) {
   Trigger("mnuShowHelp");
 }
 
-TEST_F(MainWindow, EveryControlHasANameForScreenReaders) {
+TEST_F(MainWindow, EveryControlShowsItsTextAndHasANameForScreenReaders) {
   Open();
+  ExpectNothingCutOff(*window);
   for (const QWidget* control : window->findChildren<QWidget*>()) {
     if (control->focusPolicy() == Qt::NoFocus || control->objectName().startsWith("qt_")) continue;
     // Parts that the widgets make for themselves have no name.

@@ -266,12 +266,16 @@ TEST(EditVector, ReadsItsNumbersAtThePoint) {
   EXPECT_EQ(Stored(window).Number("YComp"), -1.5);
 }
 
-TEST(ParameterWindowsTest, EveryControlHasANameForScreenReaders) {
+TEST(ParameterWindowsTest, EveryControlShowsItsTextAndHasANameForScreenReaders) {
   test::ScriptedUi ui;
-  const frmFaultVectors faultVectors(ui);
-  const frmXYTrafo trafo(ui);
-  const frmPrefixPostfix names;
-  for (const QWidget* window : std::initializer_list<const QWidget*>{&faultVectors, &trafo, &names}) {
+  frmFaultVectors faultVectors(ui);
+  frmXYTrafo trafo(ui);
+  frmPrefixPostfix names;
+  frmMirrorOptions mirror;
+  frmEditVector vector(ui, "Zu subtrahierender Vektor");
+  for (QWidget* window : std::initializer_list<QWidget*>{&faultVectors, &trafo, &names, &mirror, &vector}) {
+    window->show();
+    test::ExpectNothingCutOff(*window);
     for (const QWidget* control : window->findChildren<QWidget*>()) {
       const bool named = qobject_cast<const QLineEdit*>(control) || qobject_cast<const QComboBox*>(control);
       if (!named || control->objectName().startsWith("qt_")) continue;

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -36,6 +37,19 @@ inline void Type(QWidget& window, const char* box, const char* text) {
   edit.setFocus();
   edit.selectAll();
   QTest::keyClicks(&edit, text);
+}
+
+/// Fails the test where a label or a button of a shown window is smaller than its text.
+inline void ExpectNothingCutOff(const QWidget& window) {
+  const auto check = [](const QWidget* control) {
+    const QSize needed = control->minimumSizeHint();
+    EXPECT_TRUE(control->width() >= needed.width() && control->height() >= needed.height())
+        << FromQt(control->objectName()) << " " << control->width() << " of " << needed.width();
+  };
+  for (const auto* label : window.findChildren<QLabel*>()) check(label);
+  for (const auto* button : window.findChildren<QAbstractButton*>()) {
+    if (!button->objectName().startsWith("qt_")) check(button);
+  }
 }
 
 /// Answers modal windows while the code under test waits for them: each step handles the modal window that is up, in
