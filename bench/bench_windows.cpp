@@ -14,6 +14,7 @@
 #include "dialogs/frmShowLogFile.h"
 #include "generator/sample_files.h"
 #include "macro/run_driver.h"
+#include "platform/environment.h"
 #include "support/test_session.h"
 
 namespace quiverion::bench {
@@ -101,6 +102,9 @@ void RunSeries(benchmark::State& state, bool windows) {
   session.selectedFiles = names;
   session.inputDirectory = directory.File("");
   for (auto _ : state) {
+    state.PauseTiming();
+    std::filesystem::remove_all(directory.File("out"));  // a result that replaces one is synced to the disk
+    state.ResumeTiming();
     RunMacro(session);
     silent.progress.clear();
     text.Clear();
@@ -115,6 +119,7 @@ BENCHMARK_CAPTURE(RunSeries, command_line, false)->Unit(benchmark::kMillisecond)
 
 int main(int argc, char** argv) {
   if (!qEnvironmentVariableIsSet("DISPLAY")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  quiverion::KeepFreedMemory();
   QApplication application(argc, argv);
   quiverion::PrepareApplication(application);
   benchmark::Initialize(&argc, argv);

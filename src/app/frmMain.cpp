@@ -2,9 +2,10 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QElapsedTimer>
 #include <QMimeData>
 #include <QShortcut>
-#include <QSignalBlocker>
+#include <QWindow>
 #include <algorithm>
 
 #include "app/mouse_rules.h"
@@ -21,6 +22,11 @@
 #include "ui_frmMain.h"
 
 namespace quiverion {
+namespace {
+
+constexpr qint64 kPlacementTime = 300;  // ms that a window manager gets to show the window again
+
+}  // namespace
 
 frmMain::frmMain(const Machine& machine, QWidget* parent)
     : QMainWindow(parent),
@@ -244,10 +250,20 @@ void frmMain::Start() {
     if (!StartRun(session_)) return;
     ShowLog();
     if (quitting_) return;
-    move(place);  // a window that was hidden would be placed anew
-    show();
+    ShowAt(place);
     ReadLists();
   });
+}
+
+void frmMain::ShowAt(QPoint place) {
+  show();
+  if (isMaximized()) return;
+  QElapsedTimer time;
+  time.start();
+  while (!windowHandle()->isExposed() && time.elapsed() < kPlacementTime) {
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  }
+  move(place);
 }
 
 void frmMain::ShowLog() {

@@ -86,6 +86,10 @@ class frmMain : public QMainWindow {
   void Start();
   void RunStatistic(StatisticKind kind);
   void ShowLog();
+
+  // Shows the hidden window where it was: the window manager would place it anew.
+  void ShowAt(QPoint place);
+
   void ShowHelp();
   void Quit();
 
