@@ -253,6 +253,9 @@ void frmMain::Start() {
     ShowAt(place);
     ReadLists();
   });
+  if (isVisible() || quitting_) return;
+  messages_.RunEnded();  // an error has ended the run: the window must not stay hidden
+  ShowAt(place);
 }
 
 void frmMain::ShowAt(QPoint place) {

@@ -214,6 +214,20 @@ TEST_F(WholeWay, AFileDeletedBeforeStartIsAskedAbout) {
   EXPECT_NE(log.find("(Fehler-Nr. 53)"), std::string::npos);
 }
 
+TEST_F(WholeWay, AnErrorOfTheRunItselfLeavesNoHiddenWindow) {
+  Open();
+  SetMacro({40001});
+  Files().selectAll();
+  clock.fails = true;
+  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Nicht genügend Speicher   (Fehler-Nr. 7)");
+  Click("cmdOk");
+  EXPECT_TRUE(window->isVisible());
+  for (const QWidget* shown : QApplication::topLevelWidgets()) {
+    EXPECT_NE(std::string(shown->metaObject()->className()), "quiverion::frmShowProgress");
+  }
+  EXPECT_FALSE(TheSession().context.busy);
+}
+
 TEST_F(WholeWay, QuittingWhileABoxOfTheRunIsOpenEndsIt) {
   Open();
   SetMacro({40001});

@@ -82,9 +82,16 @@ class MainWindow : public testing::Test {
     return MacroList().selectedItems().isEmpty() ? -1 : MacroList().row(MacroList().selectedItems().front());
   }
 
+  struct FaultyClock : SystemClock {
+    bool fails = false;
+    float SecondsSinceMidnight() const override {
+      return fails ? throw std::bad_alloc() : SystemClock::SecondsSinceMidnight();
+    }
+  };
+
   cli::Workplace place;
   std::unique_ptr<FileSystem> files = MakeSystemFileSystem();
-  SystemClock clock;
+  FaultyClock clock;
   std::vector<std::string> drives = {"/"};
   ModalScript script;
   std::unique_ptr<frmMain> window;
