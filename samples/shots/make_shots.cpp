@@ -116,11 +116,11 @@ class Shots {
     Parameters(faultVectors, "frmFaultVectors", event);
     frmFaultVectors empty(ui_);
     Parameters(empty, "frmFaultVectors-neu", MacroEvent(30001));
-    frmPrefixPostfix names;
+    frmPrefixPostfix names(ui_);
     Parameters(names, "frmPrefixPostfix", MacroEvent(10101));
     frmXYTrafo trafo(ui_);
     Parameters(trafo, "frmXYTrafo", MacroEvent(30003));
-    frmMirrorOptions mirror;
+    frmMirrorOptions mirror(ui_);
     Parameters(mirror, "frmMirrorOptions", MacroEvent(30002));
     frmEditVector vector(ui_, ToQt(FindCommand(40201)->editor.title));
     Parameters(vector, "frmEditVector", MacroEvent(40201));

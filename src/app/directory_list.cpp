@@ -63,8 +63,8 @@ void DirectoryList::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Enter:
       return Choose(currentItem());
     case Qt::Key_Backspace:
-      if (const auto lines = DirectoryLines(path_, {}); lines.size() > 1) {
-        emit Chosen(QByteArray::fromStdString(lines[lines.size() - 2].path));
+      if (const std::string above = ParentDirectory(path_); !above.empty()) {
+        emit Chosen(QByteArray::fromStdString(above));
       }
       return;
     default:

@@ -169,25 +169,25 @@ void frmMain::MoveCommand(int by) {
   if (target != selected) ShowMacro(target);
 }
 
+std::optional<std::string> frmMain::ChooseMacroFile(FileQuestion::Kind kind, const char* title) {
+  return ChooseFileWithExtension(dialogs_, machine_.files, messages_,
+                                 {.kind = kind,
+                                  .title = title,
+                                  .filters = {"QuiverionSeries-Makro (*.mak)"},
+                                  .directory = ui_->Directory->Path(),
+                                  .extension = "mak"});
+}
+
 void frmMain::OpenMacro() {
   Guarded([this] {
-    const auto path = ChooseFileWithExtension(dialogs_, machine_.files, messages_,
-                                              {.title = "Makro öffnen",
-                                               .filters = {"QuiverionSeries-Makro (*.mak)"},
-                                               .directory = ui_->Directory->Path(),
-                                               .extension = "mak"});
+    const auto path = ChooseMacroFile(FileQuestion::Kind::open, "Makro öffnen");
     if (path && LoadMacroFile(session_, *path)) ShowMacro(-1);
   });
 }
 
 void frmMain::SaveMacro() {
   Guarded([this] {
-    const auto path = ChooseFileWithExtension(dialogs_, machine_.files, messages_,
-                                              {.kind = FileQuestion::Kind::save,
-                                               .title = "Makro speichern",
-                                               .filters = {"QuiverionSeries-Makro (*.mak)"},
-                                               .directory = ui_->Directory->Path(),
-                                               .extension = "mak"});
+    const auto path = ChooseMacroFile(FileQuestion::Kind::save, "Makro speichern");
     if (path) SaveMacroFile(session_, *path);
   });
 }
@@ -208,36 +208,34 @@ void frmMain::ChangeDrive(int index) {
   try {
     const std::string& drive = drives_.at(static_cast<std::size_t>(index));
     if (drive == DriveOf(drives_, ui_->Directory->Path())) return;  // the same one was chosen again
-    ui_->Directory->SetPath(drive);
-    ui_->Files->ShowDirectory(ui_->Directory->Path());
+    ShowDirectory(drive);
   } catch (const std::exception&) {
     messages_.Ask({.title = "Fehler", .text = "Laufwerk nicht bereit!"});
+    ShowDriveOfDirectory();
   }
+}
+
+void frmMain::ShowDirectory(const std::string& path) {
+  ui_->Directory->SetPath(path);
+  ui_->Files->ShowDirectory(path);
   ShowDriveOfDirectory();
 }
 
 bool frmMain::OpenDirectory(const std::string& path) {
   try {
-    ui_->Directory->SetPath(path);
+    ShowDirectory(path);
+    return true;
   } catch (const std::exception& error) {
     messages_.Ask(
         {.title = "Verzeichnisauswahl",
          .text = "Das Verzeichnis '" + path + "' kann nicht gelesen werden!\r\n" + ErrorText(AsSystemError(error))});
     return false;
   }
-  ui_->Files->ShowDirectory(path);
-  ShowDriveOfDirectory();
-  return true;
 }
 
 void frmMain::ReadLists() {
   const std::string path = ui_->Directory->Path();
-  const std::string nearest = NearestDirectory(machine_.files, path);
-  if (nearest != path) {
-    messages_.Ask({.title = "Verzeichnisauswahl",
-                   .text = "Das Verzeichnis '" + path + "' ist nicht mehr vorhanden oder nicht lesbar!"});
-  }
-  OpenDirectory(nearest);
+  if (!OpenDirectory(path)) OpenDirectory(NearestDirectory(machine_.files, path));
 }
 
 void frmMain::Start() {

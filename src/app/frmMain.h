@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -78,7 +79,10 @@ class frmMain : public QMainWindow {
   void OpenMacro();
   void SaveMacro();
 
+  std::optional<std::string> ChooseMacroFile(FileQuestion::Kind kind, const char* title);
+
   void ReadDrives();
+  void ShowDirectory(const std::string& path);  // throws SystemError with nothing changed
   void ShowDriveOfDirectory();
   void ChangeDrive(int index);
   void ReadLists();

@@ -41,6 +41,11 @@ std::vector<DirectoryLine> DirectoryLines(const std::string& path, std::vector<s
   return lines;
 }
 
+std::string ParentDirectory(const std::string& path) {
+  const std::vector<DirectoryLine> lines = DirectoryLines(path, {});
+  return lines.size() < 2 ? std::string() : lines[lines.size() - 2].path;
+}
+
 std::string DriveOf(const std::vector<std::string>& drives, const std::string& directory) {
   std::string longest;
   for (const std::string& drive : drives) {
@@ -50,15 +55,16 @@ std::string DriveOf(const std::vector<std::string>& drives, const std::string& d
 }
 
 std::string NearestDirectory(FileSystem& files, const std::string& directory) {
-  const std::vector<DirectoryLine> lines = DirectoryLines(directory, {});
-  for (auto line = lines.rbegin(); line != lines.rend(); ++line) {
+  std::string nearest = directory;
+  for (std::string above = directory; !above.empty(); above = ParentDirectory(above)) {
+    nearest = above;
     try {
-      files.ListDirectories(line->path);
-      return line->path;
+      files.ListDirectories(above);
+      break;
     } catch (const SystemError&) {  // the one above it
     }
   }
-  return lines.front().path;
+  return nearest;
 }
 
 DroppedSelection SelectionOf(FileSystem& files, const std::vector<std::string>& paths) {
@@ -68,10 +74,9 @@ DroppedSelection SelectionOf(FileSystem& files, const std::vector<std::string>& 
       if (selection.directory.empty()) return {path, {}, true};
       continue;
     }
-    const std::vector<DirectoryLine> lines = DirectoryLines(path, {});
+    const std::string parent = ParentDirectory(path);
     const std::string name(FileNameOf(path));
-    if (lines.size() < 2 || !IsSeriesFile(name)) continue;
-    const std::string& parent = lines[lines.size() - 2].path;
+    if (parent.empty() || !IsSeriesFile(name)) continue;
     if (selection.directory.empty()) selection.directory = parent;
     if (parent == selection.directory) selection.names.push_back(name);
   }

@@ -20,6 +20,9 @@ struct DirectoryLine {
 /// The directories from the root down to `path`, then those in it, sorted by name.
 std::vector<DirectoryLine> DirectoryLines(const std::string& path, std::vector<std::string> subdirectories);
 
+/// The directory that holds `path`; an empty text for a root and for a name alone.
+std::string ParentDirectory(const std::string& path);
+
 /// The drive that holds `directory`: the longest of `drives` that it begins with; an empty text where there is none.
 std::string DriveOf(const std::vector<std::string>& drives, const std::string& directory);
 

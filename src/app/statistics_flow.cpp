@@ -82,7 +82,7 @@ bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, Statisti
       {.kind = FileQuestion::Kind::save,
        .title = std::string(texts.title),
        .filters = {"Quiverion-Datei (*.vas)"},
-       .directory = collection->substr(0, collection->size() - FileNameOf(*collection).size()),
+       .directory = DirectoryPrefixOf(*collection),
        .fileName = std::string(BaseNameOf(FileNameOf(*collection))) + std::string(texts.defaultName),
        .extension = "vas"});
   if (!output) return false;

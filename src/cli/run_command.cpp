@@ -67,7 +67,7 @@ bool AddInput(Session& session, const std::string& input) {
   const std::string path = AbsolutePath(input);
   const bool isDirectory = session.context.files.IsDirectory(path);
   const std::string directory =
-      isDirectory ? WithSeparator(path) : path.substr(0, path.size() - FileNameOf(path).size());
+      isDirectory ? WithSeparator(path) : DirectoryPrefixOf(path);
   if (session.inputDirectory.empty()) session.inputDirectory = directory;
   if (!IsSameDirectory(session.inputDirectory, directory)) return false;
   std::vector<std::string> names;

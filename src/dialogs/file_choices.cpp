@@ -5,8 +5,7 @@
 namespace quiverion {
 
 std::string WithExtension(const std::string& path, const std::string& extension) {
-  const std::string_view name = FileNameOf(path);
-  return path.substr(0, path.size() - name.size()) + std::string(BaseNameOf(name)) + extension;
+  return DirectoryPrefixOf(path).append(BaseNameOf(FileNameOf(path))) + extension;
 }
 
 std::optional<std::string> ChooseFileWithExtension(ParameterDialogs& dialogs, FileSystem& files, UserInterface& ui,
@@ -22,7 +21,7 @@ std::optional<std::string> ChooseFileWithExtension(ParameterDialogs& dialogs, Fi
                                          .preselected = MessageAnswer::no});
     if (answer == MessageAnswer::yes) return path;
     shown.fileName = FileNameOf(path);
-    shown.directory = path.substr(0, path.size() - shown.fileName.size());
+    shown.directory = DirectoryPrefixOf(path);
   }
 }
 

@@ -1,26 +1,12 @@
 #include "dialogs/frmEditVector.h"
 
-#include <algorithm>
-
-#include "dialogs/parameter_editing.h"
 #include "platform/numbers.h"
-#include "platform/system_error.h"
 #include "ui_frmEditVector.h"
 
 namespace quiverion {
-namespace {
-
-// Typed commas are points already; a shown text may hold one.
-double NumberOf(const FilteredLineEdit& box) {
-  std::string text = box.Text();
-  std::replace(text.begin(), text.end(), ',', '.');
-  return ReadParameterNumber(text);
-}
-
-}  // namespace
 
 frmEditVector::frmEditVector(UserInterface& messages, const QString& title, QWidget* parent)
-    : ParameterWindow(parent), messages_(messages), ui_(std::make_unique<Ui::frmEditVector>()) {
+    : ParameterWindow(messages, parent), ui_(std::make_unique<Ui::frmEditVector>()) {
   ui_->setupUi(this);
   setWindowTitle(title);
   connect(ui_->cmdOk, &QPushButton::clicked, this, &QDialog::accept);
@@ -35,21 +21,12 @@ void frmEditVector::Load(const MacroEvent& event) {
 }
 
 void frmEditVector::Store(MacroEvent& event) const {
-  event.Set("XComp", NumberOf(*ui_->txtXComp));
-  event.Set("YComp", NumberOf(*ui_->txtYComp));
+  event.Set("XComp", ReadParameterNumber(ui_->txtXComp->Text()));
+  event.Set("YComp", ReadParameterNumber(ui_->txtYComp->Text()));
 }
 
 void frmEditVector::accept() {
-  for (FilteredLineEdit* const box : {ui_->txtXComp, ui_->txtYComp}) {
-    try {
-      NumberOf(*box);
-    } catch (const SystemError&) {
-      RefuseHugeNumber(messages_, box->Text());
-      box->setFocus();
-      return;
-    }
-  }
-  QDialog::accept();
+  if (NumberOf(*ui_->txtXComp) && NumberOf(*ui_->txtYComp)) QDialog::accept();
 }
 
 }  // namespace quiverion

@@ -3,7 +3,6 @@
 #include <memory>
 
 #include "dialogs/parameter_window.h"
-#include "platform/user_interface.h"
 
 namespace Ui {
 class frmEditVector;
@@ -25,7 +24,6 @@ class frmEditVector : public ParameterWindow {
   void accept() override;
 
  private:
-  UserInterface& messages_;
   std::unique_ptr<Ui::frmEditVector> ui_;
 };
 

@@ -3,10 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "dialogs/parameter_editing.h"
 #include "dialogs/qt_text.h"
-#include "platform/numbers.h"
-#include "platform/system_error.h"
 #include "ui_frmFaultVectors.h"
 
 namespace quiverion {
@@ -81,7 +78,7 @@ std::array<QRadioButton*, 4> CompareOptionsOf(const Ui::frmFaultVectors& ui) {
 }  // namespace
 
 frmFaultVectors::frmFaultVectors(UserInterface& messages, QWidget* parent)
-    : ParameterWindow(parent), messages_(messages), ui_(std::make_unique<Ui::frmFaultVectors>()) {
+    : ParameterWindow(messages, parent), ui_(std::make_unique<Ui::frmFaultVectors>()) {
   ui_->setupUi(this);
   QStringList sizes;
   for (int index = 0; index < kWindowSizes; ++index) sizes.append(QString::number(2 * index + 1));
@@ -147,13 +144,7 @@ void frmFaultVectors::Store(MacroEvent& event) const {
 
 void frmFaultVectors::accept() {
   for (const TextBox& text : TextBoxesOf(*ui_)) {
-    try {
-      ReadParameterNumber(text.box->Text());
-    } catch (const SystemError&) {
-      RefuseHugeNumber(messages_, text.box->Text());
-      text.box->setFocus();
-      return;
-    }
+    if (!NumberOf(*text.box)) return;
   }
   for (const Interval& interval : IntervalsOf(*ui_)) {
     std::string lower = interval.lower->Text(), upper = interval.upper->Text();

@@ -4,7 +4,6 @@
 
 #include "dialogs/fault_vector_rules.h"
 #include "dialogs/parameter_window.h"
-#include "platform/user_interface.h"
 
 namespace Ui {
 class frmFaultVectors;
@@ -29,7 +28,6 @@ class frmFaultVectors : public ParameterWindow {
   FaultVectorChoices Choices() const;
   void EnableControls();
 
-  UserInterface& messages_;
   std::unique_ptr<Ui::frmFaultVectors> ui_;
 };
 

@@ -4,8 +4,8 @@
 
 namespace quiverion {
 
-frmMirrorOptions::frmMirrorOptions(QWidget* parent)
-    : ParameterWindow(parent), ui_(std::make_unique<Ui::frmMirrorOptions>()) {
+frmMirrorOptions::frmMirrorOptions(UserInterface& messages, QWidget* parent)
+    : ParameterWindow(messages, parent), ui_(std::make_unique<Ui::frmMirrorOptions>()) {
   ui_->setupUi(this);
   connect(ui_->cmdOk, &QPushButton::clicked, this, &QDialog::accept);
   connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);

@@ -15,7 +15,7 @@ class frmMirrorOptions : public ParameterWindow {
   Q_OBJECT
 
  public:
-  explicit frmMirrorOptions(QWidget* parent = nullptr);
+  explicit frmMirrorOptions(UserInterface& messages, QWidget* parent = nullptr);
   ~frmMirrorOptions() override;
 
   void Load(const MacroEvent& event) override;

@@ -4,8 +4,8 @@
 
 namespace quiverion {
 
-frmPrefixPostfix::frmPrefixPostfix(QWidget* parent)
-    : ParameterWindow(parent), ui_(std::make_unique<Ui::frmPrefixPostfix>()) {
+frmPrefixPostfix::frmPrefixPostfix(UserInterface& messages, QWidget* parent)
+    : ParameterWindow(messages, parent), ui_(std::make_unique<Ui::frmPrefixPostfix>()) {
   ui_->setupUi(this);
   ui_->txtPrefix->SetRule(KeyRule::prefix);
   ui_->txtPostfix->SetRule(KeyRule::postfix);

@@ -15,7 +15,7 @@ class frmPrefixPostfix : public ParameterWindow {
   Q_OBJECT
 
  public:
-  explicit frmPrefixPostfix(QWidget* parent = nullptr);
+  explicit frmPrefixPostfix(UserInterface& messages, QWidget* parent = nullptr);
   ~frmPrefixPostfix() override;
 
   void Load(const MacroEvent& event) override;

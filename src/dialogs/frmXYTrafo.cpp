@@ -1,8 +1,5 @@
 #include "dialogs/frmXYTrafo.h"
 
-#include "dialogs/parameter_editing.h"
-#include "platform/numbers.h"
-#include "platform/system_error.h"
 #include "ui_frmXYTrafo.h"
 
 namespace quiverion {
@@ -28,7 +25,7 @@ std::array<Box, 6> BoxesOf(const Ui::frmXYTrafo& ui) {
 }  // namespace
 
 frmXYTrafo::frmXYTrafo(UserInterface& messages, QWidget* parent)
-    : ParameterWindow(parent), messages_(messages), ui_(std::make_unique<Ui::frmXYTrafo>()) {
+    : ParameterWindow(messages, parent), ui_(std::make_unique<Ui::frmXYTrafo>()) {
   ui_->setupUi(this);
   for (const Box& box : BoxesOf(*ui_)) box.edit->SetRule(KeyRule::factor);
   // A new scale of the coordinates is one of the vectors too, until that is typed over.
@@ -50,14 +47,11 @@ void frmXYTrafo::Store(MacroEvent& event) const {
 
 void frmXYTrafo::accept() {
   for (const Box& box : BoxesOf(*ui_)) {
-    try {
-      if (ReadParameterNumber(box.edit->Text()) != 0.0 || box.refusedZero == nullptr) continue;
-      messages_.Ask({.title = "Ungültige Eingabe", .text = box.refusedZero});
-    } catch (const SystemError&) {
-      RefuseHugeNumber(messages_, box.edit->Text());
-    }
-    box.edit->setFocus();
-    return;
+    const std::optional<double> number = NumberOf(*box.edit);
+    if (!number) return;
+    if (*number != 0.0 || box.refusedZero == nullptr) continue;
+    messages_.Ask({.title = "Ungültige Eingabe", .text = box.refusedZero});
+    return box.edit->setFocus();
   }
   QDialog::accept();
 }

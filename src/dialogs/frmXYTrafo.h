@@ -3,7 +3,6 @@
 #include <memory>
 
 #include "dialogs/parameter_window.h"
-#include "platform/user_interface.h"
 
 namespace Ui {
 class frmXYTrafo;
@@ -25,7 +24,6 @@ class frmXYTrafo : public ParameterWindow {
   void accept() override;
 
  private:
-  UserInterface& messages_;
   std::unique_ptr<Ui::frmXYTrafo> ui_;
 };
 

@@ -48,7 +48,7 @@ EditOutcome AskComment(const Editing& editing) {
 void PresetWith(FileQuestion& question, const std::string& path) {
   if (path.empty()) return;
   question.fileName = FileNameOf(path);
-  question.directory = path.substr(0, path.size() - question.fileName.size());
+  question.directory = DirectoryPrefixOf(path);
 }
 
 EditOutcome AskBufferFile(const Editing& editing) {

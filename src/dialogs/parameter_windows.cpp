@@ -17,11 +17,11 @@ namespace {
 std::unique_ptr<ParameterWindow> MakeWindow(const ParameterEditor& editor, UserInterface& messages, QWidget* parent) {
   switch (editor.kind) {
     case EditorKind::names:
-      return std::make_unique<frmPrefixPostfix>(parent);
+      return std::make_unique<frmPrefixPostfix>(messages, parent);
     case EditorKind::faultVectors:
       return std::make_unique<frmFaultVectors>(messages, parent);
     case EditorKind::mirror:
-      return std::make_unique<frmMirrorOptions>(parent);
+      return std::make_unique<frmMirrorOptions>(messages, parent);
     case EditorKind::coordinates:
       return std::make_unique<frmXYTrafo>(messages, parent);
     case EditorKind::constVector:

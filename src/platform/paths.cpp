@@ -14,6 +14,10 @@ std::string_view DirectoryOf(std::string_view path) {
   return last == std::string_view::npos ? std::string_view() : path.substr(0, last);
 }
 
+std::string DirectoryPrefixOf(std::string_view path) {
+  return std::string(path.substr(0, path.size() - FileNameOf(path).size()));
+}
+
 std::string_view BaseNameOf(std::string_view fileName) {
   return fileName.substr(0, fileName.rfind('.'));
 }

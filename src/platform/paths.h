@@ -24,6 +24,9 @@ std::string_view FileNameOf(std::string_view path);
 /// The part before the last separator (empty if there is none).
 std::string_view DirectoryOf(std::string_view path);
 
+/// The part up to and including the last separator (empty if there is none).
+std::string DirectoryPrefixOf(std::string_view path);
+
 /// The file name without its last "." and what follows (the whole name if there is none).
 std::string_view BaseNameOf(std::string_view fileName);
 

@@ -83,7 +83,7 @@ TEST_F(MainWindow, AVanishedDirectoryIsSaidAndLeft) {
   Open();
   std::filesystem::remove_all(place.Path() + "serie");
   script.ExpectBox(QMessageBox::Ok, "Verzeichnisauswahl|Das Verzeichnis '" + place.Path() +
-                                        "serie' ist nicht mehr vorhanden oder nicht lesbar!");
+                                        "serie' kann nicht gelesen werden!\nDatei nicht gefunden   (Fehler-Nr. 53)");
   QTest::keyClick(window.get(), Qt::Key_F5);
   EXPECT_EQ(Directory().Path() + "/", place.Path());
   script.ExpectBox(QMessageBox::Ok);

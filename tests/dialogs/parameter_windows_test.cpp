@@ -124,7 +124,8 @@ TEST(ParameterWindowsTest, TheTreeHoldsEveryCommandAndKeepsItsState) {
 }
 
 TEST(PrefixPostfix, FiltersWhatIsTypedAndPasted) {
-  frmPrefixPostfix window;
+  test::ScriptedUi ui;
+  frmPrefixPostfix window(ui);
   window.Load(NewCommand(10101));
   window.show();
   Type(window, "txtPrefix", "/a/b.:c");
@@ -270,8 +271,8 @@ TEST(ParameterWindowsTest, EveryControlShowsItsTextAndHasANameForScreenReaders) 
   test::ScriptedUi ui;
   frmFaultVectors faultVectors(ui);
   frmXYTrafo trafo(ui);
-  frmPrefixPostfix names;
-  frmMirrorOptions mirror;
+  frmPrefixPostfix names(ui);
+  frmMirrorOptions mirror(ui);
   frmEditVector vector(ui, "Zu subtrahierender Vektor");
   for (QWidget* window : std::initializer_list<QWidget*>{&faultVectors, &trafo, &names, &mirror, &vector}) {
     window->show();
