@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QMenu>
+#include <QPushButton>
 #include <QTimer>
 #include <QTreeWidget>
 #include <iostream>
@@ -14,32 +15,16 @@
 #include "dialogs/frmFaultVectors.h"
 #include "dialogs/frmMirrorOptions.h"
 #include "dialogs/frmPrefixPostfix.h"
-#include "dialogs/frmShowLogFile.h"
 #include "dialogs/frmShowProgress.h"
 #include "dialogs/frmXYTrafo.h"
 #include "dialogs/message_box.h"
 #include "dialogs/parameter_editing.h"
 #include "dialogs/qt_text.h"
 #include "macro/macro_file.h"
-#include "macro/run_driver.h"
 #include "macro/series_files.h"
-#include "platform/paths.h"
 
 namespace quiverion {
 namespace {
-
-// A run without windows: its log is what is wanted.
-class SilentUi : public UserInterface {
- public:
-  MessageAnswer Ask(const Message& /*box*/) override { return MessageAnswer::cancel; }
-  void RunStarted(const RunProgress& /*progress*/) override {}
-  void ShowProgress(const RunProgress& /*progress*/) override {}
-  void RunEnded() override {}
-  void ComputationStarted() override {}
-  void ShowComputation(std::int64_t /*done*/, std::int64_t /*total*/) override {}
-  void ComputationEnded() override {}
-  bool Yield() override { return false; }
-};
 
 class Shots {
  public:
@@ -66,11 +51,15 @@ class Shots {
   }
   // What `open` shows modally, photographed and closed.
   void Modal(const QString& name, const std::function<void()>& open) {
-    QTimer::singleShot(50, [this, name] {
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
       QWidget* const window = QApplication::activeModalWidget();
+      if (window == nullptr) return;
+      timer.stop();
       Save(*window, name);
       window->close();
     });
+    timer.start(50);
     open();
   }
 
@@ -86,18 +75,7 @@ class Shots {
     Save(main_, "frmMain-Statistik");
     main_.ComputationEnded();
 
-    RunLog log;
-    LogText text;
-    log.Attach(text);
-    Session session(*files_, ui_, log, clock_);
-    session.macro = main_.TheSession().macro;
-    session.inputDirectory = WithSeparator(series_);
-    session.selectedFiles = Names();
-    session.selectedFiles.resize(3);
-    session.selectedFiles.emplace_back("fehlt.vas");
-    RunMacro(session);
-    frmShowLogFile shown(text, session.inputDirectory + "Log.rtf", *files_, ui_);
-    Show(shown, "frmShowLogFile");
+    Modal("frmShowLogFile", [this] { main_.findChild<QPushButton*>("cmdOk")->click(); });
     frmShowProgress progress(ui_);
     progress.Show({12, 5, 4, "run05.vec", "Fehlerhafte Vektoren suchen", true});
     Show(progress, "frmShowProgress");
@@ -179,8 +157,8 @@ class Shots {
   bool complete_ = true;
   std::unique_ptr<FileSystem> files_ = MakeSystemFileSystem();
   SystemClock clock_;
-  SilentUi ui_;
   frmMain main_{Machine{.files = *files_, .clock = clock_, .listDrives = MountedDrives, .startDirectory = series_}};
+  UserInterface& ui_ = main_.TheSession().context.ui;
 };
 
 }  // namespace

@@ -107,15 +107,16 @@ TEST_F(Program, SpeaksGermanInItsHelp) {
   const std::vector<std::string> pages[] = {
       {},       {"run"},      {"macro"},      {"macro", "show"}, {"macro", "export"},    {"macro", "import"},
       {"info"}, {"commands"}, {"statistics"}, {"collection"},    {"collection", "list"}, {"collection", "remove"}};
-  std::string help;
   for (std::vector<std::string> words : pages) {
     words.emplace_back("--help");
     const Outcome outcome = RunProgram(place, words);
     EXPECT_EQ(outcome.code, 0);
     EXPECT_EQ(outcome.err, "");
-    help += outcome.out + "----\n";
+    EXPECT_NE(outcome.out.find("Aufruf"), std::string::npos) << words.front();
+    for (const char* english : {"Usage", "Option:", "ptions:", "ositional", "ubcommand", "REQUIRED", "Print this"}) {
+      EXPECT_EQ(outcome.out.find(english), std::string::npos) << outcome.out;
+    }
   }
-  ExpectApproved(place, "help.txt", help);
 }
 
 TEST_F(Program, TreatsAWrongCallAsAUsageError) {

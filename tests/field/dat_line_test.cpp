@@ -117,16 +117,6 @@ TEST(DatLine, LinesOfTheUsualShapeAreTakenTogether) {
   }
 }
 
-TEST(DatLine, LinesOfEveryLength) {
-  for (std::size_t length = 0; length < 160; ++length) {
-    const std::string usual = "8 8 1 2 3 4 5.5 6.5";
-    TakeAndCompare(usual + "\r\n" + usual + " " + std::string(length, '7') + "\r\n" + usual + "\r\n");
-    TakeAndCompare(usual + " " + std::string(length, '7') + "\n" + usual + "\n" + usual);
-    TakeAndCompare(std::string(length, ' ') + usual + "\n" + usual + "\n");
-    TakeAndCompare("8 8 1 2 3 " + std::string(length, '7') + " 5.5 6.5\r\n" + usual + "\r\n");
-  }
-}
-
 // Line ends and commas where a line is expected to go on, columns missing, blanks anywhere.
 TEST(DatLine, RandomTextsGiveTheBitsOfTheDefinition) {
   std::mt19937 random(20);

@@ -60,6 +60,13 @@ TEST(RtfWriter, EscapesWhatRtfDoesNotHold) {
   }
 }
 
+TEST(RtfWriter, ChangesOnlyWhatDiffersFromThePieceBefore) {
+  EXPECT_EQ(Rtf({"Titel\r\n", "    x\r\n", "fertig\r\n", "FEHLER\r\n", "    y\r\n", "Ende"}),
+            std::string(kRtfHead) +
+                "\\b Titel\\par\r\n\\b0\\i\\fs16     x\\par\r\n\\cf3\\i0\\fs20 fertig\\par\r\n\\cf2 FEHLER\\par\r\n"
+                "\\i\\fs16     y\\par\r\n\\cf1\\b\\i0\\fs20 Ende}\r\n");
+}
+
 TEST(TerminalWriter, ShowsFormatsInColour) {
   EXPECT_EQ(Terminal({"Titel\r\n", "    x\r\n", "fertig\r\n", "FEHLER\r\n", "    y\r\nz"}, true),
             "\x1b[1mTitel\n\x1b[0m"
