@@ -66,8 +66,7 @@ class LogFile {
 bool AddInput(Session& session, const std::string& input) {
   const std::string path = AbsolutePath(input);
   const bool isDirectory = session.context.files.IsDirectory(path);
-  const std::string directory =
-      isDirectory ? WithSeparator(path) : DirectoryPrefixOf(path);
+  const std::string directory = isDirectory ? WithSeparator(path) : DirectoryPrefixOf(path);
   if (session.inputDirectory.empty()) session.inputDirectory = directory;
   if (!IsSameDirectory(session.inputDirectory, directory)) return false;
   std::vector<std::string> names;
