@@ -10,20 +10,23 @@
 
 #include "app/mouse_rules.h"
 #include "app/navigation.h"
-#include "app/statistics_flow.h"
 #include "dialogs/file_choices.h"
+#include "dialogs/frmShowCollection.h"
 #include "dialogs/frmShowLogFile.h"
+#include "dialogs/guarded.h"
 #include "dialogs/icons.h"
 #include "dialogs/qt_text.h"
 #include "macro/macro_file.h"
 #include "macro/pre_run_checks.h"
 #include "platform/paths.h"
 #include "platform/system_error.h"
+#include "platform/text.h"
 #include "ui_frmMain.h"
 
 namespace quiverion {
 namespace {
 
+constexpr const char* kCollectionTitle = "QuiverionSeries - Inhalt der Kollektion einsehen und bearbeiten";
 constexpr qint64 kPlacementTime = 300;  // ms that a window manager gets to show the window again
 
 }  // namespace
@@ -48,11 +51,8 @@ frmMain::frmMain(const Machine& machine, QWidget* parent)
 frmMain::~frmMain() = default;
 
 void frmMain::Guarded(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const std::exception& error) {
-    messages_.Ask({.title = "QuiverionSeries", .text = ErrorText(AsSystemError(error))});
-  }
+  dialogs_.SetTopic({});
+  quiverion::Guarded(messages_, action);
 }
 
 void frmMain::AddShortcut(const QKeySequence& keys, QWidget* where, Qt::ShortcutContext context,
@@ -108,20 +108,13 @@ void frmMain::ConnectFileControls() {
 void frmMain::ConnectMenus() {
   connect(ui_->mnuOpenMacroList, &QAction::triggered, this, &frmMain::OpenMacro);
   connect(ui_->mnuSaveMacroList, &QAction::triggered, this, &frmMain::SaveMacro);
-  const std::pair<QAction*, StatisticKind> statistics[] = {
-      {ui_->mnuAverage, StatisticKind::mean},
-      {ui_->mnuStdDeviation, StatisticKind::standardDeviation},
-      {ui_->mnuAvgUsAndVs, StatisticKind::fluctuationSquares},
-      {ui_->mnuAvgUsTimesVs, StatisticKind::fluctuationProduct},
-      {ui_->mnuTu, StatisticKind::turbulence},
-      {ui_->mnuDissipation, StatisticKind::dissipation},
-  };
-  for (const auto& [item, kind] : statistics) {
-    connect(item, &QAction::triggered, this, [this, chosen = kind] { RunStatistic(chosen); });
+  for (const StatisticTexts& texts : AllStatisticTexts()) {
+    auto* const item = findChild<QAction*>(QLatin1String(texts.item.data(), texts.item.size()));
+    connect(item, &QAction::triggered, this, [this, &texts] { RunStatistic(texts); });
   }
-  ui_->mnuEditCollection->setEnabled(false);
-  connect(ui_->mnuShowHelp, &QAction::triggered, this, &frmMain::ShowHelp);
-  connect(ui_->mnuHelpIndex, &QAction::triggered, this, &frmMain::ShowHelp);
+  connect(ui_->mnuEditCollection, &QAction::triggered, this, &frmMain::EditCollection);
+  connect(ui_->mnuShowHelp, &QAction::triggered, this, [this] { Guarded([this] { help_.ShowContents(); }); });
+  connect(ui_->mnuHelpIndex, &QAction::triggered, this, [this] { Guarded([this] { help_.ShowIndex(); }); });
   connect(ui_->mnuAbout, &QAction::triggered, this, [this] {
     messages_.Ask({.title = "Über das Programm", .text = "QuiverionSeries V1.0", .icon = MessageIcon::information});
   });
@@ -180,6 +173,7 @@ std::optional<std::string> frmMain::ChooseMacroFile(FileQuestion::Kind kind, con
 
 void frmMain::OpenMacro() {
   Guarded([this] {
+    dialogs_.SetTopic("mnuOpenMacroList");
     const auto path = ChooseMacroFile(FileQuestion::Kind::open, "Makro öffnen");
     if (path && LoadMacroFile(session_, *path)) ShowMacro(-1);
   });
@@ -187,6 +181,7 @@ void frmMain::OpenMacro() {
 
 void frmMain::SaveMacro() {
   Guarded([this] {
+    dialogs_.SetTopic("mnuSaveMacroList");
     const auto path = ChooseMacroFile(FileQuestion::Kind::save, "Makro speichern");
     if (path) SaveMacroFile(session_, *path);
   });
@@ -242,6 +237,7 @@ void frmMain::Start() {
   if (session_.context.busy) return;  // what runs keeps its files and its log
   const QPoint place = pos();
   Guarded([this, place] {
+    dialogs_.SetTopic("frmShowProgress");
     session_.selectedFiles = ui_->Files->SelectedNames();
     session_.inputDirectory = WithSeparator(ui_->Directory->Path());
     logText_.Clear();
@@ -274,21 +270,46 @@ void frmMain::ShowLog() {
   logText_.Clear();
 }
 
-void frmMain::RunStatistic(StatisticKind kind) {
-  Guarded([this, kind] {
-    const std::string title(TextsOf(kind).title);
-    if (session_.context.busy) {
-      messages_.Ask({.title = title, .text = "Es wird bereits eine Statistik berechnet!"});
-      return;
-    }
+bool frmMain::RefuseWhileBusy(std::string_view title) {
+  if (!session_.context.busy) return false;
+  messages_.Ask({.title = std::string(title), .text = "Es wird bereits eine Statistik berechnet!"});
+  return true;
+}
+
+void frmMain::RunStatistic(const StatisticTexts& texts) {
+  Guarded([this, &texts] {
+    if (RefuseWhileBusy(texts.title)) return;
     logText_.Clear();
     session_.context.runHadError = false;
-    const bool begun = StatisticsCommandFlow(session_.context, dialogs_, kind, ui_->Directory->Path());
+    const bool begun = StatisticsCommandFlow(session_.context, dialogs_, texts, ui_->Directory->Path());
     // The result is saved as in a run: what went wrong stands in the log.
-    if (begun && session_.context.runHadError) messages_.Ask({.title = title, .text = logText_.Text()});
+    if (begun && session_.context.runHadError) {
+      messages_.Ask({.title = std::string(texts.title), .text = logText_.Text()});
+    }
     logText_.Clear();
     if (begun && !quitting_) ReadLists();
   });
+}
+
+void frmMain::EditCollection() {
+  Guarded([this] {
+    if (RefuseWhileBusy(kCollectionTitle)) return;
+    dialogs_.SetTopic("mnuEditCollection");
+    const auto path = ChooseFileWithExtension(dialogs_, machine_.files, messages_,
+                                              {.title = kCollectionTitle,
+                                               .filters = {"Statistik-Kollektion (*.col)"},
+                                               .directory = ui_->Directory->Path(),
+                                               .extension = "col"});
+    if (path) ShowCollection(*path);
+  });
+}
+
+void frmMain::ShowCollection(const std::string& path) {
+  if (RefuseWhileBusy(kCollectionTitle)) return;
+  frmShowCollection window(session_.context, path, this);
+  if (!window.FillListBox()) return;
+  window.exec();
+  if (window.ProgramMustEnd()) Quit();
 }
 
 void frmMain::ComputationStarted() {
@@ -310,11 +331,6 @@ void frmMain::ComputationEnded() {
   ui_->cmdOk->show();
   ui_->cmdCancel->show();
   unsetCursor();
-}
-
-void frmMain::ShowHelp() {
-  messages_.Ask(
-      {.title = "QuiverionSeries", .text = "Die Hilfe-Datei '" + machine_.helpFile + "' ist nicht vorhanden!"});
 }
 
 void frmMain::Quit() {
@@ -353,13 +369,28 @@ void frmMain::dropEvent(QDropEvent* event) {
     if (url.isLocalFile()) paths.push_back(PathFromQt(url.toLocalFile()));
   }
   event->acceptProposedAction();
-  const DroppedSelection selection = SelectionOf(machine_.files, paths);
-  if (selection.directory.empty() || !OpenDirectory(selection.directory)) return;
-  if (selection.everything) {
-    ui_->Files->selectAll();
-  } else {
-    ui_->Files->SelectNames(selection.names);
-  }
+  OpenPaths(paths);
+}
+
+void frmMain::OpenPaths(const std::vector<std::string>& paths) {
+  Guarded([&] {
+    const auto first = [&paths](std::string_view extension) {
+      return std::ranges::find_if(
+          paths, [extension](const std::string& path) { return AsciiUpper(path).ends_with(extension); });
+    };
+    const auto macro = first(".MAK");
+    if (macro != paths.end() && LoadMacroFile(session_, *macro)) ShowMacro(-1);
+    const DroppedSelection selection = SelectionOf(machine_.files, paths);
+    if (!selection.directory.empty() && OpenDirectory(selection.directory)) {
+      if (selection.everything) {
+        ui_->Files->selectAll();
+      } else {
+        ui_->Files->SelectNames(selection.names);
+      }
+    }
+    const auto collection = first(".COL");
+    if (collection != paths.end()) ShowCollection(*collection);
+  });
 }
 
 }  // namespace quiverion

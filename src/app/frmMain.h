@@ -8,11 +8,12 @@
 #include <vector>
 
 #include "app/qt_user_interface.h"
+#include "app/statistics_flow.h"
+#include "dialogs/help.h"
 #include "dialogs/log_text.h"
 #include "dialogs/macro_editing.h"
 #include "dialogs/parameter_windows.h"
 #include "macro/session.h"
-#include "statistics/compute_statistic.h"
 
 namespace Ui {
 class frmMain;
@@ -40,6 +41,10 @@ class frmMain : public QMainWindow {
   ~frmMain() override;
 
   Session& TheSession() { return session_; }
+
+  /// What dropped files and those of the command line ask for: the first macro is loaded, the first collection shown; a
+  /// directory opens with all its files selected, vector fields are selected in their directory.
+  void OpenPaths(const std::vector<std::string>& paths);
 
   /// Opens a directory and lists its files. One that cannot be read is reported and nothing changes.
   bool OpenDirectory(const std::string& path);
@@ -88,13 +93,18 @@ class frmMain : public QMainWindow {
   void ReadLists();
 
   void Start();
-  void RunStatistic(StatisticKind kind);
+  void RunStatistic(const StatisticTexts& texts);
+  void EditCollection();
+  void ShowCollection(const std::string& path);
+
+  // During a statistic a second entry point is refused with a message. True where it was.
+  bool RefuseWhileBusy(std::string_view title);
+
   void ShowLog();
 
   // Shows the hidden window where it was: the window manager would place it anew.
   void ShowAt(QPoint place);
 
-  void ShowHelp();
   void Quit();
 
   Machine machine_;
@@ -104,6 +114,7 @@ class frmMain : public QMainWindow {
   Session session_;
   ParameterWindows dialogs_{*this, messages_};
   MacroEditing editing_{session_, dialogs_};
+  Help help_{machine_.helpFile, [this] { return dialogs_.Topic(); }, *this, messages_};
   std::vector<std::string> drives_;
   bool quitting_ = false;
   std::unique_ptr<Ui::frmMain> ui_;

@@ -18,5 +18,11 @@ int main(int argc, char** argv) {
   frmMain window({*files, clock, MountedDrives, AbsolutePath("."), EnvironmentDecimalSeparator(),
                   HelpFileOf(FromQt(commandLine), PathFromQt(QCoreApplication::applicationDirPath()))});
   window.show();
+  std::vector<std::string> paths;
+  for (const QString& argument : QCoreApplication::arguments().mid(1)) {
+    if (argument != u"::IDESTART") paths.push_back(AbsolutePath(PathFromQt(argument)));
+  }
+  QMetaObject::invokeMethod(
+      &window, [&] { window.OpenPaths(paths); }, Qt::QueuedConnection);
   return QApplication::exec();
 }

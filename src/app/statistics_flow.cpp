@@ -1,6 +1,5 @@
 #include "app/statistics_flow.h"
 
-#include <algorithm>
 #include <iterator>
 #include <optional>
 
@@ -13,16 +12,17 @@ namespace quiverion {
 namespace {
 
 constexpr StatisticTexts kTexts[] = {
-    {StatisticKind::mean, "QuiverionSeries - Mittelwert berechnen", "des Mittelwertes", "den Mittelwerten", "AVG.vas"},
-    {StatisticKind::standardDeviation, "QuiverionSeries - Standardabweichung berechnen", "der Standardabweichung",
-     "den Standardabweichungen", "RMS.vas"},
-    {StatisticKind::fluctuationSquares, "QuiverionSeries - <u' ²> und <v' ²> berechnen", "von <u' ²> und <v' ²>",
-     "<u' ²> und <v' ²>", "UsAndVs.vas"},
-    {StatisticKind::fluctuationProduct, "QuiverionSeries - <u' v'> berechnen", "von <u' v'>", "<u' v'>",
-     "UsTimesVs.vas"},
-    {StatisticKind::turbulence, "QuiverionSeries - Turbulenzgrad und -produktion berechnen",
+    {StatisticKind::mean, "mnuAverage", "QuiverionSeries - Mittelwert berechnen", "des Mittelwertes",
+     "den Mittelwerten", "AVG.vas"},
+    {StatisticKind::standardDeviation, "mnuStdDeviation", "QuiverionSeries - Standardabweichung berechnen",
+     "der Standardabweichung", "den Standardabweichungen", "RMS.vas"},
+    {StatisticKind::fluctuationSquares, "mnuAvgUsAndVs", "QuiverionSeries - <u' ²> und <v' ²> berechnen",
+     "von <u' ²> und <v' ²>", "<u' ²> und <v' ²>", "UsAndVs.vas"},
+    {StatisticKind::fluctuationProduct, "mnuAvgUsTimesVs", "QuiverionSeries - <u' v'> berechnen", "von <u' v'>",
+     "<u' v'>", "UsTimesVs.vas"},
+    {StatisticKind::turbulence, "mnuTu", "QuiverionSeries - Turbulenzgrad und -produktion berechnen",
      "von Turbulenzgrad und -produktion", "Turbulenzgrad und -produktion", "TU.vas"},
-    {StatisticKind::dissipation, "QuiverionSeries - Energiedissipationsrate berechnen",
+    {StatisticKind::dissipation, "mnuDissipation", "QuiverionSeries - Energiedissipationsrate berechnen",
      "der Energiedissipationsrate (für isotrope Turbulenz)", "der Energiedissipationsrate als x-Komponente",
      "DISS.vas"},
 };
@@ -50,13 +50,13 @@ std::optional<double> AskViscosity(Context& context, ParameterDialogs& dialogs, 
 
 }  // namespace
 
-const StatisticTexts& TextsOf(StatisticKind kind) {
-  return *std::ranges::find(kTexts, kind, &StatisticTexts::kind);
+std::span<const StatisticTexts> AllStatisticTexts() {
+  return kTexts;
 }
 
-bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, StatisticKind kind,
+bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, const StatisticTexts& texts,
                            const std::string& directory) {
-  const StatisticTexts& texts = TextsOf(kind);
+  dialogs.SetTopic(texts.item);
   Inform(context, texts.title,
          "Wählen sie zunächst die Statistik-Kollektion (Datei mit Endung '.col') aus, die für die Berechnung " +
              std::string(texts.collection) + " benutzt werden soll...");
@@ -68,7 +68,7 @@ bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, Statisti
   if (!collection) return false;
   double viscosity = 0.0;
   std::string explanation;
-  if (kind == StatisticKind::dissipation) {
+  if (texts.kind == StatisticKind::dissipation) {
     const auto answer = AskViscosity(context, dialogs, texts);
     if (!answer) return false;
     viscosity = *answer;
@@ -86,7 +86,7 @@ bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, Statisti
        .fileName = std::string(BaseNameOf(FileNameOf(*collection))) + std::string(texts.defaultName),
        .extension = "vas"});
   if (!output) return false;
-  ComputeStatistic(context, kind, *collection, *output, viscosity);
+  ComputeStatistic(context, texts.kind, *collection, *output, viscosity);
   return true;
 }
 

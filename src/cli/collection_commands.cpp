@@ -12,10 +12,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 std::string AsText(const std::string& path, const CollectionContents& contents) {
-  const CollectionHeader& header = contents.header;
-  std::string text = "Name der Kollektion:  " + path + "\nInhalt:  " + std::to_string(header.fieldCount) +
-                     " Vektorfelder gesammelt\nGröße der Vektorfelder:  " + std::to_string(header.columnCount) + " x " +
-                     std::to_string(header.rowCount) + "\n";
+  std::string text = DescribeCollection(path, contents.header) + "\n";
   int number = 0;
   for (std::string sourcePath : contents.sourcePaths) {
     ReplaceControls(sourcePath, "");

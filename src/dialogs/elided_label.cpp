@@ -8,7 +8,7 @@
 namespace quiverion {
 
 QSize ElidedLabel::minimumSizeHint() const {
-  return {0, fontMetrics().height() + 2};
+  return {0, fontMetrics().lineSpacing() * static_cast<int>(text().count(u'\n') + 1) + 2};
 }
 
 QSize ElidedLabel::sizeHint() const {
@@ -16,7 +16,9 @@ QSize ElidedLabel::sizeHint() const {
 }
 
 QString ElidedLabel::Shown() const {
-  return fontMetrics().elidedText(text(), Qt::ElideMiddle, contentsRect().width());
+  QStringList lines = text().split(u'\n');
+  for (QString& line : lines) line = fontMetrics().elidedText(line, Qt::ElideMiddle, contentsRect().width());
+  return lines.join(u'\n');
 }
 
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {

@@ -4,8 +4,8 @@
 
 namespace quiverion {
 
-/// A label of one line that shows the beginning and the end of a text too long for it, and the whole text as tooltip. Its
-/// text has no say in the size of the window.
+/// A label that shows of each line too long for it the beginning and the end, and the whole text as tooltip. Its text has
+/// no say in the width of the window.
 class ElidedLabel : public QLabel {
   Q_OBJECT
 

@@ -1,6 +1,7 @@
 #include "dialogs/file_choices.h"
 
 #include "platform/paths.h"
+#include "platform/system_error.h"
 
 namespace quiverion {
 
@@ -22,6 +23,28 @@ std::optional<std::string> ChooseFileWithExtension(ParameterDialogs& dialogs, Fi
     if (answer == MessageAnswer::yes) return path;
     shown.fileName = FileNameOf(path);
     shown.directory = DirectoryPrefixOf(path);
+  }
+}
+
+bool MakeCollectionWritable(FileSystem& files, UserInterface& ui, const std::string& path, const char* collection) {
+  constexpr const char* title = "QuiverionSeries - Vektorfelder aus Kollektion entfernen";
+  if (!files.IsReadOnly(path)) return true;
+  const MessageAnswer answer = ui.Ask({.title = title,
+                                       .text = std::string("ACHTUNG: Bei ") + collection +
+                                               " ist das Schreibschutz-Attribut gesetzt!\r\n\r\n"
+                                               "Soll das Schreibschutz-Attribut entfernt werden?",
+                                       .buttons = MessageButtons::yesNo,
+                                       .icon = MessageIcon::question,
+                                       .preselected = MessageAnswer::no});
+  if (answer != MessageAnswer::yes) return false;
+  try {
+    files.ClearReadOnly(path);
+    return true;
+  } catch (const SystemError& error) {
+    ui.Ask(
+        {.title = title,
+         .text = "Das Schreibschutz-Attribut kann nicht entfernt werden bei '" + path + "'!\r\n" + ErrorText(error)});
+    return false;
   }
 }
 

@@ -18,4 +18,8 @@ std::string WithExtension(const std::string& path, const std::string& extension)
 std::optional<std::string> ChooseFileWithExtension(ParameterDialogs& dialogs, FileSystem& files, UserInterface& ui,
                                                    const FileQuestion& question);
 
+/// Asks whether the read-only attribute of a collection may be taken off; `collection` names it in the question. True
+/// where the file can be changed now.
+bool MakeCollectionWritable(FileSystem& files, UserInterface& ui, const std::string& path, const char* collection);
+
 }  // namespace quiverion

@@ -26,7 +26,11 @@ frmChooseMacroEvent::frmChooseMacroEvent(QWidget* parent)
   FillTree();
   ui_->cmdOk->setEnabled(false);
   QTreeWidget* const tree = ui_->tvwMacroEvents;
-  connect(tree, &QTreeWidget::currentItemChanged, this, [this] { ui_->cmdOk->setEnabled(CommandIsSelected()); });
+  connect(tree, &QTreeWidget::currentItemChanged, this, [this](const QTreeWidgetItem* node) {
+    ui_->cmdOk->setEnabled(CommandIsSelected());
+    const CommandRow* const command = node == nullptr ? nullptr : FindCommand(EventIdOf(*node));
+    setProperty("helpTopic", command == nullptr ? QString() : ToQt(command->constantName));
+  });
   connect(tree, &QTreeWidget::itemClicked, this, [this] { ui_->cmdOk->setEnabled(CommandIsSelected()); });
   connect(tree, &QTreeWidget::itemDoubleClicked, this,
           [this] { AcceptCommand(); });  // Enter presses the default button

@@ -5,6 +5,7 @@
 #include <QTextBlock>
 #include <QTextCursor>
 
+#include "dialogs/paper.h"
 #include "dialogs/qt_text.h"
 #include "log/log_writers.h"
 #include "macro/log_messages.h"
@@ -61,11 +62,7 @@ frmShowLogFile::frmShowLogFile(const LogText& log, std::string path, FileSystem&
       ui_(std::make_unique<Ui::frmShowLogFile>()) {
   ui_->setupUi(this);
   setWindowFlag(Qt::WindowMaximizeButtonHint);
-  // The colours of the log are made for paper.
-  QPalette paper = ui_->RichTextBox->palette();
-  paper.setColor(QPalette::Base, Qt::white);
-  paper.setColor(QPalette::Text, Qt::black);
-  ui_->RichTextBox->setPalette(paper);
+  ShowAsPaper(*ui_->RichTextBox);
   {
     DocumentSink document(ui_->RichTextBox->document());
     log_.ReplayTo(document);

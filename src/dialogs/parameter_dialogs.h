@@ -37,6 +37,9 @@ class ParameterDialogs {
  public:
   virtual ~ParameterDialogs() = default;
 
+  /// What the dialogs that follow are about, for the help: the name of a command or menu item, empty for nothing.
+  virtual void SetTopic(std::string_view topic) = 0;
+
   /// The command chosen in the command tree; none where the user cancels.
   virtual std::optional<std::int32_t> ChooseCommand() = 0;
 

@@ -145,29 +145,6 @@ EditOutcome AskNumber(const Editing& editing) {
   }
 }
 
-// The user may take the read-only attribute off an existing collection. False where the command is not wanted then.
-bool MakeWritable(const Editing& editing, const std::string& path) {
-  Context& context = editing.services.context;
-  if (!context.files.IsReadOnly(path)) return true;
-  const MessageAnswer answer = editing.Ask({.title = "QuiverionSeries - Vektorfelder aus Kollektion entfernen",
-                                            .text = "ACHTUNG: Bei der von Ihnen ausgewählten Kollektion ist das "
-                                                    "Schreibschutz-Attribut gesetzt!\r\n\r\n"
-                                                    "Soll das Schreibschutz-Attribut entfernt werden?",
-                                            .buttons = MessageButtons::yesNo,
-                                            .icon = MessageIcon::question,
-                                            .preselected = MessageAnswer::no});
-  if (answer != MessageAnswer::yes) return false;
-  try {
-    context.files.ClearReadOnly(path);
-    return true;
-  } catch (const SystemError& error) {
-    editing.Inform("QuiverionSeries - Vektorfelder aus Kollektion entfernen",
-                   "Das Schreibschutz-Attribut kann nicht entfernt werden bei '" + path + "'!\r\n" + ErrorText(error),
-                   MessageIcon::warning);
-    return false;
-  }
-}
-
 EditOutcome AskCollectionFile(const Editing& editing) {
   FileQuestion question{.kind = FileQuestion::Kind::save,
                         .title = "Vektorfeld für Statistik sammeln",
@@ -192,7 +169,11 @@ EditOutcome AskCollectionFile(const Editing& editing) {
                  "Stattdessen wird jedes ausgewählte Vektorfeld dieser Datei HINZUGEFÜGT!",
          .buttons = MessageButtons::okCancel,
          .icon = MessageIcon::information});
-    if (answer != MessageAnswer::ok || !MakeWritable(editing, *path)) return EditOutcome::cancelled;
+    if (answer != MessageAnswer::ok ||
+        !MakeCollectionWritable(editing.services.context.files, editing.services.context.ui, *path,
+                                "der von Ihnen ausgewählten Kollektion")) {
+      return EditOutcome::cancelled;
+    }
   }
   editing.event.Set("FileName", *path);
   return EditOutcome::stored;
@@ -268,6 +249,7 @@ void RefuseHugeNumber(UserInterface& ui, std::string_view text) {
 EditOutcome AskParameters(EditingServices& services, MacroEvent& event, bool isNew) {
   const CommandRow* const command = FindCommand(event.EventId());
   if (command == nullptr) return EditOutcome::stored;
+  services.dialogs.SetTopic(command->constantName);
   const Editing editing{services, *command, event, isNew};
   switch (command->editor.kind) {
     case EditorKind::none:

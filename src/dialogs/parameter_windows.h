@@ -15,6 +15,9 @@ class ParameterWindows : public ParameterDialogs {
   /// Both must outlive the object.
   ParameterWindows(QWidget& parent, UserInterface& messages) : parent_(parent), messages_(messages) {}
 
+  const std::string& Topic() const { return topic_; }
+
+  void SetTopic(std::string_view topic) override { topic_ = topic; }
   std::optional<std::int32_t> ChooseCommand() override;
   std::optional<std::string> AskText(const TextQuestion& question) override;
   std::optional<std::string> ChooseFile(const FileQuestion& question) override;
@@ -23,6 +26,7 @@ class ParameterWindows : public ParameterDialogs {
  private:
   QWidget& parent_;
   UserInterface& messages_;
+  std::string topic_;
   frmChooseMacroEvent* commandTree_ = nullptr;  // owned by the parent
 };
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "field/frames.h"
+#include "platform/text.h"
 #include "statistics/collection_file.h"
 
 namespace quiverion {
@@ -27,9 +28,10 @@ CollectionHeader ReadHeader(BinaryReader& reader) {
   return header;
 }
 
-CollectionContents ReadContents(InputFile& file) {
+CollectionContents ReadContents(InputFile& file, const std::function<void(const CollectionHeader&)>& onHeader) {
   BinaryReader reader(file);
   CollectionContents contents{ReadHeader(reader), {}};
+  onHeader(contents.header);
   for (std::int32_t k = 0; k < contents.header.fieldCount; ++k) {
     reader.MoveTo(RecordPosition(contents.header, k));
     contents.sourcePaths.push_back(ReadSourcePath(reader));
@@ -40,17 +42,15 @@ CollectionContents ReadContents(InputFile& file) {
 // Moves records inside a file and gives it its new count.
 class Removal {
  public:
-  explicit Removal(UpdatedFile& file) : file_(file) {
-    BinaryReader reader(file);
-    header_ = ReadHeader(reader);
-  }
+  explicit Removal(UpdatedFile& file) : file_(file), reader_(file) { header_ = ReadHeader(reader_); }
 
-  // Returns the header with the new count; the file still has its old length. Throws SystemError.
-  const CollectionHeader& Run(const std::vector<std::int32_t>& numbers) {
+  // Returns the header with the new count; the file still has its old length. Throws FormatError and SystemError.
+  const CollectionHeader& Run(const std::vector<std::int32_t>& numbers, const std::vector<std::string>& listed) {
     std::int32_t last = header_.fieldCount;
     std::vector<bool> selected(static_cast<std::size_t>(last) + 1);
     for (const std::int32_t number : numbers) {
       if (number < 1 || number > last) throw SystemError(ErrorNumber::indexOutOfRange);
+      if (!listed.empty()) CheckListed(number, listed);
       selected[static_cast<std::size_t>(number)] = true;
     }
     std::int32_t hole = 1;
@@ -66,6 +66,13 @@ class Removal {
   }
 
  private:
+  void CheckListed(std::int32_t number, const std::vector<std::string>& listed) {
+    reader_.MoveTo(RecordPosition(header_, number - 1));
+    if (ReadSourcePath(reader_) == listed.at(static_cast<std::size_t>(number) - 1)) return;
+    throw FormatError(
+        "Die Kollektion wurde inzwischen von einem anderen Programm verändert. Es wurde nichts entfernt!");
+  }
+
   // Record numbers are counted from 1.
   void CopyCollectionRecord(std::int32_t source, std::int32_t target) {
     constexpr std::uint64_t blockSize = 256 * 1024;
@@ -83,6 +90,7 @@ class Removal {
   }
 
   UpdatedFile& file_;
+  BinaryReader reader_;
   CollectionHeader header_;
   std::string block_;
   WriteRetry retry_{nullptr};  // nothing here takes room on the disk
@@ -91,9 +99,9 @@ class Removal {
 // Open from the first move to the last step: no other process comes between them. `failedStep` is what went wrong where
 // the length could not be set. Throws FormatError and SystemError.
 RemovalOutcome RemoveFromFile(FileSystem& files, const std::string& path, const std::vector<std::int32_t>& numbers,
-                              std::string& failedStep) {
+                              const std::vector<std::string>& listed, std::string& failedStep) {
   const auto file = files.OpenForUpdating(path);
-  const CollectionHeader header = Removal(*file).Run(numbers);
+  const CollectionHeader header = Removal(*file).Run(numbers, listed);
   RemovalOutcome outcome = RemovalOutcome::removed;
   if (header.fieldCount < 1) {
     files.RemoveFileQuietly(path);
@@ -112,7 +120,15 @@ RemovalOutcome RemoveFromFile(FileSystem& files, const std::string& path, const 
 
 }  // namespace
 
-std::optional<CollectionContents> ReadCollectionContents(Context& context, const std::string& collectionPath) {
+std::string DescribeCollection(const std::string& collectionPath, const CollectionHeader& header) {
+  return "Name der Kollektion:  " + std::string(TrimBlanks(collectionPath)) +
+         "\nInhalt:  " + std::to_string(header.fieldCount) +
+         " Vektorfelder gesammelt\nGröße der Vektorfelder:  " + std::to_string(header.columnCount) + " x " +
+         std::to_string(header.rowCount);
+}
+
+std::optional<CollectionContents> ReadCollectionContents(Context& context, const std::string& collectionPath,
+                                                         const std::function<void(const CollectionHeader&)>& onHeader) {
   std::unique_ptr<InputFile> file;
   try {
     file = context.files.OpenForReading(collectionPath);
@@ -122,7 +138,7 @@ std::optional<CollectionContents> ReadCollectionContents(Context& context, const
     return std::nullopt;
   }
   try {
-    return ReadContents(*file);
+    return ReadContents(*file, onHeader);
   } catch (const FormatError& error) {
     ShowBox(context, kErrorTitle, error.Message());
   } catch (const std::exception& error) {
@@ -132,14 +148,14 @@ std::optional<CollectionContents> ReadCollectionContents(Context& context, const
 }
 
 RemovalOutcome RemoveRecords(Context& context, const std::string& collectionPath,
-                             const std::vector<std::int32_t>& numbers) {
+                             const std::vector<std::int32_t>& numbers, const std::vector<std::string>& listed) {
   const BusyGuard guard(context);
   if (!guard.Entered()) return RemovalOutcome::busy;
   if (numbers.empty()) return RemovalOutcome::removed;
   RemovalOutcome outcome = RemovalOutcome::failed;
   std::string failedStep;
   try {
-    outcome = RemoveFromFile(context.files, collectionPath, numbers, failedStep);
+    outcome = RemoveFromFile(context.files, collectionPath, numbers, listed, failedStep);
   } catch (const FormatError& error) {
     ShowBox(context, kErrorTitle, error.Message());
   } catch (const std::exception& error) {

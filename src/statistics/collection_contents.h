@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,8 +16,14 @@ struct CollectionContents {
   std::vector<std::string> sourcePaths;  // of record 1, 2, ...; UTF-8, without blanks around them
 };
 
-/// Reads the list of a collection of format version 1. A failure shows a message box and gives nothing.
-std::optional<CollectionContents> ReadCollectionContents(Context& context, const std::string& collectionPath);
+/// Name, number of fields and their size: three lines without a break behind the last, separated by "\n".
+std::string DescribeCollection(const std::string& collectionPath, const CollectionHeader& header);
+
+/// Reads the list of a collection of format version 1: the header and the path bytes of each record. `onHeader` hears of
+/// the header before the records are read. A failure shows a message box and gives nothing.
+std::optional<CollectionContents> ReadCollectionContents(
+    Context& context, const std::string& collectionPath,
+    const std::function<void(const CollectionHeader&)>& onHeader = [](const CollectionHeader&) {});
 
 enum class RemovalOutcome {
   removed,            // read the list again
@@ -30,7 +37,10 @@ enum class RemovalOutcome {
 /// lowest first, then the count is lowered and the file shortened. At every step the file is readable, at worst with
 /// its old count. A number beyond the last record is a failure that changes nothing; no numbers change nothing either.
 /// Other processes that append to the collection wait meanwhile.
+///
+/// `listed` are the source paths of all records as the user has seen them, empty where there was no list: where another
+/// program has put other records in the place of the chosen ones since, that is a failure that changes nothing.
 RemovalOutcome RemoveRecords(Context& context, const std::string& collectionPath,
-                             const std::vector<std::int32_t>& numbers);
+                             const std::vector<std::int32_t>& numbers, const std::vector<std::string>& listed = {});
 
 }  // namespace quiverion

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "generator/sample_files.h"
 #include "support/scripted_dialogs.h"
 #include "support/test_session.h"
@@ -20,7 +22,10 @@ class StatisticsFlow : public testing::Test {
     program.files.files["/c/Serie1.col"] =
         samples::CollectionBytes({samples::MakeSampleField(options), samples::MakeSampleField(options)}, {"a", "b"});
   }
-  bool Run(StatisticKind kind) { return StatisticsCommandFlow(program.context, dialogs, kind, "/mess"); }
+  bool Run(StatisticKind kind) {
+    const auto texts = std::ranges::find(AllStatisticTexts(), kind, &StatisticTexts::kind);
+    return StatisticsCommandFlow(program.context, dialogs, *texts, "/mess");
+  }
 
   test::TestSession program;
   test::ScriptedDialogs dialogs;

@@ -148,6 +148,11 @@ TEST_F(Contents, StayWhereARemovalFails) {
   EXPECT_EQ(remove({6}), writing(9));
   EXPECT_EQ(remove({1, 0}), writing(9));
   EXPECT_EQ(Content(), five);
+  EXPECT_EQ(RemoveRecords(context, "C.col", {2, 4}, {"1", "2", "3", "other", "5"}), RemovalOutcome::failed);
+  EXPECT_EQ(TakeMessage(),
+            "!QuiverionSeries - FEHLER|Die Kollektion wurde inzwischen von einem anderen Programm verändert. Es wurde "
+            "nichts entfernt!");
+  EXPECT_EQ(Content(), five);
   program.files.faults.open = ErrorNumber::pathAccess;
   EXPECT_EQ(remove({1}), writing(75));
   program.files.faults = {.diskSize = 100};

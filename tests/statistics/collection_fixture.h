@@ -3,11 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "statistics/collect.h"
-#include "support/bytes.h"
+#include "support/collection_bytes.h"
 #include "support/field_builder.h"
 #include "support/test_session.h"
 
@@ -42,33 +40,6 @@ class CollectionTest : public testing::Test {
 
   /// The bytes of C.col; an empty file where there was none.
   std::string& Content() { return program.files.files["C.col"]; }
-
-  /// The file with an int32 changed.
-  static std::string With(std::string bytes, std::size_t at, std::int32_t value) {
-    return bytes.replace(at, 4, Bytes().I32(value).Get());
-  }
-
-  /// Collections that no reader takes, with the number of the read error; 0: no collection at all. `good` has 3 x 2
-  /// vectors in several fields.
-  static std::vector<std::pair<std::string, int>> Damaged(const std::string& good) {
-    const auto sized = [&good](std::int32_t columns, std::int32_t rows) {
-      return With(With(good, kColumnsAt, columns), kRowsAt, rows);
-    };
-    return {{"", 0},
-            {"quiverion" + good.substr(9), 0},
-            {good.substr(0, 30), 62},
-            {good.substr(0, kHeader - 1), 62},
-            {good.substr(0, good.size() - 1), 62},
-            {With(good, kCountAt, 2147483647), 62},
-            {With(good, kCountAt, -1), 5},
-            {sized(0, 2), 9},
-            {sized(3, -2), 9},
-            {sized(2147483647, 2147483647), 62},
-            {sized(575292019, 1988527723), 62}};  // a record of 147 bytes modulo 2^64
-  }
-
-  static constexpr std::size_t kCountAt = 31, kColumnsAt = 35, kRowsAt = 39, kHeader = 75;
-  static constexpr std::size_t kRecord = 225;  // of 3 x 2 vectors
 
   TestSession program;
   Context& context = program.context;

@@ -23,6 +23,9 @@ class ScriptedDialogs : public ParameterDialogs {
   std::vector<FileQuestion> fileQuestions;
   std::vector<MacroEvent> edited;  // as the windows got them
 
+  std::string topic;
+
+  void SetTopic(std::string_view about) override { topic = about; }
   std::optional<std::int32_t> ChooseCommand() override { return Next(commands); }
   std::optional<std::string> AskText(const TextQuestion& question) override {
     textQuestions.push_back(question);

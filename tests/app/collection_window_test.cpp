@@ -1,0 +1,212 @@
+// The window of a collection, opened through the menu of the main window.
+#include <QLabel>
+#include <filesystem>
+#include <random>
+
+#include "dialogs/frmShowCollection.h"
+#include "platform/system_error.h"
+#include "support/collection_bytes.h"
+#include "window_fixture.h"
+
+namespace quiverion::test {
+namespace {
+
+class CollectionWindow : public MainWindow {
+ protected:
+  // A collection of fields named 1, 2, ..., each of `columns` x 2 vectors.
+  static std::string Collection(int count, int columns = 3) {
+    std::vector<samples::SampleField> fields;
+    std::vector<std::string> names;
+    for (int k = 1; k <= count; ++k) {
+      fields.push_back(samples::MakeSampleField({.index = k, .columns = columns, .rows = 2}));
+      names.push_back(std::to_string(k));
+    }
+    return samples::CollectionBytes(fields, names);
+  }
+  // Opens the window of s.col; `action` uses it, and whatever opens meanwhile has to be expected before.
+  void Use(std::function<void(QDialog&)> action) {
+    place.Write("s.dat", "");
+    script.ExpectFile(place.Path() + "s.dat");  // the extension is replaced
+    script.Expect<QDialog>("quiverion::frmShowCollection", std::move(action));
+    Trigger("mnuEditCollection");
+  }
+  static QListWidget& List(QDialog& dialog) { return Find<QListWidget>(dialog, "lstCollectedFiles"); }
+  static void Select(QDialog& dialog, const std::vector<int>& numbers) {
+    List(dialog).clearSelection();
+    for (const int number : numbers) List(dialog).item(number - 1)->setSelected(true);
+  }
+  void ExpectConfirmation(const std::string& what) {
+    script.ExpectBox(QMessageBox::Yes,
+                     "QuiverionSeries - Vektorfelder entfernen|Wollen sie diese " + what + " wirklich entfernen?");
+  }
+  void ExpectMainWindowAsBefore() {
+    EXPECT_TRUE(Get<QPushButton>("cmdOk").isVisible() && Get<QPushButton>("cmdCancel").isVisible());
+    EXPECT_FALSE(Get<QProgressBar>("ProgressBar").isVisible());
+    EXPECT_EQ(window->cursor().shape(), Qt::ArrowCursor);
+    EXPECT_FALSE(TheSession().context.busy);
+  }
+};
+
+TEST_F(CollectionWindow, ListsTheFieldsAndRemovesTheSelectedOnes) {
+  place.Write("s.col", Collection(5));
+  Open();
+  Use([&](QDialog& dialog) {
+    EXPECT_EQ(FromQt(Find<QLabel>(dialog, "lblCollectionInfo").text()),
+              "Name der Kollektion:  " + place.Path() +
+                  "s.col\nInhalt:  5 Vektorfelder gesammelt\nGröße der Vektorfelder:  3 x 2");
+    ExpectNothingCutOff(dialog);
+    script.ExpectBox(QMessageBox::Ok,
+                     "QuiverionSeries - Vektorfelder entfernen|Sie müssen dazu irgendwelche Dateien ausgewählt haben!");
+    Press(dialog, "cmdDelete");
+    Select(dialog, {2, 5});
+    ExpectConfirmation("2 Dateien");
+    Press(dialog, "cmdDelete");
+    EXPECT_EQ(Lines(List(dialog)), "1|4|3|");
+    EXPECT_TRUE(Find<QLabel>(dialog, "lblCollectionInfo").text().contains("3 Vektorfelder"));
+    Select(dialog, {1});
+    script.ExpectBox(QMessageBox::No);
+    Press(dialog, "cmdDelete");
+    EXPECT_EQ(Lines(List(dialog)), "1|4|3|");
+    ExpectConfirmation("1 Datei");
+    dialog.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
+    EXPECT_EQ(Lines(List(dialog)), "3|4|");
+    Press(dialog, "cmdOk");
+  });
+  EXPECT_EQ(place.Read("s.col").size(), kHeader + 2 * kRecord);
+  ExpectMainWindowAsBefore();
+}
+
+TEST_F(CollectionWindow, RemovesLikeTheCommandLine) {
+  const std::string collection = Collection(200, 9);
+  std::mt19937 random(6);
+  Open();
+  for (const int percent : {2, 40, 97}) {
+    std::vector<int> numbers;
+    std::vector<std::string> arguments = {"collection", "remove", "copy.col"};
+    for (int number = 1; number <= 200; ++number) {
+      if (static_cast<int>(random() % 100) >= percent) continue;
+      numbers.push_back(number);
+      arguments.push_back(std::to_string(number));
+    }
+    place.Write("s.col", collection);
+    place.Write("copy.col", collection);
+    Use([&](QDialog& dialog) {
+      Select(dialog, numbers);
+      script.ExpectBox(QMessageBox::Yes);
+      Press(dialog, "cmdDelete");
+      Press(dialog, "cmdOk");
+    });
+    EXPECT_EQ(cli::RunProgram(place, arguments).code, 0);
+    EXPECT_LT(place.Read("s.col").size(), collection.size());
+    EXPECT_TRUE(place.Read("s.col") == place.Read("copy.col")) << percent;
+  }
+}
+
+TEST_F(CollectionWindow, DeletesAnEmptiedCollectionAndCloses) {
+  place.Write("s.col", Collection(2));
+  Open();
+  Use([&](QDialog& dialog) {
+    List(dialog).selectAll();
+    ExpectConfirmation("2 Dateien");
+    script.ExpectBox(QMessageBox::Ok,
+                     "QuiverionSeries - Kollektion gelöscht|Da alle Vektorfelder entfernt wurden, wurde damit die "
+                     "Kollektion vollständig gelöscht.");
+    Press(dialog, "cmdDelete");
+    EXPECT_FALSE(dialog.isVisible());
+  });
+  EXPECT_FALSE(place.Has("s.col"));
+}
+
+TEST_F(CollectionWindow, AsksBeforeItTakesTheReadOnlyAttributeOff) {
+  place.Write("s.col", Collection(2));
+  std::filesystem::permissions(place.Path() + "s.col", std::filesystem::perms::owner_read);
+  const std::string question =
+      "QuiverionSeries - Vektorfelder aus Kollektion entfernen|ACHTUNG: Bei der aktuellen Kollektion ist das "
+      "Schreibschutz-Attribut gesetzt!\n\nSoll das Schreibschutz-Attribut entfernt werden?";
+  Open();
+  Use([&](QDialog& dialog) {
+    Select(dialog, {1});
+    script.ExpectBox(QMessageBox::No, question);
+    Press(dialog, "cmdDelete");
+    EXPECT_EQ(Lines(List(dialog)), "1|2|");
+    script.ExpectBox(QMessageBox::Yes, question);
+    script.ExpectBox(QMessageBox::Yes);
+    Press(dialog, "cmdDelete");
+    EXPECT_EQ(Lines(List(dialog)), "2|");
+    Press(dialog, "cmdOk");
+  });
+}
+
+TEST_F(CollectionWindow, ReadsTheFileAgainWhenItIsResized) {
+  place.Write("s.col", Collection(2));
+  Open();
+  Use([&](QDialog& dialog) {
+    Select(dialog, {1});
+    place.Write("s.col", Collection(3));
+    dialog.resize(800, 500);
+    EXPECT_EQ(Lines(List(dialog)), "1|2|3|");
+    EXPECT_TRUE(List(dialog).selectedItems().isEmpty());
+    place.Write("s.col", "gone");
+    script.ExpectBox(QMessageBox::Ok, "QuiverionSeries - FEHLER|    COL-Datei ist nicht von QuiverionSeries!");
+    dialog.resize(700, 500);
+    EXPECT_FALSE(dialog.isVisible());
+  });
+}
+
+// The list is what the user saw: where another program has moved the records since, nothing is removed.
+TEST_F(CollectionWindow, RemovesNothingFromACollectionThatHasChanged) {
+  place.Write("s.col", Collection(3));
+  Open();
+  Use([&](QDialog& dialog) {
+    EXPECT_EQ(cli::RunProgram(place, {"collection", "remove", "s.col", "1"}).code, 0);
+    Select(dialog, {1});
+    ExpectConfirmation("1 Datei");
+    script.ExpectBox(QMessageBox::Ok,
+                     "QuiverionSeries - FEHLER|Die Kollektion wurde inzwischen von einem anderen Programm verändert. "
+                     "Es wurde nichts entfernt!");
+    Press(dialog, "cmdDelete");
+    EXPECT_EQ(Lines(List(dialog)), "3|2|");
+    Press(dialog, "cmdOk");
+  });
+}
+
+TEST_F(CollectionWindow, DamagedCollectionsEndInTheirMessageBox) {
+  const std::string good = Collection(5);
+  const auto text = [](const char* before, int number) {
+    return std::string(before) + "\n\n" + ErrorText(SystemError(static_cast<ErrorNumber>(number)));
+  };
+  auto cases = Damaged(good);
+  cases.emplace_back(With(With(good, kCountAt, 0), kColumnsAt, 100000000), 7);
+  Open();
+  for (const auto& [content, number] : cases) {
+    place.Write("s.col", content);
+    if (number != 7) {  // the list of no records needs no memory
+      script.ExpectFile(place.Path() + "s.col");
+      script.ExpectBox(
+          QMessageBox::Ok,
+          number == 0
+              ? "QuiverionSeries - FEHLER|    COL-Datei ist nicht von QuiverionSeries!"
+              : text("QuiverionSeries - FEHLER|Beim Einlesen der Kollektion ist der folgende Fehler aufgetreten:",
+                     number));
+      Trigger("mnuEditCollection");
+    }
+    script.ExpectBox(QMessageBox::Ok);
+    script.ExpectFile(place.Path() + "s.col");
+    script.ExpectBox(QMessageBox::Ok);
+    script.ExpectFile(place.Path() + "r.vas");
+    script.ExpectBox(
+        QMessageBox::Ok,
+        number == 0
+            ? "QuiverionSeries - Fehler|Dies ist keine gültige COL-Datei!"
+            : text("QuiverionSeries - Fehler|Fehler beim Einlesen der Kollektion! Folgender Fehler ist aufgetreten:",
+                   number));
+    Trigger("mnuStdDeviation");
+    ExpectMainWindowAsBefore();
+  }
+  EXPECT_FALSE(place.Has("r.vas"));
+}
+
+}  // namespace
+}  // namespace quiverion::test
