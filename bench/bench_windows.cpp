@@ -11,10 +11,12 @@
 #include "app/frmMain.h"
 #include "bench_support.h"
 #include "dialogs/application.h"
+#include "dialogs/frmShowCollection.h"
 #include "dialogs/frmShowLogFile.h"
 #include "generator/sample_files.h"
 #include "macro/run_driver.h"
 #include "platform/environment.h"
+#include "statistics/compute_statistic.h"
 #include "support/test_session.h"
 
 namespace quiverion::bench {
@@ -113,6 +115,68 @@ void RunSeries(benchmark::State& state, bool windows) {
 }
 BENCHMARK_CAPTURE(RunSeries, windows, true)->Unit(benchmark::kMillisecond)->MinTime(2);
 BENCHMARK_CAPTURE(RunSeries, command_line, false)->Unit(benchmark::kMillisecond)->MinTime(2);
+
+// A collection of `count` fields, as generated: index 0 to 9 over and over.
+std::string CollectionOf(int count, int columns, int rows) {
+  std::vector<samples::SampleField> fields;
+  for (int k = 0; k < count; ++k) {
+    fields.push_back(samples::MakeSampleField({.index = k % 10, .columns = columns, .rows = rows}));
+  }
+  return samples::CollectionBytes(fields, std::vector<std::string>(fields.size(), "/daten/messung/run.vas"));
+}
+
+// The same statistic: with the progress bar of the main window, and as the command line computes it.
+void Statistic(benchmark::State& state, bool windows) {
+  const ScratchDirectory directory;
+  WritePlainly(directory.File("s.col"),
+               CollectionOf(static_cast<int>(state.range(1)), static_cast<int>(state.range(0)), 100));
+  const auto files = MakeSystemFileSystem();
+  const SystemClock clock;
+  frmMain window({*files, clock, [] { return std::vector<std::string>{"/"}; }, directory.File("")});
+  window.show();
+  QApplication::processEvents();
+  test::ScriptedUi silent;
+  RunLog log;
+  Session plain(*files, silent, log, clock);
+  Context& context = windows ? window.TheSession().context : plain.context;
+  for (auto _ : state) {
+    ComputeStatistic(context, StatisticKind::mean, directory.File("s.col"), directory.File("mean.vas"));
+    silent.computation.clear();
+    state.PauseTiming();
+    std::filesystem::remove(directory.File("mean.vas"));
+    state.ResumeTiming();
+  }
+}
+BENCHMARK_CAPTURE(Statistic, windows, true)
+    ->Args({5, 500})
+    ->Args({5, 10000})
+    ->Args({125, 500})
+    ->Unit(benchmark::kMillisecond)
+    ->MinTime(1);
+BENCHMARK_CAPTURE(Statistic, command_line, false)
+    ->Args({5, 500})
+    ->Args({5, 10000})
+    ->Args({125, 500})
+    ->Unit(benchmark::kMillisecond)
+    ->MinTime(1);
+
+// Opens the window of a collection of 20,000 fields.
+void ListCollection(benchmark::State& state) {
+  const ScratchDirectory directory;
+  WritePlainly(directory.File("s.col"), CollectionOf(20000, 20, 10));
+  const auto files = MakeSystemFileSystem();
+  const SystemClock clock;
+  test::ScriptedUi ui;
+  RunLog log;
+  Session session(*files, ui, log, clock);
+  for (auto _ : state) {
+    frmShowCollection window(session.context, directory.File("s.col"));
+    window.FillListBox();
+    window.show();
+    QApplication::processEvents();
+  }
+}
+BENCHMARK(ListCollection)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace quiverion::bench

@@ -15,10 +15,18 @@ MessageAnswer QtUserInterface::Ask(const Message& box) {
   return ShowMessageBox(parent, box);
 }
 
-void QtUserInterface::RunStarted(const RunProgress& progress) {
-  progress_ = progress;
+void QtUserInterface::Begin() {
   throttle_ = RepaintThrottle();
   time_.start();
+}
+
+bool QtUserInterface::PaintingIsDue(std::string_view step) {
+  return throttle_.IsDue(step, static_cast<double>(time_.elapsed()) / 1000.0);
+}
+
+void QtUserInterface::RunStarted(const RunProgress& progress) {
+  Begin();
+  progress_ = progress;
   progressWindow_ = std::make_unique<frmShowProgress>(*this);
   progressWindow_->Show(progress);
   window_.hide();
@@ -27,7 +35,7 @@ void QtUserInterface::RunStarted(const RunProgress& progress) {
 
 void QtUserInterface::ShowProgress(const RunProgress& progress) {
   progress_ = progress;
-  if (throttle_.IsDue(progress.event, static_cast<double>(time_.elapsed()) / 1000.0)) progressWindow_->Show(progress);
+  if (PaintingIsDue(progress.event)) progressWindow_->Show(progress);
 }
 
 void QtUserInterface::RunEnded() {
@@ -35,11 +43,12 @@ void QtUserInterface::RunEnded() {
 }
 
 void QtUserInterface::ComputationStarted() {
+  Begin();
   window_.ComputationStarted();
 }
 
 void QtUserInterface::ShowComputation(std::int64_t done, std::int64_t total) {
-  window_.ShowComputation(done, total);
+  if (PaintingIsDue("Statistik")) window_.ShowComputation(done, total);
 }
 
 void QtUserInterface::ComputationEnded() {

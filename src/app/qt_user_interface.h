@@ -29,6 +29,9 @@ class QtUserInterface : public UserInterface {
   bool Yield() override;
 
  private:
+  void Begin();
+  bool PaintingIsDue(std::string_view step);
+
   frmMain& window_;
   std::unique_ptr<frmShowProgress> progressWindow_;  // during a run
   RunProgress progress_;                             // the last one, shown or not
