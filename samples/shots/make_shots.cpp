@@ -1,6 +1,7 @@
 // Saves a picture of every window, filled from a series: make_shots MAKRO SERIE ZIEL
 #include <QApplication>
 #include <QDir>
+#include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
 #include <QTimer>
@@ -15,6 +16,7 @@
 #include "dialogs/frmFaultVectors.h"
 #include "dialogs/frmMirrorOptions.h"
 #include "dialogs/frmPrefixPostfix.h"
+#include "dialogs/frmShowCollection.h"
 #include "dialogs/frmShowProgress.h"
 #include "dialogs/frmXYTrafo.h"
 #include "dialogs/message_box.h"
@@ -34,6 +36,7 @@ class Shots {
   void TakeAll() {
     Windows();
     ParameterWindowsWithDefaults();
+    Collection();
     Boxes();
     Menus();
   }
@@ -105,6 +108,17 @@ class Shots {
     frmChooseMacroEvent tree;
     tree.findChild<QTreeWidget*>()->expandItem(tree.findChild<QTreeWidget*>()->topLevelItem(3));
     Show(tree, "frmChooseMacroEvent");
+  }
+
+  // What the run has collected.
+  void Collection() {
+    frmShowCollection collection(main_.TheSession().context, series_ + "/Serie.col");
+    collection.FillListBox();
+    auto* const list = collection.findChild<QListWidget*>();
+    for (const int line : {2, 3, 7}) {
+      if (list->item(line) != nullptr) list->item(line)->setSelected(true);
+    }
+    Show(collection, "frmShowCollection");
   }
 
   void Boxes() {

@@ -18,6 +18,7 @@ void PrepareApplication(QApplication& application) {
   }
   UseIcons();
   QApplication::setWindowIcon(QIcon(":/icons/program.svg"));
+  QGuiApplication::setDesktopFileName(QStringLiteral("org.quiverion.QuiverionSeries"));
   QApplication::setApplicationName(QStringLiteral("QuiverionSeries"));
   // The main window is hidden during a run: its end is not the program's.
   QApplication::setQuitOnLastWindowClosed(false);
