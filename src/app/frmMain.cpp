@@ -255,12 +255,16 @@ void frmMain::Start() {
 void frmMain::ShowAt(QPoint place) {
   show();
   if (isMaximized()) return;
+  WaitUntilPlaced();
+  move(place);
+}
+
+void frmMain::WaitUntilPlaced() {
   QElapsedTimer time;
   time.start();
   while (!windowHandle()->isExposed() && time.elapsed() < kPlacementTime) {
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
   }
-  move(place);
 }
 
 void frmMain::ShowLog() {
@@ -373,6 +377,7 @@ void frmMain::dropEvent(QDropEvent* event) {
 }
 
 void frmMain::OpenPaths(const std::vector<std::string>& paths) {
+  WaitUntilPlaced();  // what opens stands over the window
   Guarded([&] {
     const auto first = [&paths](std::string_view extension) {
       return std::ranges::find_if(

@@ -104,6 +104,7 @@ class frmMain : public QMainWindow {
 
   // Shows the hidden window where it was: the window manager would place it anew.
   void ShowAt(QPoint place);
+  void WaitUntilPlaced();
 
   void Quit();
 

@@ -47,7 +47,7 @@ class MainWindow : public testing::Test {
                                                .clock = clock,
                                                .listDrives = [this] { return drives; },
                                                .startDirectory = place.Path() + name,
-                                               .helpFile = "/opt/Quiverion.hlp"});
+                                               .helpFile = helpFile});
     window->show();
     window->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
@@ -93,6 +93,7 @@ class MainWindow : public testing::Test {
   std::unique_ptr<FileSystem> files = MakeSystemFileSystem();
   FaultyClock clock;
   std::vector<std::string> drives = {"/"};
+  std::string helpFile = "/opt/Quiverion.hlp";
   ModalScript script;
   std::unique_ptr<frmMain> window;
 };

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "generator/sample_files.h"
@@ -103,7 +104,15 @@ TEST_F(Program, ListsTheCommands) {
   EXPECT_EQ(commands[1]["Parameters"], nlohmann::json::parse(R"([{"Key": "Comment", "Kind": "text"}])"));
 }
 
-TEST_F(Program, SpeaksGermanInItsHelp) {
+std::string TextOf(const std::string& path) {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST_F(Program, SpeaksGermanInItsHelpAndHasItsOptionsInTheManuals) {
+  const std::string manual = TextOf(HELP_PAGES "/befehlszeile.html");
+  std::string page = TextOf(MANUAL_PAGES "/quiverionseries-cli.1.in");
+  std::erase(page, '\\');
   const std::vector<std::string> pages[] = {
       {},       {"run"},      {"macro"},      {"macro", "show"}, {"macro", "export"},    {"macro", "import"},
       {"info"}, {"commands"}, {"statistics"}, {"collection"},    {"collection", "list"}, {"collection", "remove"}};
@@ -115,6 +124,13 @@ TEST_F(Program, SpeaksGermanInItsHelp) {
     EXPECT_NE(outcome.out.find("Aufruf"), std::string::npos) << words.front();
     for (const char* english : {"Usage", "Option:", "ptions:", "ositional", "ubcommand", "REQUIRED", "Print this"}) {
       EXPECT_EQ(outcome.out.find(english), std::string::npos) << outcome.out;
+    }
+    for (std::size_t at = 0; (at = outcome.out.find("--", at)) != std::string::npos; at += words.back().size()) {
+      words.push_back(outcome.out.substr(at, outcome.out.find_first_not_of("abcdefghijklmnopqrstuvwxyz-", at) - at));
+    }
+    for (const std::string& word : words) {
+      EXPECT_NE(manual.find(word), std::string::npos) << word;
+      EXPECT_NE(page.find(word), std::string::npos) << word;
     }
   }
 }

@@ -1,0 +1,118 @@
+// The help window: from the menu, and by F1 from wherever the user is.
+#include <QTextBrowser>
+#include <QTreeWidget>
+
+#include "dialogs/frmHelp.h"
+#include "window_fixture.h"
+
+namespace quiverion::test {
+namespace {
+
+class HelpWindow : public MainWindow {
+ protected:
+  HelpWindow() {
+    helpFile = HELP_FILE;
+    Open();
+  }
+  frmHelp* Window() {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      if (auto* const help = qobject_cast<frmHelp*>(widget); help != nullptr && help->isVisible()) return help;
+    }
+    return nullptr;
+  }
+  std::string Page() {
+    const frmHelp* const help = Window();
+    return help == nullptr ? "closed" : FromQt(Find<QTextBrowser>(*help, "txtPage").source().toString());
+  }
+  void ExpectF1(const char* className, const std::string& page, std::function<void(QDialog&)> before = {}) {
+    script.Expect<QDialog>(className, [this, page, before](QDialog& dialog) {
+      if (before) before(dialog);
+      QTest::keyClick(&dialog, Qt::Key_F1);
+      EXPECT_EQ(Page(), page);
+      EXPECT_EQ(Window()->parentWidget(), &dialog) << "the dialog would block it";
+      QWidget* const below = dialog.parentWidget();
+      dialog.reject();
+      EXPECT_EQ(Window()->parentWidget(), below);
+    });
+  }
+};
+
+TEST_F(HelpWindow, ShowsTheContents) {
+  Trigger("mnuShowHelp");
+  EXPECT_EQ(Page(), "inhalt.html");
+  ExpectNothingCutOff(*Window());
+  auto& browser = Find<QTextBrowser>(*Window(), "txtPage");
+  EXPECT_TRUE(browser.toPlainText().contains("QuiverionSeries"));
+  auto& tree = Find<QTreeWidget>(*Window(), "tvwContents");
+  QTreeWidgetItem* const chapter = tree.topLevelItem(1);
+  emit tree.itemClicked(chapter, 0);
+  EXPECT_EQ(Page(), FromQt(chapter->data(0, Qt::UserRole).toString()));
+  EXPECT_EQ(FromQt(Window()->windowTitle()), "QuiverionSeries - Hilfe: " + FromQt(browser.documentTitle()));
+  Press(*Window(), "cmdBack");
+  EXPECT_EQ(Page(), "inhalt.html");
+  Press(*Window(), "cmdForward");
+  EXPECT_EQ(tree.currentItem(), chapter);
+}
+
+TEST_F(HelpWindow, FindsAKeyword) {
+  Trigger("mnuHelpIndex");
+  Type(*Window(), "txtKeyword", "viskos");
+  auto& list = Find<QListWidget>(*Window(), "lstKeywords");
+  ASSERT_NE(list.currentItem(), nullptr);
+  EXPECT_TRUE(list.currentItem()->text().contains("Viskosität"));
+  EXPECT_TRUE(list.item(0)->isHidden());
+  QTest::keyClick(&Find<QLineEdit>(*Window(), "txtKeyword"), Qt::Key_Return);
+  EXPECT_EQ(Page(), FromQt(list.currentItem()->data(Qt::UserRole).toString()));
+  Type(*Window(), "txtKeyword", "xyzzy");
+  EXPECT_EQ(list.currentItem(), nullptr);
+}
+
+TEST_F(HelpWindow, F1LeadsToThePageOfTheDialog) {
+  ExpectF1("quiverion::frmChooseMacroEvent", "befehle-berechnungen.html#evtGauss3x3", [](QDialog& dialog) {
+    auto& tree = Find<QTreeWidget>(dialog, "tvwMacroEvents");
+    for (QTreeWidgetItemIterator item(&tree); *item != nullptr; ++item) {
+      if ((*item)->data(0, Qt::UserRole) == "K40103") tree.setCurrentItem(*item);
+    }
+  });
+  Click("cmdNewMacroEvent");
+
+  const struct {
+    std::int32_t eventId;
+    const char *className, *page;
+  } cases[] = {
+      {30001, "quiverion::frmFaultVectors", "befehle-bearbeiten.html#evtFaultVectors"},
+      {10001, "quiverion::frmPrefixPostfix", "makro.html#frmPrefixPostfix"},
+      {50104, "QInputDialog", "befehle-ansicht.html#evtPaletteMin"},
+      {50001, "QMessageBox", "befehle-ansicht.html#evtShowHeader"},
+      {60001, "QFileDialog", "befehle-statistik.html#evtCollectStatistics"},
+  };
+  for (const auto& c : cases) {
+    SetMacro({c.eventId});
+    MacroEvent& event = TheSession().macro[0];
+    if (c.eventId == 50104) event.Set("Value", 1.0);
+    if (c.eventId == 60001) event.Set("FileName", place.Path() + "s.col");
+    MacroList().setCurrentRow(0);
+    ExpectF1(c.className, c.page);
+    Click("cmdEditMacroEvent");
+  }
+  ExpectF1("QMessageBox", "statistik.html#mnuTu");
+  script.ExpectFile("");
+  Trigger("mnuTu");
+  ExpectF1("QMessageBox", "hauptfenster.html#frmMain");
+  Trigger("mnuAbout");
+}
+
+// A dialog over a dialog: the help belongs to the upper one, then to the lower one again.
+TEST_F(HelpWindow, StaysReadableOverSeveralDialogs) {
+  place.Write("s.col", samples::CollectionBytes({Sample(0)}, {"x"}));
+  script.ExpectFile(place.Path() + "s.col");
+  script.Expect<QDialog>("quiverion::frmShowCollection", [this](QDialog& dialog) {
+    ExpectF1("QMessageBox", "kollektion.html#mnuEditCollection");
+    Press(dialog, "cmdDelete");
+    dialog.reject();
+  });
+  Trigger("mnuEditCollection");
+}
+
+}  // namespace
+}  // namespace quiverion::test
