@@ -116,7 +116,9 @@ void frmMain::ConnectMenus() {
   connect(ui_->mnuShowHelp, &QAction::triggered, this, [this] { Guarded([this] { help_.ShowContents(); }); });
   connect(ui_->mnuHelpIndex, &QAction::triggered, this, [this] { Guarded([this] { help_.ShowIndex(); }); });
   connect(ui_->mnuAbout, &QAction::triggered, this, [this] {
-    messages_.Ask({.title = "Über das Programm", .text = "QuiverionSeries V1.0", .icon = MessageIcon::information});
+    Guarded([this] {
+      messages_.Ask({.title = "Über das Programm", .text = "QuiverionSeries V1.0", .icon = MessageIcon::information});
+    });
   });
 }
 

@@ -9,7 +9,7 @@ namespace quiverion {
 
 MessageAnswer QtUserInterface::Ask(const Message& box) {
   if (progressWindow_) progressWindow_->Show(progress_);
-  QWidget* parent = QApplication::activeWindow();
+  QWidget* parent = QApplication::activeModalWidget();  // never the help, which moves over the box by itself
   if (parent == nullptr && progressWindow_) parent = progressWindow_.get();
   if (parent == nullptr && window_.isVisible()) parent = &window_;
   return ShowMessageBox(parent, box);
