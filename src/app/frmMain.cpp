@@ -109,7 +109,7 @@ void frmMain::ConnectMenus() {
   connect(ui_->mnuOpenMacroList, &QAction::triggered, this, &frmMain::OpenMacro);
   connect(ui_->mnuSaveMacroList, &QAction::triggered, this, &frmMain::SaveMacro);
   for (const StatisticTexts& texts : AllStatisticTexts()) {
-    auto* const item = findChild<QAction*>(QLatin1String(texts.item.data(), texts.item.size()));
+    auto* const item = findChild<QAction*>(ToQt(texts.item));
     connect(item, &QAction::triggered, this, [this, &texts] { RunStatistic(texts); });
   }
   connect(ui_->mnuEditCollection, &QAction::triggered, this, &frmMain::EditCollection);

@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QTimer>
 
 #include "app/drives.h"
 #include "app/frmMain.h"
@@ -22,7 +23,6 @@ int main(int argc, char** argv) {
   for (const QString& argument : QCoreApplication::arguments().mid(1)) {
     if (argument != u"::IDESTART") paths.push_back(AbsolutePath(PathFromQt(argument)));
   }
-  QMetaObject::invokeMethod(
-      &window, [&] { window.OpenPaths(paths); }, Qt::QueuedConnection);
+  if (!paths.empty()) QTimer::singleShot(0, &window, [&] { window.OpenPaths(paths); });
   return QApplication::exec();
 }
