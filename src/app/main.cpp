@@ -1,5 +1,4 @@
 #include <QApplication>
-#include <QTimer>
 
 #include "app/drives.h"
 #include "app/frmMain.h"
@@ -23,6 +22,6 @@ int main(int argc, char** argv) {
   for (const QString& argument : QCoreApplication::arguments().mid(1)) {
     if (argument != u"::IDESTART") paths.push_back(AbsolutePath(PathFromQt(argument)));
   }
-  if (!paths.empty()) QTimer::singleShot(0, &window, [&] { window.OpenPaths(paths); });
-  return QApplication::exec();
+  if (!paths.empty()) window.OpenPaths(paths);
+  return window.IsQuitting() ? 0 : QApplication::exec();
 }
