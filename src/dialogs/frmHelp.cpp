@@ -103,8 +103,8 @@ void frmHelp::FilterKeywords(const QString& text) {
 }
 
 // The contents follow the page.
-void frmHelp::PageChanged() {
-  const QString target = ui_->txtPage->source().toString();
+void frmHelp::PageChanged(const QUrl& url) {
+  const QString target = url.toString();
   setWindowTitle("QuiverionSeries - Hilfe: " + ui_->txtPage->documentTitle());
   QTreeWidgetItem* page = nullptr;
   for (QTreeWidgetItemIterator item(ui_->tvwContents); *item != nullptr; ++item) {

@@ -33,7 +33,7 @@ class frmHelp : public QDialog {
   void Open(const QString& target);
   void FillContents();
   void FilterKeywords(const QString& text);
-  void PageChanged();
+  void PageChanged(const QUrl& url);  // before the browser itself knows it
 
   QString directory_;
   HelpPages pages_;

@@ -6,6 +6,7 @@
 #include "dialogs/frmShowCollection.h"
 #include "platform/system_error.h"
 #include "support/collection_bytes.h"
+#include "support/test_session.h"
 #include "window_fixture.h"
 
 namespace quiverion::test {
@@ -60,7 +61,9 @@ TEST_F(CollectionWindow, ListsTheFieldsAndRemovesTheSelectedOnes) {
     Press(dialog, "cmdDelete");
     Select(dialog, {2, 5});
     ExpectConfirmation("2 Dateien");
+    Find<QPushButton>(dialog, "cmdDelete").setFocus();
     Press(dialog, "cmdDelete");
+    EXPECT_EQ(dialog.cursor().shape(), Qt::ArrowCursor);
     EXPECT_EQ(Lines(List(dialog)), "1|4|3|");
     EXPECT_TRUE(Find<QLabel>(dialog, "lblCollectionInfo").text().contains("3 Vektorfelder"));
     Select(dialog, {1});
@@ -102,6 +105,24 @@ TEST_F(CollectionWindow, RemovesLikeTheCommandLine) {
     EXPECT_LT(place.Read("s.col").size(), collection.size());
     EXPECT_TRUE(place.Read("s.col") == place.Read("copy.col")) << percent;
   }
+}
+
+TEST(CollectionWindowInMemory, EndsTheProgramWhereTheFileCannotBeShortened) {
+  TestSession program;
+  const samples::SampleField field = samples::MakeSampleField({.columns = 3, .rows = 2});
+  program.files.files["s.col"] = samples::CollectionBytes({field, field}, {"a\tb", "c"});
+  program.files.faults.setFileSize = true;
+  program.ui.answers = {MessageAnswer::yes};
+  frmShowCollection window(program.context, "s.col");
+  EXPECT_TRUE(window.FillListBox());
+  window.show();
+  auto& list = Find<QListWidget>(window, "lstCollectedFiles");
+  EXPECT_EQ(FromQt(list.item(0)->text()), "a?b");
+  list.item(0)->setSelected(true);
+  Press(window, "cmdDelete");
+  EXPECT_EQ(program.ui.messages.back().title, "Schwerer Fehler");
+  EXPECT_TRUE(window.ProgramMustEnd());
+  EXPECT_FALSE(window.isVisible());
 }
 
 TEST_F(CollectionWindow, DeletesAnEmptiedCollectionAndCloses) {
@@ -149,7 +170,11 @@ TEST_F(CollectionWindow, ReadsTheFileAgainWhenItIsResized) {
     EXPECT_EQ(Lines(List(dialog)), "1|2|3|");
     EXPECT_TRUE(List(dialog).selectedItems().isEmpty());
     place.Write("s.col", "gone");
-    script.ExpectBox(QMessageBox::Ok, "QuiverionSeries - FEHLER|    COL-Datei ist nicht von QuiverionSeries!");
+    script.Expect<QMessageBox>("QMessageBox", [&dialog](QMessageBox& box) {
+      EXPECT_EQ(FromQt(box.text()), "    COL-Datei ist nicht von QuiverionSeries!");
+      dialog.resize(710, 500);  // one message is enough
+      box.accept();
+    });
     dialog.resize(700, 500);
     EXPECT_FALSE(dialog.isVisible());
   });

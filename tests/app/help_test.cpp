@@ -52,6 +52,8 @@ TEST_F(HelpWindow, ShowsTheContents) {
   EXPECT_EQ(Page(), "inhalt.html");
   Press(*Window(), "cmdForward");
   EXPECT_EQ(tree.currentItem(), chapter);
+  Window()->ShowTopic("evtGauss3x3");
+  EXPECT_EQ(FromQt(tree.currentItem()->text(0) + " < " + tree.currentItem()->parent()->text(0)), "Gauß (3x3) < Filter");
 }
 
 TEST_F(HelpWindow, FindsAKeyword) {
@@ -100,6 +102,8 @@ TEST_F(HelpWindow, F1LeadsToThePageOfTheDialog) {
   Trigger("mnuTu");
   ExpectF1("QMessageBox", "hauptfenster.html#frmMain");
   Trigger("mnuAbout");
+  ExpectF1("QMessageBox", "lauf.html#frmShowProgress");
+  Click("cmdOk");
 }
 
 // A dialog over a dialog: the help belongs to the upper one, then to the lower one again.

@@ -108,6 +108,14 @@ TEST_F(MainWindow, DroppedFilesAreSelected) {
   EXPECT_EQ(Files().SelectedNames(), Names{"b.vas"});
   drop({"serie"});
   EXPECT_EQ(Files().SelectedNames().size(), 3u);
+  SetMacro({40001, 40101});
+  script.ExpectFile(place.Path() + "m");
+  Trigger("mnuSaveMacroList");
+  SetMacro({});
+  place.Write("s.col", samples::CollectionBytes({Sample(0)}, {"x"}));
+  script.Expect<QDialog>("quiverion::frmShowCollection", [](QDialog& dialog) { Press(dialog, "cmdOk"); });
+  drop({"notes.txt", "s.col", "m.mak"});
+  EXPECT_EQ(MacroList().count(), 2);
 }
 
 TEST_F(MainWindow, TheMacroListObeysKeysAndTheRightButton) {
