@@ -16,6 +16,7 @@
 #include "dialogs/guarded.h"
 #include "dialogs/icons.h"
 #include "dialogs/qt_text.h"
+#include "dialogs/run_modal.h"
 #include "macro/macro_file.h"
 #include "macro/pre_run_checks.h"
 #include "platform/paths.h"
@@ -27,6 +28,13 @@ namespace quiverion {
 namespace {
 
 constexpr const char* kCollectionTitle = "QuiverionSeries - Inhalt der Kollektion einsehen und bearbeiten";
+// Files are read where they are: were the drop taken as a move, its source would delete them.
+void CopyOnly(QDropEvent& event) {
+  if (!event.possibleActions().testFlag(Qt::CopyAction)) return event.ignore();
+  event.setDropAction(Qt::CopyAction);
+  event.accept();
+}
+
 constexpr qint64 kPlacementTime = 300;  // ms that a window manager gets to show the window again
 
 }  // namespace
@@ -239,7 +247,7 @@ void frmMain::Start() {
   if (session_.context.busy) return;  // what runs keeps its files and its log
   const QPoint place = pos();
   Guarded([this, place] {
-    dialogs_.SetTopic("frmShowProgress");
+    dialogs_.SetTopic("pruefungen");
     session_.selectedFiles = ui_->Files->SelectedNames();
     session_.inputDirectory = WithSeparator(ui_->Directory->Path());
     logText_.Clear();
@@ -271,7 +279,8 @@ void frmMain::WaitUntilPlaced() {
 
 void frmMain::ShowLog() {
   if (!quitting_) {
-    frmShowLogFile(logText_, session_.inputDirectory + "Log.rtf", machine_.files, messages_).exec();
+    frmShowLogFile log(logText_, session_.inputDirectory + "Log.rtf", machine_.files, messages_);
+    RunModal(log);
   }
   logText_.Clear();
 }
@@ -284,6 +293,7 @@ bool frmMain::RefuseWhileBusy(std::string_view title) {
 
 void frmMain::RunStatistic(const StatisticTexts& texts) {
   Guarded([this, &texts] {
+    dialogs_.SetTopic(texts.item);
     if (RefuseWhileBusy(texts.title)) return;
     logText_.Clear();
     session_.context.runHadError = false;
@@ -299,8 +309,8 @@ void frmMain::RunStatistic(const StatisticTexts& texts) {
 
 void frmMain::EditCollection() {
   Guarded([this] {
-    if (RefuseWhileBusy(kCollectionTitle)) return;
     dialogs_.SetTopic("mnuEditCollection");
+    if (RefuseWhileBusy(kCollectionTitle)) return;
     const auto path = ChooseFileWithExtension(dialogs_, machine_.files, messages_,
                                               {.title = kCollectionTitle,
                                                .filters = {"Statistik-Kollektion (*.col)"},
@@ -311,10 +321,11 @@ void frmMain::EditCollection() {
 }
 
 void frmMain::ShowCollection(const std::string& path) {
+  dialogs_.SetTopic("mnuEditCollection");
   if (RefuseWhileBusy(kCollectionTitle)) return;
   frmShowCollection window(session_.context, path, this);
   if (!window.FillListBox()) return;
-  window.exec();
+  RunModal(window);
   if (window.ProgramMustEnd()) Quit();
 }
 
@@ -347,6 +358,7 @@ void frmMain::Quit() {
 
 void frmMain::closeEvent(QCloseEvent* event) {
   if (ui_->ProgressBar->isVisible() && !quitting_) {
+    dialogs_.SetTopic("beenden");
     const MessageAnswer answer =
         messages_.Ask({.title = "QuiverionSeries - Beenden",
                        .text = "Wollen Sie den aktuellen Vorgang wirklich abbrechen und beenden?",
@@ -366,7 +378,7 @@ void frmMain::keyPressEvent(QKeyEvent* event) {
 }
 
 void frmMain::dragEnterEvent(QDragEnterEvent* event) {
-  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+  if (event->mimeData()->hasUrls()) CopyOnly(*event);
 }
 
 void frmMain::dropEvent(QDropEvent* event) {
@@ -374,8 +386,10 @@ void frmMain::dropEvent(QDropEvent* event) {
   for (const QUrl& url : event->mimeData()->urls()) {
     if (url.isLocalFile()) paths.push_back(PathFromQt(url.toLocalFile()));
   }
-  event->acceptProposedAction();
-  OpenPaths(paths);
+  CopyOnly(*event);
+  // Not inside the drop: its source waits for the end.
+  QMetaObject::invokeMethod(
+      this, [this, paths] { OpenPaths(paths); }, Qt::QueuedConnection);
 }
 
 void frmMain::OpenPaths(const std::vector<std::string>& paths) {
@@ -385,6 +399,12 @@ void frmMain::OpenPaths(const std::vector<std::string>& paths) {
       return std::ranges::find_if(
           paths, [extension](const std::string& path) { return AsciiUpper(path).ends_with(extension); });
     };
+    for (const std::string& path : paths) {
+      if (machine_.files.IsDirectory(path) || FileExists(machine_.files, path)) continue;
+      messages_.Ask({.title = "QuiverionSeries", .text = "Die Datei '" + path + "' ist nicht vorhanden!"});
+      return;
+    }
+    dialogs_.SetTopic("mnuOpenMacroList");
     const auto macro = first(".MAK");
     if (macro != paths.end() && LoadMacroFile(session_, *macro)) ShowMacro(-1);
     const DroppedSelection selection = SelectionOf(machine_.files, paths);

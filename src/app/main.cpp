@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <span>
 
 #include "app/drives.h"
 #include "app/frmMain.h"
@@ -12,16 +13,18 @@ int main(int argc, char** argv) {
   KeepFreedMemory();
   QApplication application(argc, argv);
   PrepareApplication(application);
-  const QString commandLine = QCoreApplication::arguments().mid(1).join(u' ');
+  std::string commandLine;
+  std::vector<std::string> paths;
+  for (const std::string argument : std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
+    commandLine += (commandLine.empty() ? "" : " ") + argument;
+    if (argument != "::IDESTART") paths.push_back(AbsolutePath(argument));
+  }
   const std::unique_ptr<FileSystem> files = MakeSystemFileSystem();
   const SystemClock clock;
-  frmMain window({*files, clock, MountedDrives, AbsolutePath("."), EnvironmentDecimalSeparator(),
-                  HelpFileOf(FromQt(commandLine), PathFromQt(QCoreApplication::applicationDirPath()))});
+  frmMain window({*files, clock, MountedDrives, paths.empty() ? AbsolutePath(".") : ParentDirectory(paths.front()),
+                  EnvironmentDecimalSeparator(),
+                  HelpFileOf(commandLine, PathFromQt(QCoreApplication::applicationDirPath()))});
   window.show();
-  std::vector<std::string> paths;
-  for (const QString& argument : QCoreApplication::arguments().mid(1)) {
-    if (argument != u"::IDESTART") paths.push_back(AbsolutePath(PathFromQt(argument)));
-  }
   if (!paths.empty()) window.OpenPaths(paths);
   return window.IsQuitting() ? 0 : QApplication::exec();
 }

@@ -56,7 +56,6 @@ std::span<const StatisticTexts> AllStatisticTexts() {
 
 bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, const StatisticTexts& texts,
                            const std::string& directory) {
-  dialogs.SetTopic(texts.item);
   Inform(context, texts.title,
          "Wählen sie zunächst die Statistik-Kollektion (Datei mit Endung '.col') aus, die für die Berechnung " +
              std::string(texts.collection) + " benutzt werden soll...");

@@ -5,6 +5,7 @@
 
 #include "dialogs/icons.h"
 #include "dialogs/qt_text.h"
+#include "dialogs/run_modal.h"
 #include "macro/command_catalogue.h"
 #include "ui_frmChooseMacroEvent.h"
 
@@ -67,7 +68,7 @@ void frmChooseMacroEvent::AcceptCommand() {
 
 std::optional<std::int32_t> frmChooseMacroEvent::Choose() {
   ui_->tvwMacroEvents->setFocus();
-  if (exec() != Accepted) return std::nullopt;
+  if (RunModal(*this) != Accepted) return std::nullopt;
   return EventIdOf(*ui_->tvwMacroEvents->currentItem());
 }
 

@@ -1,7 +1,10 @@
 #include "dialogs/frmHelp.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QShortcut>
 #include <QTreeWidgetItemIterator>
+#include <algorithm>
 
 #include "dialogs/paper.h"
 #include "ui_frmHelp.h"
@@ -35,6 +38,7 @@ frmHelp::frmHelp(const QString& directory, QWidget* parent)
   };
   connect(ui_->lstKeywords, &QListWidget::itemClicked, this, openLine);
   connect(ui_->lstKeywords, &QListWidget::itemActivated, this, openLine);
+  ui_->txtKeyword->installEventFilter(this);
   connect(ui_->txtKeyword, &QLineEdit::textChanged, this, &frmHelp::FilterKeywords);
   connect(ui_->txtKeyword, &QLineEdit::returnPressed, this,
           [this, openLine] { openLine(ui_->lstKeywords->currentItem()); });
@@ -88,6 +92,14 @@ void frmHelp::ShowTopic(const QString& topic) {
   if (target.isEmpty()) return ShowContents();
   Open(target);
   ui_->txtPage->setFocus();
+}
+
+bool frmHelp::eventFilter(QObject* /*watched*/, QEvent* event) {
+  if (event->type() != QEvent::KeyPress) return false;
+  constexpr int moving[] = {Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown};
+  if (std::ranges::find(moving, static_cast<QKeyEvent*>(event)->key()) == std::end(moving)) return false;
+  QApplication::sendEvent(ui_->lstKeywords, event);
+  return true;
 }
 
 // Keywords that hold the text, wherever; the first one is chosen.

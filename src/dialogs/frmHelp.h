@@ -29,6 +29,10 @@ class frmHelp : public QDialog {
 
   const HelpPages& Pages() const { return pages_; }
 
+ protected:
+  /// Moves through the keywords from the box above them.
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
   void Open(const QString& target);
   void FillContents();

@@ -1,6 +1,7 @@
 #include "dialogs/frmShowCollection.h"
 
 #include <QResizeEvent>
+#include <QScrollBar>
 #include <QShortcut>
 
 #include "dialogs/file_choices.h"
@@ -52,6 +53,7 @@ frmShowCollection::~frmShowCollection() = default;
 bool frmShowCollection::FillListBox() {
   if (reading_) return true;  // the message box of a failure is up
   reading_ = true;
+  const int place = ui_->lstCollectedFiles->verticalScrollBar()->value();
   setCursor(Qt::WaitCursor);
   ui_->cmdDelete->setEnabled(false);
   ui_->lstCollectedFiles->clear();
@@ -73,6 +75,7 @@ bool frmShowCollection::FillListBox() {
     lines.append(ToQt(line));
   }
   ui_->lstCollectedFiles->addItems(lines);
+  ui_->lstCollectedFiles->verticalScrollBar()->setValue(place);
   ui_->cmdDelete->setEnabled(true);
   return true;
 }
@@ -91,10 +94,12 @@ std::vector<std::int32_t> frmShowCollection::SelectedRecords() const {
 }
 
 void frmShowCollection::RemoveSelected() {
+  // What the user sees now: the list may be read again while he is asked.
   const std::vector<std::int32_t> numbers = SelectedRecords();
+  const std::vector<std::string> listed = listed_;
   if (!ConfirmRemoval(context_, path_, numbers.size())) return;
   setCursor(Qt::WaitCursor);
-  const RemovalOutcome outcome = RemoveRecords(context_, path_, numbers, listed_);
+  const RemovalOutcome outcome = RemoveRecords(context_, path_, numbers, listed);
   unsetCursor();
   if (outcome == RemovalOutcome::collectionDeleted) return accept();
   programMustEnd_ = outcome == RemovalOutcome::lengthNotSet;

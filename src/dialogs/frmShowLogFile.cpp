@@ -7,6 +7,7 @@
 
 #include "dialogs/paper.h"
 #include "dialogs/qt_text.h"
+#include "dialogs/run_modal.h"
 #include "log/log_writers.h"
 #include "macro/log_messages.h"
 #include "platform/result_file.h"
@@ -84,7 +85,7 @@ void frmShowLogFile::Print() {
   QPrintDialog dialog(&printer, this);
   dialog.setOption(QAbstractPrintDialog::PrintSelection, selected);
   dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
-  if (dialog.exec() == QDialog::Accepted) PrintTo(printer);
+  if (RunModal(dialog) == QDialog::Accepted) PrintTo(printer);
 }
 
 void frmShowLogFile::PrintTo(QPrinter& printer) {

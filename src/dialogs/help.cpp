@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QResource>
 
 #include "dialogs/qt_text.h"
@@ -11,52 +12,40 @@ namespace {
 
 constexpr const char* kRoot = "/hilfe";
 
-// The name of a window's class without its namespace.
-QString ClassOf(const QWidget& window) {
-  return QString(window.metaObject()->className()).section("::", -1);
+// The topics that a window itself names, the best first.
+QStringList NamesOf(const QWidget& window) {
+  const auto* const menu = qobject_cast<const QMenu*>(&window);
+  if (menu != nullptr && menu->activeAction() != nullptr) return {menu->activeAction()->objectName()};
+  // The class, without its namespace.
+  return {window.property("helpTopic").toString(), QString(window.metaObject()->className()).section("::", -1)};
 }
 
 }  // namespace
 
-Help::Help(std::string file, std::function<std::string()> topic, QWidget& home, UserInterface& messages)
+Help::Help(std::string file, std::function<std::string()> topic, const QWidget& home, UserInterface& messages)
     : file_(std::move(file)), topic_(std::move(topic)), home_(home), messages_(messages) {
   qApp->installEventFilter(this);
 }
 
 Help::~Help() {
   if (!window_) return;
-  delete window_;
+  window_.reset();
   QResource::unregisterResource(QFile::decodeName(file_.c_str()), kRoot);
 }
 
 bool Help::HasWindow() {
   if (window_) return true;
-  if (!QResource::registerResource(QFile::decodeName(file_.c_str()), kRoot)) {
+  const QString pages = QString(":") + kRoot;
+  QResource::registerResource(QFile::decodeName(file_.c_str()), kRoot);
+  if (!QFile::exists(pages + "/inhalt.html")) {
     messages_.Ask({.title = "QuiverionSeries", .text = "Die Hilfe-Datei '" + file_ + "' ist nicht vorhanden!"});
     return false;
   }
-  window_ = new frmHelp(QString(":") + kRoot, &home_);
+  window_ = std::make_unique<frmHelp>(pages);
   return true;
 }
 
-void Help::FollowDialog() {
-  QWidget* const modal = QApplication::activeModalWidget();
-  QWidget* const owner = modal != nullptr ? modal : &home_;
-  if (!window_ || owner == window_->parentWidget()) return;
-  const bool visible = window_->isVisible();
-  const QPoint place = window_->pos();
-  window_->setParent(owner, window_->windowFlags());  // hides it
-  if (visible) {
-    window_->move(place);
-    window_->show();
-  }
-  if (auto* const dialog = qobject_cast<QDialog*>(owner)) {
-    connect(dialog, &QDialog::finished, this, &Help::FollowDialog, Qt::UniqueConnection);
-  }
-}
-
 void Help::Raise() {
-  FollowDialog();
   window_->show();
   window_->raise();
   window_->activateWindow();
@@ -74,16 +63,20 @@ void Help::ShowIndex() {
   Raise();
 }
 
+QString Help::TopicOf(const QWidget& window) const {
+  const auto known = [this](const QString& topic) { return !window_->Pages().TargetOf(topic).isEmpty(); };
+  for (const QWidget* below = &window; below != nullptr && below != &home_; below = below->parentWidget()) {
+    for (const QString& name : NamesOf(*below)) {
+      if (known(name)) return name;
+    }
+  }
+  const QString current = ToQt(topic_());
+  return known(current) ? current : QStringLiteral("frmMain");
+}
+
 void Help::ShowFor(const QWidget& window) {
   if (!HasWindow()) return;
-  const QString own = window.property("helpTopic").toString();
-  QString shown = QStringLiteral("frmMain");
-  for (const QString& topic : {own, ClassOf(window), ToQt(topic_())}) {
-    if (window_->Pages().TargetOf(topic).isEmpty()) continue;
-    shown = topic;
-    break;
-  }
-  window_->ShowTopic(shown);
+  window_->ShowTopic(TopicOf(window));
   Raise();
 }
 
@@ -92,7 +85,9 @@ bool Help::eventFilter(QObject* watched, QEvent* event) {
   const auto* key = static_cast<QKeyEvent*>(event);
   const QWidget* const window = static_cast<QWidget*>(watched)->window();
   if (key->key() != Qt::Key_F1 || key->modifiers() != Qt::NoModifier || window == &home_) return false;
-  if (window != window_) ShowFor(*window);
+  if (window == window_.get()) return true;
+  ShowFor(*window);
+  if (QWidget* const menu = QApplication::activePopupWidget()) menu->close();
   return true;
 }
 

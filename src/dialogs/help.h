@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QObject>
-#include <QPointer>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "dialogs/frmHelp.h"
@@ -10,40 +10,38 @@
 
 namespace quiverion {
 
-/// The help of the program: one window, opened by the two help items and by F1 in any other window.
+/// The help of the program: one window, opened by the two help items and by F1 in any other window. It belongs to no
+/// other window, so that no dialog blocks it.
 class Help : public QObject {
-  Q_OBJECT
-
  public:
-  /// `file` holds the manual. `topic` names what the program is asking about at the moment, empty for nothing. `home`,
-  /// where the window belongs while no dialog is open, and `messages` must outlive the object.
-  Help(std::string file, std::function<std::string()> topic, QWidget& home, UserInterface& messages);
+  /// `file` holds the manual. `topic` names what the program is asking about at the moment, empty for nothing. `home` has
+  /// F1 in its menu. It and `messages` must outlive the object.
+  Help(std::string file, std::function<std::string()> topic, const QWidget& home, UserInterface& messages);
   ~Help() override;
 
   void ShowContents();
   void ShowIndex();
 
-  /// The page about a window: the one its property "helpTopic" names, else its own, else that of the current topic.
+  /// The page about a window or a highlighted menu item: that of its name, else that of a window below it, else that of
+  /// the current topic. The property "helpTopic" of a window goes before its name.
   void ShowFor(const QWidget& window);
 
  protected:
-  /// F1 in a window other than the main one, which has it in its menu.
+  /// F1 in a window other than `home`.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   // Makes the window where there is none yet. False where there is no help, which is said.
   bool HasWindow();
 
-  // A dialog blocks all windows but its own: the help becomes one of them, and goes back when the dialog is done.
-  void FollowDialog();
-
+  QString TopicOf(const QWidget& window) const;
   void Raise();
 
   std::string file_;
   std::function<std::string()> topic_;
-  QWidget& home_;
+  const QWidget& home_;
   UserInterface& messages_;
-  QPointer<frmHelp> window_;
+  std::unique_ptr<frmHelp> window_;
 };
 
 }  // namespace quiverion

@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "dialogs/qt_text.h"
+#include "dialogs/run_modal.h"
 
 namespace quiverion {
 namespace {
@@ -84,7 +85,7 @@ MessageAnswer ShowMessageBox(QWidget* parent, const Message& message) {
   if (auto* const grid = qobject_cast<QGridLayout*>(box.layout())) {
     grid->addItem(new QSpacerItem(WidthOfTitle(box), 0), grid->rowCount(), 0, 1, grid->columnCount());
   }
-  int pressed = box.exec();
+  int pressed = RunModal(box);
   // An application that ends closes the box without a button.
   if (!set.buttons.testFlag(static_cast<Button>(pressed))) pressed = set.escape;
   return std::ranges::find(kAnswers, pressed, [](const Answer& answer) { return int{answer.button}; })->answer;

@@ -2,6 +2,7 @@
 
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QLayout>
 
 #include "dialogs/frmEditVector.h"
 #include "dialogs/frmFaultVectors.h"
@@ -10,6 +11,7 @@
 #include "dialogs/frmXYTrafo.h"
 #include "dialogs/message_box.h"
 #include "dialogs/qt_text.h"
+#include "dialogs/run_modal.h"
 
 namespace quiverion {
 namespace {
@@ -55,8 +57,9 @@ std::optional<std::string> ParameterWindows::AskText(const TextQuestion& questio
   box.setTextValue(ToQt(question.preset));
   box.setOkButtonText(QStringLiteral("&Ok"));
   box.setCancelButtonText(QStringLiteral("&Abbrechen"));
+  box.layout()->setSizeConstraint(QLayout::SetDefaultConstraint);  // else it takes the minimum for its own
   box.setMinimumWidth(WidthOfTitle(box));
-  if (box.exec() != QDialog::Accepted) return std::nullopt;
+  if (RunModal(box) != QDialog::Accepted) return std::nullopt;
   return FromQt(box.textValue());
 }
 
@@ -74,7 +77,7 @@ std::optional<std::string> ParameterWindows::ChooseFile(const FileQuestion& ques
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
   }
   if (!question.fileName.empty()) dialog.selectFile(QFile::decodeName(question.fileName.c_str()));
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  if (RunModal(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   return PathFromQt(dialog.selectedFiles().front());
 }
 
@@ -82,7 +85,7 @@ bool ParameterWindows::EditInWindow(const CommandRow& command, MacroEvent& event
   const auto window = MakeWindow(command.editor, messages_, &parent_);
   if (!window) return false;
   window->Load(event);
-  if (window->exec() != QDialog::Accepted) return false;
+  if (RunModal(*window) != QDialog::Accepted) return false;
   window->Store(event);
   return true;
 }

@@ -46,11 +46,11 @@ class Removal {
 
   // Returns the header with the new count; the file still has its old length. Throws FormatError and SystemError.
   const CollectionHeader& Run(const std::vector<std::int32_t>& numbers, const std::vector<std::string>& listed) {
+    CheckListed(listed);
     std::int32_t last = header_.fieldCount;
     std::vector<bool> selected(static_cast<std::size_t>(last) + 1);
     for (const std::int32_t number : numbers) {
       if (number < 1 || number > last) throw SystemError(ErrorNumber::indexOutOfRange);
-      if (!listed.empty()) CheckListed(number, listed);
       selected[static_cast<std::size_t>(number)] = true;
     }
     std::int32_t hole = 1;
@@ -66,9 +66,14 @@ class Removal {
   }
 
  private:
-  void CheckListed(std::int32_t number, const std::vector<std::string>& listed) {
-    reader_.MoveTo(RecordPosition(header_, number - 1));
-    if (ReadSourcePath(reader_) == listed.at(static_cast<std::size_t>(number) - 1)) return;
+  // Records may have been appended since; a place in the list is still the place in the file.
+  void CheckListed(const std::vector<std::string>& listed) {
+    bool same = listed.size() <= static_cast<std::size_t>(header_.fieldCount);
+    for (std::size_t k = 0; same && k < listed.size(); ++k) {
+      reader_.MoveTo(RecordPosition(header_, static_cast<std::int32_t>(k)));
+      same = ReadSourcePath(reader_) == listed[k];
+    }
+    if (same) return;
     throw FormatError(
         "Die Kollektion wurde inzwischen von einem anderen Programm verändert. Es wurde nichts entfernt!");
   }

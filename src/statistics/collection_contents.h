@@ -39,7 +39,7 @@ enum class RemovalOutcome {
 /// Other processes that append to the collection wait meanwhile.
 ///
 /// `listed` are the source paths of all records as the user has seen them, empty where there was no list: where another
-/// program has put other records in the place of the chosen ones since, that is a failure that changes nothing.
+/// program has moved or removed one of them since, that is a failure that changes nothing.
 RemovalOutcome RemoveRecords(Context& context, const std::string& collectionPath,
                              const std::vector<std::int32_t>& numbers, const std::vector<std::string>& listed = {});
 

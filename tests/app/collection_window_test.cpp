@@ -112,8 +112,17 @@ TEST(CollectionWindowInMemory, EndsTheProgramWhereTheFileCannotBeShortened) {
   const samples::SampleField field = samples::MakeSampleField({.columns = 3, .rows = 2});
   program.files.files["s.col"] = samples::CollectionBytes({field, field}, {"a\tb", "c"});
   program.files.faults.setFileSize = true;
-  program.ui.answers = {MessageAnswer::yes};
   frmShowCollection window(program.context, "s.col");
+  program.ui.onAsk = [&window](const Message& box) {
+    if (box.icon != MessageIcon::warning) return;
+    EXPECT_EQ(window.cursor().shape(), Qt::WaitCursor);
+    EXPECT_FALSE(Find<QPushButton>(window, "cmdDelete").isEnabled());
+  };
+  program.files.readFailsAt["s.col"] = 100;
+  EXPECT_FALSE(window.FillListBox());
+  EXPECT_EQ(program.ui.messages.size(), 1u);
+  program.files.readFailsAt.clear();
+  program.ui.answers = {MessageAnswer::yes};
   EXPECT_TRUE(window.FillListBox());
   window.show();
   auto& list = Find<QListWidget>(window, "lstCollectedFiles");
@@ -149,8 +158,12 @@ TEST_F(CollectionWindow, AsksBeforeItTakesTheReadOnlyAttributeOff) {
   Open();
   Use([&](QDialog& dialog) {
     Select(dialog, {1});
-    script.ExpectBox(QMessageBox::No, question);
+    script.Expect<QMessageBox>("QMessageBox", [](QMessageBox& box) {
+      EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
+      box.defaultButton()->click();
+    });
     Press(dialog, "cmdDelete");
+    EXPECT_TRUE(files->IsReadOnly(place.Path() + "s.col"));
     EXPECT_EQ(Lines(List(dialog)), "1|2|");
     script.ExpectBox(QMessageBox::Yes, question);
     script.ExpectBox(QMessageBox::Yes);
@@ -180,14 +193,19 @@ TEST_F(CollectionWindow, ReadsTheFileAgainWhenItIsResized) {
   });
 }
 
-// The list is what the user saw: where another program has moved the records since, nothing is removed.
+// What counts is the list at the question: where another program has moved the records since, nothing is removed, also
+// where the window has been resized meanwhile and shows them.
 TEST_F(CollectionWindow, RemovesNothingFromACollectionThatHasChanged) {
   place.Write("s.col", Collection(3));
   Open();
   Use([&](QDialog& dialog) {
-    EXPECT_EQ(cli::RunProgram(place, {"collection", "remove", "s.col", "1"}).code, 0);
     Select(dialog, {1});
-    ExpectConfirmation("1 Datei");
+    script.Expect<QMessageBox>("QMessageBox", [&](QMessageBox& box) {
+      EXPECT_EQ(cli::RunProgram(place, {"collection", "remove", "s.col", "1"}).code, 0);
+      dialog.resize(dialog.width() + 10, dialog.height());
+      EXPECT_EQ(Lines(List(dialog)), "3|2|");
+      box.button(QMessageBox::Yes)->click();
+    });
     script.ExpectBox(QMessageBox::Ok,
                      "QuiverionSeries - FEHLER|Die Kollektion wurde inzwischen von einem anderen Programm verändert. "
                      "Es wurde nichts entfernt!");

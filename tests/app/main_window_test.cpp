@@ -101,8 +101,10 @@ TEST_F(MainWindow, DroppedFilesAreSelected) {
     QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
     QApplication::sendEvent(window.get(), &enter);
     EXPECT_TRUE(enter.isAccepted());
-    QDropEvent event({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QDropEvent event({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::ShiftModifier);
     QApplication::sendEvent(window.get(), &event);
+    EXPECT_EQ(event.dropAction(), Qt::CopyAction) << "after a move the source would delete the files";
+    QApplication::processEvents();
   };
   drop({"serie/b.vas", "serie/notes.txt"});
   EXPECT_EQ(Files().SelectedNames(), Names{"b.vas"});
@@ -114,8 +116,10 @@ TEST_F(MainWindow, DroppedFilesAreSelected) {
   SetMacro({});
   place.Write("s.col", samples::CollectionBytes({Sample(0)}, {"x"}));
   script.Expect<QDialog>("quiverion::frmShowCollection", [](QDialog& dialog) { Press(dialog, "cmdOk"); });
-  drop({"notes.txt", "s.col", "m.mak"});
+  drop({"serie/notes.txt", "s.col", "m.mak"});
   EXPECT_EQ(MacroList().count(), 2);
+  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Die Datei '" + place.Path() + "fehlt.vas' ist nicht vorhanden!");
+  drop({"fehlt.vas"});
 }
 
 TEST_F(MainWindow, TheMacroListObeysKeysAndTheRightButton) {
@@ -262,7 +266,10 @@ TEST_F(DuringAStatistic, ClosingTheWindowAsksFirst) {
   const std::string question =
       "QuiverionSeries - Beenden|Wollen Sie den aktuellen Vorgang wirklich abbrechen und beenden?";
   Meanwhile([&] {
-    script.ExpectBox(QMessageBox::No, question);
+    script.Expect<QMessageBox>("QMessageBox", [](QMessageBox& box) {
+      EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
+      box.button(QMessageBox::No)->click();
+    });
     EXPECT_FALSE(window->close());
     script.ExpectBox(QMessageBox::Yes, question);
     EXPECT_TRUE(window->close());

@@ -17,6 +17,7 @@
 #include "dialogs/frmMirrorOptions.h"
 #include "dialogs/frmPrefixPostfix.h"
 #include "dialogs/frmXYTrafo.h"
+#include "dialogs/message_box.h"
 #include "dialogs/parameter_editing.h"
 #include "support/test_session.h"
 #include "windows/modal_script.h"
@@ -283,6 +284,18 @@ TEST(ParameterWindowsTest, EveryControlShowsItsTextAndHasANameForScreenReaders) 
       EXPECT_FALSE(control->accessibleName().isEmpty()) << FromQt(control->objectName());
     }
   }
+}
+
+TEST(InputBox, ShowsItsWholeTitle) {
+  QWidget parent;
+  test::ScriptedUi ui;
+  ParameterWindows windows(parent, ui);
+  test::ModalScript script;
+  script.Expect<QDialog>("QInputDialog", [](QDialog& box) {
+    EXPECT_GE(box.width(), WidthOfTitle(box));
+    box.reject();
+  });
+  EXPECT_FALSE(windows.AskText({"QuiverionSeries - Energiedissipationsrate berechnen", "?", "1"}));
 }
 
 }  // namespace

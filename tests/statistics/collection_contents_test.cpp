@@ -148,7 +148,7 @@ TEST_F(Contents, StayWhereARemovalFails) {
   EXPECT_EQ(remove({6}), writing(9));
   EXPECT_EQ(remove({1, 0}), writing(9));
   EXPECT_EQ(Content(), five);
-  EXPECT_EQ(RemoveRecords(context, "C.col", {2, 4}, {"1", "2", "3", "other", "5"}), RemovalOutcome::failed);
+  EXPECT_EQ(RemoveRecords(context, "C.col", {2}, {"1", "2", "3", "other", "5"}), RemovalOutcome::failed);
   EXPECT_EQ(TakeMessage(),
             "!QuiverionSeries - FEHLER|Die Kollektion wurde inzwischen von einem anderen Programm verändert. Es wurde "
             "nichts entfernt!");
@@ -164,6 +164,12 @@ TEST_F(Contents, StayWhereARemovalFails) {
   program.files.readFailsAt.clear();
   program.files.faults.commit = ErrorNumber::deviceError;
   EXPECT_EQ(remove({5}), writing(57)) << "the close";
+}
+
+TEST_F(Contents, MayHaveGrownSinceTheyWereListed) {
+  EXPECT_EQ(RemoveRecords(context, "C.col", {2}, {"1", "2", "3"}), RemovalOutcome::removed);
+  EXPECT_EQ(Paths(), "1534");
+  EXPECT_EQ(RemoveRecords(context, "C.col", {1}, {"1", "5", "3", "4", "5"}), RemovalOutcome::failed);
 }
 
 TEST_F(Contents, AreConsistentWhereTheLengthCannotBeSet) {
