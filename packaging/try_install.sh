@@ -7,7 +7,7 @@ release=$(. /etc/os-release && echo "$VERSION_CODENAME")
 rm -rf "$root" && mkdir -p "$root"
 echo "== A fresh $release"
 debootstrap --variant=minbase "$release" "$root" "$mirror" >"$root.log" 2>&1 || { tail -20 "$root.log"; exit 1; }
-trap 'umount "$root/proc" 2>/dev/null || true; rm -rf "$root"' EXIT
+trap 'umount "$root/proc" 2>/dev/null || true; rm -rf --one-file-system "$root"' EXIT
 mount -t proc proc "$root/proc"
 inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 HOME=/root DEBIAN_FRONTEND=noninteractive "$@"; }
 cp "$package" "$root/tmp/"
@@ -25,7 +25,7 @@ if [ "$code" != 124 ] || grep -v propagateSizeHints "$root.out"; then
   echo "ended with $code"
   exit 1
 fi
-inside sh -c 'test -f "$(dirname "$(readlink -f /usr/bin/QuiverionSeries)")/Quiverion.hlp"'
+inside sh -c 'test "$(stat -c %s "$(dirname "$(readlink -f /usr/bin/QuiverionSeries)")/Quiverion.hlp")" -gt 100000'
 grep -q x-quiverion-macro "$root/usr/share/mime/globs"
 grep -q x-quiverion-collection "$root/usr/share/applications/mimeinfo.cache"
 echo "== Removing"

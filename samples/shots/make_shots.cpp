@@ -14,6 +14,7 @@
 #include "dialogs/application.h"
 #include "dialogs/frmEditVector.h"
 #include "dialogs/frmFaultVectors.h"
+#include "dialogs/frmHelp.h"
 #include "dialogs/frmMirrorOptions.h"
 #include "dialogs/frmPrefixPostfix.h"
 #include "dialogs/frmShowCollection.h"
@@ -37,6 +38,7 @@ class Shots {
     Windows();
     ParameterWindowsWithDefaults();
     Collection();
+    HelpWindow();
     Boxes();
     Menus();
   }
@@ -121,6 +123,16 @@ class Shots {
     Show(collection, "frmShowCollection");
   }
 
+  void HelpWindow() {
+    main_.findChild<QAction*>("mnuShowHelp")->trigger();
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+      auto* const help = qobject_cast<frmHelp*>(window);
+      if (help == nullptr) continue;
+      help->ShowTopic("mnuDissipation");
+      Show(*help, "frmHelp");
+    }
+  }
+
   void Boxes() {
     ParameterWindows dialogs(main_, ui_);
     Modal("Eingabe", [&] {
@@ -171,7 +183,11 @@ class Shots {
   bool complete_ = true;
   std::unique_ptr<FileSystem> files_ = MakeSystemFileSystem();
   SystemClock clock_;
-  frmMain main_{Machine{.files = *files_, .clock = clock_, .listDrives = MountedDrives, .startDirectory = series_}};
+  frmMain main_{Machine{.files = *files_,
+                        .clock = clock_,
+                        .listDrives = MountedDrives,
+                        .startDirectory = series_,
+                        .helpFile = PathFromQt(QApplication::applicationDirPath() + "/Quiverion.hlp")}};
   UserInterface& ui_ = main_.TheSession().context.ui;
 };
 
