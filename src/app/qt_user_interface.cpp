@@ -6,6 +6,11 @@
 #include "dialogs/message_box.h"
 
 namespace quiverion {
+namespace {
+
+constexpr qint64 kBetweenEvents = 1000000;  // ns
+
+}  // namespace
 
 MessageAnswer QtUserInterface::Ask(const Message& box) {
   if (progressWindow_) progressWindow_->Show(progress_);
@@ -44,6 +49,7 @@ void QtUserInterface::RunEnded() {
 
 void QtUserInterface::ComputationStarted() {
   Begin();
+  eventsDue_ = 0;
   window_.ComputationStarted();
 }
 
@@ -56,7 +62,11 @@ void QtUserInterface::ComputationEnded() {
 }
 
 bool QtUserInterface::Yield() {
+  // To look for events takes as long as to add a small field.
+  const qint64 now = time_.nsecsElapsed();
+  if (!progressWindow_ && now < eventsDue_) return false;
   QCoreApplication::processEvents();
+  eventsDue_ = now + kBetweenEvents;
   if (window_.IsQuitting()) return true;
   return progressWindow_ && progressWindow_->AbortRequested();
 }

@@ -37,6 +37,7 @@ class QtUserInterface : public UserInterface {
   RunProgress progress_;                             // the last one, shown or not
   RepaintThrottle throttle_;
   QElapsedTimer time_;
+  qint64 eventsDue_ = 0;  // ns of `time_`: when a computation lets events through again
 };
 
 }  // namespace quiverion
