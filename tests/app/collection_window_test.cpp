@@ -56,6 +56,7 @@ TEST_F(CollectionWindow, ListsTheFieldsAndRemovesTheSelectedOnes) {
               "Name der Kollektion:  " + place.Path() +
                   "s.col\nInhalt:  5 Vektorfelder gesammelt\nGröße der Vektorfelder:  3 x 2");
     ExpectNothingCutOff(dialog);
+    EXPECT_GE(Find<QLabel>(dialog, "lblCollectionInfo").height(), 3 * dialog.fontMetrics().lineSpacing());
     script.ExpectBox(QMessageBox::Ok,
                      "QuiverionSeries - Vektorfelder entfernen|Sie müssen dazu irgendwelche Dateien ausgewählt haben!");
     Press(dialog, "cmdDelete");

@@ -71,6 +71,8 @@ TEST_F(HelpWindow, FindsAKeyword) {
   EXPECT_FALSE(list.currentItem()->isHidden());
   Type(*Window(), "txtKeyword", "xyzzy");
   EXPECT_EQ(list.currentItem(), nullptr);
+  Window()->ShowTopic("nothing of that name");
+  EXPECT_EQ(Page(), "inhalt.html");
 }
 
 TEST_F(HelpWindow, F1LeadsToThePageOfTheDialog) {
