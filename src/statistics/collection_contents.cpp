@@ -33,8 +33,7 @@ CollectionContents ReadContents(InputFile& file, const std::function<void(const 
   CollectionContents contents{ReadHeader(reader), {}};
   onHeader(contents.header);
   for (std::int32_t k = 0; k < contents.header.fieldCount; ++k) {
-    reader.MoveTo(RecordPosition(contents.header, k));
-    contents.sourcePaths.push_back(ReadSourcePath(reader));
+    contents.sourcePaths.push_back(ReadSourcePath(file, contents.header, k));
   }
   return contents;
 }
@@ -42,7 +41,10 @@ CollectionContents ReadContents(InputFile& file, const std::function<void(const 
 // Moves records inside a file and gives it its new count.
 class Removal {
  public:
-  explicit Removal(UpdatedFile& file) : file_(file), reader_(file) { header_ = ReadHeader(reader_); }
+  explicit Removal(UpdatedFile& file) : file_(file) {
+    BinaryReader reader(file);
+    header_ = ReadHeader(reader);
+  }
 
   // Returns the header with the new count; the file still has its old length. Throws FormatError and SystemError.
   const CollectionHeader& Run(const std::vector<std::int32_t>& numbers, const std::vector<std::string>& listed) {
@@ -70,8 +72,7 @@ class Removal {
   void CheckListed(const std::vector<std::string>& listed) {
     bool same = listed.size() <= static_cast<std::size_t>(header_.fieldCount);
     for (std::size_t k = 0; same && k < listed.size(); ++k) {
-      reader_.MoveTo(RecordPosition(header_, static_cast<std::int32_t>(k)));
-      same = ReadSourcePath(reader_) == listed[k];
+      same = ReadSourcePath(file_, header_, static_cast<std::int32_t>(k)) == listed[k];
     }
     if (same) return;
     throw FormatError(
@@ -95,7 +96,6 @@ class Removal {
   }
 
   UpdatedFile& file_;
-  BinaryReader reader_;
   CollectionHeader header_;
   std::string block_;
   WriteRetry retry_{nullptr};  // nothing here takes room on the disk

@@ -30,9 +30,10 @@ std::uint64_t RecordPosition(const CollectionHeader& header, std::int32_t index)
   return collection::kHeaderBytes + static_cast<std::uint64_t>(index) * collection::RecordBytes(header.VectorCount());
 }
 
-std::string ReadSourcePath(BinaryReader& reader) {
+std::string ReadSourcePath(InputFile& file, const CollectionHeader& header, std::int32_t index) {
   std::string bytes(collection::kPathBytes, '\0');
-  reader.Bytes(bytes.data(), bytes.size());
+  file.Seek(RecordPosition(header, index));
+  if (file.Read(bytes.data(), bytes.size()) < bytes.size()) throw SystemError(ErrorNumber::endOfFile);
   return Utf8FromWindows1252(TrimBlanks(bytes));
 }
 

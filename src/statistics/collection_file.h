@@ -19,8 +19,9 @@ void ReadCountsAndPositions(BinaryReader& reader, CollectionHeader& header);
 /// Bytes before record `index`, counted from 0.
 std::uint64_t RecordPosition(const CollectionHeader& header, std::int32_t index);
 
-/// A record's source path as UTF-8, without the blanks around it. The reader stands at the beginning of the record.
-std::string ReadSourcePath(BinaryReader& reader);
+/// The source path of record `index`, counted from 0, as UTF-8, without the blanks around it. No other bytes are read.
+/// Throws SystemError.
+std::string ReadSourcePath(InputFile& file, const CollectionHeader& header, std::int32_t index);
 
 /// The step that makes an append or a removal count.
 void WriteFieldCount(UpdatedFile& file, std::int32_t fieldCount, WriteRetry& retry);
