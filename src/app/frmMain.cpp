@@ -28,14 +28,14 @@ namespace quiverion {
 namespace {
 
 constexpr const char* kCollectionTitle = "QuiverionSeries - Inhalt der Kollektion einsehen und bearbeiten";
+constexpr qint64 kPlacementTime = 300;  // ms that a window manager gets to show the window again
+
 // Files are read where they are: were the drop taken as a move, its source would delete them.
 void CopyOnly(QDropEvent& event) {
   if (!event.possibleActions().testFlag(Qt::CopyAction)) return event.ignore();
   event.setDropAction(Qt::CopyAction);
   event.accept();
 }
-
-constexpr qint64 kPlacementTime = 300;  // ms that a window manager gets to show the window again
 
 }  // namespace
 
@@ -58,8 +58,8 @@ frmMain::frmMain(const Machine& machine, QWidget* parent)
 
 frmMain::~frmMain() = default;
 
-void frmMain::Guarded(const std::function<void()>& action) {
-  dialogs_.SetTopic({});
+void frmMain::Guarded(std::string_view topic, const std::function<void()>& action) {
+  dialogs_.SetTopic(topic);
   quiverion::Guarded(messages_, action);
 }
 
@@ -121,10 +121,10 @@ void frmMain::ConnectMenus() {
     connect(item, &QAction::triggered, this, [this, &texts] { RunStatistic(texts); });
   }
   connect(ui_->mnuEditCollection, &QAction::triggered, this, &frmMain::EditCollection);
-  connect(ui_->mnuShowHelp, &QAction::triggered, this, [this] { Guarded([this] { help_.ShowContents(); }); });
-  connect(ui_->mnuHelpIndex, &QAction::triggered, this, [this] { Guarded([this] { help_.ShowIndex(); }); });
+  connect(ui_->mnuShowHelp, &QAction::triggered, this, [this] { Guarded({}, [this] { help_.ShowContents(); }); });
+  connect(ui_->mnuHelpIndex, &QAction::triggered, this, [this] { Guarded({}, [this] { help_.ShowIndex(); }); });
   connect(ui_->mnuAbout, &QAction::triggered, this, [this] {
-    Guarded([this] {
+    Guarded({}, [this] {
       messages_.Ask({.title = "Über das Programm", .text = "QuiverionSeries V1.0", .icon = MessageIcon::information});
     });
   });
@@ -146,7 +146,7 @@ void frmMain::ShowMacro(int selected) {
 }
 
 void frmMain::InsertCommand() {
-  Guarded([this] {
+  Guarded({}, [this] {
     const int position = editing_.Insert(SelectedLine(), ui_->Directory->Path());
     if (position < 0) return;
     ShowMacro(-1);
@@ -155,13 +155,13 @@ void frmMain::InsertCommand() {
 }
 
 void frmMain::EditCommand() {
-  Guarded([this] {
+  Guarded({}, [this] {
     if (editing_.Edit(SelectedLine(), ui_->Directory->Path())) ShowMacro(-1);
   });
 }
 
 void frmMain::DeleteCommand() {
-  Guarded([this] {
+  Guarded({}, [this] {
     if (editing_.Delete(SelectedLine())) ShowMacro(-1);
   });
 }
@@ -182,16 +182,14 @@ std::optional<std::string> frmMain::ChooseMacroFile(FileQuestion::Kind kind, con
 }
 
 void frmMain::OpenMacro() {
-  Guarded([this] {
-    dialogs_.SetTopic("mnuOpenMacroList");
+  Guarded("mnuOpenMacroList", [this] {
     const auto path = ChooseMacroFile(FileQuestion::Kind::open, "Makro öffnen");
     if (path && LoadMacroFile(session_, *path)) ShowMacro(-1);
   });
 }
 
 void frmMain::SaveMacro() {
-  Guarded([this] {
-    dialogs_.SetTopic("mnuSaveMacroList");
+  Guarded("mnuSaveMacroList", [this] {
     const auto path = ChooseMacroFile(FileQuestion::Kind::save, "Makro speichern");
     if (path) SaveMacroFile(session_, *path);
   });
@@ -246,8 +244,7 @@ void frmMain::ReadLists() {
 void frmMain::Start() {
   if (session_.context.busy) return;  // what runs keeps its files and its log
   const QPoint place = pos();
-  Guarded([this, place] {
-    dialogs_.SetTopic("pruefungen");
+  Guarded("pruefungen", [this, place] {
     session_.selectedFiles = ui_->Files->SelectedNames();
     session_.inputDirectory = WithSeparator(ui_->Directory->Path());
     logText_.Clear();
@@ -292,8 +289,7 @@ bool frmMain::RefuseWhileBusy(std::string_view title) {
 }
 
 void frmMain::RunStatistic(const StatisticTexts& texts) {
-  Guarded([this, &texts] {
-    dialogs_.SetTopic(texts.item);
+  Guarded(texts.item, [this, &texts] {
     if (RefuseWhileBusy(texts.title)) return;
     logText_.Clear();
     session_.context.runHadError = false;
@@ -308,14 +304,9 @@ void frmMain::RunStatistic(const StatisticTexts& texts) {
 }
 
 void frmMain::EditCollection() {
-  Guarded([this] {
-    dialogs_.SetTopic("mnuEditCollection");
+  Guarded("mnuEditCollection", [this] {
     if (RefuseWhileBusy(kCollectionTitle)) return;
-    const auto path = ChooseFileWithExtension(dialogs_, machine_.files, messages_,
-                                              {.title = kCollectionTitle,
-                                               .filters = {"Statistik-Kollektion (*.col)"},
-                                               .directory = ui_->Directory->Path(),
-                                               .extension = "col"});
+    const auto path = ChooseCollection(dialogs_, machine_.files, messages_, kCollectionTitle, ui_->Directory->Path());
     if (path) ShowCollection(*path);
   });
 }
@@ -394,7 +385,7 @@ void frmMain::dropEvent(QDropEvent* event) {
 
 void frmMain::OpenPaths(const std::vector<std::string>& paths) {
   WaitUntilPlaced();  // what opens stands over the window
-  Guarded([&] {
+  Guarded("mnuOpenMacroList", [&] {
     const auto first = [&paths](std::string_view extension) {
       return std::ranges::find_if(
           paths, [extension](const std::string& path) { return AsciiUpper(path).ends_with(extension); });
@@ -404,7 +395,6 @@ void frmMain::OpenPaths(const std::vector<std::string>& paths) {
       messages_.Ask({.title = "QuiverionSeries", .text = "Die Datei '" + path + "' ist nicht vorhanden!"});
       return;
     }
-    dialogs_.SetTopic("mnuOpenMacroList");
     const auto macro = first(".MAK");
     if (macro != paths.end() && LoadMacroFile(session_, *macro)) ShowMacro(-1);
     const DroppedSelection selection = SelectionOf(machine_.files, paths);

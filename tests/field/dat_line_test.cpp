@@ -133,12 +133,5 @@ TEST(DatLine, RandomTextsGiveTheBitsOfTheDefinition) {
   EXPECT_GT(taken, 4000);
 }
 
-TEST(DatLine, OnlyBlanksSeparateColumns) {
-  const DatVector vector = ParseDatLine("  1\t9  2 3 4 5 6 7.5x  -8E1 9");
-  EXPECT_EQ(BitsOf(vector), BitsOf({1, 2, 7.5, -80}));
-  EXPECT_EQ(BitsOf(ParseDatLine("")), BitsOf({}));
-  EXPECT_EQ(BitsOf(ParseDatLine("1")), BitsOf({1, 0, 0, 0}));
-}
-
 }  // namespace
 }  // namespace quiverion::test

@@ -8,7 +8,7 @@
 namespace quiverion::test {
 namespace {
 
-// The texts themselves are compared with what `quiverionseries-cli commands` is known to print.
+// The texts themselves are compared with the manual.
 TEST(CommandCatalogue, IsATreeWhoseMenusComeBeforeTheirEntries) {
   std::set<std::int32_t> menus = {0};
   std::set<std::int32_t> ids;

@@ -115,14 +115,6 @@ TEST_F(Contents, MoveInSeveralBlocks) {
   EXPECT_TRUE(Content().substr(kHeader, record) == last);
 }
 
-TEST_F(Contents, GoWithTheirFileWhereAllAreRemoved) {
-  EXPECT_EQ(RemoveRecords(context, "C.col", {5, 4, 3, 2, 1}), RemovalOutcome::collectionDeleted);
-  EXPECT_FALSE(program.files.files.contains("C.col"));
-  EXPECT_EQ(TakeMessage(),
-            "iQuiverionSeries - Kollektion gelöscht|Da alle Vektorfelder entfernt wurden, wurde damit die Kollektion "
-            "vollständig gelöscht.");
-}
-
 // Records that stay are never overwritten, so a crash costs at most the removal.
 TEST_F(Contents, AreReadableAtEveryStepOfARemoval) {
   const std::vector<std::int32_t> numbers = {1, 2, 5};

@@ -81,35 +81,6 @@ TEST_F(Statistics, OfARigidRotation) {
   EXPECT_EQ(rate.validVectorCount, 20);
 }
 
-// A Lamb-Oseen vortex whose strength fluctuates: every statistic is the flow, or its gradient, times one of the
-// amplitudes.
-TEST_F(Statistics, OfALambOseenVortex) {
-  constexpr double core = 2.0;  // mm
-  const auto angular = [](double x, double y) {
-    const double r2 = x * x + y * y;
-    return r2 == 0 ? 1.0 / (core * core) : (1 - std::exp(-r2 / (core * core))) / r2;
-  };
-  const auto u = [&](double x, double y) { return -y * angular(x, y); };
-  const auto v = [&](double x, double y) { return x * angular(x, y); };
-  VectorField grid = MakeField(101, 101);
-  for (auto* positions : {&grid.posX, &grid.posY}) {
-    for (std::size_t k = 0; k < 101; ++k) (*positions)[k] = 0.05 * (static_cast<double>(k) - 50.0);
-  }
-  CollectMultiples(grid, {1, 2, 4, 5}, u, v);  // mean 3, <a'²> = 2.5
-  const VectorField average = Compute(mean), deviation = Compute(standardDeviation);
-  const VectorField rate = Compute(dissipation, 1E-6);
-  const double h = 1E-5;  // mm
-  ForEachPoint(grid, [&](std::int32_t i, std::int32_t j, double x, double y) {
-    EXPECT_NEAR(average.velX(i, j), 3 * u(x, y), 1e-12);
-    EXPECT_NEAR(deviation.velY(i, j), std::sqrt(10.0 / 3) * std::fabs(v(x, y)), 1e-7);
-    if (i == 1 || j == 1 || i == 101 || j == 101) return;
-    const double dudx = (u(x + h, y) - u(x - h, y)) / (2 * h) * 1000,
-                 dudy = (u(x, y + h) - u(x, y - h)) / (2 * h) * 1000;
-    const double dvdy = (v(x, y + h) - v(x, y - h)) / (2 * h) * 1000;
-    EXPECT_NEAR(rate.velX(i, j), 15 * 1E-6 * 2.5 * (dudx * dudx + dudy * dudy + dvdy * dudx), 0.003) << x << " " << y;
-  });
-}
-
 // U(y) = 2 + 3 y (mm), u' and v' known in each field, and some vectors missing in some fields.
 TEST_F(Statistics, OfALinearShearWithMissingVectors) {
   struct Fluctuation {
