@@ -108,14 +108,11 @@ TEST_F(CollectionWindow, RemovesLikeTheCommandLine) {
   }
 }
 
-TEST(CollectionWindowInMemory, EndsTheProgramWhereTheFileCannotBeShortened) {
+TEST(CollectionWindowInMemory, WaitsWithItsHourglassWhileItReads) {
   TestSession program;
-  const samples::SampleField field = samples::MakeSampleField({.columns = 3, .rows = 2});
-  program.files.files["s.col"] = samples::CollectionBytes({field, field}, {"a\tb", "c"});
-  program.files.faults.setFileSize = true;
+  program.files.files["s.col"] = samples::CollectionBytes({samples::MakeSampleField({})}, {"a\tb"});
   frmShowCollection window(program.context, "s.col");
-  program.ui.onAsk = [&window](const Message& box) {
-    if (box.icon != MessageIcon::warning) return;
+  program.ui.onAsk = [&window](const Message&) {
     EXPECT_EQ(window.cursor().shape(), Qt::WaitCursor);
     EXPECT_FALSE(Find<QPushButton>(window, "cmdDelete").isEnabled());
   };
@@ -123,16 +120,24 @@ TEST(CollectionWindowInMemory, EndsTheProgramWhereTheFileCannotBeShortened) {
   EXPECT_FALSE(window.FillListBox());
   EXPECT_EQ(program.ui.messages.size(), 1u);
   program.files.readFailsAt.clear();
-  program.ui.answers = {MessageAnswer::yes};
   EXPECT_TRUE(window.FillListBox());
-  window.show();
-  auto& list = Find<QListWidget>(window, "lstCollectedFiles");
-  EXPECT_EQ(FromQt(list.item(0)->text()), "a?b");
-  list.item(0)->setSelected(true);
-  Press(window, "cmdDelete");
-  EXPECT_EQ(program.ui.messages.back().title, "Schwerer Fehler");
-  EXPECT_TRUE(window.ProgramMustEnd());
-  EXPECT_FALSE(window.isVisible());
+  EXPECT_EQ(FromQt(Find<QListWidget>(window, "lstCollectedFiles").item(0)->text()), "a?b");
+}
+
+TEST_F(CollectionWindow, EndsTheProgramWhereTheFileCannotBeShortened) {
+  auto memory = std::make_unique<MemoryFileSystem>();
+  memory->files["/m/s.col"] = Collection(2);
+  memory->faults.setFileSize = true;
+  files = std::move(memory);
+  Open();
+  script.Expect<QDialog>("quiverion::frmShowCollection", [this](QDialog& dialog) {
+    Select(dialog, {1});
+    script.ExpectBox(QMessageBox::Yes);
+    script.ExpectBox(QMessageBox::Ok, "Schwerer Fehler|not set");
+    Press(dialog, "cmdDelete");
+  });
+  window->OpenPaths({"/m/s.col"});
+  EXPECT_TRUE(window->IsQuitting());
 }
 
 TEST_F(CollectionWindow, DeletesAnEmptiedCollectionAndCloses) {
