@@ -4,9 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
-#include <numbers>
-#include <sstream>
 
 #include "platform/numbers.h"
 #include "support/error_of.h"
@@ -130,37 +127,6 @@ TEST_F(TextExports, LoseNothingOfALongFile) {
 
 // Circulation G and core radius a: the vorticity is G / (pi a²) exp(-r²/a²). Read back from the file as another program
 // would.
-TEST_F(TextExports, GiveTheVorticityOfALambOseenVortex) {
-  constexpr double circulation = 0.02, core = 2E-3;  // m²/s, m
-  VectorField& field = context.field;
-  field = MakeField(81, 81);
-  for (auto* positions : {&field.posX, &field.posY}) {
-    for (std::size_t k = 0; k < 81; ++k) (*positions)[k] = 0.05 * (static_cast<double>(k) - 40.0);
-  }
-  const auto speedOverRadius = [](double x, double y) {  // 1/s
-    const double r2 = (x * x + y * y) * 1E-6;
-    const double limit = circulation / (2 * std::numbers::pi * core * core);
-    return r2 == 0.0 ? limit : circulation / (2 * std::numbers::pi * r2) * (1.0 - std::exp(-r2 / (core * core)));
-  };
-  SetVelocities(
-      field, [&](double x, double y) { return -y * 1E-3 * speedOverRadius(x, y); },
-      [&](double x, double y) { return x * 1E-3 * speedOverRadius(x, y); });
-  std::istringstream file(Written(ExportTecPlotVorticity));
-  const double peak = circulation / (std::numbers::pi * core * core);
-  int points = 0;
-  double x = 0, y = 0, vorticity = 0;
-  for (; file >> x >> y >> vorticity; ++points) {
-    if (std::fabs(x) > 1.97 || std::fabs(y) > 1.97) continue;  // one-sided differences at the edge
-    EXPECT_NEAR(vorticity, peak * std::exp(-(x * x + y * y) * 1E-6 / (core * core)), 0.001 * peak) << x << " " << y;
-  }
-  EXPECT_EQ(points, 81 * 81);
-  std::istringstream swirl(Written(ExportTecPlotSwirl));
-  for (; swirl >> x >> y >> vorticity;) {
-    if (x != 0.0 || y != 0.0) continue;
-    EXPECT_NEAR(vorticity, peak / 2, 0.001 * peak) << "the core turns like a rigid body";
-  }
-}
-
 TEST_F(TextExports, LeaveTheOldFileWhereTheyFail) {
   const std::string lines =
       "!!! FEHLER !!!\r\n    Die Datei 'neu/a.txt' kann nicht gespeichert werden, da während "

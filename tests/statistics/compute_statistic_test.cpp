@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <numbers>
 
 #include "collection_fixture.h"
 #include "field/load_original_file.h"
