@@ -11,7 +11,7 @@
 #include "app/directory_list.h"
 #include "app/file_list.h"
 #include "app/frmMain.h"
-#include "cli/program.h"
+#include "support/program.h"
 #include "generator/sample_files.h"
 #include "windows/modal_script.h"
 

@@ -4,7 +4,7 @@
 #include <csignal>
 
 #include "generator/sample_files.h"
-#include "program.h"
+#include "support/program.h"
 #include "support/bytes.h"
 
 namespace quiverion::cli {

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "generator/sample_files.h"
-#include "program.h"
+#include "support/program.h"
 #include "statistics/compute_statistic.h"
 #include "support/bytes.h"
 #include "support/test_session.h"

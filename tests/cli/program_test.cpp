@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "generator/sample_files.h"
-#include "program.h"
+#include "support/program.h"
 #include "support/bytes.h"
 
 namespace quiverion::cli {

@@ -17,6 +17,17 @@ inline std::string With(std::string bytes, std::size_t at, std::int32_t value) {
   return bytes.replace(at, 4, Bytes().I32(value).Get());
 }
 
+/// The file as far as its count tells.
+inline std::string CountedRecords(const std::string& bytes) {
+  const auto at = [&bytes](std::size_t position) {
+    std::int32_t value = 0;
+    std::memcpy(&value, bytes.data() + position, sizeof value);
+    return static_cast<std::size_t>(value);
+  };
+  const std::size_t vectors = at(kColumnsAt) * at(kRowsAt);
+  return bytes.substr(0, kHeader + at(kCountAt) * (128 + 16 * vectors + (vectors + 7) / 8));
+}
+
 /// Collections that no reader takes, with the number of the read error; 0: no collection at all. `good` has 3 x 2
 /// vectors in several fields.
 inline std::vector<std::pair<std::string, int>> Damaged(const std::string& good) {

@@ -35,11 +35,16 @@ struct Outcome {
   int signal = 0;  // that signal
   std::string out;
   std::string err;
+  double seconds = 0;      // from start to end
+  long peakKilobytes = 0;  // of its memory
 };
 
 /// Runs the program to its end. Its standard output goes to the file `output` where one is given.
 Outcome RunProgram(const Workplace& place, const std::vector<std::string>& arguments, const std::string& input = {},
                    const std::string& output = {});
+
+/// Runs the program and kills it after so many seconds. False where it had come to its end.
+bool KillProgram(const Workplace& place, const std::vector<std::string>& arguments, double seconds);
 
 /// Compares with the text in tests/approved/<name>, where the path of `place` is written <hier>/. With
 /// QUIVERION_APPROVE set in the environment the text is written there instead: look at the difference before committing

@@ -1,0 +1,214 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "log/run_log.h"
+#include "reliability/written_series.h"
+#include "support/collection_bytes.h"
+#include "support/soak.h"
+#include "support/program.h"
+
+namespace quiverion::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Kind = SystemCall::Kind;
+using Names = std::vector<std::string>;
+
+struct Fault {
+  const char* name;
+  int code;
+  ErrorNumber number;
+  bool once;  // else every call from there on, as long as the command takes
+  std::vector<MessageAnswer> answers = {};
+
+  bool Asks() const { return number == ErrorNumber::diskFull || number == ErrorNumber::tooManyFiles; }
+};
+
+const std::vector<Fault> kFaults = {
+    {"a full disk, then room", ENOSPC, ErrorNumber::diskFull, true, {MessageAnswer::retry}},
+    {"a full disk", ENOSPC, ErrorNumber::diskFull, false, {MessageAnswer::retry}},
+    {"a full quota", EDQUOT, ErrorNumber::diskFull, false},
+    {"too many open files", EMFILE, ErrorNumber::tooManyFiles, false},
+    {"too many open files, then fewer", EMFILE, ErrorNumber::tooManyFiles, true, {MessageAnswer::retry}},
+    {"an I/O error", EIO, ErrorNumber::deviceError, false},
+    {"a permission that is gone", EACCES, ErrorNumber::accessDenied, false},
+    {"a drive that is read-only now", EROFS, ErrorNumber::pathAccess, false}};
+
+// One of the calls that a command makes for one file of the series.
+struct Moment {
+  int file;   // counted from 1
+  int index;  // among the calls of the command for this file
+  SystemCall call;
+};
+
+bool CanFail(const SystemCall& call) {
+  return call.kind != Kind::makeDirectory && call.kind != Kind::remove && call.kind != Kind::resize;
+}
+
+// A failed append leaves something behind the records that a collection counts.
+Tree Counted(Tree tree) {
+  for (auto& [path, bytes] : tree) {
+    if (path.ends_with(".col")) bytes = CountedRecords(bytes);
+  }
+  return tree;
+}
+
+// The log of a run, taken apart at its titles.
+struct Sections {
+  explicit Sections(const std::string& log) {
+    const std::size_t second = log.find(MakeTitleLine("b.vas"));
+    const std::size_t end = log.find(MakeTitleLine("Makro-Ausführung erfolgreich beendet"));
+    files[0] = log.substr(0, std::min(second, end));
+    if (second != std::string::npos) files[1] = log.substr(second, end - second);
+  }
+  std::string files[2];
+};
+
+class WriteFaults : public testing::Test {
+ protected:
+  void Examine(const WrittenKind& kind, const WrittenSeries& series) {
+    series.Restore();
+    untouched_ = Counted(ReadTree(place.Path() + "serie/"));
+    const auto clean = [&](const Names& names) {
+      series.Restore();
+      return series.Run(names);
+    };
+    const auto both = clean({"a.vas", "b.vas"}), first = clean({"a.vas"}), second = clean({"b.vas"});
+    ASSERT_FALSE(both.hadError) << both.log;
+    const std::vector<Moment> moments = Moments(series);
+    ASSERT_GE(moments.size(), 8u);
+    for (const Fault& fault : kFaults) {
+      for (const Moment& moment : moments) {
+        SCOPED_TRACE(kind.name + ": " + fault.name + " at call " + std::to_string(moment.index) + " (kind " +
+                     std::to_string(static_cast<int>(moment.call.kind)) + ") of file " + std::to_string(moment.file));
+        const auto result = RunWith(series, fault, moment);
+        const bool recovers =
+            fault.once && fault.Asks() &&
+            (moment.call.kind == Kind::write || moment.call.kind == Kind::rename || moment.call.kind == Kind::read);
+        if (recovers) {
+          EXPECT_EQ(result.log, both.log);
+          EXPECT_EQ(result.tree, both.tree);
+          EXPECT_EQ(result.boxes, 1);
+          continue;
+        }
+        const bool closesInPlace = kind.isCollection && !IsTemporary(moment.call.path) && moment.call.kind == Kind::close;
+        const bool aborts = fault.Asks() && moment.call.kind != Kind::open && !closesInPlace;
+        EXPECT_TRUE(result.hadError);
+        EXPECT_EQ(result.aborted, aborts);
+        EXPECT_EQ(result.boxes, aborts ? static_cast<int>(fault.answers.size()) + 1 : 0);
+        const auto& other = moment.file == 1 ? second : first;
+        ExpectFiles(moment, aborts, result, closesInPlace ? both : other, both);
+        const Sections clear(both.log);
+        const Sections expected(closesInPlace ? both.log : other.log);
+        const std::string failed = Failed(kind, fault, moment, clear.files[moment.file - 1], aborts);
+        std::string log = moment.file == 1 ? failed : clear.files[0] + failed;
+        if (moment.file == 1 && !aborts) log += expected.files[1];
+        log += MakeTitleLine(aborts ? "Makro-Ausführung frühzeitig ABGEBROCHEN nach FEHLER"
+                                    : "Makro-Ausführung FEHLERHAFT beendet") +
+               "\r\n";
+        EXPECT_EQ(result.log, log);
+        if (HasFailure()) return;
+      }
+    }
+  }
+
+  // The calls where something can fail: of the writes of a file the first, the middle and the last one.
+  static std::vector<Moment> Moments(const WrittenSeries& series) {
+    std::vector<Moment> all;
+    series.Restore();
+    int calls[3] = {};
+    series.Run({"a.vas", "b.vas"}, {}, [&](const WrittenSeries::Step& step, const SystemCall& call) {
+      if (!step.isNext) all.push_back({step.file, calls[step.file]++, call});
+      return 0;
+    });
+    std::vector<Moment> moments;
+    for (const int file : {1, 2}) {
+      std::vector<Moment> writes;
+      for (const Moment& moment : all) {
+        if (moment.file != file || !CanFail(moment.call)) continue;
+        (moment.call.kind == Kind::write ? writes : moments).push_back(moment);
+        EXPECT_TRUE(!IsTemporary(moment.call.path) || moment.call.kind != Kind::open ||
+                    (moment.call.flags & (O_EXCL | O_CREAT | O_NOFOLLOW)) == (O_EXCL | O_CREAT | O_NOFOLLOW));
+      }
+      for (std::size_t k = 0; k < writes.size(); ++k) {
+        const bool chosen = k == 0 || k == writes.size() / 2 || k + 1 == writes.size();
+        if (chosen || IsSoak()) moments.push_back(writes[k]);
+      }
+    }
+    return moments;
+  }
+
+  static WrittenSeries::Result RunWith(const WrittenSeries& series, const Fault& fault, const Moment& moment) {
+    series.Restore();
+    int index = 0;
+    return series.Run({"a.vas", "b.vas"}, fault.answers,
+                      [&](const WrittenSeries::Step& step, const SystemCall& call) {
+                        if (step.file != moment.file || step.isNext) return 0;
+                        const int at = index++;
+                        const bool hit = fault.once ? at == moment.index : at >= moment.index && CanFail(call);
+                        return hit ? fault.code : 0;
+                      });
+  }
+
+  // `other`: the run without the file that failed; what the following command and the other file wrote is there.
+  void ExpectFiles(const Moment& moment, bool aborts, const WrittenSeries::Result& result,
+                          const WrittenSeries::Result& other, const WrittenSeries::Result& both) const {
+    Tree expected = other.tree;
+    const auto take = [&](const std::string& path) { expected[path] = both.tree.at(path); };
+    if (!aborts) {
+      take("a_next.vas");
+      take("b_next.vas");
+    }
+    // Where the first file's failure ends the run, nothing has come of the second.
+    EXPECT_EQ(Counted(result.tree), aborts && moment.file == 1 ? untouched_ : Counted(expected));
+  }
+
+  static std::string Failed(const WrittenKind& kind, const Fault& fault, const Moment& moment,
+                            const std::string& section, bool aborts) {
+    const std::size_t start = section.find("... fertig", section.find(kind.announcement));
+    const std::size_t next = section.find("Datei speichern unter", start);
+    EXPECT_NE(next, std::string::npos) << section;
+    const bool opens = moment.call.kind == Kind::open;
+    const bool isText = kind.appended && aborts;  // of its Cancel nothing is said
+    const std::string path =
+        kind.command.Find("FileName") != nullptr ? kind.command.Text("FileName") : PathIn(section, kind);
+    std::string failure = "!!! FEHLER !!!\r\n";
+    failure += opens ? std::string(kind.openFailed)
+                     : std::string(kind.writeFailedIn) + path + "' kann nicht gespeichert werden, da während des " +
+                           "Schreibens folgender Fehler aufgetreten ist:";
+    const bool named = fault.number == ErrorNumber::deviceError;
+    failure += "\r\n    " +
+               ErrorText(SystemError(fault.number, named ? std::generic_category().message(fault.code) : "")) + "\r\n";
+    if (isText) failure.clear();
+    return section.substr(0, start + 4) + failure + (isText ? "" : std::string(kind.afterFailure)) +
+           (aborts ? "" : section.substr(next));
+  }
+
+  // The path that the announcement names.
+  static std::string PathIn(const std::string& section, const WrittenKind& kind) {
+    const std::size_t quote = section.find('\'', section.find(kind.announcement)) + 1;
+    return section.substr(quote, section.find('\'', quote) - quote);
+  }
+
+  cli::Workplace place;
+  Tree untouched_;
+};
+
+TEST_F(WriteFaults, LeaveTheOldFileOrTheNewOneAndTheRunGoesOn) {
+  const std::string directory = place.Path() + "serie/";
+  for (const WrittenKind& kind : WrittenKinds(directory)) {
+    const WrittenSeries series(kind, directory);
+    Examine(kind, series);
+    if (HasFailure()) return;
+  }
+}
+
+}  // namespace
+}  // namespace quiverion::test

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "macro/session.h"
+#include "support/system_calls.h"
+#include "support/test_session.h"
+
+/// Series on the real file system whose macro writes one kind of file, for tests that disturb the writing.
+namespace quiverion::test {
+
+/// Every file below a directory, by its path there; directories without files are left out.
+using Tree = std::map<std::string, std::string>;
+Tree ReadTree(const std::string& directory);
+
+/// True for the name of a temporary file.
+bool IsTemporary(const std::string& path);
+
+/// A kind of file that a macro writes.
+struct WrittenKind {
+  std::string name;
+  MacroEvent command;
+  std::string target;                  // what the first file of the series writes to, "<hier>/" before it
+  Tree before = {};                    // what is there already, beside the series
+  std::string_view announcement = {};  // the beginning of its log line
+  std::string_view openFailed = {};
+  std::string_view writeFailedIn = {};  // the sentence in front of the file's path
+  std::string_view afterFailure = {};   // log lines that come all the same
+  bool isCollection = false;
+  bool appended = false;  // a text that grows
+};
+
+/// All kinds, for a directory that ends in "/". A "<hier>/" in texts of the macro stands for it already.
+std::vector<WrittenKind> WrittenKinds(const std::string& directory);
+
+/// The series a.vas, b.vas in a directory, and a macro of `kind`, which then saves every field as <name>_next.vas.
+class WrittenSeries {
+ public:
+  WrittenSeries(const WrittenKind& kind, const std::string& directory);
+
+  /// Lays all files anew.
+  void Restore() const;
+
+  struct Step {
+    int file = 0;  // counted from 1
+    bool isNext = false;
+  };
+
+  struct Result {
+    std::string log;
+    Tree tree;
+    int boxes = 0;
+    bool hadError = false;
+    bool aborted = false;
+  };
+
+  /// Runs the macro over these files with the given answers to boxes, then Cancel. `before` is called before each system
+  /// call with the step that makes it, as SystemCalls::before.
+  Result Run(const std::vector<std::string>& names, std::vector<MessageAnswer> answers = {},
+             const std::function<int(const Step&, const SystemCall&)>& before = {}) const;
+
+ private:
+  WrittenKind kind_;
+  std::string directory_;
+  Tree initial_;
+};
+
+}  // namespace quiverion::test
