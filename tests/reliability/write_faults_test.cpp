@@ -107,7 +107,8 @@ class WriteFaults : public testing::Test {
         ExpectFiles(moment, aborts, result, closesInPlace ? both : other, both);
         const Sections clear(both.log);
         const Sections expected(closesInPlace ? both.log : other.log);
-        const std::string failed = Failed(kind, fault, moment, clear.files[moment.file - 1], aborts);
+        const std::string failed =
+            Failed(kind, TextOf(fault), moment.call.kind == Kind::open, clear.files[moment.file - 1], aborts);
         std::string log = moment.file == 1 ? failed : clear.files[0] + failed;
         if (moment.file == 1 && !aborts) log += expected.files[1];
         log += MakeTitleLine(aborts ? "Makro-Ausführung frühzeitig ABGEBROCHEN nach FEHLER"
@@ -170,25 +171,26 @@ class WriteFaults : public testing::Test {
     EXPECT_EQ(Counted(result.tree), aborts && moment.file == 1 ? untouched_ : Counted(expected));
   }
 
-  static std::string Failed(const WrittenKind& kind, const Fault& fault, const Moment& moment,
-                            const std::string& section, bool aborts) {
-    const std::size_t start = section.find("... fertig", section.find(kind.announcement));
+  static std::string TextOf(const Fault& fault) {
+    const bool named = fault.number == ErrorNumber::deviceError;
+    return ErrorText(SystemError(fault.number, named ? std::generic_category().message(fault.code) : ""));
+  }
+
+  // The section of a file in the log where the command fails, from that of a file where all went well.
+  static std::string Failed(const WrittenKind& kind, const std::string& error, bool opens, const std::string& section,
+                            bool aborts) {
+    const std::size_t start = section.find("... fertig", section.find(kind.announcement)) + 4;
     const std::size_t next = section.find("Datei speichern unter", start);
     EXPECT_NE(next, std::string::npos) << section;
-    const bool opens = moment.call.kind == Kind::open;
-    const bool isText = kind.appended && aborts;  // of its Cancel nothing is said
+    if (kind.appended && aborts) return section.substr(0, start);  // of its Cancel nothing is said
     const std::string path =
         kind.command.Find("FileName") != nullptr ? kind.command.Text("FileName") : PathIn(section, kind);
-    std::string failure = "!!! FEHLER !!!\r\n";
-    failure += opens ? std::string(kind.openFailed)
-                     : std::string(kind.writeFailedIn) + path + "' kann nicht gespeichert werden, da während des " +
-                           "Schreibens folgender Fehler aufgetreten ist:";
-    const bool named = fault.number == ErrorNumber::deviceError;
-    failure += "\r\n    " +
-               ErrorText(SystemError(fault.number, named ? std::generic_category().message(fault.code) : "")) + "\r\n";
-    if (isText) failure.clear();
-    return section.substr(0, start + 4) + failure + (isText ? "" : std::string(kind.afterFailure)) +
-           (aborts ? "" : section.substr(next));
+    const std::string sentence =
+        opens ? std::string(kind.openFailed)
+              : std::string(kind.writeFailedIn) + path + "' kann nicht gespeichert werden, da während des " +
+                    "Schreibens folgender Fehler aufgetreten ist:";
+    return section.substr(0, start) + "!!! FEHLER !!!\r\n" + sentence + "\r\n    " + error + "\r\n" +
+           std::string(kind.afterFailure) + (aborts ? "" : section.substr(next));
   }
 
   // The path that the announcement names.
@@ -207,6 +209,99 @@ TEST_F(WriteFaults, LeaveTheOldFileOrTheNewOneAndTheRunGoesOn) {
     const WrittenSeries series(kind, directory);
     Examine(kind, series);
     if (HasFailure()) return;
+  }
+}
+
+// What stands at the target's place, or becomes of its directory, and the error it is refused with.
+struct Obstacle {
+  const char* name;
+  void (*place)(const fs::path& target);
+  ErrorNumber number;
+};
+
+const Obstacle kObstacles[] = {
+    {"a directory at its place",
+     [](const fs::path& target) {
+       fs::remove(target);
+       fs::create_directories(target / "full");
+     },
+     ErrorNumber::pathAccess},
+    {"a read-only file at its place",
+     [](const fs::path& target) {
+       std::ofstream(target, std::ios::app).flush();
+       fs::permissions(target, fs::perms::owner_read);
+     },
+     ErrorNumber::pathAccess},
+    {"a device at its place",
+     [](const fs::path& target) {
+       fs::remove(target);
+       fs::create_symlink("/dev/full", target);
+     },
+     ErrorNumber::pathAccess},
+    {"a file in place of its directory",
+     [](const fs::path& target) {
+       fs::remove_all(target.parent_path());
+       std::ofstream(target.parent_path()) << "kept";
+     },
+     ErrorNumber::pathNotFound}};
+
+TEST_F(WriteFaults, AnObstacleIsNamedAndTheRunGoesOn) {
+  const std::string directory = place.Path() + "serie/";
+  for (const WrittenKind& kind : WrittenKinds(directory)) {
+    const WrittenSeries series(kind, directory);
+    series.Restore();
+    const auto clean = series.Run({"a.vas", "b.vas"});
+    const Sections clear(clean.log);
+    for (const Obstacle& obstacle : kObstacles) {
+      if (kind.target == "a.vas" && obstacle.number != ErrorNumber::pathAccess) continue;  // it is the series' own
+      if (kind.target == "a.vas" && &obstacle != &kObstacles[1]) continue;
+      SCOPED_TRACE(kind.name + ": " + obstacle.name);
+      series.Restore();
+      obstacle.place(directory + kind.target);
+      const Tree before = ReadTree(directory);
+      const auto result = series.Run({"a.vas", "b.vas"});
+      const bool both = kind.isCollection || kind.appended || obstacle.number == ErrorNumber::pathNotFound;
+      std::string log;
+      for (const int file : {0, 1}) {
+        const bool fails = file == 0 || both;
+        log += fails ? Failed(kind, ErrorText(SystemError(obstacle.number)), true, clear.files[file], false)
+                     : clear.files[file];
+      }
+      EXPECT_EQ(result.log, log + MakeTitleLine("Makro-Ausführung FEHLERHAFT beendet") + "\r\n");
+      Tree expected = before;
+      for (const auto& [path, bytes] : clean.tree) {
+        if (path.find("_next") != std::string::npos || (!both && path.find("b.") != std::string::npos)) {
+          expected[path] = bytes;
+        }
+      }
+      EXPECT_EQ(result.tree, expected);
+      if (HasFailure()) return;
+    }
+  }
+}
+
+// Whatever becomes of what another process has deleted: the series goes on, and the log is right about results.
+TEST_F(WriteFaults, ADirectoryThatGoesAwayMeanwhileCostsAtMostItsFile) {
+  const std::string directory = place.Path() + "serie/";
+  for (const WrittenKind& kind : WrittenKinds(directory)) {
+    if (kind.target == "a.vas") continue;
+    const WrittenSeries series(kind, directory);
+    for (const Moment& moment : Moments(series)) {
+      if (moment.file != 1) continue;
+      SCOPED_TRACE(kind.name + " at call " + std::to_string(moment.index));
+      series.Restore();
+      int index = 0;
+      const auto result = series.Run({"a.vas", "b.vas"}, {}, [&](const WrittenSeries::Step& step, const SystemCall&) {
+        if (step.file == 1 && !step.isNext && index++ == moment.index) fs::remove_all(directory + "ziel");
+        return 0;
+      });
+      const bool failed = result.log.find("Pfad nicht gefunden   (Fehler-Nr. 76)") != std::string::npos;
+      EXPECT_EQ(result.hadError, failed) << result.log;
+      EXPECT_TRUE(kind.isCollection || kind.appended || result.tree.contains(kind.target) != failed);
+      for (const char* path : {"a_next.vas", "b_next.vas"}) EXPECT_TRUE(result.tree.contains(path));
+      for (const auto& [path, bytes] : result.tree) EXPECT_FALSE(IsTemporary(path));
+      if (HasFailure()) return;
+    }
   }
 }
 

@@ -1,5 +1,7 @@
 #include "reliability/written_series.h"
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -146,6 +148,7 @@ WrittenSeries::Result WrittenSeries::Run(const std::vector<std::string>& names, 
       return before ? before({ui.progress.back().currentFile, isNext}, call) : 0;
     };
     RunMacro(session);
+    EXPECT_EQ(calls.strayed, "");
   }
   const Context& context = session.context;
   return {recorder.Text(),     ReadTree(directory_), static_cast<int>(ui.messages.size()),

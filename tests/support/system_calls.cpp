@@ -71,7 +71,8 @@ SystemCalls::~SystemCalls() {
 
 int SystemCalls::Ask(const SystemCall& call) {
   if (Watches(call.path)) return before ? before(call) : 0;
-  if (strayed.empty()) strayed = call.path;
+  const bool isParent = call.kind == Kind::makeDirectory && directory_.starts_with(call.path);  // which is there
+  if (strayed.empty() && !isParent) strayed = call.path;
   return 0;
 }
 
