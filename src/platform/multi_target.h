@@ -2,8 +2,9 @@
 
 /// QUIVERION_MULTI_TARGET compiles a function for plain x86-64 and for two generations of wider instructions, and
 /// chooses at run time. Only where the compiler can (GCC) and where no sanitizer runs before the choice is made. Wider
-/// instructions never change bits: contraction is off and no sum is split.
-#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12 && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
+/// instructions never change bits: contraction is off and no sum is split. QUIVERION_PLAIN_TARGET leaves them out.
+#if !defined(QUIVERION_PLAIN_TARGET) && defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12 && \
+    defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
 #define QUIVERION_MULTI_TARGET __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
 #else
 #define QUIVERION_MULTI_TARGET
