@@ -25,7 +25,7 @@ inline std::string CountedRecords(const std::string& bytes) {
     return static_cast<std::size_t>(value);
   };
   const std::size_t vectors = at(kColumnsAt) * at(kRowsAt);
-  return bytes.substr(0, kHeader + at(kCountAt) * (128 + 16 * vectors + (vectors + 7) / 8));
+  return bytes.substr(0, kHeader + at(kCountAt) * (128 + 16 * vectors + vectors / 8 + 1));
 }
 
 /// Collections that no reader takes, with the number of the read error; 0: no collection at all. `good` has 3 x 2

@@ -65,6 +65,7 @@ pid_t Start(const Workplace& place, const std::vector<std::string>& arguments, i
   ::dup2(output, STDOUT_FILENO);
   ::dup2(error, STDERR_FILENO);
   ::setenv("LC_ALL", "C", 1);
+  ::alarm(600);  // a program that hangs ends with a signal
   if (::chdir(place.Path().c_str()) == 0) ::execv(CLI_PROGRAM, words.data());
   ::_exit(99);
 }

@@ -13,6 +13,13 @@ inline bool IsSoak() {
   return std::getenv("QUIVERION_SOAK") != nullptr;
 }
 
+/// Time and memory of a sanitized program say nothing about the one that is used.
+#ifdef __SANITIZE_ADDRESS__
+inline constexpr bool kSanitized = true;
+#else
+inline constexpr bool kSanitized = false;
+#endif
+
 template <class Value>
 Value ShortOrLong(Value shortForm, Value longForm) {
   return IsSoak() ? longForm : shortForm;
