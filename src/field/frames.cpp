@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include "platform/paths.h"
+
 namespace quiverion {
 namespace {
 
@@ -28,6 +30,12 @@ void ShowErrorBox(Context& context, std::string_view title, std::string_view sen
 void WarnLostCharacters(Context& context, std::string_view text) {
   LogWarning(context, {"    Zeichen, die der Zeichensatz der Datei nicht kennt, werden als '?' gespeichert: '" +
                        std::string(text) + "'"});
+}
+
+void RequireBelow(const std::string& name) {
+  if (!LeadsUpwards(name)) return;
+  throw SystemError::Saying(ErrorNumber::pathAccess,
+                            "Der Dateiname '" + name + "' führt aus dem Verzeichnis der Originaldatei hinaus!");
 }
 
 std::string WriteFailedSentence(const std::string& path) {

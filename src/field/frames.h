@@ -53,6 +53,11 @@ void ShowErrorBox(Context& context, std::string_view title, std::string_view sen
 /// Logs that characters of `text` which Windows-1252 lacks were written as "?", a warning.
 void WarnLostCharacters(Context& context, std::string_view text);
 
+/// Throws SystemError 75 where `name`, of a result that belongs beside its original file or below, leads out of that
+/// directory: the name comes from a macro or a file that somebody else has made. A separator in front is no more than
+/// one between the parts.
+void RequireBelow(const std::string& name);
+
 /// The sentence about a file that could not be written to its end.
 std::string WriteFailedSentence(const std::string& path);
 

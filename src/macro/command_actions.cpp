@@ -1,6 +1,7 @@
 #include "macro/command_actions.h"
 
 #include "field/buffer_commands.h"
+#include "field/frames.h"
 #include "field/vas_file.h"
 #include "operations/transformations.h"
 #include "operations/vortex_centres.h"
@@ -47,9 +48,10 @@ FaultyVectorCriteria FaultyVectorCriteriaOf(const MacroEvent& event) {
 }
 
 std::string OutputPath(const CommandCall& call, std::string_view extension) {
-  std::string path = call.inputDirectory;
-  path.append(call.event.Text("Prefix")).append(BaseNameOf(call.fileName)).append(call.event.Text("Postfix"));
-  return path.append(extension);
+  std::string name = call.event.Text("Prefix");
+  name.append(BaseNameOf(call.fileName)).append(call.event.Text("Postfix")).append(extension);
+  RequireBelow(name);
+  return call.inputDirectory + name;
 }
 
 void SaveAsVas(const CommandCall& call) {

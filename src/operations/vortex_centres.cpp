@@ -153,9 +153,11 @@ std::string Description(const Centre& centre, char decimalSeparator) {
 
 // The directory of the copies, its separator behind it.
 std::string CopyDirectory(const VectorField& field) {
+  const std::string name = std::string(BaseNameOf(field.fileName)) + kPathSeparator;
+  RequireBelow(name);  // of a file "...vas" it would be the directory above
   std::string directory = field.fileDirectory;
   if (field.fileName != field.filePath) directory.push_back(kPathSeparator);
-  return directory.append(BaseNameOf(field.fileName)) + kPathSeparator;
+  return directory + name;
 }
 
 void SaveCopy(Context& context, const Centre& centre, const std::string& path) {

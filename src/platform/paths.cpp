@@ -1,5 +1,7 @@
 #include "platform/paths.h"
 
+#include <algorithm>
+
 #include "platform/text.h"
 
 namespace quiverion {
@@ -24,6 +26,17 @@ std::string_view BaseNameOf(std::string_view fileName) {
 
 std::string ExtensionOf(std::string_view fileName) {
   return AsciiUpper(fileName.substr(fileName.rfind('.') + 1));
+}
+
+bool LeadsUpwards(std::string_view path) {
+  while (!path.empty()) {
+    const std::string_view part = path.substr(0, path.find_first_of("\\/"));
+    if (part.find_first_not_of(". ") == std::string_view::npos && std::count(part.begin(), part.end(), '.') > 1) {
+      return true;
+    }
+    path.remove_prefix(std::min(part.size() + 1, path.size()));
+  }
+  return false;
 }
 
 std::string WithSeparator(std::string directory) {

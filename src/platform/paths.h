@@ -33,6 +33,10 @@ std::string_view BaseNameOf(std::string_view fileName);
 /// What follows the last "." of a file name, ASCII letters in upper case (the whole name if there is no ".").
 std::string ExtensionOf(std::string_view fileName);
 
+/// True where a part of the path may lead to the directory above: it is of points and blanks only, with two points or
+/// more. Some systems leave out blanks and points at the end of a part.
+bool LeadsUpwards(std::string_view path);
+
 /// `directory` with the system's separator behind it, unless it ends in a separator already.
 std::string WithSeparator(std::string directory);
 

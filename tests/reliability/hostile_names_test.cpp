@@ -1,0 +1,87 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "generator/sample_files.h"
+#include "support/program.h"
+
+namespace quiverion::cli {
+namespace {
+
+using Names = std::vector<std::string>;
+
+/// Macros and series of strangers, in texts/serie: what they write stays there.
+class HostileNames : public testing::Test {
+ protected:
+  // Runs one command over serie/<name> and gives what has come new, below the directory of the series.
+  Names NewFilesOf(const std::string& command, const std::string& name) {
+    place_.Write("texts/serie/" + name, samples::VasBytes(samples::MakeSampleField({.columns = 30, .rows = 24})));
+    EXPECT_EQ(RunProgram(place_, {"macro", "import", "-", "m.mak"}, "[" + command + "]").code, 0);
+    const Names before = place_.Files();
+    outcome_ = RunProgram(place_, {"run", "--macro", "m.mak", "texts/serie/" + name});
+    Names files;
+    for (const std::string& path : place_.Files()) {
+      if (std::binary_search(before.begin(), before.end(), path)) continue;
+      EXPECT_TRUE(path.starts_with("texts/serie/")) << path;
+      files.push_back(path.substr(std::min<std::size_t>(path.size(), 12)));
+    }
+    return files;
+  }
+
+  static std::string Save(const std::string& prefix, const std::string& postfix) {
+    return R"({"EventId": "evtSaveVas", "Prefix": ")" + prefix + R"(", "Postfix": ")" + postfix + R"("})";
+  }
+
+  Workplace place_;
+  Outcome outcome_;
+};
+
+TEST_F(HostileNames, APrefixDoesNotLeadOutOfTheDirectory) {
+  struct Case {
+    std::string prefix, postfix;
+    std::string result;  // empty: refused
+  };
+  const Case cases[] = {{"../", "", ""},
+                        {"..\\\\", "", ""},
+                        {"sub/../../", "", ""},
+                        {"sub/.. /", "", ""},
+                        {".../", "", ""},
+                        {"", "/../../x", ""},
+                        {"", "_s", "a_s.vas"},
+                        {"sub\\\\", "..", "sub/a...vas"},
+                        {"x..", "", "x..a.vas"},
+                        {"./p ", "", "p a.vas"},
+                        {"/abs/", "", "abs/a.vas"},  // a separator in front is one between the parts
+                        {"\\\\\\\\host\\\\", "", "host/a.vas"},
+                        {"C:\\\\", "", "C:/a.vas"}};
+  for (const auto& [prefix, postfix, result] : cases) {
+    const Names files = NewFilesOf(Save(prefix, postfix), "a.vas");
+    EXPECT_EQ(files, result.empty() ? Names() : Names{result}) << prefix;
+    EXPECT_EQ(outcome_.code, result.empty() ? 1 : 0) << prefix;
+    EXPECT_EQ(outcome_.out.find("führt aus dem Verzeichnis der Originaldatei hinaus!   (Fehler-Nr. 75)") !=
+                  std::string::npos,
+              result.empty())
+        << outcome_.out;
+  }
+}
+
+// The copies of a field lie in a directory of its name: of "...vas" that was the directory above.
+TEST_F(HostileNames, AFileOfPointsDoesNotLeadItsCopiesOutOfTheDirectory) {
+  const std::string command = R"({"EventId": "evtVortexCentres", "FileName": "", "AutoTrafo": true})";
+  EXPECT_GT(NewFilesOf(command, "a.vas").size(), 0u);
+  EXPECT_EQ(NewFilesOf(command, "...vas"), Names());
+  EXPECT_EQ(outcome_.code, 1) << outcome_.out;
+}
+
+// Such a file can come out of an archive. Its name was taken for a path: another file was read, and results lay there.
+TEST_F(HostileNames, ANameWithASeparatorIsNoFileOfTheSeries) {
+  place_.Write("secret.vas", samples::VasBytes(samples::MakeSampleField({.columns = 4, .rows = 3})));
+  place_.Write("texts/serie/..\\..\\secret.vas", "");
+  EXPECT_EQ(NewFilesOf(Save("", "_s"), "a.vas"), Names{"a_s.vas"});
+  EXPECT_EQ(RunProgram(place_, {"run", "--macro", "m.mak", "texts/serie"}).code, 0);
+  EXPECT_EQ(place_.Files(), (Names{"m.mak", "secret.vas", "texts/serie/..\\..\\secret.vas", "texts/serie/a.vas",
+                                   "texts/serie/a_s.vas", "texts/serie/a_s_s.vas"}));
+}
+
+}  // namespace
+}  // namespace quiverion::cli
