@@ -7,19 +7,20 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "support/damage.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {
 
-using Input = std::vector<std::uint8_t>;
+using Input = std::string;
 
 void Run(const Input& input) {
-  const Input exact(input);  // no spare bytes behind it
+  const std::vector<std::uint8_t> exact(input.begin(), input.end());  // no spare bytes behind it
   LLVMFuzzerTestOneInput(exact.data(), exact.size());
 }
 
@@ -39,48 +40,6 @@ std::vector<Input> ReadInputs(const std::vector<std::string>& directories) {
   }
   return inputs;
 }
-
-class Mutator {
- public:
-  Input Mutate(Input input) {
-    for (std::uint64_t turn = 0, count = 1 + Below(4); turn < count; ++turn) MutateOnce(input);
-    return input;
-  }
-  std::uint64_t Below(std::uint64_t limit) { return random_() % limit; }
-
- private:
-  static constexpr std::int32_t kExtremes[] = {
-      0, -1, 1, 2, 50, 51, 255, 32767, -32768, 65535, 1 << 30, 2147483647, -2147483647 - 1};
-
-  void MutateOnce(Input& input) {
-    const std::uint64_t at = Below(input.size() + 1);
-    const auto place = input.begin() + static_cast<std::ptrdiff_t>(at);
-    switch (Below(5)) {
-      case 0:
-        if (at < input.size()) input[at] ^= static_cast<std::uint8_t>(1u << Below(8));
-        break;
-      case 1:
-        input.resize(at);
-        break;
-      case 2:
-        input.insert(place, 1 + Below(9), static_cast<std::uint8_t>(Below(256)));
-        break;
-      case 3: {
-        const std::uint64_t count = std::min<std::uint64_t>(1 + Below(9), input.size() - at);
-        input.erase(place, place + static_cast<std::ptrdiff_t>(count));
-        break;
-      }
-      default: {
-        const std::int32_t value = kExtremes[Below(std::size(kExtremes))];
-        for (std::uint64_t k = 0; k < 4 && at + k < input.size(); ++k) {
-          input[at + k] = static_cast<std::uint8_t>(static_cast<std::uint32_t>(value) >> (8 * k));
-        }
-      }
-    }
-  }
-
-  std::mt19937_64 random_{1};
-};
 
 }  // namespace
 
@@ -102,8 +61,9 @@ int main(int argc, char** argv) {
     return 1;
   }
   for (const Input& input : inputs) Run(input);
-  Mutator mutator;
-  for (std::uint64_t k = 0; k < mutations; ++k) Run(mutator.Mutate(inputs[mutator.Below(inputs.size())]));
+  quiverion::test::Damage damage(1);
+  const auto any = [&]() -> const Input& { return inputs[damage.Below(inputs.size())]; };
+  for (std::uint64_t k = 0; k < mutations; ++k) Run(damage(any(), any()));
   std::printf("%zu files and %llu mutations passed\n", inputs.size(), static_cast<unsigned long long>(mutations));
   return 0;
 }

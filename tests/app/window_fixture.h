@@ -11,8 +11,8 @@
 #include "app/directory_list.h"
 #include "app/file_list.h"
 #include "app/frmMain.h"
-#include "support/program.h"
 #include "generator/sample_files.h"
+#include "support/program.h"
 #include "windows/modal_script.h"
 
 namespace quiverion::test {

@@ -4,8 +4,8 @@
 #include <csignal>
 
 #include "generator/sample_files.h"
-#include "support/program.h"
 #include "support/bytes.h"
+#include "support/program.h"
 
 namespace quiverion::cli {
 namespace {

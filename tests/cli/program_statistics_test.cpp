@@ -4,9 +4,9 @@
 #include <nlohmann/json.hpp>
 
 #include "generator/sample_files.h"
-#include "support/program.h"
 #include "statistics/compute_statistic.h"
 #include "support/bytes.h"
+#include "support/program.h"
 #include "support/test_session.h"
 
 namespace quiverion::cli {

@@ -6,8 +6,8 @@
 #include <nlohmann/json.hpp>
 
 #include "generator/sample_files.h"
-#include "support/program.h"
 #include "support/bytes.h"
+#include "support/program.h"
 
 namespace quiverion::cli {
 namespace {

@@ -86,9 +86,7 @@ class CommandFaults : public testing::Test {
     return result;
   }
 
-  static bool CanFail(const SystemCall& call) {
-    return call.kind != Kind::remove && call.kind != Kind::makeDirectory;
-  }
+  static bool CanFail(const SystemCall& call) { return call.kind != Kind::remove && call.kind != Kind::makeDirectory; }
 
   // Of a log, whose last lines tell the time that it took, the frame.
   static bool IsWhole(const std::string& path, const std::string& bytes, const std::string& expected) {
@@ -116,8 +114,8 @@ class CommandFaults : public testing::Test {
     }
   }
 
-  std::string collection_ = samples::CollectionBytes(
-      {Sample(0), Sample(1), Sample(2), Sample(3), Sample(4), Sample(5)}, {"1", "2", "3", "4", "5", "6"});
+  std::string collection_ = samples::CollectionBytes({Sample(0), Sample(1), Sample(2), Sample(3), Sample(4), Sample(5)},
+                                                     {"1", "2", "3", "4", "5", "6"});
   Workplace place_;
   std::string directory_ = place_.Path() + "w/";
 };

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
-#include <random>
 
 #include "generator/sample_files.h"
-#include "support/bytes.h"
+#include "support/damage.h"
 #include "support/program.h"
 #include "support/soak.h"
 
@@ -19,54 +19,6 @@ using Words = std::vector<std::string>;
 samples::SampleField Sample(int index) {
   return samples::MakeSampleField({.index = index, .columns = 12, .rows = 9});
 }
-
-// Damages a file as disks, transfers and people do: bits, numbers, cuts, repetitions, pieces of other files.
-class Damage {
- public:
-  explicit Damage(std::uint32_t seed) : random_(seed) {}
-
-  std::size_t Below(std::size_t limit) { return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random_); }
-
-  std::string operator()(std::string bytes, const std::string& other) {
-    for (std::size_t k = 0, times = 1 + Below(4); k < times && bytes.size() > 8; ++k) Once(bytes, other);
-    return bytes;
-  }
-
- private:
-  void Once(std::string& bytes, const std::string& other) {
-    // Heads, where the counts are, are hit as often as all the rest.
-    const std::size_t at = Below(Below(2) == 0 ? std::min<std::size_t>(bytes.size(), 300) : bytes.size());
-    const std::size_t length = std::min(bytes.size() - at, 1 + Below(64));
-    constexpr std::int32_t numbers[] = {0, 1, -1, 255, 32767, 65536, 2147483647, -2147483647 - 1, 1000000, 20000};
-    switch (Below(8)) {
-      case 0:
-        bytes[at] = static_cast<char>(bytes[at] ^ (1 << Below(8)));
-        break;
-      case 1:
-        bytes[at] = static_cast<char>(Below(256));
-        break;
-      case 2:
-        bytes.replace(at, 4, Bytes().I32(numbers[Below(std::size(numbers))]).Get());
-        break;
-      case 3:
-        bytes.resize(at);
-        break;
-      case 4:
-        bytes.insert(at, bytes.substr(at, length));
-        break;
-      case 5:
-        bytes.erase(at, length);
-        break;
-      case 6:
-        bytes.replace(at, length, other.substr(std::min(at, other.size()), length));
-        break;
-      default:
-        std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), length, Below(2) == 0 ? '\0' : '9');
-    }
-  }
-
-  std::mt19937 random_;
-};
 
 struct Attempt {
   Words arguments;
@@ -83,10 +35,14 @@ class DamagedInputs : public testing::Test {
     place_.Write("every.json", json);
     EXPECT_EQ(RunProgram(place_, {"macro", "import", "every.json", "every.mak"}).code, 0);
     place_.Write("good.vas", samples::VasBytes(Sample(0)));
-    originals_ = {{"m.vas", samples::VasBytes(Sample(1))},   {"m.dat", samples::DatBytes(Sample(2))},
-                  {"m.vec", samples::VecBytes(Sample(3), 1)}, {"m.vec", samples::VecBytes(Sample(4), 2)},
-                  {"m.vec", samples::VecBytes(Sample(5), 3)}, {"m.mak", place_.Read("every.mak")},
-                  {"m.json", json},                          {"m.col", Collection()}};
+    originals_ = {{"m.vas", samples::VasBytes(Sample(1))},
+                  {"m.dat", samples::DatBytes(Sample(2))},
+                  {"m.vec", samples::VecBytes(Sample(3), 1)},
+                  {"m.vec", samples::VecBytes(Sample(4), 2)},
+                  {"m.vec", samples::VecBytes(Sample(5), 3)},
+                  {"m.mak", place_.Read("every.mak")},
+                  {"m.json", json},
+                  {"m.col", Collection()}};
   }
 
   static std::string Collection() {
@@ -148,7 +104,8 @@ TEST_F(DamagedInputs, NeverEndTheProgramByThemselves) {
   EXPECT_TRUE(refused > times / 4 && refused < times) << refused;
   RecordProperty("slowest ms", static_cast<int>(slowest * 1000));
   RecordProperty("largest KB", static_cast<int>(largest));
-  if (IsSoak()) std::printf("%d damaged inputs, %d refused; at most %.0f ms, %ld KB\n", times, refused, slowest * 1000, largest);
+  if (IsSoak())
+    std::printf("%d damaged inputs, %d refused; at most %.0f ms, %ld KB\n", times, refused, slowest * 1000, largest);
 }
 
 }  // namespace

@@ -58,9 +58,9 @@ TEST_F(HostileNames, APrefixDoesNotLeadOutOfTheDirectory) {
     const Names files = NewFilesOf(Save(prefix, postfix), "a.vas");
     EXPECT_EQ(files, result.empty() ? Names() : Names{result}) << prefix;
     EXPECT_EQ(outcome_.code, result.empty() ? 1 : 0) << prefix;
-    EXPECT_EQ(outcome_.out.find("führt aus dem Verzeichnis der Originaldatei hinaus!   (Fehler-Nr. 75)") !=
-                  std::string::npos,
-              result.empty())
+    EXPECT_EQ(
+        outcome_.out.find("führt aus dem Verzeichnis der Originaldatei hinaus!   (Fehler-Nr. 75)") != std::string::npos,
+        result.empty())
         << outcome_.out;
   }
 }

@@ -11,8 +11,8 @@
 #include "log/run_log.h"
 #include "reliability/written_series.h"
 #include "support/collection_bytes.h"
-#include "support/soak.h"
 #include "support/program.h"
+#include "support/soak.h"
 
 namespace quiverion::test {
 namespace {
@@ -98,7 +98,8 @@ class WriteFaults : public testing::Test {
           EXPECT_EQ(result.boxes, 1);
           continue;
         }
-        const bool closesInPlace = kind.isCollection && !IsTemporary(moment.call.path) && moment.call.kind == Kind::close;
+        const bool closesInPlace =
+            kind.isCollection && !IsTemporary(moment.call.path) && moment.call.kind == Kind::close;
         const bool aborts = fault.Asks() && moment.call.kind != Kind::open && !closesInPlace;
         EXPECT_TRUE(result.hadError);
         EXPECT_EQ(result.aborted, aborts);
@@ -149,18 +150,17 @@ class WriteFaults : public testing::Test {
   static WrittenSeries::Result RunWith(const WrittenSeries& series, const Fault& fault, const Moment& moment) {
     series.Restore();
     int index = 0;
-    return series.Run({"a.vas", "b.vas"}, fault.answers,
-                      [&](const WrittenSeries::Step& step, const SystemCall& call) {
-                        if (step.file != moment.file || step.isNext) return 0;
-                        const int at = index++;
-                        const bool hit = fault.once ? at == moment.index : at >= moment.index && CanFail(call);
-                        return hit ? fault.code : 0;
-                      });
+    return series.Run({"a.vas", "b.vas"}, fault.answers, [&](const WrittenSeries::Step& step, const SystemCall& call) {
+      if (step.file != moment.file || step.isNext) return 0;
+      const int at = index++;
+      const bool hit = fault.once ? at == moment.index : at >= moment.index && CanFail(call);
+      return hit ? fault.code : 0;
+    });
   }
 
   // `other`: the run without the file that failed; what the following command and the other file wrote is there.
   void ExpectFiles(const Moment& moment, bool aborts, const WrittenSeries::Result& result,
-                          const WrittenSeries::Result& other, const WrittenSeries::Result& both) const {
+                   const WrittenSeries::Result& other, const WrittenSeries::Result& both) const {
     Tree expected = other.tree;
     const auto take = [&](const std::string& path) { expected[path] = both.tree.at(path); };
     if (!aborts) {
@@ -185,10 +185,10 @@ class WriteFaults : public testing::Test {
     if (kind.appended && aborts) return section.substr(0, start);  // of its Cancel nothing is said
     const std::string path =
         kind.command.Find("FileName") != nullptr ? kind.command.Text("FileName") : PathIn(section, kind);
-    const std::string sentence =
-        opens ? std::string(kind.openFailed)
-              : std::string(kind.writeFailedIn) + path + "' kann nicht gespeichert werden, da während des " +
-                    "Schreibens folgender Fehler aufgetreten ist:";
+    const std::string sentence = opens ? std::string(kind.openFailed)
+                                       : std::string(kind.writeFailedIn) + path +
+                                             "' kann nicht gespeichert werden, da während des " +
+                                             "Schreibens folgender Fehler aufgetreten ist:";
     return section.substr(0, start) + "!!! FEHLER !!!\r\n" + sentence + "\r\n    " + error + "\r\n" +
            std::string(kind.afterFailure) + (aborts ? "" : section.substr(next));
   }
@@ -219,31 +219,30 @@ struct Obstacle {
   ErrorNumber number;
 };
 
-const Obstacle kObstacles[] = {
-    {"a directory at its place",
-     [](const fs::path& target) {
-       fs::remove(target);
-       fs::create_directories(target / "full");
-     },
-     ErrorNumber::pathAccess},
-    {"a read-only file at its place",
-     [](const fs::path& target) {
-       std::ofstream(target, std::ios::app).flush();
-       fs::permissions(target, fs::perms::owner_read);
-     },
-     ErrorNumber::pathAccess},
-    {"a device at its place",
-     [](const fs::path& target) {
-       fs::remove(target);
-       fs::create_symlink("/dev/full", target);
-     },
-     ErrorNumber::pathAccess},
-    {"a file in place of its directory",
-     [](const fs::path& target) {
-       fs::remove_all(target.parent_path());
-       std::ofstream(target.parent_path()) << "kept";
-     },
-     ErrorNumber::pathNotFound}};
+const Obstacle kObstacles[] = {{"a directory at its place",
+                                [](const fs::path& target) {
+                                  fs::remove(target);
+                                  fs::create_directories(target / "full");
+                                },
+                                ErrorNumber::pathAccess},
+                               {"a read-only file at its place",
+                                [](const fs::path& target) {
+                                  std::ofstream(target, std::ios::app).flush();
+                                  fs::permissions(target, fs::perms::owner_read);
+                                },
+                                ErrorNumber::pathAccess},
+                               {"a device at its place",
+                                [](const fs::path& target) {
+                                  fs::remove(target);
+                                  fs::create_symlink("/dev/full", target);
+                                },
+                                ErrorNumber::pathAccess},
+                               {"a file in place of its directory",
+                                [](const fs::path& target) {
+                                  fs::remove_all(target.parent_path());
+                                  std::ofstream(target.parent_path()) << "kept";
+                                },
+                                ErrorNumber::pathNotFound}};
 
 TEST_F(WriteFaults, AnObstacleIsNamedAndTheRunGoesOn) {
   const std::string directory = place.Path() + "serie/";

@@ -151,8 +151,8 @@ WrittenSeries::Result WrittenSeries::Run(const std::vector<std::string>& names, 
     EXPECT_EQ(calls.strayed, "");
   }
   const Context& context = session.context;
-  return {recorder.Text(),     ReadTree(directory_), static_cast<int>(ui.messages.size()),
-          context.runHadError, context.userAbortRequested};
+  return {recorder.Text(), ReadTree(directory_), static_cast<int>(ui.messages.size()), context.runHadError,
+          context.userAbortRequested};
 }
 
 }  // namespace quiverion::test

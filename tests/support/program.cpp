@@ -142,8 +142,7 @@ Outcome RunProgram(const Workplace& place, const std::vector<std::string>& argum
 
 bool KillProgram(const Workplace& place, const std::vector<std::string>& arguments, double seconds) {
   UnnamedFile nothing;
-  const pid_t process =
-      Start(place, arguments, nothing.Descriptor(), nothing.Descriptor(), nothing.Descriptor());
+  const pid_t process = Start(place, arguments, nothing.Descriptor(), nothing.Descriptor(), nothing.Descriptor());
   std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
   ::kill(process, SIGKILL);
   int status = 0;
