@@ -163,7 +163,7 @@ void RegisterSearch(const std::string& name, CompareVectorType type, bool direct
 }
 
 const bool kRegistered = [] {
-  KeepFreedMemory();  // as the program does
+  PrepareProcess();  // as the program does
   Register(
       "Filter", [](auto& state, auto apply) { Filter(state, apply); }, kPlainFilter, FilterWindows, ApplyFilterKernel,
       FilterWindows);

@@ -183,7 +183,7 @@ BENCHMARK(ListCollection)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
   if (!qEnvironmentVariableIsSet("DISPLAY")) qputenv("QT_QPA_PLATFORM", "offscreen");
-  quiverion::KeepFreedMemory();
+  quiverion::PrepareProcess();
   QApplication application(argc, argv);
   quiverion::PrepareApplication(application);
   benchmark::Initialize(&argc, argv);

@@ -10,7 +10,7 @@
 
 int main(int argc, char** argv) {
   using namespace quiverion;
-  KeepFreedMemory();
+  PrepareProcess();
   QApplication application(argc, argv);
   PrepareApplication(application);
   std::string commandLine;

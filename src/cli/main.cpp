@@ -200,8 +200,7 @@ void AddQueries(CLI::App& app, Action& action, FileArguments& files) {
 }
 
 int Main(int argc, char** argv) {
-  IgnoreBrokenPipes();
-  KeepFreedMemory();
+  PrepareProcess();
   CLI::App app("QuiverionSeries " QUIVERION_VERSION ": Serienauswertung von PIV-Daten", "quiverionseries-cli");
   app.set_version_flag("--version", "QuiverionSeries " QUIVERION_VERSION, "Version zeigen");
   app.require_subcommand(1);

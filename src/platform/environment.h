@@ -13,9 +13,6 @@ bool IsTerminal(StandardStream stream);
 /// Writes all bytes to the stream, unbuffered. False where that failed.
 bool WriteToStream(StandardStream stream, std::string_view bytes);
 
-/// A broken pipe is reported by WriteToStream instead of ending the program.
-void IgnoreBrokenPipes();
-
 /// The decimal separator of the environment's locale; "." where that says nothing.
 char EnvironmentDecimalSeparator();
 
@@ -28,8 +25,10 @@ bool IsSameDirectory(const std::string& a, const std::string& b);
 /// All bytes of standard input.
 std::string ReadStandardInput();
 
-/// Tells the allocator to keep memory that is freed, up to 256 MB, instead of giving it back to the system: the next
-/// command of a run takes the same amount again, and fresh pages cost more than most commands. Called once by main.
-void KeepFreedMemory();
+/// Called by main before anything else. A broken pipe and a file beyond the allowed size become errors of the write
+/// instead of ending the program. A standard stream that is closed is taken, so that no file that is opened later stands
+/// in its place and receives what is printed. Memory that is freed, up to 256 MB, is kept instead of given back to the
+/// system: the next command of a run takes the same amount again, and fresh pages cost more than most commands.
+void PrepareProcess();
 
 }  // namespace quiverion

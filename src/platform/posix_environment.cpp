@@ -1,4 +1,5 @@
 // What the program asks of its surroundings beyond files. A port to another system replaces this file.
+#include <fcntl.h>
 #include <langinfo.h>
 #include <locale.h>
 #include <malloc.h>
@@ -59,10 +60,6 @@ bool WriteToStream(StandardStream stream, std::string_view bytes) {
   return true;
 }
 
-void IgnoreBrokenPipes() {
-  std::signal(SIGPIPE, SIG_IGN);
-}
-
 char EnvironmentDecimalSeparator() {
   const std::string name = NumericLocaleName();
   if (name.empty()) return '.';
@@ -104,7 +101,14 @@ std::string ReadStandardInput() {
   }
 }
 
-void KeepFreedMemory() {
+void PrepareProcess() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) >= 0) continue;
+    // The lowest free number, opened the other way round: reading or writing still fails.
+    [[maybe_unused]] const int taken = ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
 #ifdef __GLIBC__
   ::mallopt(M_MMAP_THRESHOLD, 32 * 1024 * 1024);  // the largest there is
   ::mallopt(M_TRIM_THRESHOLD, 256 * 1024 * 1024);

@@ -12,19 +12,19 @@ namespace {
 TEST(SystemClock, TellsTheLocalTime) {
   ::setenv("TZ", "EST5", 1);
   ::tzset();
-  const auto expected = [](const char* format) {
+  const auto expected = [] {
     const std::time_t shifted = std::time(nullptr) - 5 * 3600;
     char text[32];
-    return std::string(text, std::strftime(text, sizeof text, format, std::gmtime(&shifted)));
+    return std::string(text, std::strftime(text, sizeof text, "%d.%m.%Y %H:%M:%S", std::gmtime(&shifted)));
   };
   const SystemClock clock;
   std::string before, told, after;
   float seconds = 0.0F;
   do {
-    before = expected("%d.%m.%Y %H:%M:%S");
+    before = expected();
     told = clock.DateAndTime();
     seconds = clock.SecondsSinceMidnight();
-    after = expected("%d.%m.%Y %H:%M:%S");
+    after = expected();
   } while (before != after);
   EXPECT_EQ(told, before);
   const int hour = std::stoi(told.substr(11, 2)), minute = std::stoi(told.substr(14, 2));

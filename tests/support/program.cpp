@@ -54,8 +54,14 @@ class UnnamedFile {
   std::FILE* file_;
 };
 
+void Limit(__rlimit_resource resource, long value) {
+  const rlimit limit = {static_cast<rlim_t>(value), static_cast<rlim_t>(value)};
+  if (value >= 0) ::setrlimit(resource, &limit);
+}
+
 // Never returns in the child.
-pid_t Start(const Workplace& place, const std::vector<std::string>& arguments, int input, int output, int error) {
+pid_t Start(const Workplace& place, const std::vector<std::string>& arguments, int input, int output, int error,
+            const Surroundings& surroundings = {}) {
   std::vector<char*> words = {const_cast<char*>(CLI_PROGRAM)};
   for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
   words.push_back(nullptr);
@@ -66,6 +72,13 @@ pid_t Start(const Workplace& place, const std::vector<std::string>& arguments, i
   ::dup2(error, STDERR_FILENO);
   ::setenv("LC_ALL", "C", 1);
   ::alarm(600);  // a program that hangs ends with a signal
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (surroundings.closedStreams) ::close(stream);
+  }
+  ::close_range(3, ~0u, 0);
+  Limit(RLIMIT_FSIZE, surroundings.largestFile);
+  Limit(RLIMIT_AS, surroundings.memory);
+  Limit(RLIMIT_NOFILE, surroundings.openFiles);
   if (::chdir(place.Path().c_str()) == 0) ::execv(CLI_PROGRAM, words.data());
   ::_exit(99);
 }
@@ -121,13 +134,13 @@ std::vector<std::string> Workplace::Files() const {
 }
 
 Outcome RunProgram(const Workplace& place, const std::vector<std::string>& arguments, const std::string& input,
-                   const std::string& output) {
+                   const std::string& output, const Surroundings& surroundings) {
   UnnamedFile in, out, err;
   in.Fill(input);
   const auto start = std::chrono::steady_clock::now();
   const int device = output.empty() ? -1 : ::open(output.c_str(), O_WRONLY | O_CLOEXEC);
   const pid_t process =
-      Start(place, arguments, in.Descriptor(), device < 0 ? out.Descriptor() : device, err.Descriptor());
+      Start(place, arguments, in.Descriptor(), device < 0 ? out.Descriptor() : device, err.Descriptor(), surroundings);
   int status = 0;
   rusage usage{};
   ::wait4(process, &status, 0, &usage);

@@ -39,9 +39,17 @@ struct Outcome {
   long peakKilobytes = 0;  // of its memory
 };
 
+/// What a program finds itself in, beside its files.
+struct Surroundings {
+  bool closedStreams = false;
+  long largestFile = -1;  // bytes, as the limits below; -1: no limit
+  long memory = -1;
+  long openFiles = -1;
+};
+
 /// Runs the program to its end. Its standard output goes to the file `output` where one is given.
 Outcome RunProgram(const Workplace& place, const std::vector<std::string>& arguments, const std::string& input = {},
-                   const std::string& output = {});
+                   const std::string& output = {}, const Surroundings& surroundings = {});
 
 /// Runs the program and kills it after so many seconds. False where it had come to its end.
 bool KillProgram(const Workplace& place, const std::vector<std::string>& arguments, double seconds);
