@@ -51,15 +51,23 @@ bool HasNoWriteBit(const struct stat& info) {
   return (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
 }
 
-// What stands at the place must be something that a save may replace or append to. True where something stands there.
-bool CheckTarget(const std::string& nativePath) {
+// What stands at the place must be something that a save may replace or append to. Its description, where something
+// stands there; without a kind of file for a link that leads nowhere.
+std::optional<struct stat> CheckTarget(const std::string& nativePath) {
   struct stat info {};
-  if (::lstat(nativePath.c_str(), &info) != 0) return false;
+  if (::lstat(nativePath.c_str(), &info) != 0) return std::nullopt;
   // A link is replaced itself; what it leads to must be a file that could be written.
-  if (S_ISLNK(info.st_mode) && ::stat(nativePath.c_str(), &info) != 0) return true;
+  if (S_ISLNK(info.st_mode) && ::stat(nativePath.c_str(), &info) != 0) return info;
   if (!S_ISREG(info.st_mode) || HasNoWriteBit(info)) throw SystemError(ErrorNumber::pathAccess);
   if (::access(nativePath.c_str(), W_OK) != 0) ThrowErrno(errno, nativePath);
-  return true;
+  return info;
+}
+
+// Who may do what with a file stays when another one takes its place, as far as this process can give it.
+void TakeOver(const struct stat& old, int descriptor) {
+  const bool isOwn = old.st_uid == ::geteuid() && old.st_gid == ::getegid();
+  const bool taken = isOwn || ::fchown(descriptor, old.st_uid, old.st_gid) == 0;
+  ::fchmod(descriptor, old.st_mode & (taken ? 0777 : 0707));  // not for a group that it was not meant for
 }
 
 // Opens an existing file that is changed where it lies, -1 with errno where there is none. `lock`: waits until no other
@@ -96,16 +104,20 @@ class PosixFileSystem : public FileSystem {
 
   std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) override {
     std::string native = OpenablePath(path);
-    const bool replaces = CheckTarget(native);
+    const auto old = CheckTarget(native);
+    const bool takesOver = old && S_ISREG(old->st_mode);
     std::string temporary = temporaryNames_.PathFor(native);
-    const int descriptor = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+    const int descriptor =
+        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, takesOver ? 0600 : 0666);
     if (descriptor < 0) {
       const int code = errno;
       // The temporary name never exists beforehand: what is missing is the directory.
       if (code == ENOENT) throw SystemError(ErrorNumber::pathNotFound);
       ThrowErrno(code, native);
     }
-    return std::make_unique<PosixResultFile>(descriptor, std::move(temporary), std::move(native), replaces, existing);
+    if (takesOver) TakeOver(*old, descriptor);
+    return std::make_unique<PosixResultFile>(descriptor, std::move(temporary), std::move(native), old.has_value(),
+                                             existing);
   }
 
   std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) override {

@@ -43,12 +43,6 @@ TEST_F(VasFaults, CountsAreCheckedBeforeMemoryIsTaken) {
   EXPECT_LT(PeakMemory() - before, 50 * 1024);
 }
 
-std::string WriteFailed(const std::string& path, int number) {
-  return "Datei speichern unter '" + path + "'... !!! FEHLER !!!\r\n    Die Datei '" + path +
-         "' kann nicht gespeichert werden, da während des Schreibens folgender Fehler aufgetreten ist:\r\n" +
-         ErrorTextOf(number) + "\r\n";
-}
-
 class VasSaveFaults : public FieldTest {
  protected:
   VasSaveFaults() { field_ = FieldOfImage(); }
@@ -64,33 +58,6 @@ TEST_F(VasSaveFaults, OnlyTheExtensionVasIsWritten) {
     EXPECT_EQ(Save(path), "Datei speichern unter '" + path + "'... fertig\r\n");
     EXPECT_EQ(files_.files.count(path), 1u) << "missing directories are created";
   }
-}
-
-TEST_F(VasSaveFaults, CancelOnAFullDiskKeepsTheOldFileAndEndsTheRun) {
-  const std::string bytes = VasImage().Build();
-  for (std::size_t room = 0; room < bytes.size(); room += 13) {
-    files_.files["a.vas"] = "old";
-    files_.faults.diskSize = room;
-    program_.ui.answers = {MessageAnswer::retry, MessageAnswer::cancel};
-    EXPECT_EQ(Save("a.vas"), WriteFailed("a.vas", 61));
-    EXPECT_EQ(files_.files["a.vas"], "old");
-    EXPECT_TRUE(context_.runHadError);
-    EXPECT_TRUE(context_.userAbortRequested);
-  }
-}
-
-TEST_F(VasSaveFaults, OtherWriteErrorsAreNotAskedAbout) {
-  files_.files["a.vas"] = "old";
-  files_.faults.diskSize = 100;
-  files_.faults.write = ErrorNumber::deviceError;
-  EXPECT_EQ(Save("a.vas"), WriteFailed("a.vas", 57));
-  files_.faults = {};
-  files_.faults.commit = ErrorNumber::pathAccess;
-  EXPECT_EQ(Save("a.vas"), WriteFailed("a.vas", 75));
-  EXPECT_TRUE(context_.runHadError);
-  EXPECT_FALSE(context_.userAbortRequested);
-  EXPECT_TRUE(program_.ui.messages.empty());
-  EXPECT_EQ(files_.files["a.vas"], "old");
 }
 
 TEST_F(VasSaveFaults, ATextThatTheFileCannotHoldIsNamed) {

@@ -143,32 +143,22 @@ TEST_F(MacroFile, RefusesDamagedCountsAndLengths) {
 
 struct SaveFailure {
   const char* name;
-  void (*prepare)(MemoryFileSystem::Faults&);
   MacroEventList macro;
   std::string message;
 };
 
-TEST_F(MacroFile, LeavesTheOldFileWhereASaveFails) {
-  using Faults = MemoryFileSystem::Faults;
-  const auto none = [](Faults&) {};
-  const MacroEventList good = {Event(10002, {{"Comment", std::string(100, 'x')}})};
-  const std::string open = "Fehler beim Öffnen der Datei", write = "Fehler beim Schreiben in die Datei";
+TEST_F(MacroFile, LeavesTheOldFileWhereAMacroCannotBeSaved) {
+  const std::string write = "Fehler beim Schreiben in die Datei";
   const SaveFailure failures[] = {
-      {"open", [](Faults& f) { f.open = ErrorNumber::accessDenied; }, good, open},
-      {"disk full", [](Faults& f) { f.diskSize = 50; }, good, write},
-      {"commit", [](Faults& f) { f.commit = ErrorNumber::accessDenied; }, good, write},
-      {"missing parameter", none, {Event(40103), Event(10002)}, write},
-      {"number that does not fit", none, {Event(40201, {{"XComp", 3e9}, {"YComp", 0}})}, write},
+      {"missing parameter", {Event(40103), Event(10002)}, write},
+      {"number that does not fit", {Event(40201, {{"XComp", 3e9}, {"YComp", 0}})}, write},
       {"text that Windows-1252 lacks",
-       none,
        {Event(40103), Event(20002, {{"FileName", std::string("Ω.vas")}})},
        "Fehler beim Schreiben in die Datei\r\nDer Text 'Ω.vas' enthält Zeichen, die in einer Makrodatei nicht "
        "gespeichert werden können."}};
   for (const SaveFailure& failure : failures) {
     SCOPED_TRACE(failure.name);
     program.files.files = {{"/m.mak", "old"}};
-    program.files.faults = {};
-    failure.prepare(program.files.faults);
     program.session.macro = failure.macro;
     EXPECT_FALSE(SaveMacroFile(program.session, "/m.mak"));
     ExpectMessage(failure.message);

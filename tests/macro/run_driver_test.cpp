@@ -126,21 +126,6 @@ TEST_F(RunDriver, DoesNothingForMenusAndUnknownIds) {
   EXPECT_TRUE(RunLogOf({Event(50101)}).ends_with("\r\nDauer: 3.25 s\r\n")) << "from its beginning to its end";
 }
 
-TEST_F(RunDriver, EndsWhereAFullDiskIsAnsweredWithCancel) {
-  AddTwoFiles();
-  program.files.faults.diskSize = 100;
-  ui.answers = {MessageAnswer::retry, MessageAnswer::cancel};
-  EXPECT_EQ(RunLogOf({SaveEvent("neu\\", ""), Comment("c")}),
-            kTitleA + kLoadA +
-                "Datei speichern unter '/serie/neu\\a.vas'... !!! FEHLER !!!\r\n"
-                "    Die Datei '/serie/neu\\a.vas' kann nicht gespeichert werden, da während des Schreibens "
-                "folgender "
-                "Fehler aufgetreten ist:\r\n    Datenträger voll   (Fehler-Nr. 61)\r\n" +
-                kAbortedAfterError);
-  EXPECT_EQ(files.size(), 2u) << "no part of a result is left";
-  EXPECT_EQ(ui.progress.back().filesDone, 0);
-}
-
 std::string Shown(const RunProgress& p) {
   return std::to_string(p.currentFile) + "/" + std::to_string(p.fileCount) + " " + p.fileName + ", done " +
          std::to_string(p.filesDone) + (p.errorOccurred ? ", error: " : ": ") + std::string(p.event);

@@ -107,39 +107,6 @@ TEST_F(VortexCentres, AreAppendedToATextWithOneHeader) {
   EXPECT_EQ(files.files.size(), 1u);
 }
 
-TEST_F(VortexCentres, AFailureLeavesTheTextAsItWas) {
-  const std::string opening =
-      "    Gefundene Maxima können nicht gespeichert werden, da beim Öffnen folgender Fehler aufgetreten ist:\r\n";
-  const std::string writing =
-      "    In die Datei 'maxima.txt' kann nicht gespeichert werden, da während des Schreibens folgender Fehler "
-      "aufgetreten ist:\r\n";
-  for (const bool exists : {true, false}) {
-    const auto check = [&](const std::string& expectedLog) {
-      files.files.clear();
-      if (exists) files.files["maxima.txt"] = "old";
-      EXPECT_EQ(Find("maxima.txt", false), expectedLog);
-      EXPECT_TRUE(context.runHadError);
-      EXPECT_EQ(files.files.size(), exists ? 1u : 0u);
-      EXPECT_TRUE(!exists || files.files["maxima.txt"] == "old");
-    };
-    const std::string failed = "!!! FEHLER !!!\r\n", accessDenied = "    Zugriff verweigert   (Fehler-Nr. 70)\r\n";
-    files.faults.open = ErrorNumber::accessDenied;
-    check(kSearching + failed + opening + accessDenied + kCopying);
-    EXPECT_FALSE(context.userAbortRequested);
-    files.faults = {};
-    files.faults.diskSize = 0;
-    files.faults.write = ErrorNumber::accessDenied;
-    check(kSearching + failed + writing + accessDenied + kCopying);
-    EXPECT_FALSE(context.userAbortRequested);
-    for (const ErrorNumber number : {ErrorNumber::diskFull, ErrorNumber::tooManyFiles}) {
-      files.faults.diskSize = 50;
-      files.faults.write = number;
-      check(kSearching);
-      EXPECT_TRUE(context.userAbortRequested);
-    }
-  }
-}
-
 TEST_F(VortexCentres, EachCopyMovesWithItsCentre) {
   Find("", true);
   EXPECT_EQ(files.files.size(), 4u);

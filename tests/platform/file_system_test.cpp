@@ -83,6 +83,19 @@ TEST_F(SystemFiles, AnOldFileStaysUntilTheCommitReplacesIt) {
   EXPECT_EQ(Names(), NameList{"old.vas"});
 }
 
+// A private file became one for everybody when it was saved again.
+TEST_F(SystemFiles, AReplacedFileKeepsItsPermissions) {
+  for (const unsigned mode : {0600u, 0640u, 0666u}) {
+    Put("x.vas", "old");
+    fs::permissions(At("x.vas"), fs::perms{mode});
+    const auto file = files_->CreateResultFile(At("x.vas"), ExistingFile::replace);
+    WriteAll(*file, "new");
+    file->Commit();
+    EXPECT_EQ(Get("x.vas"), "new");
+    EXPECT_EQ(fs::status(At("x.vas")).permissions(), fs::perms{mode});
+  }
+}
+
 TEST_F(SystemFiles, AResultIsNotWrittenOverWhatItMayNotReplace) {
   Put("locked.vas", "kept");
   fs::permissions(At("locked.vas"), fs::perms::owner_read);

@@ -29,20 +29,6 @@ class ResultFiles : public testing::Test {
   ScriptedUi ui_;
 };
 
-TEST_F(ResultFiles, RetryGoesOnWhereTheDiskWasFull) {
-  ui_.defaultAnswer = MessageAnswer::retry;
-  ui_.onAsk = [&](const Message&) { files_.faults.diskSize = ui_.messages.size() > 1 ? 1 : 0; };
-  for (std::size_t room = 0; room < kContent.size(); ++room) {
-    files_.faults.diskSize = room;
-    ui_.messages.clear();
-    EXPECT_EQ(Save(&ui_), 0);
-    EXPECT_EQ(files_.files["out.vas"], kContent) << room;
-    files_.faults.diskSize = room;
-    EXPECT_EQ(Save(&ui_, Opening::append), 0);
-    EXPECT_EQ(files_.files["out.vas"], std::string(kContent) + std::string(kContent)) << room;
-  }
-}
-
 TEST_F(ResultFiles, TheQuestionNamesTheFault) {
   const std::pair<ErrorNumber, std::string_view> cases[] = {
       {ErrorNumber::diskFull, "Fehler: Der Datenträger ist voll!\r\nVersuchen Sie mehr Speicherplatz frei zu machen!"},

@@ -55,7 +55,7 @@ class CommandFaults : public testing::Test {
  protected:
   struct Result {
     int code;
-    std::string error;  // what was printed
+    std::string output, error;
     Tree tree;
   };
 
@@ -80,7 +80,7 @@ class CommandFaults : public testing::Test {
       calls.before = before;
       result.code = command.run(directory_);
     }
-    testing::internal::GetCapturedStdout();
+    result.output = testing::internal::GetCapturedStdout();
     result.error = testing::internal::GetCapturedStderr();
     result.tree = ReadTree(directory_);
     return result;
@@ -135,15 +135,21 @@ TEST_F(CommandFaults, LeaveTheOldFileOrTheNewOneAndSayWhy) {
       for (int from = 0; from < calls; ++from) {
         SCOPED_TRACE(command.name + ": error " + std::to_string(code) + " from call " + std::to_string(from));
         int index = 0;
-        bool hit = false;
+        bool hit = false, opening = false;
         const Result result = Run(command, [&, fault = code](const SystemCall& call) {
           const bool fails = index++ >= from && CanFail(call);
+          if (fails && !hit) opening = call.kind == Kind::open;
           hit = hit || fails;
           return fails ? fault : 0;
         });
         EXPECT_EQ(result.code != 0, hit);
         ExpectNothingLost(command, result, clean);
         EXPECT_EQ(result.error != clean.error, hit) << "it says why";
+        const std::string reason = command.target == "ziel/macro.mak" ? (opening ? "Fehler beim Öffnen der Datei"
+                                                                                 : "Fehler beim Schreiben in die Datei")
+                                                                      : std::string(ErrorDescription(number));
+        const bool told = (result.error + result.output).find(reason) != std::string::npos;
+        EXPECT_TRUE(!hit || told || result.error.find("Schwerer Fehler") != std::string::npos) << result.error;
         failures += hit ? 1 : 0;
         if (HasFailure()) return;
       }

@@ -130,55 +130,11 @@ TEST_F(Collecting, GoesOnBehindTheCountedRecords) {
   EXPECT_EQ(Content().substr(kHeader + kRecord + 100, 2 * kRecord - 100), std::string(2 * kRecord - 100, '\0'));
 }
 
-// Wherever it stops, what was there before is there, its count with it: the new count comes behind all else.
-TEST_F(Collecting, LosesNothingOnAFullDisk) {
-  CollectNumbered(2);
-  const std::string two = Content();
-  ASSERT_EQ(Collect(NumberedField(3)), Collected(3));
-  const std::string three = Content();
-  // The last one: the record has room and the count fails. Its four bytes lie in one block, they are never torn.
-  for (std::uint64_t room = 0; room <= kRecord; ++room) {
-    Content() = two;
-    program.files.faults.diskSize = room;
-    EXPECT_EQ(Collect(NumberedField(3)), kWriteFailed + "Datenträger voll   (Fehler-Nr. 61)\r\n");
-    EXPECT_TRUE(context.runHadError && context.userAbortRequested) << "the answer is Cancel";
-    EXPECT_EQ(Content().substr(0, two.size()), two) << room;
-    program.files.faults = {};
-    EXPECT_EQ(Collect(NumberedField(3)), Collected(3));
-    EXPECT_EQ(Content(), three) << room;
-
-    Content() = two;
-    program.files.faults.diskSize = room;
-    program.ui.answers = {MessageAnswer::retry};
-    program.ui.onAsk = [&](const Message&) { program.files.faults = {}; };
-    EXPECT_EQ(Collect(NumberedField(3)), Collected(3));
-    EXPECT_EQ(Content(), three) << "Retry goes on where it stopped: " << room;
-    program.ui.onAsk = nullptr;
-  }
-  Content() = two;
-  program.files.faults.read = ErrorNumber::tooManyFiles;
-  program.ui.answers = {MessageAnswer::retry};
-  program.ui.onAsk = [&](const Message&) { program.files.faults = {}; };
-  EXPECT_EQ(Collect(NumberedField(3)), Collected(3)) << "reading is repeated as well";
-  EXPECT_EQ(Content(), three);
-  program.files.faults.commit = ErrorNumber::deviceError;
-  EXPECT_EQ(Collect(NumberedField(4)), kWriteFailed + "Geräte-E/A-Fehler   (Fehler-Nr. 57)\r\n");
-}
-
-TEST_F(Collecting, BeginsACollectionAsAWholeOrNotAtAll) {
-  for (std::uint64_t room = 0; room < kHeader + kRecord; room += 23) {
-    program.files.faults.diskSize = room;
-    EXPECT_EQ(Collect(NumberedField(1)), kWriteFailed + "Datenträger voll   (Fehler-Nr. 61)\r\n");
-    EXPECT_TRUE(context.userAbortRequested);
-    EXPECT_TRUE(program.files.files.empty()) << "half a header would refuse every later field";
-    program.files.faults = {};
-  }
-  program.files.onChange = [&] { EXPECT_EQ(Content().size(), kHeader + kRecord); };
+TEST_F(Collecting, DoesNotReplaceWhatAnotherProcessHasBegun) {
   EXPECT_EQ(Collect(NumberedField(1)), Collected(1));
-  // Another process begins the same collection between the look and the commit.
+  // It begins the same collection between the look and the commit.
   const std::string first = Content();
   program.files.files.erase("C.col");
-  program.files.onChange = nullptr;
   program.files.faults.diskSize = 10;
   program.ui.answers = {MessageAnswer::cancel, MessageAnswer::retry};
   program.ui.onAsk = [&](const Message&) {

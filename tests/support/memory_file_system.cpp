@@ -58,10 +58,7 @@ class MemoryUpdatedFile : public MemoryReadableFile<UpdatedFile> {
 
   std::uint64_t FreeDiskBytes() override { return system_.FreeDiskBytes(path_); }
 
-  std::size_t Read(void* target, std::size_t size) override {
-    if (system_.faults.read) throw SystemError(*system_.faults.read);
-    return MemoryReadableFile::Read(target, size);
-  }
+  std::size_t Read(void* target, std::size_t size) override { return MemoryReadableFile::Read(target, size); }
 
   std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) override {
     const auto first =
@@ -74,15 +71,10 @@ class MemoryUpdatedFile : public MemoryReadableFile<UpdatedFile> {
     return count;
   }
 
-  void Close() override {
-    if (system_.faults.commit) throw SystemError(*system_.faults.commit);
-  }
+  void Close() override {}
 
  private:
-  void Changed() {
-    system_.files[path_] = content_;
-    if (system_.onChange) system_.onChange();
-  }
+  void Changed() { system_.files[path_] = content_; }
 
   MemoryFileSystem& system_;
   std::string path_;
@@ -104,13 +96,8 @@ class MemoryOutputFile : public OutputFile {
   }
 
   void Commit() override {
-    if (system_.faults.commit && system_.faults.commitFailures > 0) {
-      --system_.faults.commitFailures;
-      throw SystemError(*system_.faults.commit);
-    }
     if (existing_ == ExistingFile::keep && system_.files.contains(path_)) throw SystemError(ErrorNumber::pathAccess);
     system_.files[path_] = content_;
-    if (system_.onChange) system_.onChange();
   }
 
  private:
@@ -169,7 +156,6 @@ std::string MemoryFileSystem::WritablePath(const std::string& path) {
 void MemoryFileSystem::SetFileSize(const std::string& path, std::uint64_t newLength) {
   if (faults.setFileSize) throw SystemError::Saying(ErrorNumber::deviceError, "not set");
   files.at(Normal(path)).resize(static_cast<std::size_t>(newLength), '\0');
-  if (onChange) onChange();
 }
 
 void MemoryFileSystem::RemoveFileQuietly(const std::string& path) {

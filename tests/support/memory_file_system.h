@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <map>
 #include <optional>
@@ -29,10 +28,7 @@ class MemoryFileSystem : public FileSystem {
     std::optional<ErrorNumber> open = {};                                // of every file to be written
     std::uint64_t diskSize = std::numeric_limits<std::uint64_t>::max();  // bytes until a write fails ...
     ErrorNumber write = ErrorNumber::diskFull;                           // ... with this
-    std::optional<ErrorNumber> commit = {};
-    int commitFailures = std::numeric_limits<int>::max();  // so many times
     bool setFileSize = false;
-    std::optional<ErrorNumber> read = {};  // of a file that is changed in place
   };
   Faults faults;
 
@@ -40,8 +36,6 @@ class MemoryFileSystem : public FileSystem {
   std::map<std::string, std::uint64_t> readFailsAt;  // byte at which reading fails with error 57
 
   int openWrittenFiles = 0;
-
-  std::function<void()> onChange;  // after every change of a file: where a crash could leave it
 
   std::unique_ptr<InputFile> OpenForReading(const std::string& path) override;
   std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) override;
