@@ -378,9 +378,11 @@ void frmMain::dropEvent(QDropEvent* event) {
     if (url.isLocalFile()) paths.push_back(PathFromQt(url.toLocalFile()));
   }
   CopyOnly(*event);
-  // Not inside the drop: its source waits for the end.
-  QMetaObject::invokeMethod(
-      this, [this, paths] { OpenPaths(paths); }, Qt::QueuedConnection);
+  // Not inside the drop: its source waits for the end. A run or a dialog may have begun by then.
+  const auto open = [this, paths] {
+    if (isVisible() && !IsBehindDialog(*this)) OpenPaths(paths);
+  };
+  QMetaObject::invokeMethod(this, open, Qt::QueuedConnection);
 }
 
 void frmMain::OpenPaths(const std::vector<std::string>& paths) {

@@ -1,14 +1,41 @@
 #include "dialogs/application.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QShortcutEvent>
 #include <QTranslator>
 
 #include "dialogs/icons.h"
+#include "dialogs/run_modal.h"
 
 namespace quiverion {
+namespace {
+
+// Keeps shortcuts from acting behind a dialog. Qt lets them pass as long as the dialog is not yet the active window, and
+// presses the button of a mnemonic 100 ms later, when a dialog may have opened: a key that follows another one closely
+// would change what the dialog is about.
+class ShortcutRules : public QObject {
+ public:
+  using QObject::QObject;
+
+  bool eventFilter(QObject* owner, QEvent* event) override {
+    if (event->type() != QEvent::Shortcut) return false;
+    const QObject* inWindow = owner;  // a menu item or a shortcut is a child of its window
+    while (inWindow != nullptr && !inWindow->isWidgetType()) inWindow = inWindow->parent();
+    if (inWindow != nullptr && IsBehindDialog(*static_cast<const QWidget*>(inWindow))) return true;
+    auto* const button = qobject_cast<QAbstractButton*>(owner);
+    if (button == nullptr || static_cast<QShortcutEvent*>(event)->isAmbiguous()) return false;
+    const bool takesFocus = button->isCheckable() && (button->focusPolicy() & Qt::ClickFocus) != 0;
+    if (takesFocus) button->setFocus(Qt::ShortcutFocusReason);
+    button->click();
+    return true;
+  }
+};
+
+}  // namespace
 
 void PrepareApplication(QApplication& application) {
   QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
@@ -16,6 +43,7 @@ void PrepareApplication(QApplication& application) {
   if (german->load(QStringLiteral("qtbase_de"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
     QCoreApplication::installTranslator(german);
   }
+  application.installEventFilter(new ShortcutRules(&application));
   UseIcons();
   QApplication::setWindowIcon(QIcon(":/icons/program.svg"));
   QGuiApplication::setDesktopFileName(QStringLiteral("org.quiverion.QuiverionSeries"));

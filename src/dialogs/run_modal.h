@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QApplication>
 #include <QDialog>
 
 namespace quiverion {
@@ -9,6 +10,17 @@ namespace quiverion {
 inline int RunModal(QDialog& dialog) {
   dialog.setWindowModality(Qt::WindowModal);
   return dialog.exec();
+}
+
+/// True while a modal window stands over the window of `widget`, perhaps with others between them.
+inline bool IsBehindDialog(const QWidget& widget) {
+  for (const QWidget* const modal : QApplication::topLevelWidgets()) {
+    if (!modal->isModal() || !modal->isVisible()) continue;
+    for (const QWidget* below = modal->parentWidget(); below != nullptr; below = below->parentWidget()) {
+      if (below->window() == widget.window()) return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace quiverion

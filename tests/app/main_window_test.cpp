@@ -1,5 +1,6 @@
 // The main window: lists, menus, keys, and what goes wrong with them.
 #include <QMimeData>
+#include <QShortcutEvent>
 #include <QSplitter>
 #include <filesystem>
 
@@ -139,6 +140,61 @@ TEST_F(MainWindow, TheMacroListObeysKeysAndTheRightButton) {
   QTest::mouseClick(MacroList().viewport(), Qt::RightButton, {}, {20, 5});
   EXPECT_EQ(SelectedLine(), -1);
   EXPECT_EQ(window->focusWidget(), &Get<QPushButton>("cmdOk"));
+}
+
+// Qt presses the button of a mnemonic only 100 ms later, whatever has opened meanwhile: the command that was being edited
+// was deleted behind its window, and stored where none was any more.
+TEST_F(MainWindow, TwoMnemonicsInARowActOneAfterTheOther) {
+  Open();
+  SetMacro({10001});
+  MacroList().setCurrentRow(0);
+  script.Expect<QDialog>("quiverion::frmPrefixPostfix", [this](QDialog& dialog) {
+    QTest::qWait(150);
+    ASSERT_EQ(TheSession().macro.size(), 1u);
+    Press(dialog, "cmdOk");
+  });
+  QTest::keyClick(window.get(), Qt::Key_P, Qt::AltModifier);
+  QTest::keyClick(window.get(), Qt::Key_L, Qt::AltModifier);
+  QTest::qWait(150);
+  EXPECT_EQ(TheSession().macro.size(), 1u) << "behind the window no line is selected";
+}
+
+// A key can come before the window that the key before has opened is the active one: Qt keeps keys from the window behind
+// a dialog, but not its shortcuts.
+TEST_F(MainWindow, ShortcutsOfAWindowBehindADialogDoNothing) {
+  Open();
+  SetMacro({10001});
+  MacroList().setCurrentRow(0);
+  script.Expect<QDialog>("quiverion::frmPrefixPostfix", [this](QDialog& dialog) {
+    QShortcutEvent late({}, 0);
+    QApplication::sendEvent(window->findChild<QAction*>("mnuOpenMacroList"), &late);
+    EXPECT_EQ(QApplication::activeModalWidget(), &dialog);
+    Press(dialog, "cmdOk");
+  });
+  Click("cmdEditMacroEvent");
+}
+
+// What is dropped is opened behind the drop, and a click may come between: a macro was replaced while one of its commands
+// was being edited.
+TEST_F(MainWindow, ADropJustBeforeADialogIsNotOpenedBehindIt) {
+  Open();
+  SetMacro({40001});
+  script.ExpectFile(place.Path() + "m");
+  Trigger("mnuSaveMacroList");
+  SetMacro({40001, 10001});
+  MacroList().setCurrentRow(1);
+  script.Expect<QDialog>("quiverion::frmPrefixPostfix", [this](QDialog& dialog) {
+    ASSERT_EQ(TheSession().macro.size(), 2u);
+    Press(dialog, "cmdOk");
+  });
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile(ToQt(place.Path() + "m.mak"))});
+  QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+  QApplication::sendEvent(window.get(), &enter);
+  QDropEvent event({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+  QApplication::sendEvent(window.get(), &event);
+  Click("cmdEditMacroEvent");
+  EXPECT_EQ(TheSession().macro.size(), 2u);
 }
 
 TEST_F(MainWindow, StartAsksForFilesBeforeCommands) {
