@@ -16,11 +16,11 @@ check_sources() {
 check_program() {
   local file=$1 broken=0
   lacks() { echo "$file: $1"; broken=1; }
-  readelf -hW "$file" | grep -q 'Type:.*DYN' || lacks "no position-independent executable"
-  readelf -lW "$file" | grep -q GNU_RELRO || lacks "no RELRO"
-  readelf -dW "$file" | grep -qE 'BIND_NOW|Flags:.*NOW' || lacks "symbols are not bound at the start: RELRO is partial"
-  readelf -lW "$file" | grep -E 'GNU_STACK.*RWE' && lacks "an executable stack"
-  readelf --dyn-syms -W "$file" | grep -q __stack_chk_fail || lacks "no stack protector"
+  readelf -hW "$file" | grep "Type:.*DYN" >/dev/null || lacks "no position-independent executable"
+  readelf -lW "$file" | grep GNU_RELRO >/dev/null || lacks "no RELRO"
+  readelf -dW "$file" | grep -E 'BIND_NOW|Flags:.*NOW' >/dev/null || lacks "symbols are not bound at the start: RELRO is partial"
+  readelf -lW "$file" | grep -E 'GNU_STACK.*RWE' >/dev/null && lacks "an executable stack"
+  readelf --dyn-syms -W "$file" | grep __stack_chk_fail >/dev/null || lacks "no stack protector"
   return $broken
 }
 

@@ -70,6 +70,7 @@ TEST_F(Confined, AFileBeyondTheAllowedSizeIsAFullDisk) {
 }
 
 TEST_F(Confined, WithoutAFreeDescriptorNothingIsBegun) {
+  if (kSanitized) GTEST_SKIP() << "sanitizers need descriptors of their own";
   EXPECT_EQ(Run({.openFiles = 5}, {"a.vas"}).code, 0) << "one result beside the log";
   place_.Write("c.col", "");
   const Outcome outcome = Run({.openFiles = 4}, {"a.vas"});
@@ -79,7 +80,7 @@ TEST_F(Confined, WithoutAFreeDescriptorNothingIsBegun) {
 }
 
 TEST_F(Confined, AFieldThatDoesNotFitIntoMemoryCostsOnlyItself) {
-  if (kSanitized) GTEST_SKIP() << "sanitizers take more memory than there is";
+  if (kSanitized) GTEST_SKIP() << "sanitizers need memory of their own";
   place_.Write("big.vas", samples::VasBytes(samples::MakeSampleField({.columns = 1500, .rows = 1500})));
   const Outcome outcome = Run({.memory = 40 << 20}, {"big.vas", "b.vas"});
   EXPECT_EQ(outcome.code, 1) << outcome.err;
