@@ -21,6 +21,7 @@ check_program() {
   readelf -dW "$file" | grep -E 'BIND_NOW|Flags:.*NOW' >/dev/null || lacks "symbols are not bound at the start: RELRO is partial"
   readelf -lW "$file" | grep -E 'GNU_STACK.*RWE' >/dev/null && lacks "an executable stack"
   readelf --dyn-syms -W "$file" | grep __stack_chk_fail >/dev/null || lacks "no stack protector"
+  readelf --dyn-syms -W "$file" | grep -E '__(mem|str|read|fd|vs?n?printf|pread)[a-z]*_chk' >/dev/null || lacks "no fortified calls"
   return $broken
 }
 
