@@ -1,5 +1,5 @@
-#include <algorithm>
 #include <optional>
+#include <unordered_set>
 
 #include "cli/commands.h"
 #include "cli/services.h"
@@ -62,8 +62,8 @@ class LogFile {
   std::optional<SystemError> error_;
 };
 
-// Adds what one INPUT stands for. False where it lies in another directory than the ones before.
-bool AddInput(Session& session, const std::string& input) {
+// Adds what one INPUT stands for; `known` are the names of those before. False where it lies in another directory.
+bool AddInput(Session& session, std::unordered_set<std::string>& known, const std::string& input) {
   const std::string path = AbsolutePath(input);
   const bool isDirectory = session.context.files.IsDirectory(path);
   const std::string directory = isDirectory ? WithSeparator(path) : DirectoryPrefixOf(path);
@@ -76,13 +76,8 @@ bool AddInput(Session& session, const std::string& input) {
     names.emplace_back(FileNameOf(path));
   }
   for (std::string& name : names) {
-    auto& selected = session.selectedFiles;
     // A file named twice is one file of the series.
-    if (isDirectory && selected.empty()) {
-      selected = std::move(names);
-      break;
-    }
-    if (std::find(selected.begin(), selected.end(), name) == selected.end()) selected.push_back(std::move(name));
+    if (known.insert(name).second) session.selectedFiles.push_back(std::move(name));
   }
   return true;
 }
@@ -93,9 +88,10 @@ int RunSeries(const RunOptions& options) {
   Services services(options.onProblem);
   Session& session = services.session;
   session.context.decimalSeparator = options.decimalSeparator;
+  std::unordered_set<std::string> known;
   for (const std::string& input : options.inputs) {
     try {
-      if (!AddInput(session, input)) {
+      if (!AddInput(session, known, input)) {
         services.terminal.PrintError("Alle Eingabedateien müssen in einem Verzeichnis liegen: '" + input + "'\n");
         return kUsage;
       }

@@ -51,7 +51,7 @@ struct Surroundings {
 Outcome RunProgram(const Workplace& place, const std::vector<std::string>& arguments, const std::string& input = {},
                    const std::string& output = {}, const Surroundings& surroundings = {});
 
-/// Runs the program and kills it after so many seconds. False where it had come to its end.
+/// Runs the program and kills it after so many seconds. False where it has come to its end by then.
 bool KillProgram(const Workplace& place, const std::vector<std::string>& arguments, double seconds);
 
 /// Compares with the text in tests/approved/<name>, where the path of `place` is written <hier>/. With
