@@ -71,18 +71,6 @@ class SystemFiles : public testing::Test {
 
 using NameList = std::vector<std::string>;
 
-TEST_F(SystemFiles, AnOldFileStaysUntilTheCommitReplacesIt) {
-  Put("old.vas", "a longer measurement");
-  { WriteAll(*files_->CreateResultFile(At("old.vas"), ExistingFile::replace), "part"); }
-  EXPECT_EQ(Get("old.vas"), "a longer measurement");
-  const auto file = files_->CreateResultFile(At("old.vas"), ExistingFile::replace);
-  WriteAll(*file, "new");
-  EXPECT_EQ(Get("old.vas"), "a longer measurement");
-  file->Commit();
-  EXPECT_EQ(Get("old.vas"), "new");
-  EXPECT_EQ(Names(), NameList{"old.vas"});
-}
-
 // A private file became one for everybody when it was saved again.
 TEST_F(SystemFiles, AReplacedFileKeepsItsPermissions) {
   for (const unsigned mode : {0600u, 0640u, 0666u}) {

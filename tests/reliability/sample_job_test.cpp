@@ -71,12 +71,8 @@ TEST_F(SampleJob, GivesTheSameBytesEverywhere) {
   place_.Write("sample.json", SampleMacro());
   ASSERT_EQ(ImportMacro("sample.json", "sample.mak"), 0);
   const auto files = MakeSystemFileSystem();
-  ScriptedUi ui;
-  RunLog log;
-  LogRecorder recorder;
-  log.Attach(recorder);
-  const ScriptedClock clock;
-  Session session(*files, ui, log, clock);
+  ScriptedProgram program(*files);
+  Session& session = program.session;
   ASSERT_TRUE(LoadMacroFile(session, "sample.mak"));
   session.inputDirectory = "series/";
   session.selectedFiles = ListSeriesFiles(*files, "series");
@@ -90,8 +86,8 @@ TEST_F(SampleJob, GivesTheSameBytesEverywhere) {
   for (const auto& [kind, output] : kinds) {
     EXPECT_TRUE(ComputeStatistic(session.context, kind, "Serie.col", output, 15E-6));
   }
-  EXPECT_TRUE(ui.messages.empty());
-  std::string sums = SumLine("(log)", recorder.Text());
+  EXPECT_TRUE(program.ui.messages.empty());
+  std::string sums = SumLine("(log)", program.TakeLog());
   for (const std::string& name : place_.Files()) {
     if (name != "sample.json") sums += SumLine(name, place_.Read(name));
   }

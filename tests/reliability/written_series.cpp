@@ -129,12 +129,9 @@ void WrittenSeries::Restore() const {
 WrittenSeries::Result WrittenSeries::Run(const std::vector<std::string>& names, std::vector<MessageAnswer> answers,
                                          const std::function<int(const Step&, const SystemCall&)>& before) const {
   const auto files = MakeSystemFileSystem();
-  ScriptedUi ui;
-  RunLog log;
-  LogRecorder recorder;
-  log.Attach(recorder);
-  const ScriptedClock clock;
-  Session session(*files, ui, log, clock);
+  ScriptedProgram program(*files);
+  ScriptedUi& ui = program.ui;
+  Session& session = program.session;
   ui.answers.assign(answers.begin(), answers.end());
   session.inputDirectory = directory_;
   session.selectedFiles = names;
@@ -151,7 +148,7 @@ WrittenSeries::Result WrittenSeries::Run(const std::vector<std::string>& names, 
     EXPECT_EQ(calls.strayed, "");
   }
   const Context& context = session.context;
-  return {recorder.Text(), ReadTree(directory_), static_cast<int>(ui.messages.size()), context.runHadError,
+  return {program.TakeLog(), ReadTree(directory_), static_cast<int>(ui.messages.size()), context.runHadError,
           context.userAbortRequested};
 }
 

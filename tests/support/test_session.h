@@ -72,16 +72,15 @@ class ScriptedClock : public Clock {
   std::string DateAndTime() const override { return "01.02.2003 04:05:06"; }
 };
 
-/// A program in memory: a session with all services faked.
-struct TestSession {
-  TestSession() { log.Attach(recorder); }
+/// A session on the given files, all other services faked.
+struct ScriptedProgram {
+  explicit ScriptedProgram(FileSystem& fileSystem) : session(fileSystem, ui, log, clock) { log.Attach(recorder); }
 
-  MemoryFileSystem files;
   ScriptedUi ui;
   RunLog log;
   LogRecorder recorder;
   ScriptedClock clock;
-  Session session{files, ui, log, clock};
+  Session session;
   Context& context = session.context;
 
   /// Takes what has been logged since the last call.
@@ -90,6 +89,15 @@ struct TestSession {
     recorder.pieces.clear();
     return text;
   }
+};
+
+struct FilesInMemory {
+  MemoryFileSystem files;
+};
+
+/// A program in memory.
+struct TestSession : FilesInMemory, ScriptedProgram {
+  TestSession() : ScriptedProgram(files) {}
 };
 
 }  // namespace quiverion::test
