@@ -53,7 +53,8 @@ int RemoveFromCollection(const std::string& path, const std::vector<std::int32_t
                                  std::to_string(contents->header.fieldCount) + ".\n");
     return kFailed;
   }
-  const RemovalOutcome outcome = RemoveRecords(context, path, numbers);
+  Terminal::CatchSignals();  // a removal that has begun is finished
+  const RemovalOutcome outcome = RemoveRecords(context, path, numbers, contents->sourcePaths);
   const bool done = outcome == RemovalOutcome::removed || outcome == RemovalOutcome::collectionDeleted;
   return done ? services.Done() : services.FailedOn(path);
 }

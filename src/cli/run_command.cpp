@@ -68,7 +68,7 @@ bool AddInput(Session& session, std::unordered_set<std::string>& known, const st
   const bool isDirectory = session.context.files.IsDirectory(path);
   const std::string directory = isDirectory ? WithSeparator(path) : DirectoryPrefixOf(path);
   if (session.inputDirectory.empty()) session.inputDirectory = directory;
-  if (!IsSameDirectory(session.inputDirectory, directory)) return false;
+  if (!IsSameFile(session.inputDirectory, directory)) return false;
   std::vector<std::string> names;
   if (isDirectory) {
     names = ListSeriesFiles(session.context.files, directory);
@@ -80,6 +80,21 @@ bool AddInput(Session& session, std::unordered_set<std::string>& known, const st
     if (known.insert(name).second) session.selectedFiles.push_back(std::move(name));
   }
   return true;
+}
+
+// What the run reads or writes under the name of its log: it would be lost when the log takes its place.
+std::optional<std::string> FileUnderLog(const RunOptions& options, const Session& session) {
+  std::vector<std::string> paths = {options.macro};
+  for (const std::string& name : session.selectedFiles) {
+    if (FileNameOf(options.log) == name) paths.push_back(session.inputDirectory + name);
+  }
+  for (const MacroEvent& event : session.macro) {
+    if (event.Find("FileName") != nullptr) paths.push_back(event.Text("FileName"));
+  }
+  for (std::string& path : paths) {
+    if (!path.empty() && IsSameFile(AbsolutePath(path), AbsolutePath(options.log))) return std::move(path);
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -103,6 +118,11 @@ int RunSeries(const RunOptions& options) {
   if (!LoadMacroFile(session, options.macro)) {
     services.terminal.PrintError("Makrodatei: '" + options.macro + "'\n");
     return kFailed;
+  }
+
+  if (const auto lost = options.log.empty() ? std::nullopt : FileUnderLog(options, session)) {
+    services.terminal.PrintError("Die Log-Datei ist eine Datei des Laufs selbst: '" + *lost + "'\n");
+    return kUsage;
   }
 
   TerminalWriter output([&](std::string_view bytes) { services.terminal.Print(bytes); },

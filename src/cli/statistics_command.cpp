@@ -1,15 +1,22 @@
 #include "cli/commands.h"
 #include "cli/first_lines.h"
 #include "cli/services.h"
+#include "platform/environment.h"
 
 namespace quiverion::cli {
 
 int RunStatistic(StatisticKind kind, const std::string& collectionPath, const std::string& outputPath,
                  double viscosity) {
   Services services;
+  if (IsSameFile(collectionPath, outputPath)) {
+    services.terminal.PrintError("Die Ergebnisdatei ist die Kollektion selbst: '" + outputPath + "'\n");
+    return kUsage;
+  }
+  Terminal::CatchSignals();
   FirstLines lines;
   services.log.Attach(lines);
   const bool computed = ComputeStatistic(services.session.context, kind, collectionPath, outputPath, viscosity);
+  if (!computed && services.terminal.Yield()) return kAborted;
   if (!computed) return services.FailedOn(collectionPath);
   const int code = services.Outcome();
   if (code != kDone) services.terminal.PrintError(lines.Text());

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <csignal>
+#include <iterator>
 
 #include "platform/environment.h"
 #include "platform/numbers.h"
@@ -13,10 +14,18 @@ namespace {
 
 volatile std::sig_atomic_t signalSeen = 0;  // the only state a signal handler may touch
 
+constexpr int kSignals[] = {SIGINT, SIGTERM,
+#ifdef SIGHUP
+                            SIGHUP
+#endif
+};
+volatile std::sig_atomic_t caught[std::size(kSignals)] = {};
+
 extern "C" void HandleSignal(int /*number*/) {
   signalSeen = 1;
-  std::signal(SIGINT, SIG_DFL);
-  std::signal(SIGTERM, SIG_DFL);
+  for (std::size_t k = 0; k < std::size(kSignals); ++k) {
+    if (caught[k] != 0) std::signal(kSignals[k], SIG_DFL);
+  }
 }
 
 std::string WithNewlines(std::string_view text) {
@@ -62,8 +71,10 @@ Terminal::Terminal(MessageAnswer onProblem)
       showProgress_(IsTerminal(StandardStream::error)) {}
 
 void Terminal::CatchSignals() {
-  std::signal(SIGINT, HandleSignal);
-  std::signal(SIGTERM, HandleSignal);
+  for (std::size_t k = 0; k < std::size(kSignals); ++k) {
+    caught[k] = std::signal(kSignals[k], HandleSignal) != SIG_IGN ? 1 : 0;
+    if (caught[k] == 0) std::signal(kSignals[k], SIG_IGN);  // whoever has started the program wants it so
+  }
 }
 
 void Terminal::Print(std::string_view text) {
@@ -76,7 +87,9 @@ void Terminal::Print(std::string_view text) {
 
 void Terminal::PrintError(std::string_view text) {
   EraseProgress();
-  WriteToStream(StandardStream::error, text);
+  std::string shown(text);
+  if (showProgress_) ReplaceControls(shown, "\n\t");  // a terminal would obey them
+  WriteToStream(StandardStream::error, shown);
 }
 
 MessageAnswer Terminal::Ask(const Message& message) {

@@ -72,7 +72,6 @@ enum class Outcome { done, failed, cancelled };
 
 // Nothing of a failed or cancelled append stays in the file.
 Outcome AppendMaxima(Context& context, const std::string& path, const Marks& marks) {
-  const bool isNew = !FileExists(context.files, path);
   std::optional<ResultFile> file;
   try {
     file.emplace(context.files, &context.ui, path, Opening::append);
@@ -83,7 +82,7 @@ Outcome AppendMaxima(Context& context, const std::string& path, const Marks& mar
     return Outcome::failed;
   }
   try {
-    if (isNew) file->Write(Windows1252FromUtf8(kHeader).bytes);
+    if (file->IsNew()) file->Write(Windows1252FromUtf8(kHeader).bytes);
     WriteMaxima(context, marks, *file);
     file->Commit();
   } catch (const std::exception& error) {

@@ -19,8 +19,8 @@ char EnvironmentDecimalSeparator();
 /// `path` itself where it is absolute (or begins with a drive letter), else behind the current directory.
 std::string AbsolutePath(const std::string& path);
 
-/// True where both names lead to the same directory.
-bool IsSameDirectory(const std::string& a, const std::string& b);
+/// True where both names lead to the same file or directory.
+bool IsSameFile(const std::string& a, const std::string& b);
 
 /// All bytes of standard input.
 std::string ReadStandardInput();

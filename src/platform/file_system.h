@@ -62,6 +62,9 @@ class OutputFile {
   /// it can.
   virtual std::size_t WriteSomePieces(std::span<const std::string_view> pieces);
 
+  /// True where no file stood at the place when this one was opened.
+  virtual bool IsNew() const = 0;
+
   /// Flushes, closes and puts a result file in its place. One that replaces an existing file is synced to the disk
   /// first: what it replaces may be the only copy of a measurement. Throws SystemError; may then be repeated, but once
   /// the bytes could not be flushed it fails again each time.
@@ -87,8 +90,8 @@ class FileSystem {
   /// the commit fails with error 75 where a file has appeared at the place.
   virtual std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) = 0;
 
-  /// Opens `path` for writing at its end and creates it where it is missing. Throws SystemError as CreateResultFile
-  /// does.
+  /// Opens `path` for writing at its end and creates it where it is missing. Other processes that append to it wait
+  /// until it is closed. Throws SystemError as CreateResultFile does.
   virtual std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) = 0;
 
   /// Opens an existing file for reading and writing in place. Throws SystemError as CreateResultFile does, and 53 or 76
@@ -99,7 +102,7 @@ class FileSystem {
   /// that names the failed step.
   virtual void SetFileSize(const std::string& path, std::uint64_t newLength) = 0;
 
-  /// Deletes one file; errors are ignored.
+  /// Deletes one file, the one that a link leads to; errors are ignored.
   virtual void RemoveFileQuietly(const std::string& path) = 0;
 
   /// Creates one directory; errors (it exists already, say) are ignored.

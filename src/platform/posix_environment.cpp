@@ -83,7 +83,7 @@ std::string AbsolutePath(const std::string& path) {
   return current + path.substr(start);
 }
 
-bool IsSameDirectory(const std::string& a, const std::string& b) {
+bool IsSameFile(const std::string& a, const std::string& b) {
   if (a == b) return true;
   std::error_code failed;
   return std::filesystem::equivalent(NativePath(a), NativePath(b), failed) && !failed;

@@ -10,8 +10,11 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <thread>
 
 #include "platform/file_system.h"
 #include "platform/posix_open_files.h"
@@ -52,12 +55,13 @@ bool HasNoWriteBit(const struct stat& info) {
 }
 
 // What stands at the place must be something that a save may replace or append to. Its description, where something
-// stands there; without a kind of file for a link that leads nowhere.
+// stands there: of a link what it leads to, of one that leads nowhere its own.
 std::optional<struct stat> CheckTarget(const std::string& nativePath) {
   struct stat info {};
   if (::lstat(nativePath.c_str(), &info) != 0) return std::nullopt;
   // A link is replaced itself; what it leads to must be a file that could be written.
-  if (S_ISLNK(info.st_mode) && ::stat(nativePath.c_str(), &info) != 0) return info;
+  const struct stat link = info;
+  if (S_ISLNK(info.st_mode) && ::stat(nativePath.c_str(), &info) != 0) return link;
   if (!S_ISREG(info.st_mode) || HasNoWriteBit(info)) throw SystemError(ErrorNumber::pathAccess);
   if (::access(nativePath.c_str(), W_OK) != 0) ThrowErrno(errno, nativePath);
   return info;
@@ -65,14 +69,27 @@ std::optional<struct stat> CheckTarget(const std::string& nativePath) {
 
 // Who may do what with a file stays when another one takes its place, as far as this process can give it.
 void TakeOver(const struct stat& old, int descriptor) {
-  const bool isOwn = old.st_uid == ::geteuid() && old.st_gid == ::getegid();
-  const bool taken = isOwn || ::fchown(descriptor, old.st_uid, old.st_gid) == 0;
-  ::fchmod(descriptor, old.st_mode & (taken ? 0777 : 0707));  // not for a group that it was not meant for
+  struct stat now {};
+  if (::fstat(descriptor, &now) != 0) return;
+  const bool same = now.st_uid == old.st_uid && now.st_gid == old.st_gid;
+  const bool sameGroup = same || ::fchown(descriptor, old.st_uid, old.st_gid) == 0 || now.st_gid == old.st_gid ||
+                         ::fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
+  ::fchmod(descriptor, old.st_mode & (sameGroup ? 0777 : 0707));  // not for a group that it was not meant for
 }
 
-// Opens an existing file that is changed where it lies, -1 with errno where there is none. `lock`: waits until no other
+// Waits until no other process has the file locked; a file system without locks has none. Not for ever: whoever may read
+// a file can lock it.
+void Lock(const Descriptor& file) {
+  for (int k = 0; k < 15000 && ::flock(file.Number(), LOCK_EX | LOCK_NB) != 0; ++k) {
+    if (errno != EWOULDBLOCK && errno != EINTR) return;
+    if (k + 1 == 15000) throw SystemError(ErrorNumber::accessDenied, "ein anderes Programm hält die Datei gesperrt");
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+}
+
+// Opens an existing file that is changed where it lies, -1 with errno where there is none, and waits until no other
 // process has it open so. Throws SystemError for what is no ordinary file or read-only.
-int OpenTarget(const std::string& nativePath, int access, bool lock, struct stat& info) {
+int OpenTarget(const std::string& nativePath, int access, struct stat& info) {
   const int descriptor = ::open(nativePath.c_str(), access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (descriptor < 0 && errno != ENOENT) {
     const int code = errno;
@@ -80,18 +97,20 @@ int OpenTarget(const std::string& nativePath, int access, bool lock, struct stat
     ThrowErrno(code, nativePath);
   }
   if (descriptor < 0) return descriptor;
-  while (lock && ::flock(descriptor, LOCK_EX) != 0 && errno == EINTR) continue;  // a file system without locks has none
+  Descriptor file(descriptor);
+  Lock(file);
   if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode) || HasNoWriteBit(info)) {
-    ::close(descriptor);
     throw SystemError(ErrorNumber::pathAccess);
   }
-  return descriptor;
+  return file.Release();
 }
 
 class PosixFileSystem : public FileSystem {
  public:
   std::unique_ptr<InputFile> OpenForReading(const std::string& path) override {
     const std::string native = OpenablePath(path);
+    // Here a name may hold a "\\": taken for a path it would lead to another file, in another directory.
+    if (native != path && ::access(path.c_str(), F_OK) == 0) throw SystemError(ErrorNumber::pathAccess);
     // O_NONBLOCK: a named pipe must not hold up the run; it is refused below.
     const int descriptor = ::open(native.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0) ThrowErrno(errno, native);
@@ -122,21 +141,29 @@ class PosixFileSystem : public FileSystem {
 
   std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) override {
     std::string native = OpenablePath(path);
-    struct stat info {};
-    int descriptor = OpenTarget(native, O_WRONLY | O_APPEND, false, info);
-    const bool isNew = descriptor < 0;
-    // O_EXCL: only what this call has created may be deleted again.
-    if (isNew) descriptor = ::open(native.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor < 0) ThrowErrno(errno, native);
-    const auto oldLength = isNew ? std::nullopt : std::optional(info.st_size);
-    return std::make_unique<PosixAppendedFile>(descriptor, std::move(native), oldLength);
+    for (;;) {
+      struct stat info {};
+      Descriptor file(OpenTarget(native, O_WRONLY | O_APPEND, info));
+      const bool isNew = !file.IsOpen();
+      if (isNew) {
+        // O_EXCL: only what this call has created may be deleted again.
+        file = Descriptor(::open(native.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        const bool another = errno == EEXIST && ::stat(native.c_str(), &info) == 0;  // has begun it meanwhile
+        if (!file.IsOpen() && another) continue;
+        if (!file.IsOpen()) ThrowErrno(errno, native);
+        Lock(file);
+        if (::fstat(file.Number(), &info) != 0) ThrowErrno(errno, native);
+      }
+      if (info.st_nlink == 0) continue;  // whoever had the lock has deleted the file
+      return std::make_unique<PosixAppendedFile>(file.Release(), std::move(native), isNew, info);
+    }
   }
 
   std::unique_ptr<UpdatedFile> OpenForUpdating(const std::string& path) override {
     const std::string native = OpenablePath(path);
     for (;;) {
       struct stat info {};
-      const int descriptor = OpenTarget(native, O_RDWR, true, info);
+      const int descriptor = OpenTarget(native, O_RDWR, info);
       if (descriptor < 0) ThrowErrno(ENOENT, native);
       auto file = std::make_unique<PosixUpdatedFile>(descriptor, static_cast<std::uint64_t>(info.st_size));
       if (info.st_nlink > 0) return file;  // else whoever had the lock has deleted the file
@@ -156,7 +183,10 @@ class PosixFileSystem : public FileSystem {
   }
 
   void RemoveFileQuietly(const std::string& path) override {
-    if (!BeginsWithDriveLetter(path)) ::unlink(SystemPath(path).c_str());
+    if (BeginsWithDriveLetter(path)) return;
+    // Where a link leads to the file, the file goes.
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(SystemPath(path).c_str(), nullptr), std::free);
+    if (real) ::unlink(real.get());
   }
 
   void CreateDirectoryQuietly(const std::string& path) override {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -8,10 +9,10 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/file_system.h"
 #include "platform/posix_paths.h"
@@ -24,11 +25,18 @@ class Descriptor {
   explicit Descriptor(int number = -1) : number_(number) {}
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
   ~Descriptor() {
     if (number_ >= 0) ::close(number_);
   }
   int Number() const { return number_; }
   bool IsOpen() const { return number_ >= 0; }
+
+  // Gives the number away, open.
+  int Release() { return std::exchange(number_, -1); }
 
   // Closes with the error the system kept for the end, such as a full disk on a network drive.
   int Close() {
@@ -191,6 +199,8 @@ class PosixResultFile : public PosixOutputFile {
     if (!committed_) ::unlink(temporaryPath_.c_str());
   }
 
+  bool IsNew() const override { return !replaces_; }
+
   void Commit() override {
     Flush(replaces_);
     if (Rename() != 0) ThrowErrno(errno, path_);
@@ -213,17 +223,25 @@ class PosixResultFile : public PosixOutputFile {
   bool committed_ = false;
 };
 
+/// Other processes that append to the file wait until it is closed: what is cut back is never theirs.
 class PosixAppendedFile : public PosixOutputFile {
  public:
-  // `oldLength` is empty where the file has just been created.
-  PosixAppendedFile(int descriptor, std::string path, std::optional<off_t> oldLength)
-      : PosixOutputFile(descriptor), path_(std::move(path)), oldLength_(oldLength) {}
+  /// `isNew`: created by this process. `info` tells the length to come back to.
+  PosixAppendedFile(int descriptor, std::string path, bool isNew, const struct stat& info)
+      : PosixOutputFile(descriptor), path_(std::move(path)), isNew_(isNew), info_(info), file_(::dup(descriptor)) {}
 
-  // By its path: a commit that failed has closed the file. What cannot be taken back stays; there is nobody to tell.
+  // By a descriptor that a failed close of the other one leaves open: another file may stand at the path by now. What
+  // cannot be taken back stays; there is nobody to tell.
   ~PosixAppendedFile() override {
     if (committed_) return;
-    [[maybe_unused]] const int result = oldLength_ ? ::truncate(path_.c_str(), *oldLength_) : ::unlink(path_.c_str());
+    struct stat there {};
+    const bool isThere =
+        ::lstat(path_.c_str(), &there) == 0 && there.st_dev == info_.st_dev && there.st_ino == info_.st_ino;
+    [[maybe_unused]] const int result = ::ftruncate(file_.Number(), info_.st_size);
+    if (isNew_ && info_.st_size == 0 && isThere) ::unlink(path_.c_str());
   }
+
+  bool IsNew() const override { return isNew_; }
 
   void Commit() override {
     Flush(false);
@@ -232,7 +250,9 @@ class PosixAppendedFile : public PosixOutputFile {
 
  private:
   std::string path_;
-  std::optional<off_t> oldLength_;
+  bool isNew_;
+  struct stat info_;
+  Descriptor file_;
   bool committed_ = false;
 };
 

@@ -32,6 +32,9 @@ class ResultFile {
   /// Writes what is left and puts the file in its place, or keeps what was appended. Throws SystemError.
   void Commit();
 
+  /// True where no file stood at the place.
+  bool IsNew() const { return file_->IsNew(); }
+
   /// True where the user has answered Cancel; the SystemError that was thrown is the one of the write.
   bool Cancelled() const { return retry_.Cancelled(); }
 

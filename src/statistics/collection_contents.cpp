@@ -79,13 +79,23 @@ class Removal {
         "Die Kollektion wurde inzwischen von einem anderen Programm verändert. Es wurde nichts entfernt!");
   }
 
-  // Record numbers are counted from 1.
+  // Record numbers are counted from 1. A program that ends in the middle leaves a record of which no vector is valid,
+  // not one of two fields: the bits that make them so go first and come last.
   void CopyCollectionRecord(std::int32_t source, std::int32_t target) {
+    const std::uint64_t record = collection::RecordBytes(header_.VectorCount());
+    const std::uint64_t bits = collection::ValidBitsPosition(header_.VectorCount());
+    const std::uint64_t from = RecordPosition(header_, source - 1), to = RecordPosition(header_, target - 1);
+    const std::string noBits(static_cast<std::size_t>(record - bits), '\0');
+    std::array pieces = {std::string_view(noBits)};
+    WriteAllAt(file_, to + bits, pieces, retry_);
+    Copy(from, to, record);
+  }
+
+  void Copy(std::uint64_t source, std::uint64_t position, std::uint64_t left) {
     constexpr std::uint64_t blockSize = 256 * 1024;
-    std::uint64_t left = collection::RecordBytes(header_.VectorCount());
     block_.resize(static_cast<std::size_t>(std::min(blockSize, left)));
-    file_.Seek(RecordPosition(header_, source - 1));
-    for (std::uint64_t position = RecordPosition(header_, target - 1); left > 0;) {
+    file_.Seek(source);
+    while (left > 0) {
       const auto size = static_cast<std::size_t>(std::min(blockSize, left));
       if (file_.Read(block_.data(), size) < size) throw SystemError(ErrorNumber::endOfFile);
       std::array pieces = {std::string_view(block_).substr(0, size)};
@@ -110,6 +120,7 @@ RemovalOutcome RemoveFromFile(FileSystem& files, const std::string& path, const 
   RemovalOutcome outcome = RemovalOutcome::removed;
   if (header.fieldCount < 1) {
     files.RemoveFileQuietly(path);
+    if (FileExists(files, path)) throw SystemError(ErrorNumber::accessDenied);  // without a record, but still there
     outcome = RemovalOutcome::collectionDeleted;
   } else {
     try {

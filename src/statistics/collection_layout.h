@@ -31,8 +31,13 @@ inline constexpr std::uint64_t kHeaderBytes = 75;
 inline constexpr std::uint64_t kPathBytes = 128;  // characters of a record's source path, filled up with blanks
 
 /// Bytes of a record of `vectors` vectors: source path, x and y velocities, one bit per vector and at least one spare.
+/// Where in a record its bits begin.
+constexpr std::uint64_t ValidBitsPosition(std::uint64_t vectors) {
+  return kPathBytes + 16 * vectors;
+}
+
 constexpr std::uint64_t RecordBytes(std::uint64_t vectors) {
-  return kPathBytes + 16 * vectors + vectors / 8 + 1;
+  return ValidBitsPosition(vectors) + vectors / 8 + 1;
 }
 
 /// Magic word and version. False where the magic word differs.

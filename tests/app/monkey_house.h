@@ -70,6 +70,7 @@ class ConfinedFiles : public FileSystem {
  private:
   struct Output : OutputFile {
     Output(ConfinedFiles& owner, std::unique_ptr<OutputFile> outputFile) : files(owner), file(std::move(outputFile)) {}
+    bool IsNew() const override { return file->IsNew(); }
     std::size_t WriteSome(const void* source, std::size_t size) override {
       files.FailNowAndThen(ErrorNumber::diskFull);
       return file->WriteSome(source, size);

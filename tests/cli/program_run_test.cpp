@@ -170,19 +170,22 @@ class ProgramSignals : public ProgramRun {
   }
 };
 
+// A connection that is dropped (SIGHUP) cost the log and left temporary files.
 TEST_F(ProgramSignals, EndTheRunBehindTheRunningCommand) {
-  StalledProgram program(place, {"run", "--macro", "s.mak", "--log", "log.txt", "viele"});
-  ASSERT_TRUE(program.WaitUntilStalled());
-  program.Signal(SIGTERM);
-  const Outcome outcome = program.Finish();
-  EXPECT_EQ(outcome.code, 3);
-  EXPECT_NE(outcome.out.find("--- Makro-Ausführung frühzeitig ABGEBROCHEN ---"), std::string::npos) << outcome.out;
-  EXPECT_EQ(outcome.out.find("49.vas"), std::string::npos) << "no further file is started";
-  EXPECT_NE(place.Read("log.txt").find("ABGEBROCHEN"), std::string::npos);
-  for (const std::string& name : place.Files()) {
-    EXPECT_EQ(name.find(".tmp"), std::string::npos) << name;
-    if (!name.ends_with("_s.vas")) continue;
-    EXPECT_EQ(place.Read(name).size(), place.Read("viele/10.vas").size()) << name;
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    StalledProgram program(place, {"run", "--macro", "s.mak", "--log", "log.txt", "viele"});
+    ASSERT_TRUE(program.WaitUntilStalled());
+    program.Signal(signal);
+    const Outcome outcome = program.Finish();
+    EXPECT_EQ(outcome.code, 3);
+    EXPECT_NE(outcome.out.find("--- Makro-Ausführung frühzeitig ABGEBROCHEN ---"), std::string::npos) << outcome.out;
+    EXPECT_EQ(outcome.out.find("49.vas"), std::string::npos) << "no further file is started";
+    EXPECT_NE(place.Read("log.txt").find("ABGEBROCHEN"), std::string::npos);
+    for (const std::string& name : place.Files()) {
+      EXPECT_EQ(name.find(".tmp"), std::string::npos) << name;
+      if (!name.ends_with("_s.vas")) continue;
+      EXPECT_EQ(place.Read(name).size(), place.Read("viele/10.vas").size()) << name;
+    }
   }
 }
 

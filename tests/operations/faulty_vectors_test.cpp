@@ -84,7 +84,7 @@ TEST(FaultyVectors, CompareVectorsHaveTheBitsOfThePlainLoops) {
         criteria.directionDeviation = direction;
         for (const auto& [columns, rows] : {std::pair{7, 5}, {23, 19}, {70, 9}, {1, 12}}) {
           ++seed;
-          const auto check = [&](const Mix& mix) {
+          const auto check = [&, columns = columns, rows = rows](const Mix& mix) {
             ExpectCompareVectors(RandomField(seed, columns, rows, mix), criteria, seed);
           };
           for (const Mix& mix : kCarriedMixes) check(mix);

@@ -123,6 +123,33 @@ TEST_F(SystemFiles, WhatWasAppendedStaysOnlyWithACommit) {
   EXPECT_EQ(AppendError(At("dangling.txt")), 75);
 }
 
+// What another process had appended meanwhile was cut off with what had failed, and a file that had taken the place.
+TEST_F(SystemFiles, AFailedAppendTakesBackOnlyItsOwn) {
+  Put("w.txt", "old ");
+  Put("other.bin", "precious");
+  auto failing = files_->OpenForAppending(At("w.txt"));
+  WriteAll(*failing, "half");
+  std::thread other([&] {
+    const auto file = files_->OpenForAppending(At("w.txt"));
+    EXPECT_FALSE(file->IsNew());
+    WriteAll(*file, "theirs");
+    file->Commit();
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  failing.reset();
+  other.join();
+  EXPECT_EQ(Get("w.txt"), "old theirs");
+  for (const std::string name : {"w.txt", "new.txt"}) {
+    failing = files_->OpenForAppending(At(name));
+    WriteAll(*failing, "half");
+    fs::remove(At(name));
+    fs::create_symlink("other.bin", At(name));
+    failing.reset();
+    EXPECT_EQ(Get("other.bin"), "precious");
+    EXPECT_TRUE(fs::is_symlink(At(name)));
+  }
+}
+
 TEST_F(SystemFiles, AFileIsReadAndChangedInPlace) {
   EXPECT_EQ(ErrorOf([&] { files_->OpenForUpdating(At("c.col")); }), 53);
   EXPECT_TRUE(Names().empty());
@@ -151,6 +178,11 @@ TEST_F(SystemFiles, AFileIsReadAndChangedInPlace) {
     EXPECT_EQ(error.Description(), "Fehler beim Öffnen der Datei zum Einstellen der neuen Dateigröße!");
   }
   files_->RemoveFileQuietly(At("c.col"));
+  Put("real", "x");
+  fs::create_symlink("real", At("link"));
+  files_->RemoveFileQuietly(At("link"));
+  EXPECT_EQ(Names(), NameList{"link"}) << "what it leads to is gone";
+  fs::remove(At("link"));
   EXPECT_TRUE(Names().empty());
 }
 

@@ -43,7 +43,9 @@ class Crashes : public testing::Test {
       const bool whole = std::any_of(std::begin(states_), std::end(states_), [&](const Tree& state) {
         const auto file = state.find(path);
         if (file == state.end()) return false;
-        if (grows) return file->second.starts_with(bytes);
+        const auto old = states_[0].find(path);
+        if (grows)
+          return file->second.starts_with(bytes) && (old == states_[0].end() || bytes.starts_with(old->second));
         return file->second == (path.ends_with(".col") ? CountedRecords(bytes) : bytes);
       });
       EXPECT_TRUE(whole) << path << " of " << bytes.size() << " bytes";

@@ -79,8 +79,24 @@ TEST_F(HostileNames, ANameWithASeparatorIsNoFileOfTheSeries) {
   place_.Write("texts/serie/..\\..\\secret.vas", "");
   EXPECT_EQ(NewFilesOf(Save("", "_s"), "a.vas"), Names{"a_s.vas"});
   EXPECT_EQ(RunProgram(place_, {"run", "--macro", "m.mak", "texts/serie"}).code, 0);
+  // Named by a shell, it was read there, and its results overwrote the files beside.
+  EXPECT_EQ(RunProgram(place_, {"run", "--macro", "m.mak", "texts/serie/..\\..\\secret.vas"}).code, 4);
   EXPECT_EQ(place_.Files(), (Names{"m.mak", "secret.vas", "texts/serie/..\\..\\secret.vas", "texts/serie/a.vas",
                                    "texts/serie/a_s.vas", "texts/serie/a_s_s.vas"}));
+}
+
+// What the log replaces at the end was lost: the run's macro, its input, its vortices, its collection.
+TEST_F(HostileNames, TheLogIsNoOtherFileOfTheRun) {
+  NewFilesOf(R"({"EventId": "evtVortexCentres", "FileName": "w.txt", "AutoTrafo": false},
+                {"EventId": "evtCollectStatistics", "FileName": "c.txt"})",
+             "a.vas");
+  const Names before = place_.Files();
+  for (const std::string log : {"m.mak", "texts/serie/a.vas", "w.txt", "./c.txt"}) {
+    const Outcome outcome = RunProgram(place_, {"run", "--macro", "m.mak", "--log", log, "texts/serie/a.vas"});
+    EXPECT_EQ(outcome.code, 2) << log << outcome.err;
+  }
+  EXPECT_EQ(RunProgram(place_, {"statistics", "mean", "c.txt", "./c.txt"}).code, 2);
+  EXPECT_EQ(place_.Files(), before);
 }
 
 }  // namespace

@@ -84,6 +84,9 @@ class WriteFaults : public testing::Test {
     ASSERT_FALSE(both.hadError) << both.log;
     const std::vector<Moment> moments = Moments(series);
     ASSERT_GE(moments.size(), 8u);
+    const auto syncs = std::count_if(moments.begin(), moments.end(),
+                                     [](const Moment& moment) { return moment.call.kind == Kind::sync; });
+    EXPECT_EQ(syncs, kind.before.contains("ziel/b.vas") || kind.target == "a.vas" ? 2 : 0) << "each replaced file";
     for (const Fault& fault : kFaults) {
       for (const Moment& moment : moments) {
         SCOPED_TRACE(kind.name + ": " + fault.name + " at call " + std::to_string(moment.index) + " (kind " +

@@ -84,7 +84,11 @@ class MemoryOutputFile : public OutputFile {
  public:
   // An appended file begins with the content that is there.
   MemoryOutputFile(MemoryFileSystem& system, std::string path, ExistingFile existing, std::string content = {})
-      : system_(system), path_(std::move(path)), existing_(existing), content_(std::move(content)) {
+      : system_(system),
+        path_(std::move(path)),
+        existing_(existing),
+        content_(std::move(content)),
+        isNew_(!system.files.contains(path_)) {
     ++system_.openWrittenFiles;
   }
   ~MemoryOutputFile() override { --system_.openWrittenFiles; }
@@ -94,6 +98,8 @@ class MemoryOutputFile : public OutputFile {
     content_.append(static_cast<const char*>(source), count);
     return count;
   }
+
+  bool IsNew() const override { return isNew_; }
 
   void Commit() override {
     if (existing_ == ExistingFile::keep && system_.files.contains(path_)) throw SystemError(ErrorNumber::pathAccess);
@@ -105,6 +111,7 @@ class MemoryOutputFile : public OutputFile {
   std::string path_;
   ExistingFile existing_;
   std::string content_;
+  bool isNew_;
 };
 
 }  // namespace
