@@ -148,9 +148,11 @@ class PosixFileSystem : public FileSystem {
       if (isNew) {
         // O_EXCL: only what this call has created may be deleted again.
         file = Descriptor(::open(native.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-        const bool another = errno == EEXIST && ::stat(native.c_str(), &info) == 0;  // has begun it meanwhile
-        if (!file.IsOpen() && another) continue;
-        if (!file.IsOpen()) ThrowErrno(errno, native);
+        if (!file.IsOpen()) {
+          const int code = errno;
+          if (code == EEXIST && ::stat(native.c_str(), &info) == 0) continue;  // another process has begun it meanwhile
+          ThrowErrno(code, native);
+        }
         Lock(file);
         if (::fstat(file.Number(), &info) != 0) ThrowErrno(errno, native);
       }

@@ -87,15 +87,15 @@ TEST_F(HostileNames, ANameWithASeparatorIsNoFileOfTheSeries) {
 
 // What the log replaces at the end was lost: the run's macro, its input, its vortices, its collection.
 TEST_F(HostileNames, TheLogIsNoOtherFileOfTheRun) {
-  NewFilesOf(R"({"EventId": "evtVortexCentres", "FileName": "w.txt", "AutoTrafo": false},
-                {"EventId": "evtCollectStatistics", "FileName": "c.txt"})",
+  NewFilesOf(R"({"EventId": "evtVortexCentres", "FileName": "texts/serie/w.txt", "AutoTrafo": false},
+                {"EventId": "evtCollectStatistics", "FileName": "texts/serie/c.txt"})",
              "a.vas");
   const Names before = place_.Files();
-  for (const std::string log : {"m.mak", "texts/serie/a.vas", "w.txt", "./c.txt"}) {
+  for (const std::string log : {"m.mak", "texts/serie/a.vas", "texts/serie/w.txt", "./texts/serie/c.txt"}) {
     const Outcome outcome = RunProgram(place_, {"run", "--macro", "m.mak", "--log", log, "texts/serie/a.vas"});
     EXPECT_EQ(outcome.code, 2) << log << outcome.err;
   }
-  EXPECT_EQ(RunProgram(place_, {"statistics", "mean", "c.txt", "./c.txt"}).code, 2);
+  EXPECT_EQ(RunProgram(place_, {"statistics", "mean", "texts/serie/c.txt", "./texts/serie/c.txt"}).code, 2);
   EXPECT_EQ(place_.Files(), before);
 }
 
