@@ -40,14 +40,15 @@ class Crashes : public testing::Test {
     for (const auto& [path, bytes] : found) {
       if (IsTemporary(path)) continue;
       const bool grows = path == kind.target && kind.appended;
-      const bool whole = std::any_of(std::begin(states_), std::end(states_), [&](const Tree& state) {
-        const auto file = state.find(path);
-        if (file == state.end()) return false;
-        const auto old = states_[0].find(path);
-        if (grows)
-          return file->second.starts_with(bytes) && (old == states_[0].end() || bytes.starts_with(old->second));
-        return file->second == (path.ends_with(".col") ? CountedRecords(bytes) : bytes);
-      });
+      const bool whole =
+          std::any_of(std::begin(states_), std::end(states_), [&, &path = path, &bytes = bytes](const Tree& state) {
+            const auto file = state.find(path);
+            if (file == state.end()) return false;
+            const auto old = states_[0].find(path);
+            if (grows)
+              return file->second.starts_with(bytes) && (old == states_[0].end() || bytes.starts_with(old->second));
+            return file->second == (path.ends_with(".col") ? CountedRecords(bytes) : bytes);
+          });
       EXPECT_TRUE(whole) << path << " of " << bytes.size() << " bytes";
     }
   }

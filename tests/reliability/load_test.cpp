@@ -70,7 +70,8 @@ TEST_F(Load, ALargeFieldGoesThroughEveryKindOfCommand) {
   const int side = ShortOrLong(300, 4000);
   place_.Write("a.vas", samples::VasBytes(samples::MakeSampleField({.columns = side, .rows = side})));
   Run({"run", "--macro", "m.mak", "a.vas"}, "a large field");
-  EXPECT_GT(fs::file_size(place_.Path() + "a_s.vas"), static_cast<std::uintmax_t>(side) * side * 20);
+  EXPECT_GT(fs::file_size(place_.Path() + "a_s.vas"),
+            static_cast<std::uintmax_t>(side) * static_cast<std::uintmax_t>(side) * 20);
   const Outcome statistic = Run({"statistics", "mean", "serie.col", "mean.vas"}, "its mean");
   EXPECT_EQ(statistic.err, "");
 }

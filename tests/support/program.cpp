@@ -72,9 +72,7 @@ pid_t Start(const Workplace& place, const std::vector<std::string>& arguments, i
   ::dup2(error, STDERR_FILENO);
   ::setenv("LC_ALL", "C", 1);
   ::alarm(600);  // a program that hangs ends with a signal
-  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    if (surroundings.closedStreams) ::close(stream);
-  }
+  for (const int stream : surroundings.closed) ::close(stream);
   ::close_range(3, ~0u, 0);
   Limit(RLIMIT_FSIZE, surroundings.largestFile);
   Limit(RLIMIT_AS, surroundings.memory);

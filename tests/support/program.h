@@ -41,8 +41,8 @@ struct Outcome {
 
 /// What a program finds itself in, beside its files.
 struct Surroundings {
-  bool closedStreams = false;
-  long largestFile = -1;  // bytes, as the limits below; -1: no limit
+  std::vector<int> closed = {};  // standard streams
+  long largestFile = -1;         // bytes, as the limits below; -1: no limit
   long memory = -1;
   long openFiles = -1;
 };
