@@ -12,7 +12,7 @@ check_sources() {
   ! grep -rnE --include='*.h' --include='*.cpp' "$forbidden" "$1"
 }
 
-# The symbols of a statically unresolved call tell whether the compiler's checks are in.
+# The unresolved dynamic symbols tell whether the compiler's checks are in.
 check_program() {
   local file=$1 broken=0
   lacks() { echo "$file: $1"; broken=1; }

@@ -54,7 +54,9 @@ int ImportMacro(const std::string& jsonPath, const std::string& macroPath) {
                                  "\n");
     return kFailed;
   }
-  return SaveMacroFile(services.session, macroPath) ? services.Done() : static_cast<int>(kFailed);
+  if (SaveMacroFile(services.session, macroPath)) return services.Done();
+  services.terminal.PrintError("Makrodatei: '" + macroPath + "'\n");
+  return kFailed;
 }
 
 }  // namespace quiverion::cli

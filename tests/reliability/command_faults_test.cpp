@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <functional>
 
@@ -159,6 +160,7 @@ TEST_F(CommandFaults, LeaveTheOldFileOrTheNewOneAndSayWhy) {
       }
     }
   }
+  std::printf("%d faults\n", failures);
   EXPECT_GT(failures, 150);
 }
 

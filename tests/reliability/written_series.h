@@ -25,7 +25,7 @@ bool IsTemporary(const std::string& path);
 struct WrittenKind {
   std::string name;
   MacroEvent command;
-  std::string target;                  // what the first file of the series writes to, "<hier>/" before it
+  std::string target;                  // what the first file of the series writes to, below the directory
   Tree before = {};                    // what is there already, beside the series
   std::string_view announcement = {};  // the beginning of its log line
   std::string_view openFailed = {};
@@ -35,7 +35,7 @@ struct WrittenKind {
   bool appended = false;  // a text that grows
 };
 
-/// All kinds, for a directory that ends in "/". A "<hier>/" in texts of the macro stands for it already.
+/// All kinds, for a series in `directory`, which ends in "/".
 std::vector<WrittenKind> WrittenKinds(const std::string& directory);
 
 /// The series a.vas, b.vas in a directory, and a macro of `kind`, which then saves every field as <name>_next.vas.
