@@ -85,9 +85,6 @@ bool AddInput(Session& session, std::unordered_set<std::string>& known, const st
 // What the run reads or writes under the name of its log: it would be lost when the log takes its place.
 std::optional<std::string> FileUnderLog(const RunOptions& options, const Session& session) {
   std::vector<std::string> paths = {options.macro};
-  for (const std::string& name : session.selectedFiles) {
-    if (FileNameOf(options.log) == name) paths.push_back(session.inputDirectory + name);
-  }
   for (const MacroEvent& event : session.macro) {
     if (event.Find("FileName") != nullptr) paths.push_back(event.Text("FileName"));
   }
