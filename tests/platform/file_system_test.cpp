@@ -71,16 +71,20 @@ class SystemFiles : public testing::Test {
 
 using NameList = std::vector<std::string>;
 
-// A private file became one for everybody when it was saved again.
-TEST_F(SystemFiles, AReplacedFileKeepsItsPermissions) {
+// A private file became one for everybody when it was saved again, and the administrator's when he did it.
+TEST_F(SystemFiles, AReplacedFileKeepsItsOwnerAndPermissions) {
   for (const unsigned mode : {0600u, 0640u, 0666u}) {
     Put("x.vas", "old");
     fs::permissions(At("x.vas"), fs::perms{mode});
+    const bool given = ::chown(At("x.vas").c_str(), 1234, 4321) == 0;  // only the administrator can
     const auto file = files_->CreateResultFile(At("x.vas"), ExistingFile::replace);
     WriteAll(*file, "new");
     file->Commit();
     EXPECT_EQ(Get("x.vas"), "new");
     EXPECT_EQ(fs::status(At("x.vas")).permissions(), fs::perms{mode});
+    struct stat info {};
+    ASSERT_EQ(::stat(At("x.vas").c_str(), &info), 0);
+    EXPECT_TRUE(!given || (info.st_uid == 1234 && info.st_gid == 4321));
   }
 }
 
