@@ -82,6 +82,22 @@ bool AddInput(Session& session, std::unordered_set<std::string>& known, const st
   return true;
 }
 
+// Adds all inputs. Says what is wrong with one, and returns the exit code.
+int AddInputs(Services& services, const std::vector<std::string>& inputs) {
+  std::unordered_set<std::string> known;
+  for (const std::string& input : inputs) {
+    try {
+      if (AddInput(services.session, known, input)) continue;
+      services.terminal.PrintError("Alle Eingabedateien müssen in einem Verzeichnis liegen: '" + input + "'\n");
+      return kUsage;
+    } catch (const SystemError& error) {
+      services.terminal.PrintError("'" + input + "': " + ErrorText(error) + "\n");
+      return kFailed;
+    }
+  }
+  return kDone;
+}
+
 // What the run reads or writes under the name of its log: it would be lost when the log takes its place.
 std::optional<std::string> FileUnderLog(const RunOptions& options, const Session& session) {
   std::vector<std::string> paths = {options.macro};
@@ -100,18 +116,7 @@ int RunSeries(const RunOptions& options) {
   Services services(options.onProblem);
   Session& session = services.session;
   session.context.decimalSeparator = options.decimalSeparator;
-  std::unordered_set<std::string> known;
-  for (const std::string& input : options.inputs) {
-    try {
-      if (!AddInput(session, known, input)) {
-        services.terminal.PrintError("Alle Eingabedateien müssen in einem Verzeichnis liegen: '" + input + "'\n");
-        return kUsage;
-      }
-    } catch (const SystemError& error) {
-      services.terminal.PrintError("'" + input + "': " + ErrorText(error) + "\n");
-      return kFailed;
-    }
-  }
+  if (const int code = AddInputs(services, options.inputs); code != kDone) return code;
   if (!LoadMacroFile(session, options.macro)) {
     services.terminal.PrintError("Makrodatei: '" + options.macro + "'\n");
     return kFailed;
