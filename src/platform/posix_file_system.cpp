@@ -109,7 +109,7 @@ class PosixFileSystem : public FileSystem {
  public:
   std::unique_ptr<InputFile> OpenForReading(const std::string& path) override {
     const std::string native = OpenablePath(path);
-    // Here a name may hold a "\\": taken for a path it would lead to another file, in another directory.
+    // Here a name may hold a backslash: taken for a path it would lead to another file, in another directory.
     if (native != path && ::access(path.c_str(), F_OK) == 0) throw SystemError(ErrorNumber::pathAccess);
     // O_NONBLOCK: a named pipe must not hold up the run; it is refused below.
     const int descriptor = ::open(native.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);

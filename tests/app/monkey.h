@@ -6,7 +6,6 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QFileDialog>
-#include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMimeData>
@@ -17,7 +16,6 @@
 #include <QThread>
 #include <QTimer>
 #include <QTreeWidget>
-#include <QWheelEvent>
 #include <QWindow>
 #include <algorithm>
 #include <map>
@@ -139,12 +137,10 @@ class Monkey : public QObject {
 
   void Act() {
     using M = Monkey;
-    static constexpr Deed inMain[] = {{30, &M::Click},       {2, &M::Drag},       {3, &M::Wheel},
-                                      {16, &M::Key},         {3, &M::Type},       {2, &M::Resize},
-                                      {1, &M::Close},        {2, &M::Pause},      {6, &M::Drop},
-                                      {8, &M::MarkAndStart}, {9, &M::ChooseItem}, {3, &M::OtherProgram}};
-    static constexpr Deed inDialog[] = {{42, &M::Click}, {3, &M::Drag},  {3, &M::Wheel},
-                                        {15, &M::Key},   {20, &M::Type}, {3, &M::Resize},
+    static constexpr Deed inMain[] = {{35, &M::Click},     {16, &M::Key},        {3, &M::Type}, {2, &M::Resize},
+                                      {1, &M::Close},      {2, &M::Pause},       {6, &M::Drop}, {8, &M::MarkAndStart},
+                                      {9, &M::ChooseItem}, {3, &M::OtherProgram}};
+    static constexpr Deed inDialog[] = {{48, &M::Click}, {15, &M::Key},  {20, &M::Type},       {3, &M::Resize},
                                         {2, &M::Close},  {2, &M::Pause}, {1, &M::OtherProgram}};
     static constexpr Deed inTree[] = {
         {60, &M::ChooseCommand}, {15, &M::Click}, {10, &M::Key}, {2, &M::Resize}, {2, &M::Close}};
@@ -258,32 +254,6 @@ class Monkey : public QObject {
     Mouse(control, PickPlace(control), clicks, button, plain ? Qt::NoModifier : OneOf(modifiers));
   }
 
-  void Drag(QWidget& window) {
-    QWidget& control = PickControl(window);
-    const QPointer<QWindow> target = window.windowHandle();
-    Note(window, "drag in " + NameOf(control));
-    if (qobject_cast<QAbstractButton*>(&control) != nullptr) return;  // a click
-    time_ += 1000;
-    for (int k = 0; k < 6; ++k) {
-      const QPoint place = PickPlace(control);
-      constexpr QEvent::Type ends[] = {QEvent::MouseButtonPress, QEvent::MouseButtonRelease};
-      const QEvent::Type type = k % 5 == 0 ? ends[k / 5] : QEvent::MouseMove;
-      qt_handleMouseEvent(target, control.mapTo(&window, place), control.mapToGlobal(place),
-                          k < 5 ? Qt::LeftButton : Qt::NoButton, k % 5 == 0 ? Qt::LeftButton : Qt::NoButton, type, {},
-                          time_ += 20);
-    }
-  }
-
-  void Wheel(QWidget& window) {
-    if (IsBehindDialog(window)) return;
-    QWidget& control = PickControl(window);
-    const QPointF place = PickPlace(control);
-    Note(window, "wheel over " + NameOf(control));
-    QWheelEvent event(place, control.mapToGlobal(place), {}, {0, (Below(7) - 3) * 120}, Qt::NoButton, {},
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&control, &event);
-  }
-
   void Key(QWidget& window) {
     static const QStringList keys =
         QString(
@@ -304,7 +274,7 @@ class Monkey : public QObject {
     Press(window, key);
   }
 
-  // By keys, by an input method, from the clipboard.
+  // By keys or from the clipboard.
   void Type(QWidget& window) {
     static const QStringList texts =
         QString("1|0|-7.5|3,2|1e400|0.00001|neu\\|_ä|Übung ß€|--..,,-1|..\\|/|a:b?|<b>x|%1|\xF0\x9D\x84\x9E| |a\tb\nc")
@@ -315,15 +285,9 @@ class Monkey : public QObject {
     if (!boxes.isEmpty() && Chance(80)) Mouse(*OneOf(boxes), {3, 3});
     Note(window, "type " + std::to_string(text.size()) + " letters: " + FromQt(text.left(20)));
     if (Chance(50)) Press(window, Qt::CTRL | Qt::Key_A);
-    QWidget* const box = window.focusWidget();
     if (text.size() > 40 || Chance(20)) {
       QGuiApplication::clipboard()->setText(text);
       Press(window, Qt::CTRL | Qt::Key_V);
-    } else if (Chance(15) && box != nullptr && box->testAttribute(Qt::WA_InputMethodEnabled) &&
-               !IsBehindDialog(window)) {
-      QInputMethodEvent event(Chance(30) ? text : QString(), {});
-      event.setCommitString(text, Chance(20) ? -1 : 0, Chance(20) ? 1 : 0);
-      QApplication::sendEvent(box, &event);
     } else {
       const QPointer<QWidget> still = &window;
       for (const QChar letter : text) {

@@ -164,5 +164,17 @@ TEST_F(CommandFaults, LeaveTheOldFileOrTheNewOneAndSayWhy) {
   EXPECT_GT(failures, 150);
 }
 
+// It was said to be gone, and stood there without a record.
+TEST_F(CommandFaults, ACollectionThatCannotBeDeletedIsNotSaidToBe) {
+  const auto removeAll = [](const std::string& directory) {
+    return RemoveFromCollection(directory + "ziel/serie.col", {1, 2, 3, 4, 5, 6});
+  };
+  const Result result = Run({"all", removeAll, "ziel/serie.col", collection_},
+                            [](const SystemCall& call) { return call.kind == Kind::remove ? EACCES : 0; });
+  EXPECT_EQ(result.code, 1);
+  EXPECT_NE(result.error.find("Zugriff verweigert   (Fehler-Nr. 70)"), std::string::npos) << result.error;
+  EXPECT_EQ(result.error.find("gelöscht"), std::string::npos) << result.error;
+}
+
 }  // namespace
 }  // namespace quiverion::cli

@@ -94,13 +94,14 @@ class WriteFaults : public testing::Test {
                      std::to_string(static_cast<int>(moment.call.kind)) + ") of file " + std::to_string(moment.file));
         const auto result = RunWith(series, fault, moment);
         ++faults_;
+        for (const Message& box : result.boxes) ExpectQuestion(box, fault.number);
         const bool recovers =
             fault.once && fault.Asks() &&
             (moment.call.kind == Kind::write || moment.call.kind == Kind::rename || moment.call.kind == Kind::read);
         if (recovers) {
           EXPECT_EQ(result.log, both.log);
           EXPECT_EQ(result.tree, both.tree);
-          EXPECT_EQ(result.boxes, 1);
+          EXPECT_EQ(result.boxes.size(), 1u);
           continue;
         }
         const bool closesInPlace =
@@ -108,7 +109,7 @@ class WriteFaults : public testing::Test {
         const bool aborts = fault.Asks() && moment.call.kind != Kind::open && !closesInPlace;
         EXPECT_TRUE(result.hadError);
         EXPECT_EQ(result.aborted, aborts);
-        EXPECT_EQ(result.boxes, aborts ? static_cast<int>(fault.answers.size()) + 1 : 0);
+        EXPECT_EQ(result.boxes.size(), aborts ? fault.answers.size() + 1 : 0);
         const auto& other = moment.file == 1 ? second : first;
         ExpectFiles(moment, aborts, result, closesInPlace ? both : other, both);
         const Sections clear(both.log);
@@ -124,6 +125,15 @@ class WriteFaults : public testing::Test {
         if (HasFailure()) return;
       }
     }
+  }
+
+  static void ExpectQuestion(const Message& box, ErrorNumber number) {
+    EXPECT_EQ(box.title, "QuiverionSeries  -  Fehler beim Schreiben");
+    EXPECT_EQ(box.text, number == ErrorNumber::diskFull
+                            ? "Fehler: Der Datenträger ist voll!\r\nVersuchen Sie mehr Speicherplatz frei zu machen!"
+                            : "Fehler: Es sind zu viele Dateien gleichzeitig geöffnet!\r\n"
+                              "Versuchen Sie einige Dateien in anderen Anwendungen zu schließen!");
+    EXPECT_TRUE(box.buttons == MessageButtons::retryCancel && box.icon == MessageIcon::warning);
   }
 
   // The calls where something can fail: of the writes of a file the first, the middle and the last one.

@@ -148,8 +148,7 @@ WrittenSeries::Result WrittenSeries::Run(const std::vector<std::string>& names, 
     EXPECT_EQ(calls.strayed, "");
   }
   const Context& context = session.context;
-  return {program.TakeLog(), ReadTree(directory_), static_cast<int>(ui.messages.size()), context.runHadError,
-          context.userAbortRequested};
+  return {program.TakeLog(), ReadTree(directory_), ui.messages, context.runHadError, context.userAbortRequested};
 }
 
 }  // namespace quiverion::test

@@ -54,7 +54,7 @@ class WrittenSeries {
   struct Result {
     std::string log;
     Tree tree;
-    int boxes = 0;
+    std::vector<Message> boxes;
     bool hadError = false;
     bool aborted = false;
   };

@@ -140,13 +140,6 @@ TEST_F(Contents, MayHaveGrownSinceTheyWereListed) {
   EXPECT_EQ(RemoveRecords(context, "C.col", {1}, {"1", "5", "3", "4", "5"}), RemovalOutcome::failed);
 }
 
-TEST_F(Contents, AreConsistentWhereTheLengthCannotBeSet) {
-  program.files.faults.setFileSize = true;
-  EXPECT_EQ(RemoveRecords(context, "C.col", {1}), RemovalOutcome::lengthNotSet);
-  EXPECT_EQ(TakeMessage(), "XSchwerer Fehler|not set");
-  EXPECT_EQ(Paths(), "5234");
-}
-
 TEST_F(Contents, StayWhileAnotherEntryPointRuns) {
   context.busy = true;
   EXPECT_EQ(RemoveRecords(context, "C.col", {1}), RemovalOutcome::busy);
