@@ -189,6 +189,16 @@ TEST_F(ProgramSignals, EndTheRunBehindTheRunningCommand) {
   }
 }
 
+// As nohup and shells without a terminal want it.
+TEST_F(ProgramSignals, DoNothingWhereTheyWereIgnoredBefore) {
+  std::signal(SIGHUP, SIG_IGN);
+  StalledProgram program(place, {"run", "--macro", "s.mak", "viele"});
+  std::signal(SIGHUP, SIG_DFL);
+  ASSERT_TRUE(program.WaitUntilStalled());
+  program.Signal(SIGHUP);
+  EXPECT_EQ(program.Finish().code, 0);
+}
+
 TEST_F(ProgramSignals, EndTheProgramAtOnceTheSecondTime) {
   StalledProgram program(place, {"run", "--macro", "s.mak", "viele"});
   ASSERT_TRUE(program.WaitUntilStalled());
