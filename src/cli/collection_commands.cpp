@@ -3,6 +3,7 @@
 
 #include "cli/commands.h"
 #include "cli/services.h"
+#include "platform/environment.h"
 #include "platform/text.h"
 #include "statistics/collection_contents.h"
 
@@ -53,7 +54,7 @@ int RemoveFromCollection(const std::string& path, const std::vector<std::int32_t
                                  std::to_string(contents->header.fieldCount) + ".\n");
     return kFailed;
   }
-  Terminal::CatchSignals();  // a removal that has begun is finished
+  CatchAbortRequests();  // a removal that has begun is finished
   const RemovalOutcome outcome = RemoveRecords(context, path, numbers, contents->sourcePaths);
   const bool done = outcome == RemovalOutcome::removed || outcome == RemovalOutcome::collectionDeleted;
   return done ? services.Done() : services.FailedOn(path);

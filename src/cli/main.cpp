@@ -218,7 +218,9 @@ int Main(int argc, char** argv) {
 
   Terminal terminal;
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> arguments = CommandLineArguments(argc, argv);
+    std::ranges::reverse(arguments);  // as the parser takes them
+    app.parse(std::move(arguments));
     return action();
   } catch (const CLI::CallForHelp&) {
     terminal.Print(app.help());

@@ -135,7 +135,7 @@ int RunSeries(const RunOptions& options) {
   // the checks: a run that they refuse writes nothing.
   const auto openLog = [&] {
     if (!options.log.empty()) logFile.emplace(*services.files, services.log, options.log);
-    Terminal::CatchSignals();
+    CatchAbortRequests();
   };
   try {
     if (!StartRun(session, openLog)) return kRefused;

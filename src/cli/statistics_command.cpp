@@ -12,7 +12,7 @@ int RunStatistic(StatisticKind kind, const std::string& collectionPath, const st
     services.terminal.PrintError("Die Ergebnisdatei ist die Kollektion selbst: '" + outputPath + "'\n");
     return kUsage;
   }
-  Terminal::CatchSignals();
+  CatchAbortRequests();
   FirstLines lines;
   services.log.Attach(lines);
   const bool computed = ComputeStatistic(services.session.context, kind, collectionPath, outputPath, viscosity);

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <csignal>
-#include <iterator>
 
 #include "platform/environment.h"
 #include "platform/numbers.h"
@@ -11,22 +9,6 @@
 
 namespace quiverion::cli {
 namespace {
-
-volatile std::sig_atomic_t signalSeen = 0;  // the only state a signal handler may touch
-
-constexpr int kSignals[] = {SIGINT, SIGTERM,
-#ifdef SIGHUP
-                            SIGHUP
-#endif
-};
-volatile std::sig_atomic_t caught[std::size(kSignals)] = {};
-
-extern "C" void HandleSignal(int /*number*/) {
-  signalSeen = 1;
-  for (std::size_t k = 0; k < std::size(kSignals); ++k) {
-    if (caught[k] != 0) std::signal(kSignals[k], SIG_DFL);
-  }
-}
 
 std::string WithNewlines(std::string_view text) {
   std::string lines(text);
@@ -69,13 +51,6 @@ Terminal::Terminal(MessageAnswer onProblem)
     : onProblem_(onProblem),
       outputIsTerminal_(IsTerminal(StandardStream::output)),
       showProgress_(IsTerminal(StandardStream::error)) {}
-
-void Terminal::CatchSignals() {
-  for (std::size_t k = 0; k < std::size(kSignals); ++k) {
-    caught[k] = std::signal(kSignals[k], HandleSignal) != SIG_IGN ? 1 : 0;
-    if (caught[k] == 0) std::signal(kSignals[k], SIG_IGN);  // whoever has started the program wants it so
-  }
-}
 
 void Terminal::Print(std::string_view text) {
   if (outputIsTerminal_) {
@@ -153,7 +128,7 @@ void Terminal::EraseProgress() {
 }
 
 bool Terminal::Yield() {
-  return signalSeen != 0;
+  return AbortRequested();
 }
 
 }  // namespace quiverion::cli

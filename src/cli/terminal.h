@@ -9,7 +9,7 @@
 namespace quiverion::cli {
 
 /// The user interface of the command line: results on standard output, messages and progress on standard
-/// error. A message box is answered by the rule of the contract. The abort request is SIGINT, SIGTERM or SIGHUP.
+/// error. A message box is answered by the rule of the contract.
 class Terminal : public UserInterface {
  public:
   /// `onProblem`: the answer to the boxes of the pre-run checks, abort or ignore.
@@ -29,10 +29,6 @@ class Terminal : public UserInterface {
 
   /// True where standard output could not take everything (a closed pipe, a full disk).
   bool OutputFailed() const { return outputFailed_; }
-
-  /// From now on the first SIGINT, SIGTERM or SIGHUP asks for the abort and the second ends the program. One that was
-  /// ignored stays so.
-  static void CatchSignals();
 
  private:
   // True at most ten times a second.

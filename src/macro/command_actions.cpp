@@ -51,7 +51,11 @@ std::string OutputPath(const CommandCall& call, std::string_view extension) {
   std::string name = call.event.Text("Prefix");
   name.append(BaseNameOf(call.fileName)).append(call.event.Text("Postfix")).append(extension);
   RequireBelow(name);
-  return call.inputDirectory + name;
+  return call.inputDirectory + WithOwnSeparators(name);
+}
+
+std::string PathOf(const MacroEvent& event) {
+  return WithOwnSeparators(event.Text("FileName"));
 }
 
 void SaveAsVas(const CommandCall& call) {
@@ -63,7 +67,7 @@ void InsertComment(const CommandCall& call) {
 }
 
 void LoadBuffer(const CommandCall& call) {
-  LoadFileIntoBuffer(call.context, call.event.Text("FileName"));
+  LoadFileIntoBuffer(call.context, PathOf(call.event));
 }
 
 void FaultVectors(const CommandCall& call) {
@@ -81,11 +85,11 @@ void XYTrafo(const CommandCall& call) {
 }
 
 void VortexCentres(const CommandCall& call) {
-  FindVortexCentres(call.context, call.event.Text("FileName"), call.event.Flag("AutoTrafo"));
+  FindVortexCentres(call.context, PathOf(call.event), call.event.Flag("AutoTrafo"));
 }
 
 void CollectStatistics(const CommandCall& call) {
-  CollectForStatistics(call.context, call.event.Text("FileName"));
+  CollectForStatistics(call.context, PathOf(call.event));
 }
 
 }  // namespace quiverion::actions

@@ -35,7 +35,8 @@ bool CheckCommands(Session& session, std::int64_t& kilobytesPerFile) {
     kilobytesPerFile += row->outputKilobytes;
     // A damaged macro may lack the name: the command itself reports that.
     if (row->eventId == kLoadBuffer && event.Find("FileName") != nullptr &&
-        !CheckReadable(session.context, event.Text("FileName"), "Die in den Buffer einzuladende Datei '")) {
+        !CheckReadable(session.context, WithOwnSeparators(event.Text("FileName")),
+                       "Die in den Buffer einzuladende Datei '")) {
       return false;
     }
   }

@@ -11,7 +11,7 @@ class Clock {
   /// Seconds since local midnight, in single precision like every duration the log shows.
   virtual float SecondsSinceMidnight() const = 0;
 
-  /// Local date and time as the results carry it, "23.11.2026 14:05:09".
+  /// Local date and time as the results carry it, "23.11.2026 14:05:09"; on Windows as the user has set it there.
   virtual std::string DateAndTime() const = 0;
 };
 

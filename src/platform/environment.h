@@ -2,10 +2,14 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quiverion {
 
 enum class StandardStream { output, error };
+
+/// The arguments of the program, without its name, as UTF-8.
+std::vector<std::string> CommandLineArguments(int argc, char** argv);
 
 /// True where the stream is a terminal that a person looks at.
 bool IsTerminal(StandardStream stream);
@@ -24,6 +28,13 @@ bool IsSameFile(const std::string& a, const std::string& b);
 
 /// All bytes of standard input.
 std::string ReadStandardInput();
+
+/// From now on the first request to end the program (Ctrl+C, SIGINT, SIGTERM, SIGHUP, a closed console) only counts as
+/// one to abort, and the second ends it. A request that was ignored at the start stays so.
+void CatchAbortRequests();
+
+/// True once such a request has come.
+bool AbortRequested();
 
 /// Called by main before anything else. A broken pipe and a file beyond the allowed size become errors of the write
 /// instead of ending the program. A standard stream that is closed is taken, so that no file that is opened later stands

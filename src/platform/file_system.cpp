@@ -17,9 +17,13 @@ std::size_t InputFile::ReadPieces(std::span<const std::span<char>> pieces) {
   return done;
 }
 
+std::string_view FirstPiece(std::span<const std::string_view> pieces) {
+  return *std::find_if(pieces.begin(), pieces.end(), [](std::string_view piece) { return !piece.empty(); });
+}
+
 std::size_t OutputFile::WriteSomePieces(std::span<const std::string_view> pieces) {
-  const auto first = std::find_if(pieces.begin(), pieces.end(), [](std::string_view piece) { return !piece.empty(); });
-  return WriteSome(first->data(), first->size());
+  const std::string_view first = FirstPiece(pieces);
+  return WriteSome(first.data(), first.size());
 }
 
 bool FileExists(FileSystem& files, const std::string& path) {

@@ -129,6 +129,9 @@ class FileSystem {
   virtual std::uint64_t FreeDiskBytes(const std::string& directory) = 0;
 };
 
+/// The first of the pieces (not all of them empty) that is not empty.
+std::string_view FirstPiece(std::span<const std::string_view> pieces);
+
 /// The files of this machine.
 std::unique_ptr<FileSystem> MakeSystemFileSystem();
 

@@ -44,4 +44,9 @@ std::string WithSeparator(std::string directory) {
   return directory;
 }
 
+std::string WithOwnSeparators(std::string path) {
+  if constexpr (kPathSeparator == '\\') std::replace(path.begin(), path.end(), '/', kPathSeparator);
+  return path;
+}
+
 }  // namespace quiverion

@@ -1,4 +1,4 @@
-// What the program asks of its surroundings beyond files. A port to another system replaces this file.
+// What the program asks of its surroundings beyond files.
 #include <fcntl.h>
 #include <langinfo.h>
 #include <locale.h>
@@ -11,12 +11,24 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 
 #include "platform/environment.h"
 #include "platform/system_error.h"
 
 namespace quiverion {
 namespace {
+
+volatile std::sig_atomic_t signalSeen = 0;  // the only state a signal handler may touch
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+volatile std::sig_atomic_t caught[std::size(kSignals)] = {};
+
+extern "C" void HandleSignal(int /*number*/) {
+  signalSeen = 1;
+  for (std::size_t k = 0; k < std::size(kSignals); ++k) {
+    if (caught[k] != 0) std::signal(kSignals[k], SIG_DFL);
+  }
+}
 
 int DescriptorOf(StandardStream stream) {
   return stream == StandardStream::output ? STDOUT_FILENO : STDERR_FILENO;
@@ -45,6 +57,10 @@ bool LanguageWritesComma(std::string_view localeName) {
 }
 
 }  // namespace
+
+std::vector<std::string> CommandLineArguments(int argc, char** argv) {
+  return {argv + std::min(argc, 1), argv + argc};  // a program may be started without even its name
+}
 
 bool IsTerminal(StandardStream stream) {
   return ::isatty(DescriptorOf(stream)) == 1;
@@ -99,6 +115,17 @@ std::string ReadStandardInput() {
     if (count == 0) return content;
     content.append(block.data(), static_cast<std::size_t>(count));
   }
+}
+
+void CatchAbortRequests() {
+  for (std::size_t k = 0; k < std::size(kSignals); ++k) {
+    caught[k] = std::signal(kSignals[k], HandleSignal) != SIG_IGN ? 1 : 0;
+    if (caught[k] == 0) std::signal(kSignals[k], SIG_IGN);  // whoever has started the program wants it so
+  }
+}
+
+bool AbortRequested() {
+  return signalSeen != 0;
 }
 
 void PrepareProcess() {

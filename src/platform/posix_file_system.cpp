@@ -1,4 +1,4 @@
-// Files and directories by POSIX calls. A port to another system replaces platform/posix_*.
+// Files and directories by POSIX calls.
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>

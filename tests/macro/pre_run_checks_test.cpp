@@ -1,5 +1,6 @@
 #include "macro/pre_run_checks.h"
 
+#include "platform/paths.h"
 #include "run_fixture.h"
 
 namespace quiverion::test {
@@ -87,7 +88,7 @@ TEST_F(PreRun, ChecksTheFilesForTheBuffer) {
   for (const std::size_t k : {0u, 1u}) {
     ExpectBox(k, "QuiverionSeries  -  Fehler im Makro", text + "C:\\weg.vec" + kCannotOpen);
   }
-  ExpectBox(2, "QuiverionSeries  -  Fehler im Makro", text + "/auch weg.dat" + kCannotOpen);
+  ExpectBox(2, "QuiverionSeries  -  Fehler im Makro", text + WithOwnSeparators("/auch weg.dat") + kCannotOpen);
 }
 
 TEST_F(PreRun, RefusesACdOnlyWhereSomethingIsWritten) {

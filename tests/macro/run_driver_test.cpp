@@ -3,6 +3,7 @@
 #include <tuple>
 
 #include "field/load_original_file.h"
+#include "platform/paths.h"
 #include "run_fixture.h"
 
 namespace quiverion::test {
@@ -163,7 +164,8 @@ TEST_F(RunDriver, ComposesTheOutputPath) {
     program.files.directories.clear();
     AddFile(c.name, samples::VasBytes(SmallSample()));
     const std::string log = RunLogOf({Comment("neu"), SaveEvent(c.prefix, c.postfix)});
-    EXPECT_NE(log.find("Datei speichern unter '/serie/" + c.logged + "'... fertig\r\n" + kSuccess), std::string::npos)
+    EXPECT_NE(log.find("Datei speichern unter '/serie/" + WithOwnSeparators(c.logged) + "'... fertig\r\n" + kSuccess),
+              std::string::npos)
         << log;
     EXPECT_EQ(files.size(), c.name == c.output ? 1u : 2u) << c.output;
     ASSERT_TRUE(files.contains("/serie/" + c.output)) << c.output;
