@@ -1,0 +1,231 @@
+#pragma once
+
+#include "platform/windows_paths.h"
+// Behind the header that includes windows.h.
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <random>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/file_system.h"
+#include "platform/system_error.h"
+
+/// The open files of Windows. For platform/windows_file_system.cpp only.
+namespace quiverion::windows {
+
+/// Others may do everything with a file that is open here: who changes a file keeps the other ones of this program out
+/// by a lock, and what another program does is not ours to forbid.
+constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// Bytes of one call; a call takes no more than 32 bits tell.
+constexpr std::size_t kMaxBlock = std::size_t{1} << 30;
+
+inline std::uint64_t Wide(DWORD high, DWORD low) {
+  return std::uint64_t{high} << 32 | low;
+}
+
+inline OVERLAPPED AtPosition(std::uint64_t position) {
+  OVERLAPPED at{};
+  at.Offset = static_cast<DWORD>(position);
+  at.OffsetHigh = static_cast<DWORD>(position >> 32);
+  return at;
+}
+
+/// Free bytes for this user where the directory lies; 0 where that cannot be told.
+inline std::uint64_t FreeBytes(const std::wstring& directory) {
+  ULARGE_INTEGER available{};
+  return ::GetDiskFreeSpaceExW(directory.c_str(), &available, nullptr, nullptr) != 0 ? available.QuadPart : 0;
+}
+
+/// The directory of a path that OpenablePath has made.
+inline std::wstring ParentOf(const std::wstring& path) {
+  return path.substr(0, path.rfind(L'\\') + 1);
+}
+
+/// A name beside the file that no file has.
+inline std::wstring TemporaryPathFor(const std::wstring& path) {
+  std::random_device random;  // the system's
+  wchar_t name[40];
+  std::swprintf(name, std::size(name), L".quiverion-%08x%08x.tmp", random(), random());
+  return ParentOf(path) + name;
+}
+
+inline void SetEnd(const Handle& file, std::uint64_t length) {
+  FILE_END_OF_FILE_INFO end{};
+  end.EndOfFile.QuadPart = static_cast<LONGLONG>(length);
+  ::SetFileInformationByHandle(file.Get(), FileEndOfFileInfo, &end, sizeof end);
+}
+
+/// Gives the file another name on its drive; without `replaces` only where no file has it. The handle needs the right to
+/// delete. Returns what the system says.
+inline DWORD RenameOpen(const Handle& file, const std::wstring& path, bool replaces) {
+  std::vector<char> buffer(sizeof(FILE_RENAME_INFO) + path.size() * sizeof(wchar_t));
+  auto* rename = ::new (buffer.data()) FILE_RENAME_INFO{};
+  rename->ReplaceIfExists = replaces ? TRUE : FALSE;
+  rename->FileNameLength = static_cast<DWORD>(path.size() * sizeof(wchar_t));
+  std::copy(path.begin(), path.end(), rename->FileName);
+  const BOOL done = ::SetFileInformationByHandle(file.Get(), FileRenameInfo, rename, static_cast<DWORD>(buffer.size()));
+  return done != 0 ? ERROR_SUCCESS : ::GetLastError();
+}
+
+/// The file goes; where the file system keeps it until its last handle is closed, it makes way at once for a new one.
+/// The handle needs the right to delete.
+inline void DeleteOpen(const Handle& file, const std::wstring& path) {
+  constexpr auto kFileDispositionInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(21);  // not in the compiler's headers
+  FILE_DISPOSITION_INFO_EX atOnce{};
+  atOnce.Flags = FILE_DISPOSITION_FLAG_DELETE | FILE_DISPOSITION_FLAG_POSIX_SEMANTICS;
+  if (::SetFileInformationByHandle(file.Get(), kFileDispositionInfoEx, &atOnce, sizeof atOnce) != 0) return;
+  RenameOpen(file, TemporaryPathFor(path), false);
+  FILE_DISPOSITION_INFO disposition{};
+  disposition.DeleteFile = TRUE;
+  ::SetFileInformationByHandle(file.Get(), FileDispositionInfo, &disposition, sizeof disposition);
+}
+
+/// The bytes written at `at` (null: at the place of the handle), at least one of `size` > 0.
+inline std::size_t WriteOnce(const Handle& file, const void* source, std::size_t size, OVERLAPPED* at) {
+  DWORD written = 0;
+  if (::WriteFile(file.Get(), source, static_cast<DWORD>(std::min(size, kMaxBlock)), &written, at) == 0) {
+    ThrowError(::GetLastError());
+  }
+  if (written == 0) throw SystemError(ErrorNumber::diskFull);
+  return written;
+}
+
+/// The reading side of a file; `Base` is InputFile or UpdatedFile. Keeps its own place, which writes do not move.
+template <class Base>
+class WindowsReadableFile : public Base {
+ public:
+  WindowsReadableFile(Handle file, std::uint64_t size) : file_(std::move(file)), size_(size) {}
+
+  std::uint64_t Size() const override { return size_; }
+
+  std::size_t Read(void* target, std::size_t size) override {
+    std::size_t done = 0;
+    while (done < size) {
+      OVERLAPPED at = AtPosition(position_);
+      DWORD count = 0;
+      const auto wanted = static_cast<DWORD>(std::min(size - done, kMaxBlock));
+      if (::ReadFile(file_.Get(), static_cast<char*>(target) + done, wanted, &count, &at) == 0) {
+        const DWORD code = ::GetLastError();
+        if (code != ERROR_HANDLE_EOF) ThrowError(code);
+      }
+      if (count == 0) break;
+      done += count;
+      position_ += count;
+    }
+    return done;
+  }
+
+  void Seek(std::uint64_t position) override { position_ = position; }
+
+ protected:
+  Handle file_;
+
+ private:
+  std::uint64_t size_;
+  std::uint64_t position_ = 0;
+};
+
+using WindowsInputFile = WindowsReadableFile<InputFile>;
+
+class WindowsUpdatedFile : public WindowsReadableFile<UpdatedFile> {
+ public:
+  WindowsUpdatedFile(Handle file, std::uint64_t size, std::wstring directory)
+      : WindowsReadableFile(std::move(file), size), directory_(std::move(directory)) {}
+
+  std::uint64_t FreeDiskBytes() override { return FreeBytes(directory_); }
+
+  std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) override {
+    OVERLAPPED at = AtPosition(position);
+    const std::string_view piece = FirstPiece(pieces);
+    return WriteOnce(file_, piece.data(), piece.size(), &at);
+  }
+
+  void Close() override {
+    if (!file_.Close()) ThrowError(::GetLastError());
+  }
+
+ private:
+  std::wstring directory_;
+};
+
+class WindowsResultFile : public OutputFile {
+ public:
+  /// `file` has a temporary name beside `path` and the right to delete. `replaces`: a file stands at `path`.
+  WindowsResultFile(Handle file, std::wstring path, bool replaces, ExistingFile existing)
+      : file_(std::move(file)), path_(std::move(path)), replaces_(replaces), existing_(existing) {}
+
+  ~WindowsResultFile() override {
+    if (!committed_) DeleteOpen(file_, path_);
+  }
+
+  std::size_t WriteSome(const void* source, std::size_t size) override {
+    return WriteOnce(file_, source, size, nullptr);
+  }
+
+  bool IsNew() const override { return !replaces_; }
+
+  void Commit() override {
+    // What was not flushed is not there, and a second try would not say so: the first failure stays.
+    if (replaces_ && flushError_ == ERROR_SUCCESS && ::FlushFileBuffers(file_.Get()) == 0)
+      flushError_ = ::GetLastError();
+    if (flushError_ != ERROR_SUCCESS) ThrowError(flushError_);
+    if (const DWORD code = Rename(); code != ERROR_SUCCESS) ThrowError(code);
+    committed_ = true;
+    file_.Close();
+  }
+
+ private:
+  // Scanners and indexers open what lies at the place, for moments.
+  DWORD Rename() const {
+    for (int tries = 10;; --tries) {
+      const DWORD code = RenameOpen(file_, path_, existing_ == ExistingFile::replace);
+      if (tries == 0 || (code != ERROR_ACCESS_DENIED && code != ERROR_SHARING_VIOLATION)) return code;
+      ::Sleep(20);
+    }
+  }
+
+  Handle file_;
+  std::wstring path_;
+  bool replaces_;
+  ExistingFile existing_;
+  DWORD flushError_ = ERROR_SUCCESS;
+  bool committed_ = false;
+};
+
+/// Other processes that append to the file wait until it is closed: what is cut back is never theirs.
+class WindowsAppendedFile : public OutputFile {
+ public:
+  /// `isNew`: created by this process, by a handle that may delete it. `length` is the one to come back to.
+  WindowsAppendedFile(Handle file, std::wstring path, bool isNew, std::uint64_t length)
+      : file_(std::move(file)), path_(std::move(path)), isNew_(isNew), length_(length) {}
+
+  ~WindowsAppendedFile() override {
+    if (!file_.IsOpen()) return;
+    SetEnd(file_, length_);
+    if (isNew_ && length_ == 0) DeleteOpen(file_, path_);
+  }
+
+  std::size_t WriteSome(const void* source, std::size_t size) override {
+    OVERLAPPED atEnd = AtPosition(~std::uint64_t{0});
+    return WriteOnce(file_, source, size, &atEnd);
+  }
+
+  bool IsNew() const override { return isNew_; }
+
+  void Commit() override {
+    if (!file_.Close()) ThrowError(::GetLastError());
+  }
+
+ private:
+  Handle file_;
+  std::wstring path_;
+  bool isNew_;
+  std::uint64_t length_;
+};
+
+}  // namespace quiverion::windows
