@@ -203,20 +203,24 @@ using Shape5 = Shape<5>;
 template <class ShapeType>
 using Places = std::make_index_sequence<ShapeType::places>;
 
-QUIVERION_MULTI_TARGET void FindMiddle3(const WindowRows<3>& rows, std::size_t count, Middle& middle) {
-  FindMiddle<Shape3>(rows, count, middle.lower.data(), middle.upper.data(), middle.odd.data(), Places<Shape3>());
-}
-QUIVERION_MULTI_TARGET void FindMiddle5(const WindowRows<5>& rows, std::size_t count, Middle& middle) {
-  FindMiddle<Shape5>(rows, count, middle.lower.data(), middle.upper.data(), middle.odd.data(), Places<Shape5>());
-}
-QUIVERION_MULTI_TARGET void FindVector3(const WindowRows<3>& rows, std::size_t count, const double* wanted, double* u,
-                                        double* v, Mask* unclear) {
-  FindVector<Shape3>(rows, count, wanted, u, v, unclear, Places<Shape3>());
-}
-QUIVERION_MULTI_TARGET void FindVector5(const WindowRows<5>& rows, std::size_t count, const double* wanted, double* u,
-                                        double* v, Mask* unclear) {
-  FindVector<Shape5>(rows, count, wanted, u, v, unclear, Places<Shape5>());
-}
+QUIVERION_MULTI_TARGET_CALL(FindMiddle3, (const WindowRows<3>& rows, std::size_t count, Middle& middle),
+                            (rows, count, middle),
+                            FindMiddle<Shape3>(rows, count, middle.lower.data(), middle.upper.data(), middle.odd.data(),
+                                               Places<Shape3>()))
+QUIVERION_MULTI_TARGET_CALL(FindMiddle5, (const WindowRows<5>& rows, std::size_t count, Middle& middle),
+                            (rows, count, middle),
+                            FindMiddle<Shape5>(rows, count, middle.lower.data(), middle.upper.data(), middle.odd.data(),
+                                               Places<Shape5>()))
+QUIVERION_MULTI_TARGET_CALL(FindVector3,
+                            (const WindowRows<3>& rows, std::size_t count, const double* wanted, double* u, double* v,
+                             Mask* unclear),
+                            (rows, count, wanted, u, v, unclear),
+                            FindVector<Shape3>(rows, count, wanted, u, v, unclear, Places<Shape3>()))
+QUIVERION_MULTI_TARGET_CALL(FindVector5,
+                            (const WindowRows<5>& rows, std::size_t count, const double* wanted, double* u, double* v,
+                             Mask* unclear),
+                            (rows, count, wanted, u, v, unclear),
+                            FindVector<Shape5>(rows, count, wanted, u, v, unclear, Places<Shape5>()))
 
 // The middle value, or the mean of the two; 0 where there is none.
 QUIVERION_MULTI_TARGET void Combine(const Middle& middle, const double* atLower, const double* atUpper,

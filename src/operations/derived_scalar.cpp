@@ -45,13 +45,10 @@ struct SwirlFormula {
   }
 };
 
-QUIVERION_MULTI_TARGET void InnerVorticity(const RowInput& in, double* target) {
-  InnerPoints(in, target, VorticityFormula{});
-}
-
-QUIVERION_MULTI_TARGET void InnerSwirl(const RowInput& in, double* target) {
-  InnerPoints(in, target, SwirlFormula{});
-}
+QUIVERION_MULTI_TARGET_CALL(InnerVorticity, (const RowInput& in, double* target), (in, target),
+                            InnerPoints(in, target, VorticityFormula{}))
+QUIVERION_MULTI_TARGET_CALL(InnerSwirl, (const RowInput& in, double* target), (in, target),
+                            InnerPoints(in, target, SwirlFormula{}))
 
 template <class Inner, class Formula>
 void ComputeFast(const VectorField& field, Grid<double>& target, Inner inner, Formula formula) {

@@ -69,8 +69,8 @@ double CosineLimit(double degrees) {
   return radians < 3.14159265 ? std::cos(radians) : -1.0;
 }
 
-QUIVERION_MULTI_TARGET void MeetDirectionDeviation(const Row& row, double limit, Mask* __restrict met,
-                                                   double* __restrict cosines, Mask* __restrict unclear) {
+QUIVERION_ALWAYS_INLINE void TestCosines(const Row& row, double limit, Mask* __restrict met, double* __restrict cosines,
+                                         Mask* __restrict unclear) {
   const Row in = row;
   for (std::size_t i = 0; i < in.count; ++i) {
     const double x = in.compareX[i], y = in.compareY[i];
@@ -84,6 +84,11 @@ QUIVERION_MULTI_TARGET void MeetDirectionDeviation(const Row& row, double limit,
     cosines[i] = cosine;
   }
 }
+
+QUIVERION_MULTI_TARGET_CALL(MeetDirectionDeviation,
+                            (const Row& row, double limit, Mask* __restrict met, double* __restrict cosines,
+                             Mask* __restrict unclear),
+                            (row, limit, met, cosines, unclear), TestCosines(row, limit, met, cosines, unclear))
 
 // `target` becomes status 0 where a tested vector is faulty (or the mark stood in the file); returns how many are.
 QUIVERION_MULTI_TARGET std::int32_t ApplyRow(const std::int32_t* status, const Mask* faulty, std::size_t count,

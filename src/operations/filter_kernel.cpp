@@ -133,13 +133,10 @@ QUIVERION_ALWAYS_INLINE void FilterSmall(const KernelRows<L>& kernelRows, const 
   });
 }
 
-QUIVERION_MULTI_TARGET void Filter3x3(const KernelRows<3>& rows, const double* weights, const RowTarget& target) {
-  FilterSmall(rows, weights, target, std::make_index_sequence<9>());
-}
-
-QUIVERION_MULTI_TARGET void Filter5x5(const KernelRows<5>& rows, const double* weights, const RowTarget& target) {
-  FilterSmall(rows, weights, target, std::make_index_sequence<25>());
-}
+QUIVERION_MULTI_TARGET_CALL(Filter3x3, (const KernelRows<3>& rows, const double* weights, const RowTarget& target),
+                            (rows, weights, target), FilterSmall(rows, weights, target, std::make_index_sequence<9>()))
+QUIVERION_MULTI_TARGET_CALL(Filter5x5, (const KernelRows<5>& rows, const double* weights, const RowTarget& target),
+                            (rows, weights, target), FilterSmall(rows, weights, target, std::make_index_sequence<25>()))
 
 template <std::size_t L>
 KernelRows<L> RowsUnder(const SourceRows& source, const WeightMatrix& weights, std::int32_t j) {

@@ -3,12 +3,20 @@
 #include "platform/system_error.h"
 
 namespace quiverion {
+namespace {
+
+// Rounded from more digits than a double has: the double variants of the systems' libraries differ in the last bit.
+double ArcTan(double x) {
+  return static_cast<double>(std::atan(static_cast<long double>(x)));
+}
+
+}  // namespace
 
 double ArcCos(double x) {
   if (std::fabs(x) > 1.0) throw SystemError::Saying(ErrorNumber::invalidCall, "Unzulässiges Argument in ArcCos");
   if (x == 1.0) return 0.0;
   if (x == -1.0) return 3.14159265359;
-  return std::atan(-x / std::sqrt(1.0 - x * x)) + 2.0 * std::atan(1.0);
+  return ArcTan(-x / std::sqrt(1.0 - x * x)) + 2.0 * ArcTan(1.0);
 }
 
 double BinomialCoefficient(std::int32_t n, std::int32_t k) {

@@ -1,13 +1,45 @@
 #pragma once
 
 /// QUIVERION_MULTI_TARGET compiles a function for plain x86-64 and for two generations of wider instructions, and
-/// chooses at run time. Only where the compiler can (GCC) and where no sanitizer runs before the choice is made. Wider
-/// instructions never change bits: contraction is off and no sum is split. QUIVERION_PLAIN_TARGET leaves them out.
+/// chooses at run time. Only where the compiler and the system can (GCC, not for Windows) and where no sanitizer runs
+/// before the choice is made. Wider instructions never change bits: contraction is off and no sum is split.
+/// QUIVERION_PLAIN_TARGET leaves them out.
+///
+/// QUIVERION_MULTI_TARGET_CALL does so on Windows, too, for the functions that take most of the time: void `name`
+/// `parameters` that does nothing but one call, of something always inline, with `arguments` as those of `name` itself.
 #if !defined(QUIVERION_PLAIN_TARGET) && defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12 && \
     defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
+#define QUIVERION_HAS_TARGETS
+#endif
+
+#if defined(QUIVERION_HAS_TARGETS) && !defined(_WIN32)
 #define QUIVERION_MULTI_TARGET __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
 #else
 #define QUIVERION_MULTI_TARGET
+#endif
+
+#if defined(QUIVERION_HAS_TARGETS) && defined(_WIN32)
+#define QUIVERION_MULTI_TARGET_CALL(name, parameters, arguments, ...)               \
+  __attribute__((target("arch=x86-64-v4"))) void name##V4 parameters {              \
+    __VA_ARGS__;                                                                    \
+  }                                                                                 \
+  __attribute__((target("arch=x86-64-v3"))) void name##V3 parameters {              \
+    __VA_ARGS__;                                                                    \
+  }                                                                                 \
+  void name##Plain parameters {                                                     \
+    __VA_ARGS__;                                                                    \
+  }                                                                                 \
+  void name parameters {                                                            \
+    static const auto chosen = __builtin_cpu_supports("x86-64-v4")   ? name##V4     \
+                               : __builtin_cpu_supports("x86-64-v3") ? name##V3     \
+                                                                     : name##Plain; \
+    chosen arguments;                                                               \
+  }
+#else
+#define QUIVERION_MULTI_TARGET_CALL(name, parameters, arguments, ...) \
+  QUIVERION_MULTI_TARGET void name parameters {                       \
+    __VA_ARGS__;                                                      \
+  }
 #endif
 
 /// Before a loop whose steps are independent although the compiler cannot see that nothing overlaps.

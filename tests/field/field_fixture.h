@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <string>
 #include <string_view>
@@ -12,6 +11,7 @@
 #include "support/error_of.h"
 #include "support/field_builder.h"
 #include "support/field_compare.h"
+#include "support/peak_memory.h"
 #include "support/test_session.h"
 
 namespace quiverion::test {
@@ -81,12 +81,5 @@ class FieldTest : public testing::Test {
   VectorField& field_ = program_.context.field;
   MemoryFileSystem& files_ = program_.files;
 };
-
-/// Kilobytes of memory that the process has needed at most.
-inline long PeakMemory() {
-  struct rusage usage {};
-  ::getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss;
-}
 
 }  // namespace quiverion::test
