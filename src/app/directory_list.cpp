@@ -40,7 +40,7 @@ void DirectoryList::SetPath(const std::string& path) {
   path_ = path;
   clear();
   setIconSize({static_cast<int>(lines.size()) * kIndent + kIconSize, kIconSize});  // room for the deepest
-  const QIcon open(":/icons/directory-open.svg"), closed(":/icons/directory.svg");
+  const QIcon open(":/icons/directory-open.ico"), closed(":/icons/directory.ico");
   int current = 0;
   for (const DirectoryLine& line : lines) {
     auto* const item = new QListWidgetItem(IndentedIcon(line.open ? open : closed, line.depth, devicePixelRatioF()),

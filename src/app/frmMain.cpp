@@ -52,7 +52,7 @@ frmMain::frmMain(const Machine& machine, QWidget* parent)
   ConnectFileControls();
   ConnectMenus();
   ReadDrives();
-  OpenDirectory(NearestDirectory(machine_.files, machine_.startDirectory));
+  OpenDirectory(NearestDirectory(machine_.files, machine_.startDirectory, drives_));
   ui_->lstMacroList->setFocus();
 }
 
@@ -203,7 +203,11 @@ void frmMain::ReadDrives() {
 }
 
 void frmMain::ShowDriveOfDirectory() {
-  const auto drive = std::ranges::find(drives_, DriveOf(drives_, ui_->Directory->Path()));
+  const std::string& directory = ui_->Directory->Path();
+  const auto drive = std::ranges::find(drives_, DriveOf(drives_, directory));
+  if (drive == drives_.end() && !directory.empty()) {  // a directory of a server has no drive
+    ui_->Drive->setPlaceholderText(ToQt(DirectoryLines(directory, {}).front().name));
+  }
   ui_->Drive->setCurrentIndex(drive == drives_.end() ? -1 : static_cast<int>(drive - drives_.begin()));
 }
 
@@ -238,7 +242,9 @@ bool frmMain::OpenDirectory(const std::string& path) {
 
 void frmMain::ReadLists() {
   const std::string path = ui_->Directory->Path();
-  if (!OpenDirectory(path)) OpenDirectory(NearestDirectory(machine_.files, path));
+  if (OpenDirectory(path)) return;
+  ReadDrives();  // its drive may have gone, too
+  OpenDirectory(NearestDirectory(machine_.files, path, drives_));
 }
 
 void frmMain::Start() {

@@ -1,5 +1,4 @@
 #include <QApplication>
-#include <span>
 
 #include "app/drives.h"
 #include "app/frmMain.h"
@@ -15,7 +14,7 @@ int main(int argc, char** argv) {
   PrepareApplication(application);
   std::string commandLine;
   std::vector<std::string> paths;
-  for (const std::string argument : std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
+  for (const std::string& argument : CommandLineArguments(argc, argv)) {
     commandLine += (commandLine.empty() ? "" : " ") + argument;
     if (argument != "::IDESTART") paths.push_back(AbsolutePath(argument));
   }

@@ -9,19 +9,30 @@
 namespace quiverion {
 namespace {
 
+// The end of what nothing lies above: "/", "C:\", "\\server\share".
+std::size_t EndOfRoot(const std::string& path) {
+  if (path.starts_with("\\\\")) {
+    const std::size_t server = std::min(path.find('\\', 2), path.size());
+    return std::min(path.find('\\', server + 1), path.size());
+  }
+  const std::size_t first = path.find_first_of("\\/");
+  return first == std::string::npos ? path.size() : first + 1;
+}
+
 // The ends of "/", "/a", "/a/b" or of "C:\", "C:\a": each names a directory on the way.
 std::vector<std::size_t> EndsOfParts(const std::string& path) {
-  std::vector<std::size_t> ends;
-  for (std::size_t k = 0; k < path.size(); ++k) {
-    if (!IsPathSeparator(path[k])) continue;
-    ends.push_back(ends.empty() ? k + 1 : k);
+  std::vector<std::size_t> ends = {EndOfRoot(path)};
+  for (std::size_t k = ends.front() + 1; k < path.size(); ++k) {
+    if (IsPathSeparator(path[k]) && !IsPathSeparator(path[k - 1])) ends.push_back(k);
   }
-  if (ends.empty() || ends.back() < path.size()) ends.push_back(path.size());
+  if (ends.back() < path.size() && !IsPathSeparator(path.back())) ends.push_back(path.size());
   return ends;
 }
 
 bool Begins(const std::string& directory, const std::string& drive) {
-  if (!directory.starts_with(drive)) return false;
+  const bool ofLetter = drive.size() > 1 && drive[1] == ':';  // in upper or lower case
+  const std::string beginning = directory.substr(0, drive.size());
+  if (beginning != drive && !(ofLetter && AsciiUpper(beginning) == AsciiUpper(drive))) return false;
   return directory.size() == drive.size() || IsPathSeparator(drive.back()) || IsPathSeparator(directory[drive.size()]);
 }
 
@@ -31,9 +42,7 @@ std::vector<DirectoryLine> DirectoryLines(const std::string& path, std::vector<s
   std::vector<DirectoryLine> lines;
   for (const std::size_t end : EndsOfParts(path)) {
     const std::string part = path.substr(0, end);
-    if (!lines.empty() && part == lines.back().path) continue;
-    const std::string_view name = FileNameOf(part);
-    lines.push_back({name.empty() ? part : std::string(name), part, static_cast<int>(lines.size()), true});
+    lines.push_back({lines.empty() ? part : std::string(FileNameOf(part)), part, static_cast<int>(lines.size()), true});
   }
   std::ranges::sort(subdirectories, FileNameLess);
   const int depth = static_cast<int>(lines.size());
@@ -54,17 +63,22 @@ std::string DriveOf(const std::vector<std::string>& drives, const std::string& d
   return longest;
 }
 
-std::string NearestDirectory(FileSystem& files, const std::string& directory) {
+std::string NearestDirectory(FileSystem& files, const std::string& directory, const std::vector<std::string>& drives) {
+  const auto canBeListed = [&files](const std::string& path) {
+    try {
+      files.ListDirectories(path);
+      return true;
+    } catch (const SystemError&) {
+      return false;
+    }
+  };
   std::string nearest = directory;
   for (std::string above = directory; !above.empty(); above = ParentDirectory(above)) {
     nearest = above;
-    try {
-      files.ListDirectories(above);
-      break;
-    } catch (const SystemError&) {  // the one above it
-    }
+    if (canBeListed(nearest)) return nearest;
   }
-  return nearest;
+  const auto other = std::ranges::find_if(drives, canBeListed);
+  return other == drives.end() ? nearest : *other;
 }
 
 DroppedSelection SelectionOf(FileSystem& files, const std::vector<std::string>& paths) {

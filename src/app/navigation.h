@@ -17,7 +17,7 @@ struct DirectoryLine {
   bool open = false;  // the directory itself and those above it
 };
 
-/// The directories from the root down to `path`, then those in it, sorted by name.
+/// The directories from the root ("/", "C:\", "\\server\share") down to `path`, then those in it, sorted by name.
 std::vector<DirectoryLine> DirectoryLines(const std::string& path, std::vector<std::string> subdirectories);
 
 /// The directory that holds `path`; an empty text for a root and for a name alone.
@@ -26,8 +26,8 @@ std::string ParentDirectory(const std::string& path);
 /// The drive that holds `directory`: the longest of `drives` that it begins with; an empty text where there is none.
 std::string DriveOf(const std::vector<std::string>& drives, const std::string& directory);
 
-/// `directory` or the nearest one above it that can be listed; the root where none can.
-std::string NearestDirectory(FileSystem& files, const std::string& directory);
+/// `directory` or the nearest one above it that can be listed, else the first such drive; the root where none can.
+std::string NearestDirectory(FileSystem& files, const std::string& directory, const std::vector<std::string>& drives);
 
 /// What files or a directory dropped on the window select.
 struct DroppedSelection {

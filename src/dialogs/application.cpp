@@ -9,6 +9,7 @@
 #include <QTranslator>
 
 #include "dialogs/icons.h"
+#include "dialogs/native.h"
 #include "dialogs/run_modal.h"
 
 namespace quiverion {
@@ -39,13 +40,14 @@ class ShortcutRules : public QObject {
 
 void PrepareApplication(QApplication& application) {
   QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+  UseIcons();
+  ChooseFonts();
   auto* const german = new QTranslator(&application);
   if (german->load(QStringLiteral("qtbase_de"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
     QCoreApplication::installTranslator(german);
   }
   application.installEventFilter(new ShortcutRules(&application));
-  UseIcons();
-  QApplication::setWindowIcon(QIcon(":/icons/program.svg"));
+  QApplication::setWindowIcon(QIcon(":/icons/program.ico"));
   QGuiApplication::setDesktopFileName(QStringLiteral("org.quiverion.QuiverionSeries"));
   QApplication::setApplicationName(QStringLiteral("QuiverionSeries"));
   // The main window is hidden during a run: its end is not the program's.

@@ -42,7 +42,7 @@ frmChooseMacroEvent::frmChooseMacroEvent(QWidget* parent)
 frmChooseMacroEvent::~frmChooseMacroEvent() = default;
 
 void frmChooseMacroEvent::FillTree() {
-  const QIcon closedMenu(":/icons/menu-closed.svg"), openMenu(":/icons/menu-open.svg"), command(":/icons/command.svg");
+  const QIcon closedMenu(":/icons/menu-closed.ico"), openMenu(":/icons/menu-open.ico"), command(":/icons/command.ico");
   std::map<std::int32_t, QTreeWidgetItem*> nodes;
   for (const CommandRow& row : CommandCatalogue()) {
     auto* const node =

@@ -5,6 +5,7 @@
 #include <QTextBlock>
 #include <QTextCursor>
 
+#include "dialogs/native.h"
 #include "dialogs/paper.h"
 #include "dialogs/qt_text.h"
 #include "dialogs/run_modal.h"
@@ -80,6 +81,10 @@ frmShowLogFile::~frmShowLogFile() = default;
 
 void frmShowLogFile::Print() {
   QPrinter printer(QPrinter::HighResolution);
+  if (!CanAskHowToPrint(printer)) {
+    messages_.Ask({.title = "Log-Datei drucken", .text = "Es ist kein Drucker eingerichtet!"});
+    return;
+  }
   const bool selected = ui_->RichTextBox->textCursor().hasSelection();
   printer.setPrintRange(selected ? QPrinter::Selection : QPrinter::AllPages);
   QPrintDialog dialog(&printer, this);

@@ -1,6 +1,7 @@
 #include "dialogs/help.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QResource>
@@ -30,13 +31,13 @@ Help::Help(std::string file, std::function<std::string()> topic, const QWidget& 
 Help::~Help() {
   if (!window_) return;
   window_.reset();
-  QResource::unregisterResource(QFile::decodeName(file_.c_str()), kRoot);
+  QResource::unregisterResource(PathToQt(file_), kRoot);
 }
 
 bool Help::HasWindow() {
   if (window_) return true;
   const QString pages = QString(":") + kRoot;
-  QResource::registerResource(QFile::decodeName(file_.c_str()), kRoot);
+  QResource::registerResource(PathToQt(file_), kRoot);
   if (!QFile::exists(pages + "/inhalt.html")) {
     messages_.Ask({.title = "QuiverionSeries", .text = "Die Hilfe-Datei '" + file_ + "' ist nicht vorhanden!"});
     return false;

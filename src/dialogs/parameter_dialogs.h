@@ -25,7 +25,7 @@ struct FileQuestion {
   Kind kind = Kind::open;
   std::string title = {};
   std::vector<std::string> filters = {};  // "Textdatei (*.txt)"; several patterns are separated by blanks
-  std::size_t selectedFilter = 0;
+  std::size_t selectedFilter = 0;         // of a file to be opened
   std::string directory = {};
   std::string fileName = {};   // preset, without directory
   std::string extension = {};  // appended to a name without one, "txt"; none where empty

@@ -1,6 +1,7 @@
 #include "dialogs/parameter_windows.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QInputDialog>
 #include <QLayout>
 
@@ -10,8 +11,10 @@
 #include "dialogs/frmPrefixPostfix.h"
 #include "dialogs/frmXYTrafo.h"
 #include "dialogs/message_box.h"
+#include "dialogs/native.h"
 #include "dialogs/qt_text.h"
 #include "dialogs/run_modal.h"
+#include "platform/paths.h"
 
 namespace quiverion {
 namespace {
@@ -35,7 +38,7 @@ std::unique_ptr<ParameterWindow> MakeWindow(const ParameterEditor& editor, UserI
 
 // `path` or the nearest directory above it that exists: of one that has gone the dialog would take the end for a file name.
 QString ExistingDirectory(const std::string& path) {
-  QString directory = QFile::decodeName(path.c_str());
+  QString directory = PathToQt(path);
   for (QString above; !QFileInfo(directory).isDir(); directory = above) {
     above = QFileInfo(directory).path();
     if (above == directory) break;
@@ -67,18 +70,22 @@ std::optional<std::string> ParameterWindows::ChooseFile(const FileQuestion& ques
   QFileDialog dialog(&parent_, ToQt(question.title), ExistingDirectory(question.directory));
   QStringList filters;
   for (const std::string& filter : question.filters) filters.append(ToQt(filter));
-  dialog.setNameFilters(filters);
-  dialog.selectNameFilter(filters.value(static_cast<qsizetype>(question.selectedFilter)));
-  dialog.setDefaultSuffix(ToQt(question.extension));
   if (question.kind == FileQuestion::Kind::open) {
+    dialog.setNameFilters(filters);
+    dialog.selectNameFilter(filters.value(static_cast<qsizetype>(question.selectedFilter)));
     dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setDefaultSuffix(ToQt(question.extension));
   } else {
+    SetSaveFilters(dialog, filters);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
   }
-  if (!question.fileName.empty()) dialog.selectFile(QFile::decodeName(question.fileName.c_str()));
+  if (!question.fileName.empty()) dialog.selectFile(PathToQt(question.fileName));
   if (RunModal(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-  return PathFromQt(dialog.selectedFiles().front());
+  const std::string path = PathFromQt(dialog.selectedFiles().front());
+  const bool isComplete = question.kind == FileQuestion::Kind::open || question.extension.empty() ||
+                          FileNameOf(path).find('.') != std::string_view::npos;
+  return isComplete ? path : path + "." + question.extension;
 }
 
 bool ParameterWindows::EditInWindow(const CommandRow& command, MacroEvent& event) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QFile>
 #include <QString>
 #include <string>
 #include <string_view>
@@ -21,9 +20,11 @@ inline std::string FromQt(const QString& text) {
   return text.toStdString();
 }
 
-/// Paths are bytes for the core; Qt shows those that are no UTF-8 with replacement characters.
-inline std::string PathFromQt(const QString& path) {
-  return QFile::encodeName(path).toStdString();
-}
+/// A path of the core for the calls of Qt, and to be shown: with the separators that the system shows. Of a name that is
+/// no text something is lost only where the system has names of bytes.
+QString PathToQt(std::string_view path);
+
+/// A path that Qt has given, as the core takes it.
+std::string PathFromQt(const QString& path);
 
 }  // namespace quiverion

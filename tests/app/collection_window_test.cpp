@@ -129,6 +129,7 @@ TEST_F(CollectionWindow, EndsTheProgramWhereTheFileCannotBeShortened) {
   memory->files["/m/s.col"] = Collection(2);
   memory->faults.setFileSize = true;
   files = std::move(memory);
+  drives = {"/"};
   Open();
   script.Expect<QDialog>("quiverion::frmShowCollection", [this](QDialog& dialog) {
     Select(dialog, {1});

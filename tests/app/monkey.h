@@ -25,6 +25,7 @@
 #include "dialogs/qt_text.h"
 #include "dialogs/run_modal.h"
 #include "monkey_house.h"
+#include "platform/paths.h"
 
 namespace quiverion::test {
 
@@ -39,7 +40,7 @@ class Monkey : public QObject {
     std::function<void(const std::string& what)> fail;  // something is wrong; the game is over then
   };
 
-  /// What is typed into file dialogs lies in `place`, which ends in "/".
+  /// What is typed into file dialogs lies in `place`, which ends in a separator.
   Monkey(std::uint32_t seed, std::string place) : random_(seed), place_(std::move(place)) {
     timer_.setSingleShot(true);
     connect(&timer_, &QTimer::timeout, this, &Monkey::Step);
@@ -385,7 +386,7 @@ class Monkey : public QObject {
     for (int k = 0; k < 20 && !path.endsWith(kind) && Chance(80); ++k) path = SomePath();
     Note(window, "file name " + FromQt(path));
     if (IsBehindDialog(window)) return;
-    const bool isInPlace = (PathFromQt(dialog.directory().absolutePath()) + "/").starts_with(place_);
+    const bool isInPlace = WithSeparator(PathFromQt(dialog.directory().absolutePath())).starts_with(place_);
     auto* const name = dialog.findChild<QLineEdit*>("fileNameEdit");
     name->setText((isInPlace && Chance(30) ? "" : place_.c_str()) + path);
     name->setFocus();

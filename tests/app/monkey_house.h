@@ -1,7 +1,5 @@
 #pragma once
 
-#include <unistd.h>
-
 #include <QByteArray>
 #include <QDebug>
 #include <algorithm>
@@ -17,6 +15,7 @@
 #include <thread>
 
 #include "dialogs/qt_text.h"
+#include "hang.h"
 #include "platform/file_system.h"
 #include "support/soak.h"
 #ifdef __SANITIZE_ADDRESS__
@@ -83,10 +82,11 @@ class ConfinedFiles : public FileSystem {
     std::unique_ptr<OutputFile> file;
   };
 
-  bool IsInside(std::string path) const {
+  static std::u8string Normal(std::string path) {
     std::ranges::replace(path, '\\', '/');
-    return (std::filesystem::path(path).lexically_normal().string() + "/").starts_with(place_);
+    return std::filesystem::path(std::u8string(path.begin(), path.end())).lexically_normal().generic_u8string();
   }
+  bool IsInside(const std::string& path) const { return Normal(path + "/").starts_with(Normal(place_)); }
   FileSystem& Changed(const std::string& path) {
     FailNowAndThen(ErrorNumber::accessDenied);
     if (IsInside(path)) return *files_;
@@ -125,7 +125,8 @@ class OwnHome {
 
  private:
   static constexpr const char* kNames[] = {"HOME",           "XDG_CONFIG_HOME", "XDG_DATA_HOME",   "XDG_CACHE_HOME",
-                                           "XDG_STATE_HOME", "XDG_RUNTIME_DIR", "XDG_DESKTOP_DIR", "TMPDIR"};
+                                           "XDG_STATE_HOME", "XDG_RUNTIME_DIR", "XDG_DESKTOP_DIR", "TMPDIR",
+                                           "USERPROFILE"};
   std::filesystem::path directory_;
   std::array<QByteArray, std::size(kNames)> old_;
 };
@@ -200,7 +201,7 @@ class Witness {
       std::this_thread::sleep_for(std::chrono::milliseconds(50));
       if (History::Time::now() - history.LastBeat() < std::chrono::seconds(30)) continue;
       std::fputs("The program does not look for events any more.\n", stderr);
-      ::kill(::getpid(), SIGABRT);  // arrives in the thread that hangs
+      EndWhatHangs();
       return;
     }
   }

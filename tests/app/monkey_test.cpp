@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "app/frmMain.h"
+#include "app/navigation.h"
 #include "generator/sample_files.h"
 #include "macro/macro_file.h"
 #include "monkey.h"
@@ -40,7 +41,7 @@ class MonkeyTest : public testing::Test {
   void BuildPlace() {
     ExpectInputIntact();
     for (const auto& entry : fs::directory_iterator(place.Path())) {
-      if (entry.path() != home) fs::remove_all(entry.path());
+      if (entry.path() != fs::path(home)) cli::RemoveTree(entry.path());
     }
     for (const auto& [name, bytes] : content) place.Write(name, bytes);
     fs::create_directory(place.Path() + "leer");
@@ -50,7 +51,7 @@ class MonkeyTest : public testing::Test {
   void ChangeFiles() {
     const auto name = std::next(content.begin(), static_cast<std::ptrdiff_t>(random() % content.size()))->first;
     if (name.ends_with(".vec")) return;
-    const std::string path = place.Path() + name;
+    const fs::path path = cli::PathOf(place.Path() + name);
     std::error_code ignored;
     switch (random() % 6) {
       case 0:
@@ -95,7 +96,7 @@ class MonkeyTest : public testing::Test {
     BuildPlace();
     ConfinedFiles files(place.Path());
     const SystemClock clock;
-    const std::vector<std::string> drives = {"/", place.Path() + "serie", "/nicht/da"};
+    const std::vector<std::string> drives = {root, place.Path() + "serie", root + "nicht/da"};
     frmMain window({.files = files,
                     .clock = clock,
                     .listDrives = [&] { return drives; },
@@ -144,6 +145,7 @@ class MonkeyTest : public testing::Test {
   }
 
   cli::Workplace place;
+  std::string root = DirectoryLines(place.Path(), {}).front().path;
   std::string home = place.Path() + "heim";
   std::mt19937 random{Seed()};
   Monkey monkey{Seed(), place.Path()};

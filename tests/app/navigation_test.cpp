@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "support/memory_file_system.h"
+#include "support/slashes.h"
 
 namespace quiverion {
 namespace {
+
+using test::WithSlashes;
 
 std::string Drawn(const std::vector<DirectoryLine>& lines) {
   std::string text;
@@ -13,13 +16,21 @@ std::string Drawn(const std::vector<DirectoryLine>& lines) {
     text += std::string(static_cast<std::size_t>(line.depth), ' ') + (line.open ? "*" : "") + line.name + "=" +
             line.path + "|";
   }
-  return text;
+  return WithSlashes(text);
 }
 
 TEST(Navigation, TheDirectoryListLeadsFromTheRootToTheSubdirectories) {
   EXPECT_EQ(Drawn(DirectoryLines("/", {"b", "A"})), "*/=/| A=/A| b=/b|");
   EXPECT_EQ(Drawn(DirectoryLines("/x/y", {"z"})), "*/=/| *x=/x|  *y=/x/y|   z=/x/y/z|");
-  EXPECT_EQ(Drawn(DirectoryLines("C:\\x", {})), "*C:\\=C:\\| *x=C:\\x|");
+  EXPECT_EQ(Drawn(DirectoryLines("/x/", {"z"})), "*/=/| *x=/x|  z=/x/z|");
+  EXPECT_EQ(Drawn(DirectoryLines("C:\\x", {})), WithSlashes(R"(*C:\=C:\| *x=C:\x|)"));
+  const std::string share = R"(\\s\mess)";
+  EXPECT_EQ(Drawn(DirectoryLines(share, {})), WithSlashes(R"(*\\s\mess=\\s\mess|)"));
+  EXPECT_EQ(Drawn(DirectoryLines(share + "\\", {})), WithSlashes(R"(*\\s\mess=\\s\mess|)"));
+  EXPECT_EQ(Drawn(DirectoryLines(share + "\\a\\b", {})),
+            WithSlashes(R"(*\\s\mess=\\s\mess| *a=\\s\mess\a|  *b=\\s\mess\a\b|)"));
+  EXPECT_EQ(ParentDirectory(share + "\\a.mak"), share);
+  EXPECT_EQ(ParentDirectory(share), "");
 }
 
 TEST(Navigation, ADriveHoldsWhatLiesBelowIt) {
@@ -29,14 +40,16 @@ TEST(Navigation, ADriveHoldsWhatLiesBelowIt) {
   EXPECT_EQ(DriveOf(drives, "/media/usb2/x"), "/media/usb2");
   EXPECT_EQ(DriveOf(drives, "/media/usb3"), "/");
   EXPECT_EQ(DriveOf({"C:\\"}, "D:\\"), "");
+  EXPECT_EQ(DriveOf({"C:\\"}, "c:\\x"), "C:\\");
 }
 
 TEST(Navigation, AVanishedDirectoryGivesWayToTheNearestAboveIt) {
   test::MemoryFileSystem files;
   files.directories = {"/a", "/a/b"};
-  EXPECT_EQ(NearestDirectory(files, "/a/b"), "/a/b");
-  EXPECT_EQ(NearestDirectory(files, "/a/b/c/d"), "/a/b");
-  EXPECT_EQ(NearestDirectory(files, "/x/y"), "/");
+  EXPECT_EQ(NearestDirectory(files, "/a/b", {"/a"}), "/a/b");
+  EXPECT_EQ(NearestDirectory(files, "/a/b/c/d", {"/a"}), "/a/b");
+  EXPECT_EQ(NearestDirectory(files, "/x/y", {}), "/");
+  EXPECT_EQ(NearestDirectory(files, "D:\\x", {"C:\\", "/a"}), "/a");
 }
 
 TEST(Navigation, DroppedFilesAndDirectoriesSelect) {
@@ -55,7 +68,7 @@ TEST(Navigation, DroppedFilesAndDirectoriesSelect) {
 }
 
 TEST(Navigation, TheHelpFileLiesBesideTheProgram) {
-  EXPECT_EQ(HelpFileOf("", "/opt"), "/opt/Quiverion.hlp");
+  EXPECT_EQ(WithSlashes(HelpFileOf("", "/opt")), "/opt/Quiverion.hlp");
   EXPECT_EQ(HelpFileOf("::IDESTART x", "/opt/"), "/opt/Quiverion.hlp");
   EXPECT_EQ(HelpFileOf("::IDESTART", "/opt"), "");
 }

@@ -133,7 +133,7 @@ TEST_F(WholeWay, ComposesSavesLoadsRunsAndSavesTheLog) {
   std::string log;
   ExpectLog(&log, [&](QDialog& dialog) {
     script.ExpectBox(QMessageBox::Ok,
-                     "Log-Datei speichern|Datei gespeichert unter '" + place.Path() + "serie/Log.rtf'");
+                     "Log-Datei speichern|Datei gespeichert unter '" + place.At("serie/Log.rtf") + "'");
     Press(dialog, "cmdSave");
   });
   Click("cmdOk");
@@ -199,8 +199,8 @@ TEST_F(WholeWay, AFileDeletedBeforeStartIsAskedAbout) {
   SetMacro({40001});
   Files().selectAll();
   std::remove((place.Path() + "serie/b.vas").c_str());
-  script.ExpectBox(QMessageBox::Retry, "QuiverionSeries  -  Fehler im Makro|Die Datei '" + place.Path() +
-                                           "serie/b.vas' kann nicht geöffnet werden!\nDatei nicht vorhanden, "
+  script.ExpectBox(QMessageBox::Retry, "QuiverionSeries  -  Fehler im Makro|Die Datei '" + place.At("serie/b.vas") +
+                                           "' kann nicht geöffnet werden!\nDatei nicht vorhanden, "
                                            "beschädigt oder wird bereits verwendet.");
   script.ExpectBox(QMessageBox::Abort);
   Click("cmdOk");

@@ -11,6 +11,7 @@
 #include "app/directory_list.h"
 #include "app/file_list.h"
 #include "app/frmMain.h"
+#include "app/navigation.h"
 #include "generator/sample_files.h"
 #include "support/program.h"
 #include "windows/modal_script.h"
@@ -92,7 +93,8 @@ class MainWindow : public testing::Test {
   cli::Workplace place;
   std::unique_ptr<FileSystem> files = MakeSystemFileSystem();
   FaultyClock clock;
-  std::vector<std::string> drives = {"/"};
+  std::string root = DirectoryLines(place.Path(), {}).front().path;  // "/" or "C:\"
+  std::vector<std::string> drives = {root};
   std::string helpFile = "/opt/Quiverion.hlp";
   ModalScript script;
   std::unique_ptr<frmMain> window;

@@ -87,7 +87,7 @@ class ModalScript {
     Expect<QDialog>("QFileDialog", [path, look](QDialog& dialog) {
       if (look) look(dialog);
       if (path.empty()) return dialog.reject();
-      Find<QLineEdit>(dialog, "fileNameEdit").setText(QFile::decodeName(path.c_str()));
+      Find<QLineEdit>(dialog, "fileNameEdit").setText(PathToQt(path));
       QMetaObject::invokeMethod(&dialog, "accept");
     });
   }

@@ -1,0 +1,30 @@
+#include "dialogs/native.h"
+
+#include <QApplication>
+#include <QFont>
+
+namespace quiverion {
+
+// Where Qt finds "*.txt" in a filter it makes "txt" the extension that the system appends to a name with another one.
+// "Textdatei (.txt) (*txt)" is shown without the last part.
+void SetSaveFilters(QFileDialog& dialog, const QStringList& filters) {
+  QStringList quiet;
+  for (const QString& filter : filters) {
+    const QString patterns = filter.section(u'(', -1);
+    quiet.append(QString(filter).replace("*.", ".") + " (" + QString(patterns).replace("*.", "*"));
+  }
+  dialog.setOption(QFileDialog::HideNameFilterDetails);
+  dialog.setNameFilters(quiet);
+}
+
+bool CanAskHowToPrint(const QPrinter& printer) {
+  return printer.outputFormat() == QPrinter::NativeFormat;  // without a printer it falls back to files
+}
+
+// wine names a font that it lacks, and Qt would take any.
+void ChooseFonts() {
+  QFont::insertSubstitutions(QApplication::font().family(),
+                             {"Segoe UI", "Tahoma", "Arial", "Liberation Sans", "DejaVu Sans"});
+}
+
+}  // namespace quiverion
