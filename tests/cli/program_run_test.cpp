@@ -1,42 +1,17 @@
 // quiverionseries-cli run, as a script sees it.
 #include <gtest/gtest.h>
 
-#include <csignal>
-
-#include "generator/sample_files.h"
-#include "support/bytes.h"
-#include "support/program.h"
+#include "cli/program_run.h"
 
 namespace quiverion::cli {
 namespace {
 
 using test::Bytes;
 
-// Saves every file as VAS with the postfix "_s".
-const std::string kSaveMacro = Bytes().I32(1).I32(10001).Text("").Text("_s");
-
-samples::SampleField Sample(int index) {
-  samples::SampleOptions options;
-  options.index = index;
-  options.columns = 5;
-  options.rows = 4;
-  return samples::MakeSampleField(options);
-}
-
 // The log up to its verdict: how long the run took, and whether that is said, differs from run to run.
 std::string UpToVerdict(const std::string& log) {
   return log.substr(0, log.find('\n', log.rfind("Makro-Ausf")) + 1);
 }
-
-class ProgramRun : public testing::Test {
- protected:
-  ProgramRun() {
-    place.Write("s.mak", kSaveMacro);
-    place.Write("serie/b.vas", samples::VasBytes(Sample(0)));
-  }
-
-  Workplace place;
-};
 
 TEST_F(ProgramRun, LogsEveryCommandAndEveryFormat) {
   place.Write("serie/a.dat", samples::DatBytes(Sample(1)));
@@ -109,8 +84,8 @@ TEST_F(ProgramRun, RefusesWhatCannotBeStarted) {
   place.Write("leer/x.txt", "");
   place.Write("leer.mak", std::string(4, '\0'));
   place.Write("kaputt.mak", "\x01");
-  const std::string missing = "Die Datei '" + place.Path() +
-                              "serie/x.vas' kann nicht geöffnet werden!\nDatei nicht vorhanden, beschädigt oder "
+  const std::string missing = "Die Datei '" + place.At("serie/x.vas") +
+                              "' kann nicht geöffnet werden!\nDatei nicht vorhanden, beschädigt oder "
                               "wird bereits verwendet.\n";
   const Refusal refusals[] = {
       {{}, 2, "quiverionseries-cli --help"},
@@ -146,65 +121,10 @@ TEST_F(ProgramRun, RefusesWhatCannotBeStarted) {
   }
 }
 
-TEST_F(ProgramRun, FailsWhereStandardOutputIsFull) {
-  EXPECT_EQ(RunProgram(place, {"run", "--macro", "s.mak", "serie"}, "", "/dev/full").code, 1);
-  EXPECT_EQ(RunProgram(place, {"commands"}, "", "/dev/full").code, 1);
-  EXPECT_TRUE(place.Has("serie/b_s.vas")) << "the run itself goes on";
-}
-
 TEST_F(ProgramRun, TakesFileNamesOfAnyKind) {
-  const std::string names[] = {"Düse 3 – Ω", " blanks ", "caf\xE9", "-dash", "it's \"quoted\"", "tab\there"};
-  for (const std::string& name : names) {
-    place.Write("Reihe ä/" + name + ".vas", samples::VasBytes(Sample(0)));
-    EXPECT_EQ(RunProgram(place, {"run", "--macro", "s.mak", "Reihe ä/" + name + ".vas"}).code, 0) << name;
-    EXPECT_EQ(place.Read("Reihe ä/" + name + "_s.vas"), place.Read("Reihe ä/" + name + ".vas")) << name;
-  }
+  for (const std::string name : {"Düse 3 – Ω 🌀", " blanks ", "-dash", "it's $(quoted) %s"}) TakesFile(name);
   EXPECT_EQ(RunProgram(place, {"run", "--macro", "s.mak", "--log", "log.txt", "Reihe ä"}).code, 0);
-  EXPECT_EQ(place.Files().size(), 2 + 6 * 3 + 1u) << "every file and its result have a result";
-}
-
-class ProgramSignals : public ProgramRun {
- protected:
-  ProgramSignals() {
-    for (int k = 10; k < 50; ++k) place.Write("viele/" + std::to_string(k) + ".vas", samples::VasBytes(Sample(k)));
-  }
-};
-
-// A connection that is dropped (SIGHUP) cost the log and left temporary files.
-TEST_F(ProgramSignals, EndTheRunBehindTheRunningCommand) {
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-    StalledProgram program(place, {"run", "--macro", "s.mak", "--log", "log.txt", "viele"});
-    ASSERT_TRUE(program.WaitUntilStalled());
-    program.Signal(signal);
-    const Outcome outcome = program.Finish();
-    EXPECT_EQ(outcome.code, 3);
-    EXPECT_NE(outcome.out.find("--- Makro-Ausführung frühzeitig ABGEBROCHEN ---"), std::string::npos) << outcome.out;
-    EXPECT_EQ(outcome.out.find("49.vas"), std::string::npos) << "no further file is started";
-    EXPECT_NE(place.Read("log.txt").find("ABGEBROCHEN"), std::string::npos);
-    for (const std::string& name : place.Files()) {
-      EXPECT_EQ(name.find(".tmp"), std::string::npos) << name;
-      if (!name.ends_with("_s.vas")) continue;
-      EXPECT_EQ(place.Read(name).size(), place.Read("viele/10.vas").size()) << name;
-    }
-  }
-}
-
-// As nohup and shells without a terminal want it.
-TEST_F(ProgramSignals, DoNothingWhereTheyWereIgnoredBefore) {
-  std::signal(SIGHUP, SIG_IGN);
-  StalledProgram program(place, {"run", "--macro", "s.mak", "viele"});
-  std::signal(SIGHUP, SIG_DFL);
-  ASSERT_TRUE(program.WaitUntilStalled());
-  program.Signal(SIGHUP);
-  EXPECT_EQ(program.Finish().code, 0);
-}
-
-TEST_F(ProgramSignals, EndTheProgramAtOnceTheSecondTime) {
-  StalledProgram program(place, {"run", "--macro", "s.mak", "viele"});
-  ASSERT_TRUE(program.WaitUntilStalled());
-  program.Signal(SIGINT);
-  program.Signal(SIGTERM);
-  EXPECT_EQ(program.Finish().signal, SIGTERM);
+  EXPECT_EQ(place.Files().size(), 2 + 4 * 3 + 1u) << "every file and its result have a result";
 }
 
 }  // namespace

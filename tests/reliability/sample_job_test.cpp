@@ -14,6 +14,7 @@
 #include "macro/series_files.h"
 #include "statistics/compute_statistic.h"
 #include "support/program.h"
+#include "support/slashes.h"
 #include "support/test_session.h"
 
 namespace quiverion::cli {
@@ -87,7 +88,7 @@ TEST_F(SampleJob, GivesTheSameBytesEverywhere) {
     EXPECT_TRUE(ComputeStatistic(session.context, kind, "Serie.col", output, 15E-6));
   }
   EXPECT_TRUE(program.ui.messages.empty());
-  std::string sums = SumLine("(log)", program.TakeLog());
+  std::string sums = SumLine("(log)", WithSlashes(program.TakeLog()));
   for (const std::string& name : place_.Files()) {
     if (name != "sample.json") sums += SumLine(name, place_.Read(name));
   }

@@ -175,7 +175,7 @@ void MemoryFileSystem::CreateDirectoryQuietly(const std::string& path) {
 }
 
 std::vector<std::string> MemoryFileSystem::ListFiles(const std::string& directory) {
-  const std::string prefix = WithSeparator(Normal(directory));
+  const std::string prefix = Normal(WithSeparator(directory));
   std::vector<std::string> names;
   for (const auto& [path, content] : files) {
     if (path.starts_with(prefix) && path.find('/', prefix.size()) == std::string::npos) {
@@ -187,7 +187,7 @@ std::vector<std::string> MemoryFileSystem::ListFiles(const std::string& director
 
 std::vector<std::string> MemoryFileSystem::ListDirectories(const std::string& directory) {
   if (!IsDirectory(directory)) throw SystemError(ErrorNumber::pathNotFound);
-  const std::string prefix = WithSeparator(Normal(directory));
+  const std::string prefix = Normal(WithSeparator(directory));
   std::set<std::string> names;
   const auto add = [&](const std::string& path, bool isDirectory) {
     const std::size_t end = path.find('/', prefix.size());
@@ -212,7 +212,7 @@ void MemoryFileSystem::ClearReadOnly(const std::string& path) {
 bool MemoryFileSystem::IsDirectory(const std::string& path) {
   const std::string normal = Normal(path);
   if (normal.empty() || normal == "/" || directories.contains(normal)) return true;
-  const std::string prefix = WithSeparator(normal);
+  const std::string prefix = Normal(WithSeparator(normal));
   const auto after = files.lower_bound(prefix);
   return after != files.end() && after->first.starts_with(prefix);
 }

@@ -1,4 +1,4 @@
-#include "support/program.h"
+#include "support/posix_processes.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -7,28 +7,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <thread>
 
 namespace quiverion::cli {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr auto kPause = std::chrono::milliseconds(10);
-
-std::string ReadAll(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  EXPECT_TRUE(file) << path;
-  return std::string(std::istreambuf_iterator<char>(file), {});
-}
 
 // A file without a name, open in all processes that come from this one.
 class UnnamedFile {
@@ -97,40 +86,6 @@ std::string StatusLine(pid_t process, const std::string& name) {
 
 }  // namespace
 
-Workplace::Workplace() {
-  std::string pattern = testing::TempDir() + "quiverion_" + std::string(6, 'X');
-  path_ = fs::canonical(::mkdtemp(pattern.data())).string() + "/";
-}
-
-Workplace::~Workplace() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-}
-
-void Workplace::Write(const std::string& name, const std::string& content) const {
-  fs::create_directories(fs::path(path_ + name).parent_path());
-  std::ofstream file(path_ + name, std::ios::binary);
-  file << content;
-  EXPECT_TRUE(file.flush()) << name;
-}
-
-std::string Workplace::Read(const std::string& name) const {
-  return ReadAll(path_ + name);
-}
-
-bool Workplace::Has(const std::string& name) const {
-  return fs::exists(path_ + name);
-}
-
-std::vector<std::string> Workplace::Files() const {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::recursive_directory_iterator(path_)) {
-    if (entry.is_regular_file()) names.push_back(entry.path().string().substr(path_.size()));
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 Outcome RunProgram(const Workplace& place, const std::vector<std::string>& arguments, const std::string& input,
                    const std::string& output, const Surroundings& surroundings) {
   UnnamedFile in, out, err;
@@ -159,15 +114,6 @@ bool KillProgram(const Workplace& place, const std::vector<std::string>& argumen
   int status = 0;
   ::waitpid(process, &status, 0);
   return WIFSIGNALED(status);
-}
-
-void ExpectApproved(const Workplace& place, const std::string& name, std::string text) {
-  for (std::size_t at; (at = text.find(place.Path())) != std::string::npos;) {
-    text.replace(at, place.Path().size(), "<hier>/");
-  }
-  const std::string path = std::string(APPROVED_TEXTS) + "/" + name;
-  if (std::getenv("QUIVERION_APPROVE") != nullptr) std::ofstream(path, std::ios::binary) << text;
-  EXPECT_EQ(text, ReadAll(path)) << name;
 }
 
 StalledProgram::StalledProgram(const Workplace& place, const std::vector<std::string>& arguments) {

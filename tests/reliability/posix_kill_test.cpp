@@ -7,7 +7,7 @@
 #include "generator/sample_files.h"
 #include "reliability/written_series.h"
 #include "support/collection_bytes.h"
-#include "support/program.h"
+#include "support/posix_processes.h"
 #include "support/soak.h"
 
 namespace quiverion::cli {

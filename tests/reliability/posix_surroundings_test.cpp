@@ -51,7 +51,7 @@ TEST_F(Confined, ClosedStandardStreamsDoNotLeadIntoTheFiles) {
     EXPECT_EQ(Run({.closed = closed}, {"a.vas"}).code, 1);
     Tree tree = ReadTree(place_.Path());
     std::string& log = tree.at("L.txt");
-    log.resize(log.find("Dauer"));
+    log.resize(log.find("Makro-Ausführung"));  // a quick run has no duration
     return tree;
   };
   const Tree open = runOnIt({});

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "generator/sample_files.h"
+#include "support/bytes.h"
+#include "support/program.h"
+
+namespace quiverion::cli {
+
+// Saves every file as VAS with the postfix "_s".
+inline const std::string kSaveMacro = test::Bytes().I32(1).I32(10001).Text("").Text("_s");
+
+inline samples::SampleField Sample(int index) {
+  samples::SampleOptions options;
+  options.index = index;
+  options.columns = 5;
+  options.rows = 4;
+  return samples::MakeSampleField(options);
+}
+
+class ProgramRun : public testing::Test {
+ protected:
+  ProgramRun() {
+    place.Write("s.mak", kSaveMacro);
+    place.Write("serie/b.vas", samples::VasBytes(Sample(0)));
+  }
+
+  // Runs over one file of that name, in a directory of its own.
+  void TakesFile(const std::string& name) const {
+    place.Write("Reihe ä/" + name + ".vas", samples::VasBytes(Sample(0)));
+    EXPECT_EQ(RunProgram(place, {"run", "--macro", "s.mak", "Reihe ä/" + name + ".vas"}).code, 0) << name;
+    EXPECT_EQ(place.Read("Reihe ä/" + name + "_s.vas"), place.Read("Reihe ä/" + name + ".vas")) << name;
+  }
+
+  Workplace place;
+};
+
+}  // namespace quiverion::cli

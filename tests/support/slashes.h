@@ -1,0 +1,16 @@
+#pragma once
+
+#include <algorithm>
+#include <string>
+
+#include "platform/paths.h"
+
+namespace quiverion::test {
+
+/// A text of the program whose paths are written with "/" on every system, for comparisons.
+inline std::string WithSlashes(std::string text) {
+  std::replace(text.begin(), text.end(), kPathSeparator, '/');
+  return text;
+}
+
+}  // namespace quiverion::test
