@@ -1,0 +1,19 @@
+# The libraries that Debian has for its own system only, for Windows: of headers alone, or built from their source.
+function(header_library target folder)
+  find_path(root_of_${folder} ${folder} PATHS /usr/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+  # A directory of its own: beside the folder lie the headers of the other system.
+  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/headers)
+  file(CREATE_LINK ${root_of_${folder}}/${folder} ${CMAKE_BINARY_DIR}/headers/${folder} SYMBOLIC)
+  add_library(${target} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${target} SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/headers)
+endfunction()
+
+header_library(CLI11::CLI11 CLI)
+header_library(nlohmann_json::nlohmann_json nlohmann)
+
+if(QUIVERION_TESTS)
+  set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
+  set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+  set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
+  add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+endif()

@@ -1,0 +1,46 @@
+# What the windows of the program need beside them on Windows. Include it behind find_package(Qt6).
+#
+# quiverion_runtime_files(<libraries> <plugins>) sets both variables: the libraries go beside the program, and each plugin
+# (platforms/qwindows.dll) lies in a folder of that name beside the program, below QUIVERION_QT_PLUGINS.
+# quiverion_lay_out_runtime() copies all of it, and what only the tests need, to where the programs are built.
+get_filename_component(quiverion_qt "${Qt6_DIR}/../../.." ABSOLUTE)
+set(QUIVERION_QT_PLUGINS ${quiverion_qt}/plugins)
+# Its German texts, below "translations" beside the program.
+set(QUIVERION_QT_TEXTS /usr/share/qt6/translations/qtbase_de.qm)
+
+function(quiverion_runtime_files libraries plugins)
+  foreach(name Core Gui Widgets PrintSupport)
+    list(APPEND found ${quiverion_qt}/bin/Qt6${name}.dll)
+  endforeach()
+  # The compiler's own, which the program shares with those of Qt.
+  foreach(name libgcc_s_seh-1 libssp-0 libstdc++-6 libwinpthread-1)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}.dll OUTPUT_VARIABLE file
+      OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    get_filename_component(file "${file}" ABSOLUTE)
+    list(APPEND found ${file})
+  endforeach()
+  foreach(file ${found})
+    if(NOT EXISTS ${file})
+      message(FATAL_ERROR "${file} is missing.")
+    endif()
+  endforeach()
+  set(${libraries} ${found} PARENT_SCOPE)
+  set(${plugins} platforms/qwindows.dll styles/qwindowsvistastyle.dll imageformats/qico.dll PARENT_SCOPE)
+endfunction()
+
+function(quiverion_lay_out_runtime)
+  quiverion_runtime_files(libraries plugins)
+  if(QUIVERION_TESTS)
+    list(APPEND libraries ${quiverion_qt}/bin/Qt6Test.dll)
+    list(APPEND plugins platforms/qoffscreen.dll)
+    # Without a display only these fonts are known.
+    file(COPY /usr/share/fonts/truetype/dejavu/DejaVuSans.ttf /usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf
+      DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/lib/fonts)
+  endif()
+  file(COPY ${QUIVERION_QT_TEXTS} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/translations)
+  file(COPY ${libraries} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  foreach(plugin ${plugins})
+    get_filename_component(folder ${plugin} DIRECTORY)
+    file(COPY ${QUIVERION_QT_PLUGINS}/${plugin} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${folder})
+  endforeach()
+endfunction()
