@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <psapi.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -39,6 +40,21 @@ std::string Content(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
+// Waits for the process to end, ten minutes at most. Returns the kilobytes that it needed at most: what is asked once it
+// has ended is not told everywhere.
+long WaitForEnd(const Handle& process) {
+  const ULONGLONG end = ::GetTickCount64() + 600000;
+  SIZE_T peak = 0;
+  do {
+    PROCESS_MEMORY_COUNTERS memory{};
+    if (::K32GetProcessMemoryInfo(process.Get(), &memory, sizeof memory) != 0) {
+      peak = std::max(peak, memory.PeakWorkingSetSize);
+    }
+    if (::GetTickCount64() > end) ::TerminateProcess(process.Get(), 99);
+  } while (::WaitForSingleObject(process.Get(), 10) == WAIT_TIMEOUT);
+  return static_cast<long>(peak / 1024);
+}
+
 }  // namespace
 
 Outcome RunProgram(const Workplace& place, const std::vector<std::string>& arguments, const std::string& input,
@@ -65,18 +81,15 @@ Outcome RunProgram(const Workplace& place, const std::vector<std::string>& argum
     return outcome;
   }
   const Handle running(process.hProcess), thread(process.hThread);
-  if (::WaitForSingleObject(running.Get(), 600000) != WAIT_OBJECT_0) ::TerminateProcess(running.Get(), 99);
+  outcome.peakKilobytes = WaitForEnd(running);
   DWORD code = 0;
   ::GetExitCodeProcess(running.Get(), &code);
-  PROCESS_MEMORY_COUNTERS memory{};
-  ::K32GetProcessMemoryInfo(running.Get(), &memory, sizeof memory);
   out.Close();
   err.Close();
   outcome.code = static_cast<int>(code);
   outcome.out = Content(streams.Path() + "out");
   outcome.err = Content(streams.Path() + "err");
   outcome.seconds = static_cast<double>(::GetTickCount64() - start) / 1000;
-  outcome.peakKilobytes = static_cast<long>(memory.PeakWorkingSetSize / 1024);
   return outcome;
 }
 
