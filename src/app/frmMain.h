@@ -42,7 +42,7 @@ class frmMain : public QMainWindow {
 
   Session& TheSession() { return session_; }
 
-  /// What dropped files and those of the command line ask for: the first macro is loaded, the first collection shown; a
+  /// What dropped files ask for: the first macro is loaded, the first collection shown; a
   /// directory opens with all its files selected, vector fields are selected in their directory. Where one of them is
   /// missing, that is said and nothing is opened.
   void OpenPaths(const std::vector<std::string>& paths);

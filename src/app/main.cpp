@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <algorithm>
 
 #include "app/drives.h"
 #include "app/frmMain.h"
@@ -10,20 +11,17 @@
 int main(int argc, char** argv) {
   using namespace quiverion;
   PrepareProcess();
-  QApplication application(argc, argv);
+  int count = std::min(argc, 1);  // not even Qt's options
+  QApplication application(count, argv);
   PrepareApplication(application);
   std::string commandLine;
-  std::vector<std::string> paths;
   for (const std::string& argument : CommandLineArguments(argc, argv)) {
     commandLine += (commandLine.empty() ? "" : " ") + argument;
-    if (argument != "::IDESTART") paths.push_back(AbsolutePath(argument));
   }
   const std::unique_ptr<FileSystem> files = MakeSystemFileSystem();
   const SystemClock clock;
-  frmMain window({*files, clock, MountedDrives, paths.empty() ? AbsolutePath(".") : ParentDirectory(paths.front()),
-                  EnvironmentDecimalSeparator(),
+  frmMain window({*files, clock, MountedDrives, AbsolutePath("."), EnvironmentDecimalSeparator(),
                   HelpFileOf(commandLine, PathFromQt(QCoreApplication::applicationDirPath()))});
   window.show();
-  if (!paths.empty()) window.OpenPaths(paths);
-  return window.IsQuitting() ? 0 : QApplication::exec();
+  return QApplication::exec();
 }

@@ -40,7 +40,7 @@ struct DroppedSelection {
 DroppedSelection SelectionOf(FileSystem& files, const std::vector<std::string>& paths);
 
 /// The help file beside the program; none (an empty text) where the program was started as a development environment
-/// starts it, with exactly "::IDESTART".
+/// starts it, with exactly "::IDESTART". Nothing else on the command line means anything.
 std::string HelpFileOf(std::string_view commandLine, const std::string& programDirectory);
 
 }  // namespace quiverion
