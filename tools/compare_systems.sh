@@ -46,6 +46,7 @@ plain() {
   local here=${PWD//\//[\\\\/]+}
   PLAIN_PATHS=$([[ $1 =~ \.(rtf|txt|col)$ ]] && echo yes) HERE=$here perl -pe '
     s/\d\d\.\d\d\.\d{4} \d\d:\d\d:\d\d/TIME/g;
+    s{(?:der Kollektion: |"filePath": ")[^\r\n"]*}{$& =~ tr|\\/|/|sr}ge;  # as the path was given
     next unless $ENV{PLAIN_PATHS};
     s/Dauer: [\d.]+/DURATION/;
     s{(?:Z:)?(?:$ENV{HERE})[\\/]+(?:posix|windows)([^\x27 ]*) *|(?<=\x27)([^\x27 ]*)(?=\x27)}{

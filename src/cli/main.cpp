@@ -8,6 +8,7 @@
 #include "field/vas_file.h"
 #include "platform/environment.h"
 #include "platform/numbers.h"
+#include "platform/paths.h"
 #include "platform/system_error.h"
 #include "platform/text.h"
 #include "version.h"
@@ -18,8 +19,13 @@ namespace {
 // What to do once everything was understood.
 using Action = std::function<int()>;
 
+// A path is shown, and kept, as the system writes it.
+CLI::Option* Shown(CLI::Option* path) {
+  return path->transform([](std::string typed) { return WithOwnSeparators(std::move(typed)); });
+}
+
 CLI::Option* AddPath(CLI::App* command, const std::string& name, std::string& target, const std::string& help) {
-  return command->add_option(name, target, help)->required()->type_name("");
+  return Shown(command->add_option(name, target, help)->required()->type_name(""));
 }
 
 CLI::Option* AddChoice(CLI::App* command, const std::string& name, std::string& target, const std::string& help,
@@ -44,7 +50,7 @@ void AddRun(CLI::App& app, Action& action, RunArguments& arguments) {
   CLI::App* const run = app.add_subcommand("run", "Makro auf alle Eingabedateien anwenden");
   RunOptions& options = arguments.options;
   AddPath(run, "--macro", options.macro, "Makrodatei (*.mak)");
-  run->add_option("--log", options.log, "Log auch speichern: als *.rtf formatiert, als *.txt ohne Format")
+  Shown(run->add_option("--log", options.log, "Log auch speichern: als *.rtf formatiert, als *.txt ohne Format"))
       ->type_name("")
       ->check(CLI::Validator(
           [](std::string& value) {
@@ -56,7 +62,7 @@ void AddRun(CLI::App& app, Action& action, RunArguments& arguments) {
   AddChoice(run, "--on-problem", arguments.onProblem, "Antwort auf Probleme vor dem Lauf: abort (Vorgabe) oder ignore",
             {"abort", "ignore"});
   AddChoice(run, "--decimal", arguments.decimal, "Dezimaltrennzeichen der geschriebenen Zahlen: . oder ,", {".", ","});
-  run->add_option("INPUT", options.inputs, "Dateien oder ein Verzeichnis (alle *.vas, *.vec, *.dat darin)")
+  Shown(run->add_option("INPUT", options.inputs, "Dateien oder ein Verzeichnis (alle *.vas, *.vec, *.dat darin)"))
       ->required()
       ->type_name("");
   run->callback([&] {
@@ -204,6 +210,7 @@ int Main(int argc, char** argv) {
   CLI::App app("QuiverionSeries " QUIVERION_VERSION ": Serienauswertung von PIV-Daten", "quiverionseries-cli");
   app.set_version_flag("--version", "QuiverionSeries " QUIVERION_VERSION, "Version zeigen");
   app.require_subcommand(1);
+  app.allow_windows_style_options(false);  // "/data" is a path on every system
   Action action;
   RunArguments runArguments;
   FileArguments fileArguments;

@@ -62,7 +62,7 @@ class LogFile {
   std::optional<SystemError> error_;
 };
 
-// Adds what one INPUT stands for; `known` are the names of those before. False where it lies in another directory.
+// Adds what one INPUT stands for; `known` are the keys of those before. False where it lies in another directory.
 bool AddInput(Session& session, std::unordered_set<std::string>& known, const std::string& input) {
   const std::string path = AbsolutePath(input);
   const bool isDirectory = session.context.files.IsDirectory(path);
@@ -77,7 +77,7 @@ bool AddInput(Session& session, std::unordered_set<std::string>& known, const st
   }
   for (std::string& name : names) {
     // A file named twice is one file of the series.
-    if (known.insert(name).second) session.selectedFiles.push_back(std::move(name));
+    if (known.insert(FileNameKey(name)).second) session.selectedFiles.push_back(std::move(name));
   }
   return true;
 }

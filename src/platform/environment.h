@@ -23,8 +23,12 @@ char EnvironmentDecimalSeparator();
 /// `path` itself where it is absolute (or begins with a drive letter), else behind the current directory.
 std::string AbsolutePath(const std::string& path);
 
-/// True where both names lead to the same file or directory.
+/// True where both names lead to the same file or directory, or would lead there once it exists.
 bool IsSameFile(const std::string& a, const std::string& b);
+
+/// The same text for all names of one file in a directory: where the system makes no difference between upper and lower
+/// case, in upper case.
+std::string FileNameKey(std::string_view name);
 
 /// All bytes of standard input.
 std::string ReadStandardInput();

@@ -102,7 +102,15 @@ std::string AbsolutePath(const std::string& path) {
 bool IsSameFile(const std::string& a, const std::string& b) {
   if (a == b) return true;
   std::error_code failed;
-  return std::filesystem::equivalent(NativePath(a), NativePath(b), failed) && !failed;
+  const std::filesystem::path first = NativePath(a), second = NativePath(b);
+  if (std::filesystem::equivalent(first, second, failed) && !failed) return true;
+  if (std::filesystem::exists(first, failed) || std::filesystem::exists(second, failed)) return false;
+  const auto firstPlace = std::filesystem::weakly_canonical(first, failed);
+  return !failed && firstPlace == std::filesystem::weakly_canonical(second, failed) && !failed;
+}
+
+std::string FileNameKey(std::string_view name) {
+  return std::string(name);
 }
 
 std::string ReadStandardInput() {

@@ -2,6 +2,7 @@
 #include "platform/windows_paths.h"
 // Behind the header that includes windows.h.
 #include <shellapi.h>
+#include <shlwapi.h>
 
 #include <algorithm>
 #include <array>
@@ -37,25 +38,39 @@ bool GoesToConsole(StandardStream stream) {
 bool WriteToConsole(HANDLE console, std::wstring_view text) {
   while (!text.empty()) {
     DWORD written = 0;
-    const auto block = static_cast<DWORD>(std::min<std::size_t>(text.size(), 8000));
+    auto block = static_cast<DWORD>(std::min<std::size_t>(text.size(), 8000));
+    if (block < text.size() && IS_HIGH_SURROGATE(text[block - 1])) --block;
     if (::WriteConsoleW(console, text.data(), block, &written, nullptr) == 0 || written == 0) return false;
     text.remove_prefix(written);
   }
   return true;
 }
 
+// As the file systems compare names, whatever the language of the user is.
+std::wstring UpperCase(const std::wstring& text) {
+  std::wstring upper(text.size(), L'\0');
+  const auto length = static_cast<int>(text.size());
+  const int written = ::LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, text.c_str(), length, upper.data(),
+                                      length, nullptr, nullptr, 0);
+  return written == length ? upper : text;
+}
+
 // The files that an argument with "*" or "?" in its last part stands for, which the command interpreter leaves to the
 // programs; the argument itself where there are none.
 std::vector<std::string> Expanded(const std::string& argument) {
   std::vector<std::string> paths;
-  const std::string_view pattern = FileNameOf(argument);
-  if (pattern.find_first_of("*?") != std::string_view::npos) {
+  const std::size_t beginOfName = argument.find_last_of("\\/:") + 1;  // 0 where there is none
+  if (argument.find_first_of("*?", beginOfName) != std::string::npos) {
+    const std::wstring pattern = Utf16FromUtf8(argument.substr(beginOfName));
     WIN32_FIND_DATAW entry;
     const HANDLE search = ::FindFirstFileW(Utf16FromUtf8(argument).c_str(), &entry);
     const bool found = search != INVALID_HANDLE_VALUE;
     for (bool more = found; more; more = ::FindNextFileW(search, &entry) != 0) {
       if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
-      paths.push_back(DirectoryPrefixOf(argument) + Utf8FromUtf16(entry.cFileName));
+      // The search looks at short names (RUN01~1.VAS), too.
+      if (::PathMatchSpecExW(entry.cFileName, pattern.c_str(), PMSF_NORMAL) != S_OK) continue;
+      const bool isOption = beginOfName == 0 && entry.cFileName[0] == L'-';  // or would be taken for one
+      paths.push_back((isOption ? ".\\" : argument.substr(0, beginOfName)) + Utf8FromUtf16(entry.cFileName));
     }
     if (found) ::FindClose(search);
     std::sort(paths.begin(), paths.end());
@@ -68,8 +83,12 @@ std::atomic<bool> abortRequested = false;
 
 // Runs in a thread of its own.
 BOOL WINAPI HandleConsoleEvent(DWORD event) {
+  if (event == CTRL_LOGOFF_EVENT) return TRUE;  // told to services, whoever it is that logs off
   const bool first = !abortRequested.exchange(true);
-  if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) return first ? TRUE : FALSE;
+  if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) {
+    if (!first) ::TerminateProcess(::GetCurrentProcess(), STATUS_CONTROL_C_EXIT);
+    return TRUE;
+  }
   // The process ends when this returns, or after some seconds: time to finish the running command.
   ::Sleep(INFINITE);
   return TRUE;
@@ -84,7 +103,10 @@ std::vector<std::string> CommandLineArguments(int /*argc*/, char** /*argv*/) {
                                                               ::LocalFree);
   std::vector<std::string> arguments;
   for (int k = 1; words && k < count; ++k) {
-    for (std::string& path : Expanded(Utf8FromUtf16(words.get()[k]))) arguments.push_back(std::move(path));
+    std::string word = Utf8FromUtf16(words.get()[k]);
+    // "C:\Messung\" at the end of a line: the backslash took the meaning of the quotation mark, which is in no name.
+    if (word.size() > 1 && word.back() == '"') word.pop_back();
+    for (std::string& path : Expanded(word)) arguments.push_back(std::move(path));
   }
   return arguments;
 }
@@ -113,7 +135,8 @@ char EnvironmentDecimalSeparator() {
 
 std::string AbsolutePath(const std::string& path) {
   try {
-    return Utf8FromUtf16(FullPath(path.empty() ? "." : path));
+    std::string full = Utf8FromUtf16(FullPath(path.empty() ? "." : path));
+    return full.starts_with(R"(\\.\)") ? path : full;  // a device: to be shown as it was typed
   } catch (const SystemError&) {
     return path;  // opening it will say what is wrong
   }
@@ -122,10 +145,16 @@ std::string AbsolutePath(const std::string& path) {
 bool IsSameFile(const std::string& a, const std::string& b) {
   if (a == b) return true;
   try {
-    return AreSame(OpenToLook(OpenablePath(a)), OpenToLook(OpenablePath(b)));
+    const Handle first = OpenToLook(OpenablePath(a)), second = OpenToLook(OpenablePath(b));
+    if (first.IsOpen() && second.IsOpen()) return AreSame(first, second);
+    return !first.IsOpen() && !second.IsOpen() && UpperCase(FullPath(a)) == UpperCase(FullPath(b));
   } catch (const SystemError&) {
     return false;
   }
+}
+
+std::string FileNameKey(std::string_view name) {
+  return Utf8FromUtf16(UpperCase(ShownUtf16(name)));
 }
 
 std::string ReadStandardInput() {
@@ -156,9 +185,12 @@ void PrepareProcess() {
   windows::KeepFreedMemory();
   // A drive without a medium is an error of the call, not a box of the system.
   ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
-  for (const StandardStream stream : {StandardStream::output, StandardStream::error}) {
+  for (const DWORD stream : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
     DWORD mode = 0;
-    const HANDLE handle = HandleOf(stream);
+    const HANDLE handle = ::GetStdHandle(stream);
+    ::SetLastError(NO_ERROR);
+    if (::GetFileType(handle) == FILE_TYPE_UNKNOWN && ::GetLastError() != NO_ERROR) ::SetStdHandle(stream, nullptr);
+    if (stream == STD_INPUT_HANDLE) continue;
     if (::GetConsoleMode(handle, &mode) != 0) ::SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
   }
 }

@@ -37,6 +37,12 @@ bool IsDirectoryNative(const std::wstring& path) {
   ThrowError(code);
 }
 
+// For files that are created: that there is no such file means the directory, or that something forbids the new one.
+[[noreturn]] void ThrowCreateError(DWORD code, const std::wstring& path) {
+  if (code != ERROR_FILE_NOT_FOUND) ThrowError(code);
+  ThrowError(IsDirectoryNative(ParentOf(path)) ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND);
+}
+
 std::uint64_t LengthOf(const Handle& file) {
   LARGE_INTEGER length{};
   if (::GetFileSizeEx(file.Get(), &length) == 0) ThrowError(::GetLastError());
@@ -56,7 +62,8 @@ bool IsAt(const std::wstring& path, const Handle& file, bool othersHadIt) {
 // ever: whoever may read a file can lock it.
 // True where it has waited.
 bool Lock(const Handle& file) {
-  for (int k = 0; k < 15000; ++k) {
+  const ULONGLONG end = ::GetTickCount64() + 30000;
+  for (int k = 0; ::GetTickCount64() < end; ++k) {
     OVERLAPPED at = AtPosition(std::uint64_t{1} << 62);
     constexpr DWORD flags = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
     if (::LockFileEx(file.Get(), flags, 0, 1, 0, &at) != 0) return k > 0;
@@ -94,6 +101,25 @@ struct Replaced {
   std::vector<BYTE> permissions;  // empty: those of the directory
 };
 
+// Whether the descriptor gives rights that do not come from the directory. Only those are taken over: a copy of the
+// others would no longer follow the directory.
+bool HasOwnPermissions(std::vector<BYTE>& descriptor) {
+  SECURITY_DESCRIPTOR_CONTROL control = 0;
+  DWORD revision = 0;
+  BOOL isThere = FALSE, isDefault = FALSE;
+  PACL list = nullptr;
+  if (descriptor.empty() || ::GetSecurityDescriptorControl(descriptor.data(), &control, &revision) == 0 ||
+      ::GetSecurityDescriptorDacl(descriptor.data(), &isThere, &list, &isDefault) == 0) {
+    return false;
+  }
+  if ((control & SE_DACL_PROTECTED) != 0 || isThere == FALSE || list == nullptr) return true;
+  for (DWORD k = 0; k < list->AceCount; ++k) {
+    void* entry = nullptr;
+    if (::GetAce(list, k, &entry) != 0 && (static_cast<ACE_HEADER*>(entry)->AceFlags & INHERITED_ACE) == 0) return true;
+  }
+  return false;
+}
+
 std::optional<Replaced> CheckTarget(const std::wstring& path) {
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
   if (attributes == kNotThere) return std::nullopt;
@@ -103,7 +129,7 @@ std::optional<Replaced> CheckTarget(const std::wstring& path) {
   const Handle file = Open(path, GENERIC_WRITE, kShared, OPEN_EXISTING);
   if (!file.IsOpen()) ThrowOpenError(::GetLastError(), path);
   if (::GetFileType(file.Get()) != FILE_TYPE_DISK) throw SystemError(ErrorNumber::pathAccess);
-  Replaced old{attributes & (kOutOfSight | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED), {}};
+  Replaced old{attributes & (kOutOfSight | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED | FILE_ATTRIBUTE_ENCRYPTED), {}};
   DWORD size = 0;
   ::GetKernelObjectSecurity(file.Get(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
   old.permissions.resize(size);
@@ -111,6 +137,7 @@ std::optional<Replaced> CheckTarget(const std::wstring& path) {
       ::GetKernelObjectSecurity(file.Get(), DACL_SECURITY_INFORMATION, old.permissions.data(), size, &size) == 0) {
     old.permissions.clear();
   }
+  if (!HasOwnPermissions(old.permissions)) old.permissions.clear();
   return old;
 }
 
@@ -134,7 +161,7 @@ class WindowsFileSystem : public FileSystem {
     const DWORD attributes = old && old->attributes != 0 ? old->attributes : FILE_ATTRIBUTE_NORMAL;
     Handle file(::CreateFileW(TemporaryPathFor(native).c_str(), GENERIC_WRITE | DELETE, FILE_SHARE_READ, &security,
                               CREATE_NEW, attributes, nullptr));
-    if (!file.IsOpen()) ThrowError(::GetLastError());
+    if (!file.IsOpen()) ThrowCreateError(::GetLastError(), native);
     return std::make_unique<WindowsResultFile>(std::move(file), std::move(native), old.has_value(), existing);
   }
 
@@ -148,7 +175,7 @@ class WindowsFileSystem : public FileSystem {
         if (!file.IsOpen()) {
           const DWORD code = ::GetLastError();
           if (code == ERROR_FILE_EXISTS) continue;  // another process has begun it meanwhile
-          ThrowError(code);
+          ThrowCreateError(code, native);
         }
         Lock(file);
       }

@@ -3,7 +3,9 @@
 #include "platform/windows_paths.h"
 // Behind the header that includes windows.h.
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
+#include <cstring>
 #include <iterator>
 #include <random>
 #include <string>
@@ -35,6 +37,15 @@ inline OVERLAPPED AtPosition(std::uint64_t position) {
   return at;
 }
 
+/// What is written to a file of another machine may fail when it is sent there, and closing the file does not say so.
+/// Returns what the system says; ERROR_SUCCESS for a file of this machine, whose bytes are on their way.
+inline DWORD SendToOtherMachine(const Handle& file) {
+  FILE_REMOTE_PROTOCOL_INFO protocol{};
+  const bool isRemote =
+      ::GetFileInformationByHandleEx(file.Get(), FileRemoteProtocolInfo, &protocol, sizeof protocol) != 0;
+  return !isRemote || ::FlushFileBuffers(file.Get()) != 0 ? ERROR_SUCCESS : ::GetLastError();
+}
+
 /// Free bytes for this user where the directory lies; 0 where that cannot be told.
 inline std::uint64_t FreeBytes(const std::wstring& directory) {
   ULARGE_INTEGER available{};
@@ -60,29 +71,48 @@ inline void SetEnd(const Handle& file, std::uint64_t length) {
   ::SetFileInformationByHandle(file.Get(), FileEndOfFileInfo, &end, sizeof end);
 }
 
+// Not in the compiler's headers.
+constexpr auto kFileDispositionInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(21);
+constexpr auto kFileRenameInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);
+constexpr DWORD kRenameReplaces = 1, kRenameAtOnce = 2;
+
 /// Gives the file another name on its drive; without `replaces` only where no file has it. The handle needs the right to
 /// delete. Returns what the system says.
 inline DWORD RenameOpen(const Handle& file, const std::wstring& path, bool replaces) {
   std::vector<char> buffer(sizeof(FILE_RENAME_INFO) + path.size() * sizeof(wchar_t));
   auto* rename = ::new (buffer.data()) FILE_RENAME_INFO{};
-  rename->ReplaceIfExists = replaces ? TRUE : FALSE;
   rename->FileNameLength = static_cast<DWORD>(path.size() * sizeof(wchar_t));
   std::copy(path.begin(), path.end(), rename->FileName);
-  const BOOL done = ::SetFileInformationByHandle(file.Get(), FileRenameInfo, rename, static_cast<DWORD>(buffer.size()));
-  return done != 0 ? ERROR_SUCCESS : ::GetLastError();
+  const auto as = [&](FILE_INFO_BY_HANDLE_CLASS kind, DWORD flags) -> DWORD {
+    std::memcpy(buffer.data(), &flags, sizeof flags);  // the first member of both kinds
+    const auto size = static_cast<DWORD>(buffer.size());
+    return ::SetFileInformationByHandle(file.Get(), kind, rename, size) != 0 ? ERROR_SUCCESS : ::GetLastError();
+  };
+  if (!replaces) return as(FileRenameInfo, FALSE);
+  // What others are reading makes way, too, where the file system knows how.
+  static std::atomic<bool> knowsHow = true;
+  if (knowsHow) {
+    const DWORD code = as(kFileRenameInfoEx, kRenameReplaces | kRenameAtOnce);
+    if (code != ERROR_INVALID_PARAMETER && code != ERROR_INVALID_FUNCTION && code != ERROR_NOT_SUPPORTED &&
+        code != ERROR_CALL_NOT_IMPLEMENTED && code != ERROR_INVALID_LEVEL) {
+      return code;
+    }
+    knowsHow = false;
+  }
+  return as(FileRenameInfo, TRUE);
 }
 
 /// The file goes; where the file system keeps it until its last handle is closed, it makes way at once for a new one.
 /// The handle needs the right to delete.
 inline void DeleteOpen(const Handle& file, const std::wstring& path) {
-  constexpr auto kFileDispositionInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(21);  // not in the compiler's headers
   FILE_DISPOSITION_INFO_EX atOnce{};
   atOnce.Flags = FILE_DISPOSITION_FLAG_DELETE | FILE_DISPOSITION_FLAG_POSIX_SEMANTICS;
   if (::SetFileInformationByHandle(file.Get(), kFileDispositionInfoEx, &atOnce, sizeof atOnce) != 0) return;
-  RenameOpen(file, TemporaryPathFor(path), false);
+  const bool isAside = RenameOpen(file, TemporaryPathFor(path), false) == ERROR_SUCCESS;
   FILE_DISPOSITION_INFO disposition{};
   disposition.DeleteFile = TRUE;
-  ::SetFileInformationByHandle(file.Get(), FileDispositionInfo, &disposition, sizeof disposition);
+  const BOOL goes = ::SetFileInformationByHandle(file.Get(), FileDispositionInfo, &disposition, sizeof disposition);
+  if (goes == 0 && isAside) RenameOpen(file, path, false);
 }
 
 /// The bytes written at `at` (null: at the place of the handle), at least one of `size` > 0.
@@ -146,7 +176,9 @@ class WindowsUpdatedFile : public WindowsReadableFile<UpdatedFile> {
   }
 
   void Close() override {
+    const DWORD code = SendToOtherMachine(file_);
     if (!file_.Close()) ThrowError(::GetLastError());
+    if (code != ERROR_SUCCESS) ThrowError(code);
   }
 
  private:
@@ -171,8 +203,7 @@ class WindowsResultFile : public OutputFile {
 
   void Commit() override {
     // What was not flushed is not there, and a second try would not say so: the first failure stays.
-    if (replaces_ && flushError_ == ERROR_SUCCESS && ::FlushFileBuffers(file_.Get()) == 0)
-      flushError_ = ::GetLastError();
+    if (flushError_ == ERROR_SUCCESS) flushError_ = Flush();
     if (flushError_ != ERROR_SUCCESS) ThrowError(flushError_);
     if (const DWORD code = Rename(); code != ERROR_SUCCESS) ThrowError(code);
     committed_ = true;
@@ -180,9 +211,14 @@ class WindowsResultFile : public OutputFile {
   }
 
  private:
+  DWORD Flush() const {
+    if (!replaces_) return SendToOtherMachine(file_);
+    return ::FlushFileBuffers(file_.Get()) != 0 ? ERROR_SUCCESS : ::GetLastError();
+  }
+
   // Scanners and indexers open what lies at the place, for moments.
   DWORD Rename() const {
-    for (int tries = 10;; --tries) {
+    for (int tries = 50;; --tries) {
       const DWORD code = RenameOpen(file_, path_, existing_ == ExistingFile::replace);
       if (tries == 0 || (code != ERROR_ACCESS_DENIED && code != ERROR_SHARING_VIOLATION)) return code;
       ::Sleep(20);
@@ -218,6 +254,7 @@ class WindowsAppendedFile : public OutputFile {
   bool IsNew() const override { return isNew_; }
 
   void Commit() override {
+    if (const DWORD code = SendToOtherMachine(file_); code != ERROR_SUCCESS) ThrowError(code);
     if (!file_.Close()) ThrowError(::GetLastError());
   }
 

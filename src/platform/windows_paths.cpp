@@ -70,7 +70,9 @@ void CheckParts(std::string_view path) {
   if (path.starts_with(R"(\\?\)") || path.starts_with(R"(\\.\)")) throw SystemError(ErrorNumber::pathAccess);
   while (!path.empty()) {
     const std::string_view part = path.substr(0, path.find_first_of("\\/"));
-    if (!std::all_of(part.begin(), part.end(), IsPlainCharacter) || IsDevice(part)) {
+    // Of blanks and points at the end the system takes some away, some not: the file would have another name.
+    const bool isShortened = part != "." && part != ".." && (part.ends_with(' ') || part.ends_with('.'));
+    if (!std::all_of(part.begin(), part.end(), IsPlainCharacter) || isShortened || IsDevice(part)) {
       throw SystemError(ErrorNumber::pathAccess);
     }
     path.remove_prefix(std::min(part.size() + 1, path.size()));
@@ -84,6 +86,12 @@ std::string MessageOf(DWORD code) {
   std::string message = Utf8FromUtf16({text, length});
   while (!message.empty() && static_cast<unsigned char>(message.back()) <= ' ') message.pop_back();
   return message.empty() ? "Windows-Fehler " + std::to_string(code) : message;
+}
+
+std::wstring FinalPath(const Handle& file) {
+  std::wstring path(32768, L'\0');
+  path.resize(::GetFinalPathNameByHandleW(file.Get(), path.data(), static_cast<DWORD>(path.size()), 0));
+  return path;
 }
 
 }  // namespace
@@ -189,9 +197,13 @@ Handle OpenToLook(const std::wstring& path) {
 
 bool AreSame(const Handle& a, const Handle& b) {
   BY_HANDLE_FILE_INFORMATION first{}, second{};
-  return ::GetFileInformationByHandle(a.Get(), &first) != 0 && ::GetFileInformationByHandle(b.Get(), &second) != 0 &&
-         first.dwVolumeSerialNumber == second.dwVolumeSerialNumber && first.nFileIndexHigh == second.nFileIndexHigh &&
-         first.nFileIndexLow == second.nFileIndexLow;
+  if (::GetFileInformationByHandle(a.Get(), &first) == 0 || ::GetFileInformationByHandle(b.Get(), &second) == 0 ||
+      first.dwVolumeSerialNumber != second.dwVolumeSerialNumber || first.nFileIndexHigh != second.nFileIndexHigh ||
+      first.nFileIndexLow != second.nFileIndexLow) {
+    return false;
+  }
+  // Some drives have no numbers of files, but a 0 for each.
+  return (first.nFileIndexHigh | first.nFileIndexLow) != 0 || FinalPath(a) == FinalPath(b);
 }
 
 }  // namespace quiverion::windows

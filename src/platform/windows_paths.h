@@ -27,7 +27,8 @@ std::wstring ShownUtf16(std::string_view text);
 
 /// The path as the system calls take it: from a drive or a server on, with "\\?\" in front, so that it may be longer
 /// than 260 characters. Throws SystemError 75 where a part has characters that no name has (a ":" would lead to a
-/// stream inside of a file) or is the name of a device (NUL, CON, ...), which would swallow a result.
+/// stream inside of a file) ends in a blank or a point, or is the name of a
+/// device (NUL, CON, ...), which would swallow a result.
 std::wstring OpenablePath(const std::string& path);
 
 /// From a drive or a server on, as people write it.

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/program_run.h"
-#include "support/posix_processes.h"
+#include "support/stalled_program.h"
 
 namespace quiverion::cli {
 namespace {
@@ -21,32 +21,6 @@ TEST_F(ProgramRun, TakesFileNamesOfAnyBytes) {
   EXPECT_TRUE(nlohmann::json::accept(info.out)) << info.out;
 }
 
-class ProgramSignals : public ProgramRun {
- protected:
-  ProgramSignals() {
-    for (int k = 10; k < 50; ++k) place.Write("viele/" + std::to_string(k) + ".vas", samples::VasBytes(Sample(k)));
-  }
-};
-
-// A connection that is dropped (SIGHUP) cost the log and left temporary files.
-TEST_F(ProgramSignals, EndTheRunBehindTheRunningCommand) {
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-    StalledProgram program(place, {"run", "--macro", "s.mak", "--log", "log.txt", "viele"});
-    ASSERT_TRUE(program.WaitUntilStalled());
-    program.Signal(signal);
-    const Outcome outcome = program.Finish();
-    EXPECT_EQ(outcome.code, 3);
-    EXPECT_NE(outcome.out.find("--- Makro-Ausführung frühzeitig ABGEBROCHEN ---"), std::string::npos) << outcome.out;
-    EXPECT_EQ(outcome.out.find("49.vas"), std::string::npos) << "no further file is started";
-    EXPECT_NE(place.Read("log.txt").find("ABGEBROCHEN"), std::string::npos);
-    for (const std::string& name : place.Files()) {
-      EXPECT_EQ(name.find(".tmp"), std::string::npos) << name;
-      if (!name.ends_with("_s.vas")) continue;
-      EXPECT_EQ(place.Read(name).size(), place.Read("viele/10.vas").size()) << name;
-    }
-  }
-}
-
 // As nohup and shells without a terminal want it.
 TEST_F(ProgramSignals, DoNothingWhereTheyWereIgnoredBefore) {
   std::signal(SIGHUP, SIG_IGN);
@@ -55,14 +29,6 @@ TEST_F(ProgramSignals, DoNothingWhereTheyWereIgnoredBefore) {
   ASSERT_TRUE(program.WaitUntilStalled());
   program.Signal(SIGHUP);
   EXPECT_EQ(program.Finish().code, 0);
-}
-
-TEST_F(ProgramSignals, EndTheProgramAtOnceTheSecondTime) {
-  StalledProgram program(place, {"run", "--macro", "s.mak", "viele"});
-  ASSERT_TRUE(program.WaitUntilStalled());
-  program.Signal(SIGINT);
-  program.Signal(SIGTERM);
-  EXPECT_EQ(program.Finish().signal, SIGTERM);
 }
 
 }  // namespace

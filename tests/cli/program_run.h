@@ -38,4 +38,12 @@ class ProgramRun : public testing::Test {
   Workplace place;
 };
 
+// Runs that take long enough to be stopped.
+class ProgramSignals : public ProgramRun {
+ protected:
+  ProgramSignals() {
+    for (int k = 10; k < 50; ++k) place.Write("viele/" + std::to_string(k) + ".vas", samples::VasBytes(Sample(k)));
+  }
+};
+
 }  // namespace quiverion::cli

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "cli/program_run.h"
+#include "support/slashes.h"
+#include "support/stalled_program.h"
 
 namespace quiverion::cli {
 namespace {
@@ -111,7 +113,7 @@ TEST_F(ProgramRun, RefusesWhatCannotBeStarted) {
   for (const Refusal& refusal : refusals) {
     const Outcome outcome = RunProgram(place, refusal.arguments);
     EXPECT_EQ(outcome.code, refusal.code) << refusal.error << outcome.err;
-    EXPECT_NE(outcome.err.find(refusal.error), std::string::npos) << outcome.err;
+    EXPECT_NE(test::WithSlashes(outcome.err).find(test::WithSlashes(refusal.error)), std::string::npos) << outcome.err;
     EXPECT_EQ(outcome.out, "") << refusal.error;
     EXPECT_EQ(place.Files(), before) << refusal.error;
     EXPECT_FALSE(place.Has("neu")) << "the directory of the log";
@@ -125,6 +127,33 @@ TEST_F(ProgramRun, TakesFileNamesOfAnyKind) {
   for (const std::string name : {"Düse 3 – Ω 🌀", " blanks ", "-dash", "it's $(quoted) %s"}) TakesFile(name);
   EXPECT_EQ(RunProgram(place, {"run", "--macro", "s.mak", "--log", "log.txt", "Reihe ä"}).code, 0);
   EXPECT_EQ(place.Files().size(), 2 + 4 * 3 + 1u) << "every file and its result have a result";
+}
+
+// A connection that is dropped (SIGHUP) cost the log and left temporary files.
+TEST_F(ProgramSignals, EndTheRunBehindTheRunningCommand) {
+  for (const int signal : AbortSignals()) {
+    StalledProgram program(place, {"run", "--macro", "s.mak", "--log", "log.txt", "viele"});
+    ASSERT_TRUE(program.WaitUntilStalled());
+    program.Signal(signal);
+    const Outcome outcome = program.Finish();
+    EXPECT_EQ(outcome.code, 3);
+    EXPECT_NE(outcome.out.find("--- Makro-Ausführung frühzeitig ABGEBROCHEN ---"), std::string::npos) << outcome.out;
+    EXPECT_EQ(outcome.out.find("49.vas"), std::string::npos) << "no further file is started";
+    EXPECT_NE(place.Read("log.txt").find("ABGEBROCHEN"), std::string::npos);
+    for (const std::string& name : place.Files()) {
+      EXPECT_EQ(name.find(".tmp"), std::string::npos) << name;
+      if (!name.ends_with("_s.vas")) continue;
+      EXPECT_EQ(place.Read(name).size(), place.Read("viele/10.vas").size()) << name;
+    }
+  }
+}
+
+TEST_F(ProgramSignals, EndTheProgramAtOnceTheSecondTime) {
+  StalledProgram program(place, {"run", "--macro", "s.mak", "viele"});
+  ASSERT_TRUE(program.WaitUntilStalled());
+  program.Signal(AbortSignals().front());
+  program.Signal(AbortSignals().back());
+  EXPECT_EQ(program.Finish().signal, AbortSignals().back());
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "statistics/compute_statistic.h"
 #include "support/bytes.h"
 #include "support/program.h"
+#include "support/slashes.h"
 #include "support/test_session.h"
 
 namespace quiverion::cli {
@@ -148,7 +149,7 @@ TEST_F(ProgramStatistics, FailsWithAReasonAndLeavesFilesAlone) {
   for (const Failure& failure : failures) {
     const Outcome outcome = RunProgram(place, failure.arguments);
     EXPECT_EQ(outcome.code, failure.code) << failure.error;
-    EXPECT_EQ(outcome.err.substr(0, failure.error.size()), failure.error);
+    EXPECT_EQ(test::WithSlashes(outcome.err).substr(0, failure.error.size()), failure.error);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(place.Files(), before) << failure.error;
     EXPECT_EQ(place.Read("c.col"), collection);

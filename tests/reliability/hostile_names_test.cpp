@@ -78,13 +78,19 @@ TEST_F(HostileNames, TheLogIsNoOtherFileOfTheRun) {
                 {"EventId": "evtCollectStatistics", "FileName": "texts/serie/c.txt"})",
              "a.vas");
   place_.Write("m.txt", place_.Read("m.mak"));
-  const Names before = place_.Files();
+  Names before = place_.Files();
   for (const std::string log : {"m.txt", "texts/serie/w.txt", "./texts/serie/c.txt"}) {
     const Outcome outcome = RunProgram(place_, {"run", "--macro", "m.txt", "--log", log, "texts/serie/a.vas"});
     EXPECT_EQ(outcome.code, 2) << outcome.err;
     EXPECT_NE(outcome.err.find("Die Log-Datei ist eine Datei des Laufs selbst"), std::string::npos) << outcome.err;
   }
+  // Neither do they have to be there already.
+  place_.Write("new.json", R"([{"EventId": "evtVortexCentres", "FileName": "new.txt", "AutoTrafo": false}])");
+  EXPECT_EQ(RunProgram(place_, {"macro", "import", "new.json", "new.mak"}).code, 0);
+  const std::vector<std::string> over = {"run", "--macro", "new.mak", "texts/serie/a.vas", "--log", "texts/../new.txt"};
+  EXPECT_EQ(RunProgram(place_, over).code, 2);
   EXPECT_EQ(RunProgram(place_, {"statistics", "mean", "texts/serie/c.txt", "./texts/serie/c.txt"}).code, 2);
+  before.insert(std::ranges::find(before, "texts/serie/a.vas"), {"new.json", "new.mak"});
   EXPECT_EQ(place_.Files(), before);
 }
 

@@ -14,6 +14,8 @@
 #include <fstream>
 #include <thread>
 
+#include "support/stalled_program.h"
+
 namespace quiverion::cli {
 namespace {
 
@@ -116,23 +118,31 @@ bool KillProgram(const Workplace& place, const std::vector<std::string>& argumen
   return WIFSIGNALED(status);
 }
 
+std::vector<int> AbortSignals() {
+  return {SIGTERM, SIGINT, SIGHUP};
+}
+
+struct StalledProgram::Running {
+  pid_t process = -1;
+  int output = -1;
+};
+
 StalledProgram::StalledProgram(const Workplace& place, const std::vector<std::string>& arguments) {
   int ends[2] = {-1, -1};
   EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
   ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
   const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-  process_ = Start(place, arguments, nothing, ends[1], nothing);
+  running_ = std::make_unique<Running>(Running{Start(place, arguments, nothing, ends[1], nothing), ends[0]});
   ::close(nothing);
   ::close(ends[1]);
-  output_ = ends[0];
 }
 
 StalledProgram::~StalledProgram() {
-  if (process_ > 0) {
-    ::kill(process_, SIGKILL);
-    ::waitpid(process_, nullptr, 0);
+  if (running_->process > 0) {
+    ::kill(running_->process, SIGKILL);
+    ::waitpid(running_->process, nullptr, 0);
   }
-  ::close(output_);
+  ::close(running_->output);
 }
 
 bool StalledProgram::WaitUntilStalled() const {
@@ -140,8 +150,8 @@ bool StalledProgram::WaitUntilStalled() const {
   int same = 0;
   for (int k = 0; k < 6000; ++k) {
     int waiting = 0;
-    ::ioctl(output_, FIONREAD, &waiting);
-    const bool asleep = StatusLine(process_, "State:").find('S') != std::string::npos;
+    ::ioctl(running_->output, FIONREAD, &waiting);
+    const bool asleep = StatusLine(running_->process, "State:").find('S') != std::string::npos;
     same = asleep && waiting > 0 && waiting == before ? same + 1 : 0;
     if (same == 20) return true;
     before = waiting;
@@ -151,10 +161,10 @@ bool StalledProgram::WaitUntilStalled() const {
 }
 
 void StalledProgram::Signal(int number) const {
-  ::kill(process_, number);
+  ::kill(running_->process, number);
   for (int k = 0; k < 500; ++k) {
-    const std::string pending = StatusLine(process_, "ShdPnd:");
-    const bool ended = StatusLine(process_, "State:").find('Z') != std::string::npos;
+    const std::string pending = StatusLine(running_->process, "ShdPnd:");
+    const bool ended = StatusLine(running_->process, "State:").find('Z') != std::string::npos;
     if (ended || pending.find_first_not_of("\t0") == std::string::npos) return;
     std::this_thread::sleep_for(kPause);
   }
@@ -163,12 +173,12 @@ void StalledProgram::Signal(int number) const {
 Outcome StalledProgram::Finish() {
   Outcome outcome;
   char block[4096];
-  for (ssize_t count; (count = ::read(output_, block, sizeof block)) > 0;) {
+  for (ssize_t count; (count = ::read(running_->output, block, sizeof block)) > 0;) {
     outcome.out.append(block, static_cast<std::size_t>(count));
   }
   int status = 0;
-  ::waitpid(process_, &status, 0);
-  process_ = -1;
+  ::waitpid(running_->process, &status, 0);
+  running_->process = -1;
   SetStatus(outcome, status);
   return outcome;
 }

@@ -9,12 +9,12 @@
 namespace quiverion::cli {
 
 struct Outcome {
-  int code = -1;   // exit code; -1 where a signal ended the program
+  int code = -1;   // exit code; -1 where a signal (Ctrl+C) ended the program
   int signal = 0;  // that signal
   std::string out;
   std::string err;
   double seconds = 0;      // from start to end
-  long peakKilobytes = 0;  // of its memory; 0 where the system forgets that at the end (wine)
+  long peakKilobytes = 0;  // of its memory
 };
 
 /// What a program finds itself in, beside its files.
