@@ -48,7 +48,8 @@ class UpdatedFile : public InputFile {
 };
 
 /// A file that is written whole or not at all. Bytes of a result file go to a temporary file beside the place, and only
-/// Commit renames it over `path`. Bytes of an appended file go to its end at once. Destroyed without a commit both
+/// Commit renames it over `path`; on Windows a result that replaces nothing has its name at once, but nobody can open it
+/// before the commit. Bytes of an appended file go to its end at once. Destroyed without a commit both
 /// leave an old file as it was, the appended one cut to its old length, and none where there was none.
 class OutputFile {
  public:

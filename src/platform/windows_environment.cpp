@@ -1,18 +1,19 @@
 // What the program asks of its surroundings beyond files.
 #include "platform/windows_paths.h"
 // Behind the header that includes windows.h.
-#include <shellapi.h>
-#include <shlwapi.h>
-
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <memory>
 
 #include "platform/environment.h"
 #include "platform/paths.h"
 #include "platform/system_error.h"
 #include "platform/windows_memory.h"
+
+// Of the C library, which takes the command line apart for main, too. The system's own function lies in a library whose
+// start takes longer than that of the program.
+extern "C" int __cdecl __wgetmainargs(int* count, wchar_t*** words, wchar_t*** environment, int wildcards,
+                                      int* newMode);
 
 namespace quiverion {
 namespace {
@@ -55,20 +56,41 @@ std::wstring UpperCase(const std::wstring& text) {
   return written == length ? upper : text;
 }
 
+// Whether the pattern with "*" and "?" stands for the name, both in upper case.
+bool StandsFor(std::wstring_view pattern, std::wstring_view name) {
+  std::size_t p = 0, star = std::wstring_view::npos, behindStar = 0;
+  for (std::size_t k = 0; k < name.size();) {
+    if (p < pattern.size() && pattern[p] == L'*') {
+      star = p++;
+      behindStar = k;
+    } else if (p < pattern.size() && (pattern[p] == L'?' || pattern[p] == name[k])) {
+      ++p;
+      ++k;
+    } else if (star != std::wstring_view::npos) {
+      p = star + 1;
+      k = ++behindStar;  // the star stands for one more
+    } else {
+      return false;
+    }
+  }
+  return pattern.find_first_not_of(L'*', p) == std::wstring_view::npos;
+}
+
 // The files that an argument with "*" or "?" in its last part stands for, which the command interpreter leaves to the
 // programs; the argument itself where there are none.
 std::vector<std::string> Expanded(const std::string& argument) {
   std::vector<std::string> paths;
   const std::size_t beginOfName = argument.find_last_of("\\/:") + 1;  // 0 where there is none
   if (argument.find_first_of("*?", beginOfName) != std::string::npos) {
-    const std::wstring pattern = Utf16FromUtf8(argument.substr(beginOfName));
+    std::wstring pattern = UpperCase(ShownUtf16(argument.substr(beginOfName)));
+    if (pattern == L"*.*") pattern = L"*";  // has always meant all files
     WIN32_FIND_DATAW entry;
     const HANDLE search = ::FindFirstFileW(Utf16FromUtf8(argument).c_str(), &entry);
     const bool found = search != INVALID_HANDLE_VALUE;
     for (bool more = found; more; more = ::FindNextFileW(search, &entry) != 0) {
       if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
       // The search looks at short names (RUN01~1.VAS), too.
-      if (::PathMatchSpecExW(entry.cFileName, pattern.c_str(), PMSF_NORMAL) != S_OK) continue;
+      if (!StandsFor(pattern, UpperCase(entry.cFileName))) continue;
       const bool isOption = beginOfName == 0 && entry.cFileName[0] == L'-';  // or would be taken for one
       paths.push_back((isOption ? ".\\" : argument.substr(0, beginOfName)) + Utf8FromUtf16(entry.cFileName));
     }
@@ -98,12 +120,12 @@ BOOL WINAPI HandleConsoleEvent(DWORD event) {
 
 std::vector<std::string> CommandLineArguments(int /*argc*/, char** /*argv*/) {
   // What main gets is in the code page of the machine and has lost what that lacks.
-  int count = 0;
-  const std::unique_ptr<LPWSTR, decltype(&::LocalFree)> words(::CommandLineToArgvW(::GetCommandLineW(), &count),
-                                                              ::LocalFree);
+  int count = 0, newMode = 0;
+  wchar_t **words = nullptr, **environment = nullptr;
+  __wgetmainargs(&count, &words, &environment, 0, &newMode);
   std::vector<std::string> arguments;
-  for (int k = 1; words && k < count; ++k) {
-    std::string word = Utf8FromUtf16(words.get()[k]);
+  for (int k = 1; k < count; ++k) {
+    std::string word = Utf8FromUtf16(words[k]);
     // "C:\Messung\" at the end of a line: the backslash took the meaning of the quotation mark, which is in no name.
     if (word.size() > 1 && word.back() == '"') word.pop_back();
     for (std::string& path : Expanded(word)) arguments.push_back(std::move(path));

@@ -155,6 +155,13 @@ class WindowsFileSystem : public FileSystem {
   std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) override {
     std::wstring native = OpenablePath(path);
     if (native.ends_with(L'\\')) ThrowOpenError(ERROR_ACCESS_DENIED, native);
+    if (existing == ExistingFile::replace) {
+      Handle file = Open(native, GENERIC_WRITE | DELETE, 0, CREATE_NEW);
+      if (file.IsOpen()) {
+        if (LetGoWhenClosed(file, true)) return std::make_unique<WindowsNewFile>(std::move(file));
+        DeleteOpen(file, native);
+      }
+    }
     auto old = CheckTarget(native);
     SECURITY_ATTRIBUTES security{sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
     if (old && !old->permissions.empty()) security.lpSecurityDescriptor = old->permissions.data();

@@ -102,6 +102,14 @@ inline DWORD RenameOpen(const Handle& file, const std::wstring& path, bool repla
   return as(FileRenameInfo, TRUE);
 }
 
+/// Says whether the file goes with its last handle, also where the program is ended. The handle needs the right to
+/// delete. False where the system cannot.
+inline bool LetGoWhenClosed(const Handle& file, bool goes) {
+  FILE_DISPOSITION_INFO disposition{};
+  disposition.DeleteFile = goes ? TRUE : FALSE;
+  return ::SetFileInformationByHandle(file.Get(), FileDispositionInfo, &disposition, sizeof disposition) != 0;
+}
+
 /// The file goes; where the file system keeps it until its last handle is closed, it makes way at once for a new one.
 /// The handle needs the right to delete.
 inline void DeleteOpen(const Handle& file, const std::wstring& path) {
@@ -109,14 +117,11 @@ inline void DeleteOpen(const Handle& file, const std::wstring& path) {
   atOnce.Flags = FILE_DISPOSITION_FLAG_DELETE | FILE_DISPOSITION_FLAG_POSIX_SEMANTICS;
   if (::SetFileInformationByHandle(file.Get(), kFileDispositionInfoEx, &atOnce, sizeof atOnce) != 0) return;
   const bool isAside = RenameOpen(file, TemporaryPathFor(path), false) == ERROR_SUCCESS;
-  FILE_DISPOSITION_INFO disposition{};
-  disposition.DeleteFile = TRUE;
-  const BOOL goes = ::SetFileInformationByHandle(file.Get(), FileDispositionInfo, &disposition, sizeof disposition);
-  if (goes == 0 && isAside) RenameOpen(file, path, false);
+  if (!LetGoWhenClosed(file, true) && isAside) RenameOpen(file, path, false);
 }
 
 /// The bytes written at `at` (null: at the place of the handle), at least one of `size` > 0.
-inline std::size_t WriteOnce(const Handle& file, const void* source, std::size_t size, OVERLAPPED* at) {
+inline std::size_t WriteOnce(const Handle& file, const void* source, std::size_t size, OVERLAPPED* at = nullptr) {
   DWORD written = 0;
   if (::WriteFile(file.Get(), source, static_cast<DWORD>(std::min(size, kMaxBlock)), &written, at) == 0) {
     ThrowError(::GetLastError());
@@ -135,17 +140,16 @@ class WindowsReadableFile : public Base {
 
   std::size_t Read(void* target, std::size_t size) override {
     std::size_t done = 0;
+    GoTo(position_);
     while (done < size) {
-      OVERLAPPED at = AtPosition(position_);
       DWORD count = 0;
       const auto wanted = static_cast<DWORD>(std::min(size - done, kMaxBlock));
-      if (::ReadFile(file_.Get(), static_cast<char*>(target) + done, wanted, &count, &at) == 0) {
-        const DWORD code = ::GetLastError();
-        if (code != ERROR_HANDLE_EOF) ThrowError(code);
+      if (::ReadFile(file_.Get(), static_cast<char*>(target) + done, wanted, &count, nullptr) == 0) {
+        ThrowError(::GetLastError());
       }
       if (count == 0) break;
       done += count;
-      position_ += count;
+      place_ = position_ += count;
     }
     return done;
   }
@@ -153,7 +157,18 @@ class WindowsReadableFile : public Base {
   void Seek(std::uint64_t position) override { position_ = position; }
 
  protected:
+  // Moves the place of the handle, where it is not there. Calls that name a place themselves (OVERLAPPED) cost more.
+  void GoTo(std::uint64_t place) {
+    LARGE_INTEGER distance{};
+    distance.QuadPart = static_cast<LONGLONG>(place);
+    if (place != place_ && ::SetFilePointerEx(file_.Get(), distance, nullptr, FILE_BEGIN) == 0) {
+      ThrowError(::GetLastError());
+    }
+    place_ = place;
+  }
+
   Handle file_;
+  std::uint64_t place_ = 0;
 
  private:
   std::uint64_t size_;
@@ -170,9 +185,11 @@ class WindowsUpdatedFile : public WindowsReadableFile<UpdatedFile> {
   std::uint64_t FreeDiskBytes() override { return FreeBytes(directory_); }
 
   std::size_t WriteSomePiecesAt(std::uint64_t position, std::span<const std::string_view> pieces) override {
-    OVERLAPPED at = AtPosition(position);
+    GoTo(position);
     const std::string_view piece = FirstPiece(pieces);
-    return WriteOnce(file_, piece.data(), piece.size(), &at);
+    const std::size_t count = WriteOnce(file_, piece.data(), piece.size());
+    place_ += count;
+    return count;
   }
 
   void Close() override {
@@ -185,6 +202,31 @@ class WindowsUpdatedFile : public WindowsReadableFile<UpdatedFile> {
   std::wstring directory_;
 };
 
+/// A result at whose place there was no file. It has its name at once, but nobody can open it before it is complete, and
+/// until then it goes with its handle: nothing is left of it, whatever happens. A temporary name would be looked for
+/// once more and a renaming done: both take their time, on shares and in wine most of the time of a small result.
+class WindowsNewFile : public OutputFile {
+ public:
+  /// `file` is not shared and goes when it is closed.
+  explicit WindowsNewFile(Handle file) : file_(std::move(file)) {}
+
+  std::size_t WriteSome(const void* source, std::size_t size) override { return WriteOnce(file_, source, size); }
+
+  bool IsNew() const override { return true; }
+
+  void Commit() override {
+    if (flushError_ == ERROR_SUCCESS) flushError_ = SendToOtherMachine(file_);
+    if (flushError_ != ERROR_SUCCESS) ThrowError(flushError_);
+    if (!LetGoWhenClosed(file_, false)) ThrowError(::GetLastError());
+    file_.Close();
+  }
+
+ private:
+  Handle file_;
+  DWORD flushError_ = ERROR_SUCCESS;
+};
+
+/// A result that replaces a file, or that must not: it has a temporary name until it is complete.
 class WindowsResultFile : public OutputFile {
  public:
   /// `file` has a temporary name beside `path` and the right to delete. `replaces`: a file stands at `path`.
@@ -195,9 +237,7 @@ class WindowsResultFile : public OutputFile {
     if (!committed_) DeleteOpen(file_, path_);
   }
 
-  std::size_t WriteSome(const void* source, std::size_t size) override {
-    return WriteOnce(file_, source, size, nullptr);
-  }
+  std::size_t WriteSome(const void* source, std::size_t size) override { return WriteOnce(file_, source, size); }
 
   bool IsNew() const override { return !replaces_; }
 
@@ -216,10 +256,18 @@ class WindowsResultFile : public OutputFile {
     return ::FlushFileBuffers(file_.Get()) != 0 ? ERROR_SUCCESS : ::GetLastError();
   }
 
-  // Scanners and indexers open what lies at the place, for moments.
+  // Scanners and indexers open what lies at the place, or what was just written, for moments.
   DWORD Rename() const {
+    bool replaces = replaces_ && existing_ == ExistingFile::replace;
     for (int tries = 50;; --tries) {
-      const DWORD code = RenameOpen(file_, path_, existing_ == ExistingFile::replace);
+      const DWORD code = RenameOpen(file_, path_, replaces);
+      const bool isThere = code == ERROR_ALREADY_EXISTS || code == ERROR_FILE_EXISTS;
+      if (isThere && !replaces && existing_ == ExistingFile::replace) {
+        // It has come meanwhile; one whose name has other letters is seen only now by wine.
+        ::FlushFileBuffers(file_.Get());
+        replaces = true;
+        continue;
+      }
       if (tries == 0 || (code != ERROR_ACCESS_DENIED && code != ERROR_SHARING_VIOLATION)) return code;
       ::Sleep(20);
     }
@@ -247,6 +295,7 @@ class WindowsAppendedFile : public OutputFile {
   }
 
   std::size_t WriteSome(const void* source, std::size_t size) override {
+    // Behind what a program that knows nothing of the lock may have added.
     OVERLAPPED atEnd = AtPosition(~std::uint64_t{0});
     return WriteOnce(file_, source, size, &atEnd);
   }

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "cli/program_run.h"
+#include "support/stalled_program.h"
 
 namespace quiverion::cli {
 namespace {
@@ -18,6 +19,20 @@ TEST_F(ProgramRun, UpperAndLowerCaseNameTheSameFile) {
   EXPECT_EQ(RunProgram(place, {"run", "--macro", "v.mak", "serie/b.vas", "SERIE\\B.VAS", "Serie/b.VAS"}).code, 0);
   EXPECT_NE(RunProgram(place, {"collection", "list", "K.COL"}).out.find("\n1\t"), std::string::npos);
   EXPECT_EQ(RunProgram(place, {"collection", "list", "K.COL"}).out.find("\n2\t"), std::string::npos);
+}
+
+// The log is open from the beginning on.
+TEST_F(ProgramSignals, LeaveNothingIncompleteOfAProgramThatIsKilled) {
+  {
+    const StalledProgram program(place, {"run", "--macro", "s.mak", "--log", "log.txt", "viele"});
+    ASSERT_TRUE(program.WaitUntilStalled());
+  }
+  for (const std::string& name : place.Files()) {
+    EXPECT_EQ(name.find(".tmp"), std::string::npos) << name;
+    if (!name.ends_with("_s.vas")) continue;
+    EXPECT_EQ(place.Read(name).size(), place.Read("viele/10.vas").size()) << name;
+  }
+  EXPECT_FALSE(place.Has("log.txt"));
 }
 
 TEST_F(ProgramRun, APathMayBeginWithASlash) {

@@ -82,6 +82,20 @@ TEST_F(SystemFiles, APathMayBeLongerThan260Characters) {
   }
 }
 
+TEST_F(SystemFiles, ANewResultCannotBeOpenedBeforeItIsComplete) {
+  for (const bool commits : {false, true}) {
+    auto file = files_->CreateResultFile(At("x.vas"), ExistingFile::replace);
+    EXPECT_TRUE(file->IsNew());
+    WriteAll(*file, "new");
+    EXPECT_EQ(OpenError(At("x.vas")), 70);
+    EXPECT_EQ(CreateError(At("x.vas")), 70) << "by another run";
+    if (commits) file->Commit();
+    file.reset();
+    EXPECT_EQ(Names(), commits ? NameList{"x.vas"} : NameList());
+  }
+  EXPECT_EQ(Get("x.vas"), "new");
+}
+
 TEST_F(SystemFiles, WhatAnotherProgramHoldsIsDeniedUntilItLetsGo) {
   Put("x.vas", "old");
   {
