@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFont>
+#include <QFontInfo>
 
 namespace quiverion {
 
@@ -21,10 +22,14 @@ bool CanAskHowToPrint(const QPrinter& printer) {
   return printer.outputFormat() == QPrinter::NativeFormat;  // without a printer it falls back to files
 }
 
-// wine names a font that it lacks, and Qt would take any.
+// wine names a font that it lacks. Qt would take any, and without smoothing small letters of most are so coarse that an "I"
+// is not to be seen.
 void ChooseFonts() {
-  QFont::insertSubstitutions(QApplication::font().family(),
-                             {"Segoe UI", "Tahoma", "Arial", "Liberation Sans", "DejaVu Sans"});
+  QFont font = QApplication::font();
+  QFont::insertSubstitutions(font.family(), {"Segoe UI", "Tahoma", "Arial", "Liberation Sans", "DejaVu Sans"});
+  if (QFontInfo(font).family().compare(font.family(), Qt::CaseInsensitive) == 0) return;
+  font.setStyleStrategy(QFont::PreferAntialias);
+  QApplication::setFont(font);
 }
 
 }  // namespace quiverion
