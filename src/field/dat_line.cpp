@@ -28,10 +28,13 @@ QUIVERION_ALWAYS_INLINE void FindCharacters(const char* text, Word* found, IsMea
 }
 
 // Stops end a field, or a line of the usual shape (control characters); separators end a column.
-QUIVERION_MULTI_TARGET void FindEnds(const char* text, Word* separators, Word* stops) {
+QUIVERION_ALWAYS_INLINE void FindBothEnds(const char* text, Word* separators, Word* stops) {
   FindCharacters<DatLines::kChunk>(text, stops, [](unsigned char c) { return (c < ' ') | (c == ','); });
   FindCharacters<DatLines::kChunk>(text, separators, [](unsigned char c) { return (c <= ' ') | (c == ','); });
 }
+
+QUIVERION_MULTI_TARGET_CALL(FindEnds, (const char* text, Word* separators, Word* stops), (text, separators, stops),
+                            FindBothEnds(text, separators, stops))
 
 // The bits from position `at`: kWindow of them, or some more.
 constexpr int kWindow = 57;
@@ -94,10 +97,14 @@ QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
   return refused;
 }
 
-QUIVERION_MULTI_TARGET void ReadAll(std::size_t count, const Word* heads, const Word* tails, double* values,
-                                    Word* refused) {
+QUIVERION_ALWAYS_INLINE void ReadNumbers(std::size_t count, const Word* heads, const Word* tails, double* values,
+                                         Word* refused) {
   for (std::size_t k = 0; k < count; ++k) refused[k] = ReadNumber(heads[k], tails[k], values[k]);
 }
+
+QUIVERION_MULTI_TARGET_CALL(ReadAll,
+                            (std::size_t count, const Word* heads, const Word* tails, double* values, Word* refused),
+                            (count, heads, tails, values, refused), ReadNumbers(count, heads, tails, values, refused))
 
 }  // namespace
 

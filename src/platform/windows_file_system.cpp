@@ -43,12 +43,6 @@ bool IsDirectoryNative(const std::wstring& path) {
   ThrowError(IsDirectoryNative(ParentOf(path)) ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND);
 }
 
-std::uint64_t LengthOf(const Handle& file) {
-  LARGE_INTEGER length{};
-  if (::GetFileSizeEx(file.Get(), &length) == 0) ThrowError(::GetLastError());
-  return static_cast<std::uint64_t>(length.QuadPart);
-}
-
 // Whether the open file is still the one at the path. Not every system behind a share tells what is about to go: where
 // others have had it meanwhile, what lies there now is compared.
 bool IsAt(const std::wstring& path, const Handle& file, bool othersHadIt) {
@@ -147,9 +141,10 @@ class WindowsFileSystem : public FileSystem {
     const std::wstring native = OpenablePath(path);
     Handle file = Open(native, GENERIC_READ, kShared, OPEN_EXISTING);
     if (!file.IsOpen()) ThrowOpenError(::GetLastError(), native);
-    if (::GetFileType(file.Get()) != FILE_TYPE_DISK) throw SystemError(ErrorNumber::pathAccess);
-    const std::uint64_t length = LengthOf(file);
-    return std::make_unique<WindowsInputFile>(std::move(file), length);
+    // Names of devices are refused before; a server may have pipes.
+    const bool isOfServer = native.starts_with(LR"(\\?\UNC\)");
+    if (isOfServer && ::GetFileType(file.Get()) != FILE_TYPE_DISK) throw SystemError(ErrorNumber::pathAccess);
+    return std::make_unique<WindowsInputFile>(std::move(file));
   }
 
   std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) override {

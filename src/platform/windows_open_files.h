@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <iterator>
+#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
@@ -44,6 +45,12 @@ inline DWORD SendToOtherMachine(const Handle& file) {
   const bool isRemote =
       ::GetFileInformationByHandleEx(file.Get(), FileRemoteProtocolInfo, &protocol, sizeof protocol) != 0;
   return !isRemote || ::FlushFileBuffers(file.Get()) != 0 ? ERROR_SUCCESS : ::GetLastError();
+}
+
+inline std::uint64_t LengthOf(const Handle& file) {
+  LARGE_INTEGER length{};
+  if (::GetFileSizeEx(file.Get(), &length) == 0) ThrowError(::GetLastError());
+  return static_cast<std::uint64_t>(length.QuadPart);
 }
 
 /// Free bytes for this user where the directory lies; 0 where that cannot be told.
@@ -134,9 +141,14 @@ inline std::size_t WriteOnce(const Handle& file, const void* source, std::size_t
 template <class Base>
 class WindowsReadableFile : public Base {
  public:
-  WindowsReadableFile(Handle file, std::uint64_t size) : file_(std::move(file)), size_(size) {}
+  /// Without a `size` it is asked for when it is wanted first: most files are opened only to see that they can be.
+  explicit WindowsReadableFile(Handle file, std::optional<std::uint64_t> size = std::nullopt)
+      : file_(std::move(file)), size_(size) {}
 
-  std::uint64_t Size() const override { return size_; }
+  std::uint64_t Size() const override {
+    if (!size_) size_ = LengthOf(file_);
+    return *size_;
+  }
 
   std::size_t Read(void* target, std::size_t size) override {
     std::size_t done = 0;
@@ -171,7 +183,7 @@ class WindowsReadableFile : public Base {
   std::uint64_t place_ = 0;
 
  private:
-  std::uint64_t size_;
+  mutable std::optional<std::uint64_t> size_;
   std::uint64_t position_ = 0;
 };
 
