@@ -52,7 +52,12 @@ void frmChooseMacroEvent::FillTree() {
     node->setData(0, kKey, QStringLiteral("K%1").arg(row.eventId));
     node->setIcon(0, row.IsMenu() ? closedMenu : command);
   }
-  const auto showIcon = [](const QIcon& icon) { return [icon](QTreeWidgetItem* node) { node->setIcon(0, icon); }; };
+  // The key "*" expands commands, too.
+  const auto showIcon = [](const QIcon& icon) {
+    return [icon](QTreeWidgetItem* node) {
+      if (node->childCount() > 0) node->setIcon(0, icon);
+    };
+  };
   connect(ui_->tvwMacroEvents, &QTreeWidget::itemExpanded, this, showIcon(openMenu));
   connect(ui_->tvwMacroEvents, &QTreeWidget::itemCollapsed, this, showIcon(closedMenu));
 }

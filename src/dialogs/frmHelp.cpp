@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QShortcut>
+#include <QTabBar>
 #include <QTreeWidgetItemIterator>
 #include <algorithm>
 
@@ -39,6 +40,10 @@ frmHelp::frmHelp(const QString& directory, QWidget* parent)
   connect(ui_->lstKeywords, &QListWidget::itemClicked, this, openLine);
   connect(ui_->lstKeywords, &QListWidget::itemActivated, this, openLine);
   ui_->txtKeyword->installEventFilter(this);
+  // By its access key or the mouse; the arrow keys go on to the next tab.
+  connect(ui_->tabs, &QTabWidget::currentChanged, this, [this] {
+    if (ui_->tabs->currentWidget() == ui_->tabIndex && !ui_->tabs->tabBar()->hasFocus()) ui_->txtKeyword->setFocus();
+  });
   connect(ui_->txtKeyword, &QLineEdit::textChanged, this, &frmHelp::FilterKeywords);
   connect(ui_->txtKeyword, &QLineEdit::returnPressed, this,
           [this, openLine] { openLine(ui_->lstKeywords->currentItem()); });

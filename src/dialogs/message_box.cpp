@@ -1,5 +1,6 @@
 #include "dialogs/message_box.h"
 
+#include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QMessageBox>
 #include <QPushButton>
@@ -62,6 +63,20 @@ QMessageBox::Icon IconOf(MessageIcon icon) {
   return QMessageBox::Warning;
 }
 
+// Abort, Retry, Ignore are asked in this order; where a system puts what refuses last, it would come last.
+void PutFirst(QMessageBox& box, Button first) {
+  auto* const row = qobject_cast<QBoxLayout*>(box.findChild<QDialogButtonBox*>()->layout());
+  QAbstractButton* const button = box.button(first);
+  if (row == nullptr || button == nullptr) return;
+  int place = 0;
+  while (row->itemAt(place)->widget() == nullptr) ++place;  // what aligns them
+  QWidget* const before = row->itemAt(place)->widget();
+  if (before == button) return;
+  row->removeWidget(button);
+  row->insertWidget(place, button);
+  QWidget::setTabOrder(button, before);
+}
+
 }  // namespace
 
 int WidthOfTitle(const QWidget& window) {
@@ -81,6 +96,7 @@ MessageAnswer ShowMessageBox(QWidget* parent, const Message& message) {
     button->setText(ToQt(answer.text));
     if (message.preselected == answer.answer) box.setDefaultButton(answer.button);
   }
+  if (message.buttons == MessageButtons::abortRetryIgnore) PutFirst(box, QMessageBox::Abort);
   // The box has a fixed size: only what lies in its layout widens it.
   if (auto* const grid = qobject_cast<QGridLayout*>(box.layout())) {
     grid->addItem(new QSpacerItem(WidthOfTitle(box), 0), grid->rowCount(), 0, 1, grid->columnCount());

@@ -30,6 +30,12 @@ void ChooseFonts() {
   if (QFontInfo(font).family().compare(font.family(), Qt::CaseInsensitive) == 0) return;
   font.setStyleStrategy(QFont::PreferAntialias);
   QApplication::setFont(font);
+  // Those that have a font of their own.
+  for (const char* const kind : {"QMenu", "QMenuBar", "QMessageBox", "QTabBar", "QTipLabel", "QHeaderView"}) {
+    QFont own = QApplication::font(kind);
+    own.setStyleStrategy(QFont::PreferAntialias);
+    QApplication::setFont(own, kind);
+  }
 }
 
 }  // namespace quiverion

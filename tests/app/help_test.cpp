@@ -55,6 +55,9 @@ TEST_F(HelpWindow, ShowsTheContents) {
 }
 
 TEST_F(HelpWindow, FindsAKeyword) {
+  Trigger("mnuShowHelp");
+  Find<QTabWidget>(*Window(), "tabs").setCurrentIndex(1);  // as its access key does
+  EXPECT_EQ(Window()->focusWidget(), &Find<QLineEdit>(*Window(), "txtKeyword"));
   Trigger("mnuHelpIndex");
   Type(*Window(), "txtKeyword", "viskos");
   auto& list = Find<QListWidget>(*Window(), "lstKeywords");
@@ -81,6 +84,11 @@ TEST_F(HelpWindow, F1LeadsToThePageOfTheDialog) {
     for (QTreeWidgetItemIterator item(&tree); *item != nullptr; ++item) {
       if ((*item)->data(0, Qt::UserRole) == "K40103") tree.setCurrentItem(*item);
     }
+    // The key "*" made an open directory of its picture.
+    const qint64 picture = tree.currentItem()->icon(0).cacheKey();
+    tree.currentItem()->setExpanded(true);
+    emit tree.itemExpanded(tree.currentItem());
+    EXPECT_EQ(tree.currentItem()->icon(0).cacheKey(), picture);
   });
   Click("cmdNewMacroEvent");
 
