@@ -54,10 +54,6 @@ std::string OutputPath(const CommandCall& call, std::string_view extension) {
   return call.inputDirectory + WithOwnSeparators(name);
 }
 
-std::string PathOf(const MacroEvent& event) {
-  return WithOwnSeparators(event.Text("FileName"));
-}
-
 void SaveAsVas(const CommandCall& call) {
   SaveVas(call.context, OutputPath(call, ".vas"));
 }
@@ -67,7 +63,7 @@ void InsertComment(const CommandCall& call) {
 }
 
 void LoadBuffer(const CommandCall& call) {
-  LoadFileIntoBuffer(call.context, PathOf(call.event));
+  LoadFileIntoBuffer(call.context, call.event.Path("FileName"));
 }
 
 void FaultVectors(const CommandCall& call) {
@@ -85,11 +81,11 @@ void XYTrafo(const CommandCall& call) {
 }
 
 void VortexCentres(const CommandCall& call) {
-  FindVortexCentres(call.context, PathOf(call.event), call.event.Flag("AutoTrafo"));
+  FindVortexCentres(call.context, call.event.Path("FileName"), call.event.Flag("AutoTrafo"));
 }
 
 void CollectStatistics(const CommandCall& call) {
-  CollectForStatistics(call.context, PathOf(call.event));
+  CollectForStatistics(call.context, call.event.Path("FileName"));
 }
 
 }  // namespace quiverion::actions

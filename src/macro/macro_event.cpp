@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/numbers.h"
+#include "platform/paths.h"
 #include "platform/system_error.h"
 #include "platform/text.h"
 
@@ -60,6 +61,10 @@ std::string MacroEvent::Text(std::string_view key) const {
   const MacroValue& value = Get(key);
   if (const auto* text = std::get_if<std::string>(&value)) return *text;
   return FormatNumber(Number(key));
+}
+
+std::string MacroEvent::Path(std::string_view key) const {
+  return WithOwnSeparators(Text(key));
 }
 
 }  // namespace quiverion

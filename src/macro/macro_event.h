@@ -29,6 +29,9 @@ class MacroEvent {
   bool Flag(std::string_view key) const;
   std::string Text(std::string_view key) const;
 
+  /// The same for the text of a path, with the system's separators.
+  std::string Path(std::string_view key) const;
+
   const std::vector<std::pair<std::string, MacroValue>>& Values() const { return values_; }
 
  private:

@@ -3,7 +3,6 @@
 #include "macro/command_catalogue.h"
 #include "macro/run_driver.h"
 #include "platform/numbers.h"
-#include "platform/paths.h"
 #include "platform/text.h"
 
 namespace quiverion {
@@ -35,8 +34,7 @@ bool CheckCommands(Session& session, std::int64_t& kilobytesPerFile) {
     kilobytesPerFile += row->outputKilobytes;
     // A damaged macro may lack the name: the command itself reports that.
     if (row->eventId == kLoadBuffer && event.Find("FileName") != nullptr &&
-        !CheckReadable(session.context, WithOwnSeparators(event.Text("FileName")),
-                       "Die in den Buffer einzuladende Datei '")) {
+        !CheckReadable(session.context, event.Path("FileName"), "Die in den Buffer einzuladende Datei '")) {
       return false;
     }
   }

@@ -14,6 +14,7 @@
 #include <iterator>
 
 #include "platform/environment.h"
+#include "platform/posix_paths.h"
 #include "platform/system_error.h"
 
 namespace quiverion {
@@ -40,12 +41,6 @@ std::string NumericLocaleName() {
     if (value != nullptr && *value != '\0') return value;
   }
   return {};
-}
-
-std::string NativePath(const std::string& path) {
-  std::string native = path;
-  std::replace(native.begin(), native.end(), '\\', '/');
-  return native;
 }
 
 // A locale can be named without being installed (on a compute node, say); its language still tells.
@@ -87,7 +82,7 @@ char EnvironmentDecimalSeparator() {
 }
 
 std::string AbsolutePath(const std::string& path) {
-  const std::string native = NativePath(path);
+  const std::string native = posix::SystemPath(path);
   const bool drive = native.size() > 1 && native[1] == ':';
   if (native.starts_with('/') || drive) return path;
   std::error_code ignored;
@@ -102,7 +97,7 @@ std::string AbsolutePath(const std::string& path) {
 bool IsSameFile(const std::string& a, const std::string& b) {
   if (a == b) return true;
   std::error_code failed;
-  const std::filesystem::path first = NativePath(a), second = NativePath(b);
+  const std::filesystem::path first = posix::SystemPath(a), second = posix::SystemPath(b);
   if (std::filesystem::equivalent(first, second, failed) && !failed) return true;
   if (std::filesystem::exists(first, failed) || std::filesystem::exists(second, failed)) return false;
   const auto firstPlace = std::filesystem::weakly_canonical(first, failed);

@@ -270,16 +270,8 @@ class WindowsResultFile : public OutputFile {
 
   // Scanners and indexers open what lies at the place, or what was just written, for moments.
   DWORD Rename() const {
-    bool replaces = replaces_ && existing_ == ExistingFile::replace;
     for (int tries = 50;; --tries) {
-      const DWORD code = RenameOpen(file_, path_, replaces);
-      const bool isThere = code == ERROR_ALREADY_EXISTS || code == ERROR_FILE_EXISTS;
-      if (isThere && !replaces && existing_ == ExistingFile::replace) {
-        // It has come meanwhile; one whose name has other letters is seen only now by wine.
-        ::FlushFileBuffers(file_.Get());
-        replaces = true;
-        continue;
-      }
+      const DWORD code = RenameOpen(file_, path_, existing_ == ExistingFile::replace);
       if (tries == 0 || (code != ERROR_ACCESS_DENIED && code != ERROR_SHARING_VIOLATION)) return code;
       ::Sleep(20);
     }

@@ -14,11 +14,7 @@ namespace quiverion::cli {
 inline const std::string kSaveMacro = test::Bytes().I32(1).I32(10001).Text("").Text("_s");
 
 inline samples::SampleField Sample(int index) {
-  samples::SampleOptions options;
-  options.index = index;
-  options.columns = 5;
-  options.rows = 4;
-  return samples::MakeSampleField(options);
+  return samples::MakeSampleField({.index = index, .columns = 5, .rows = 4});
 }
 
 class ProgramRun : public testing::Test {

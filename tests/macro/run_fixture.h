@@ -24,11 +24,7 @@ inline MacroEvent SaveEvent(const std::string& prefix, const std::string& postfi
 }
 
 inline samples::SampleField SmallSample(int index = 0) {
-  samples::SampleOptions options;
-  options.index = index;
-  options.columns = 4;
-  options.rows = 3;
-  return samples::MakeSampleField(options);
+  return samples::MakeSampleField({.index = index, .columns = 4, .rows = 3});
 }
 
 /// A series in memory under /serie/.
