@@ -95,23 +95,32 @@ struct Replaced {
   std::vector<BYTE> permissions;  // empty: those of the directory
 };
 
-// Whether the descriptor gives rights that do not come from the directory. Only those are taken over: a copy of the
-// others would no longer follow the directory.
-bool HasOwnPermissions(std::vector<BYTE>& descriptor) {
-  SECURITY_DESCRIPTOR_CONTROL control = 0;
-  DWORD revision = 0;
-  BOOL isThere = FALSE, isDefault = FALSE;
-  PACL list = nullptr;
-  if (descriptor.empty() || ::GetSecurityDescriptorControl(descriptor.data(), &control, &revision) == 0 ||
-      ::GetSecurityDescriptorDacl(descriptor.data(), &isThere, &list, &isDefault) == 0) {
-    return false;
-  }
-  if ((control & SE_DACL_PROTECTED) != 0 || isThere == FALSE || list == nullptr) return true;
+// Whether the list gives rights that do not come from the directory.
+bool IsOfItsOwn(SECURITY_DESCRIPTOR_CONTROL control, PACL list) {
+  if ((control & SE_DACL_PROTECTED) != 0 || list == nullptr) return true;
   for (DWORD k = 0; k < list->AceCount; ++k) {
     void* entry = nullptr;
     if (::GetAce(list, k, &entry) != 0 && (static_cast<ACE_HEADER*>(entry)->AceFlags & INHERITED_ACE) == 0) return true;
   }
   return false;
+}
+
+// The descriptor of an open file that has rights of its own; empty for others: a copy would no longer follow the directory.
+std::vector<BYTE> OwnPermissions(const Handle& file) {
+  DWORD size = 0;
+  ::GetKernelObjectSecurity(file.Get(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+  std::vector<BYTE> descriptor(size);
+  SECURITY_DESCRIPTOR_CONTROL control = 0;
+  DWORD revision = 0;
+  BOOL isThere = FALSE, isDefault = FALSE;
+  PACL list = nullptr;
+  const bool isKnown =
+      size > 0 &&
+      ::GetKernelObjectSecurity(file.Get(), DACL_SECURITY_INFORMATION, descriptor.data(), size, &size) != 0 &&
+      ::GetSecurityDescriptorControl(descriptor.data(), &control, &revision) != 0 &&
+      ::GetSecurityDescriptorDacl(descriptor.data(), &isThere, &list, &isDefault) != 0;
+  if (!isKnown || !IsOfItsOwn(control, list)) descriptor.clear();
+  return descriptor;
 }
 
 std::optional<Replaced> CheckTarget(const std::wstring& path) {
@@ -123,16 +132,8 @@ std::optional<Replaced> CheckTarget(const std::wstring& path) {
   const Handle file = Open(path, GENERIC_WRITE, kShared, OPEN_EXISTING);
   if (!file.IsOpen()) ThrowOpenError(::GetLastError(), path);
   if (::GetFileType(file.Get()) != FILE_TYPE_DISK) throw SystemError(ErrorNumber::pathAccess);
-  Replaced old{attributes & (kOutOfSight | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED | FILE_ATTRIBUTE_ENCRYPTED), {}};
-  DWORD size = 0;
-  ::GetKernelObjectSecurity(file.Get(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
-  old.permissions.resize(size);
-  if (size > 0 &&
-      ::GetKernelObjectSecurity(file.Get(), DACL_SECURITY_INFORMATION, old.permissions.data(), size, &size) == 0) {
-    old.permissions.clear();
-  }
-  if (!HasOwnPermissions(old.permissions)) old.permissions.clear();
-  return old;
+  constexpr DWORD kept = kOutOfSight | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED | FILE_ATTRIBUTE_ENCRYPTED;
+  return Replaced{attributes & kept, OwnPermissions(file)};
 }
 
 class WindowsFileSystem : public FileSystem {

@@ -87,6 +87,8 @@ TEST_F(TextExports, WriteTheirLines) {
        " 0 ; 1.5 ; 0.375 ; 0 \r\n 0.5 ; 1.5 ; 0.375 ;-0.125 \r\n"},
       {ExportMatlabSwirl2, matlabGrid}};
   for (const auto& [operation, text] : cases) EXPECT_EQ(Written(operation), text);
+  context.field.status(3, 1) = 0;  // invalid like a masked one
+  EXPECT_EQ(Written(ExportStanfordVectorField), header + "\r\n" + vectors);
   context.field.galileiPointSet = kFlagTrue;
   EXPECT_EQ(Written(ExportStanfordVectorField), header + "\tbei:\t 1E-05 \t 3 \r\n" + vectors);
   for (std::int32_t& status : context.field.status.Values()) status = 0;

@@ -80,58 +80,6 @@ TEST_F(Statistics, OfARigidRotation) {
   EXPECT_EQ(rate.validVectorCount, 20);
 }
 
-// U(y) = 2 + 3 y (mm), u' and v' known in each field, and some vectors missing in some fields.
-TEST_F(Statistics, OfALinearShearWithMissingVectors) {
-  struct Fluctuation {
-    double u, v;
-    std::vector<std::pair<std::int32_t, std::int32_t>> missing;
-  };
-  const Fluctuation fields[] = {{1, -2, {{1, 1}, {4, 1}, {4, 4}, {5, 3}}},
-                                {-1, 1, {{4, 1}, {4, 4}, {5, 3}}},
-                                {2, -1, {{2, 2}, {4, 4}, {5, 3}, {5, 4}}},
-                                {-2, 2, {{4, 4}, {5, 2}, {5, 1}}}};
-  for (const Fluctuation& fluctuation : fields) {
-    VectorField field = MakeField(5, 4);
-    SetVelocities(
-        field, [&](double, double y) { return 2 + 3 * y + fluctuation.u; },
-        [&](double, double) { return fluctuation.v; });
-    for (const auto& [i, j] : fluctuation.missing) {
-      field.velX(i, j) = 1E300;
-      field.status(i, j) = i % 2 == 0 ? 0 : -1;
-    }
-    Collect(field);
-  }
-  const VectorField average = Compute(mean), deviation = Compute(standardDeviation),
-                    squares = Compute(fluctuationSquares), product = Compute(fluctuationProduct),
-                    degree = Compute(turbulence);
-  // All four fields: <u'²> = 2.5, <v'²> = 2.5, <u'v'> = (-2 - 1 - 2 - 4) / 4.
-  ExpectValid(average, 3, 3, 2 + 9, 0);
-  ExpectValid(deviation, 3, 3, std::sqrt(10.0 / 3), std::sqrt(10.0 / 3));
-  ExpectValid(squares, 3, 3, 2.5, 2.5);
-  ExpectValid(product, 3, 3, -2.25, 0);
-  ExpectValid(degree, 3, 3, std::sqrt(2.5) / 11, -2.25 * 3000);
-  // (2, 2) has three fields: means -2/3 and 1/3 off.
-  ExpectValid(average, 2, 2, 8 - 2.0 / 3, 1.0 / 3);
-  ExpectValid(squares, 2, 2, 2 - 4.0 / 9, 3 - 1.0 / 9);
-  ExpectValid(product, 2, 2, -7.0 / 3 + 2.0 / 9, 0);
-  // The gradient above it takes the means as they are: rows 1 and 3 at (2, 2).
-  ExpectValid(degree, 2, 2, std::sqrt((2 - 4.0 / 9 + 3 - 1.0 / 9) / 2) / std::sqrt(std::pow(8 - 2.0 / 3, 2) + 1.0 / 9),
-              (-7.0 / 3 + 2.0 / 9) * 3000);
-  // (4, 4) has no field: (4, 3) takes row 3 itself instead. (4, 1) has two.
-  EXPECT_EQ(average.status(4, 4), 0);
-  EXPECT_EQ(average.velX(4, 4), 0);
-  ExpectValid(degree, 4, 3, std::sqrt(2.5) / 11, -2.25 * 3000);
-  ExpectValid(squares, 4, 1, 4, 2.25);
-  // Column 5: row 3 has one field, the others have three. From below it passes as a neighbour with the mean 0.
-  ExpectValid(average, 5, 3, 2 + 9 - 2, 2);
-  for (const VectorField* result : {&deviation, &squares, &product, &degree}) EXPECT_EQ(result->status(5, 3), 0);
-  ExpectValid(degree, 5, 2, std::sqrt(2 - 4.0 / 9) / std::sqrt(std::pow(8 + 2.0 / 3, 2) + 4.0 / 9),
-              (0 - (5 + 2.0 / 3)) * (-5.0 / 3 + 4.0 / 9) * 500);
-  EXPECT_EQ(squares.status(5, 4), 1);
-  EXPECT_EQ(degree.status(5, 4), 0) << "no row below that counts, none above";
-  EXPECT_EQ(average.validVectorCount, 19);
-}
-
 // Every sum in its order, what stays at invalid vectors included; computed by another program.
 TEST_F(Statistics, HaveTheseBits) {
   for (std::uint64_t seed = 1; seed <= 5; ++seed) {
