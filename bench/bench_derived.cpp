@@ -1,8 +1,8 @@
 // Vorticity and swirling strength: the plain loops of the definition beside the fast kernels.
 #include <benchmark/benchmark.h>
 
-#include "operations/derived_scalar.h"
-#include "operations/derived_scalar_plain.h"
+#include "operations/kernels/derived_scalar.h"
+#include "operations/kernels/derived_scalar_plain.h"
 #include "support/field_builder.h"
 
 namespace quiverion::bench {

@@ -2,12 +2,12 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_support.h"
-#include "field/load_original_file.h"
-#include "field/vas_file.h"
+#include "field/formats/load_original_file.h"
+#include "field/formats/vas_file.h"
 #include "generator/sample_field.h"
 #include "generator/sample_files.h"
 #include "log/log_writers.h"
-#include "platform/result_file.h"
+#include "platform/files/result_file.h"
 
 namespace quiverion::bench {
 namespace {

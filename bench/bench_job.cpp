@@ -7,13 +7,14 @@
 #include <fstream>
 
 #include "bench_support.h"
-#include "field/load_original_file.h"
+#include "field/formats/load_original_file.h"
 #include "generator/sample_field.h"
 #include "generator/sample_files.h"
 #include "macro/run_driver.h"
-#include "operations/faulty_vectors_plain.h"
-#include "operations/filters_plain.h"
-#include "operations/interpolation_plain.h"
+#include "operations/kernels/faulty_vectors_plain.h"
+#include "operations/kernels/filter_kernel.h"
+#include "operations/kernels/filters_plain.h"
+#include "operations/kernels/interpolation_plain.h"
 
 namespace quiverion::bench {
 namespace {

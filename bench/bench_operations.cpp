@@ -1,16 +1,17 @@
 // The numerical commands: the plain loops of the definition beside the fast forms, over the same fields.
 #include <benchmark/benchmark.h>
 
-#include "operations/derived_scalar.h"
-#include "operations/faulty_vectors.h"
-#include "operations/faulty_vectors_plain.h"
-#include "operations/filters.h"
-#include "operations/filters_plain.h"
-#include "operations/interpolation.h"
-#include "operations/interpolation_plain.h"
-#include "operations/vortex_maxima.h"
-#include "operations/vortex_maxima_plain.h"
-#include "platform/environment.h"
+#include "operations/commands/filters.h"
+#include "operations/kernels/derived_scalar.h"
+#include "operations/kernels/faulty_vectors.h"
+#include "operations/kernels/faulty_vectors_plain.h"
+#include "operations/kernels/filter_kernel.h"
+#include "operations/kernels/filters_plain.h"
+#include "operations/kernels/interpolation.h"
+#include "operations/kernels/interpolation_plain.h"
+#include "operations/kernels/vortex_maxima.h"
+#include "operations/kernels/vortex_maxima_plain.h"
+#include "platform/process/environment.h"
 #include "support/random_fields.h"
 
 namespace quiverion::bench {

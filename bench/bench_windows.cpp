@@ -15,7 +15,7 @@
 #include "dialogs/frmShowLogFile.h"
 #include "generator/sample_files.h"
 #include "macro/run_driver.h"
-#include "platform/environment.h"
+#include "platform/process/environment.h"
 #include "statistics/compute_statistic.h"
 #include "support/test_session.h"
 

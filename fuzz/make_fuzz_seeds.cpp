@@ -9,7 +9,7 @@
 #include "generator/sample_files.h"
 #include "macro/command_catalogue.h"
 #include "macro/macro_file.h"
-#include "platform/file_system.h"
+#include "platform/files/file_system.h"
 
 namespace quiverion::fuzz {
 namespace {

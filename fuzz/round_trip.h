@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "field/load_original_file.h"
-#include "field/vas_file.h"
+#include "field/formats/load_original_file.h"
+#include "field/formats/vas_file.h"
 #include "support/field_compare.h"
 #include "support/test_session.h"
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Draws src/dialogs/icons/*.svg into the .ico files that the programs hold, and the picture of the installer. Needs librsvg2-bin,
+# Draws src/dialogs/widgets/icons/*.svg into the .ico files that the programs hold, and the picture of the installer. Needs librsvg2-bin,
 # icoutils and imagemagick.
 set -euo pipefail
-cd "$(dirname "$0")/../src/dialogs/icons"
+cd "$(dirname "$0")/../src/dialogs/widgets/icons"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 for drawing in *.svg; do
@@ -22,4 +22,4 @@ for drawing in *.svg; do
 done
 rsvg-convert -w 120 -h 120 program.svg -o "$work/large.png"
 convert -size 164x314 xc:'#17375e' "$work/large.png" -gravity north -geometry +0+40 -composite -colors 64 -compress RLE \
-  BMP3:../../../packaging/windows/installer.bmp
+  BMP3:../../../../packaging/windows/installer.bmp

@@ -5,6 +5,6 @@ function(quiverion_describe program program_description)
   configure_file(${PROJECT_SOURCE_DIR}/packaging/windows/program.rc.in ${program}.rc @ONLY)
   set(rc ${CMAKE_CURRENT_BINARY_DIR}/${program}.rc)
   set_source_files_properties(${rc} PROPERTIES OBJECT_DEPENDS
-    "${PROJECT_SOURCE_DIR}/src/dialogs/icons/program.ico;${PROJECT_SOURCE_DIR}/packaging/windows/program.manifest")
+    "${PROJECT_SOURCE_DIR}/src/dialogs/widgets/icons/program.ico;${PROJECT_SOURCE_DIR}/packaging/windows/program.manifest")
   target_sources(${program} PRIVATE ${rc})
 endfunction()

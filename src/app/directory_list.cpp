@@ -5,7 +5,7 @@
 #include <QPixmap>
 
 #include "app/navigation.h"
-#include "dialogs/qt_text.h"
+#include "dialogs/widgets/qt_text.h"
 
 namespace quiverion {
 namespace {

@@ -3,7 +3,7 @@
 #include <QListWidget>
 #include <string>
 
-#include "platform/file_system.h"
+#include "platform/files/file_system.h"
 
 namespace quiverion {
 

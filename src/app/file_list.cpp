@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "dialogs/qt_text.h"
+#include "dialogs/widgets/qt_text.h"
 #include "macro/series_files.h"
 
 namespace quiverion {

@@ -9,10 +9,10 @@
 
 #include "app/qt_user_interface.h"
 #include "app/statistics_flow.h"
-#include "dialogs/help.h"
+#include "dialogs/help/help.h"
 #include "dialogs/log_text.h"
 #include "dialogs/macro_editing.h"
-#include "dialogs/parameter_windows.h"
+#include "dialogs/parameters/parameter_windows.h"
 #include "macro/session.h"
 
 namespace Ui {

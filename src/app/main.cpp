@@ -5,8 +5,8 @@
 #include "app/frmMain.h"
 #include "app/navigation.h"
 #include "dialogs/application.h"
-#include "dialogs/qt_text.h"
-#include "platform/environment.h"
+#include "dialogs/widgets/qt_text.h"
+#include "platform/process/environment.h"
 
 int main(int argc, char** argv) {
   using namespace quiverion;

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "macro/series_files.h"
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "platform/files/paths.h"
+#include "platform/text/text.h"
 
 namespace quiverion {
 namespace {

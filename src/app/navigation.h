@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/file_system.h"
+#include "platform/files/file_system.h"
 
 /// What the drive, directory and file lists decide. Paths are the bytes the system uses.
 namespace quiverion {

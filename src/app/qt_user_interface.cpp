@@ -3,7 +3,7 @@
 #include <QApplication>
 
 #include "app/frmMain.h"
-#include "dialogs/message_box.h"
+#include "dialogs/widgets/message_box.h"
 
 namespace quiverion {
 namespace {

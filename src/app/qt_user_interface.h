@@ -6,7 +6,7 @@
 
 #include "dialogs/frmShowProgress.h"
 #include "dialogs/repaint_throttle.h"
-#include "platform/user_interface.h"
+#include "messages/user_interface.h"
 
 namespace quiverion {
 

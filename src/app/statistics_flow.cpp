@@ -3,10 +3,10 @@
 #include <iterator>
 #include <optional>
 
-#include "dialogs/file_choices.h"
-#include "dialogs/parameter_editing.h"
-#include "platform/numbers.h"
-#include "platform/paths.h"
+#include "dialogs/parameters/file_choices.h"
+#include "dialogs/parameters/parameter_editing.h"
+#include "platform/files/paths.h"
+#include "platform/text/numbers.h"
 
 namespace quiverion {
 namespace {

@@ -3,7 +3,7 @@
 #include <span>
 #include <string>
 
-#include "dialogs/parameter_dialogs.h"
+#include "dialogs/parameters/parameter_dialogs.h"
 #include "field/context.h"
 #include "statistics/compute_statistic.h"
 

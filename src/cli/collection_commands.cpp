@@ -3,8 +3,8 @@
 
 #include "cli/commands.h"
 #include "cli/services.h"
-#include "platform/environment.h"
-#include "platform/text.h"
+#include "platform/process/environment.h"
+#include "platform/text/text.h"
 #include "statistics/collection_contents.h"
 
 namespace quiverion::cli {

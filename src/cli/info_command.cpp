@@ -7,9 +7,9 @@
 #include "cli/commands.h"
 #include "cli/first_lines.h"
 #include "cli/services.h"
-#include "field/load_original_file.h"
-#include "platform/numbers.h"
-#include "platform/text.h"
+#include "field/formats/load_original_file.h"
+#include "platform/text/numbers.h"
+#include "platform/text/text.h"
 
 namespace quiverion::cli {
 namespace {

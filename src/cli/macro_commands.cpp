@@ -3,8 +3,8 @@
 #include "cli/services.h"
 #include "macro/command_catalogue.h"
 #include "macro/macro_file.h"
-#include "platform/environment.h"
-#include "platform/system_error.h"
+#include "messages/system_error.h"
+#include "platform/process/environment.h"
 
 namespace quiverion::cli {
 namespace {

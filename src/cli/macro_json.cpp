@@ -6,7 +6,7 @@
 #include <set>
 
 #include "macro/command_catalogue.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace quiverion::cli {
 namespace {

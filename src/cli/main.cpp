@@ -5,12 +5,12 @@
 
 #include "cli/commands.h"
 #include "cli/german_usage.h"
-#include "field/vas_file.h"
-#include "platform/environment.h"
-#include "platform/numbers.h"
-#include "platform/paths.h"
-#include "platform/system_error.h"
-#include "platform/text.h"
+#include "field/formats/vas_file.h"
+#include "messages/system_error.h"
+#include "platform/files/paths.h"
+#include "platform/process/environment.h"
+#include "platform/text/numbers.h"
+#include "platform/text/text.h"
 #include "version.h"
 
 namespace quiverion::cli {

@@ -8,11 +8,11 @@
 #include "macro/macro_file.h"
 #include "macro/pre_run_checks.h"
 #include "macro/series_files.h"
-#include "platform/environment.h"
-#include "platform/paths.h"
-#include "platform/result_file.h"
-#include "platform/system_error.h"
-#include "platform/text.h"
+#include "messages/system_error.h"
+#include "platform/files/paths.h"
+#include "platform/files/result_file.h"
+#include "platform/process/environment.h"
+#include "platform/text/text.h"
 
 namespace quiverion::cli {
 namespace {

@@ -1,7 +1,7 @@
 #include "cli/commands.h"
 #include "cli/first_lines.h"
 #include "cli/services.h"
-#include "platform/environment.h"
+#include "platform/process/environment.h"
 
 namespace quiverion::cli {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/environment.h"
-#include "platform/numbers.h"
-#include "platform/text.h"
+#include "platform/process/environment.h"
+#include "platform/text/numbers.h"
+#include "platform/text/text.h"
 
 namespace quiverion::cli {
 namespace {

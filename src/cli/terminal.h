@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/user_interface.h"
+#include "messages/user_interface.h"
 
 namespace quiverion::cli {
 

@@ -8,9 +8,9 @@
 #include <QShortcutEvent>
 #include <QTranslator>
 
-#include "dialogs/icons.h"
-#include "dialogs/native.h"
-#include "dialogs/run_modal.h"
+#include "dialogs/widgets/icons.h"
+#include "dialogs/widgets/native.h"
+#include "dialogs/widgets/run_modal.h"
 
 namespace quiverion {
 namespace {

@@ -4,10 +4,10 @@
 #include <QScrollBar>
 #include <QShortcut>
 
-#include "dialogs/file_choices.h"
-#include "dialogs/guarded.h"
-#include "dialogs/qt_text.h"
-#include "platform/text.h"
+#include "dialogs/parameters/file_choices.h"
+#include "dialogs/widgets/guarded.h"
+#include "dialogs/widgets/qt_text.h"
+#include "platform/text/text.h"
 #include "statistics/collection_contents.h"
 #include "ui_frmShowCollection.h"
 

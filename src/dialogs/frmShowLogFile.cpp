@@ -5,15 +5,15 @@
 #include <QTextBlock>
 #include <QTextCursor>
 
-#include "dialogs/native.h"
-#include "dialogs/paper.h"
-#include "dialogs/qt_text.h"
-#include "dialogs/run_modal.h"
+#include "dialogs/widgets/native.h"
+#include "dialogs/widgets/paper.h"
+#include "dialogs/widgets/qt_text.h"
+#include "dialogs/widgets/run_modal.h"
 #include "log/log_writers.h"
 #include "macro/log_messages.h"
-#include "platform/result_file.h"
-#include "platform/system_error.h"
-#include "platform/text.h"
+#include "messages/system_error.h"
+#include "platform/files/result_file.h"
+#include "platform/text/text.h"
 #include "ui_frmShowLogFile.h"
 
 namespace quiverion {

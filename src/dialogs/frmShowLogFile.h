@@ -5,8 +5,8 @@
 #include <string>
 
 #include "dialogs/log_text.h"
-#include "platform/file_system.h"
-#include "platform/user_interface.h"
+#include "messages/user_interface.h"
+#include "platform/files/file_system.h"
 
 class QPrinter;
 

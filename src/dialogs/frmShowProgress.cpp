@@ -2,8 +2,8 @@
 
 #include <QCloseEvent>
 
-#include "dialogs/qt_text.h"
-#include "platform/numbers.h"
+#include "dialogs/widgets/qt_text.h"
+#include "platform/text/numbers.h"
 #include "ui_frmShowProgress.h"
 
 namespace quiverion {

@@ -3,7 +3,7 @@
 #include <QDialog>
 #include <memory>
 
-#include "platform/user_interface.h"
+#include "messages/user_interface.h"
 
 namespace Ui {
 class frmShowProgress;

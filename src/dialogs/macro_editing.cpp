@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "dialogs/parameter_editing.h"
+#include "dialogs/parameters/parameter_editing.h"
 
 namespace quiverion {
 namespace {

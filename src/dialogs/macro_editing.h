@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "dialogs/parameter_dialogs.h"
+#include "dialogs/parameters/parameter_dialogs.h"
 #include "macro/session.h"
 
 /// The five actions on the macro list, without the list itself. `selected` is the index of its selected line, -1 where

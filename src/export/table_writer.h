@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/numbers.h"
-#include "platform/result_file.h"
+#include "platform/files/result_file.h"
+#include "platform/text/numbers.h"
 
 namespace quiverion {
 

@@ -6,9 +6,9 @@
 
 #include "export/table_writer.h"
 #include "field/frames.h"
-#include "operations/derived_scalar.h"
-#include "operations/mathematical.h"
-#include "platform/checked_real.h"
+#include "operations/kernels/derived_scalar.h"
+#include "operations/kernels/mathematical.h"
+#include "platform/numeric/checked_real.h"
 
 namespace quiverion {
 namespace {

@@ -3,9 +3,9 @@
 #include "field/buffer_field.h"
 #include "field/vector_field.h"
 #include "log/run_log.h"
-#include "platform/clock.h"
-#include "platform/file_system.h"
-#include "platform/user_interface.h"
+#include "messages/user_interface.h"
+#include "platform/files/file_system.h"
+#include "platform/process/clock.h"
 
 namespace quiverion {
 

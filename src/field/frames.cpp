@@ -2,18 +2,12 @@
 
 #include <optional>
 
-#include "platform/paths.h"
+#include "platform/files/paths.h"
 
 namespace quiverion {
 namespace {
 
 constexpr std::string_view kFileAborted = "    Die Bearbeitung der aktuellen Datei wird abgebrochen!";
-
-void LogLine(RunLog& log, std::string_view line) {
-  std::string piece(line);
-  piece.append("\r\n");
-  log.WriteLogLine(piece);
-}
 
 }  // namespace
 
@@ -43,24 +37,16 @@ std::string WriteFailedSentence(const std::string& path) {
          "' kann nicht gespeichert werden, da während des Schreibens folgender Fehler aufgetreten ist:";
 }
 
-void LogLines(RunLog& log, std::initializer_list<std::string_view> lines) {
-  for (const std::string_view line : lines) LogLine(log, line);
-}
-
-std::string ErrorLine(const SystemError& error) {
-  return "    " + ErrorText(error);
-}
-
 void LogWarning(Context& context, std::initializer_list<std::string_view> lines) {
-  LogLine(context.log, kWarningMark);
+  LogLines(context.log, {kWarningMark});
   LogLines(context.log, lines);
   context.runHadError = true;
 }
 
 void FailLoad(Context& context, std::initializer_list<std::string_view> lines) {
-  LogLine(context.log, kErrorMark);
+  LogLines(context.log, {kErrorMark});
   LogLines(context.log, lines);
-  LogLine(context.log, kFileAborted);
+  LogLines(context.log, {kFileAborted});
   context.abortCurrentFile = true;
 }
 
@@ -75,7 +61,7 @@ void RunLoadFrame(Context& context, const std::string& path, const std::function
   }
   try {
     read(*file);
-    LogLine(context.log, "fertig");
+    LogLines(context.log, {kDone});
   } catch (const FormatError& error) {
     FailLoad(context, {error.Message()});
   } catch (const std::exception& error) {
@@ -102,7 +88,7 @@ void RunSaveFrame(Context& context, const std::string& path, const std::function
     FailSave(context, WriteFailedSentence(path), error);
     return;
   }
-  LogLine(context.log, "fertig");
+  LogLines(context.log, {kDone});
 }
 
 }  // namespace quiverion

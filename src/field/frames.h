@@ -7,8 +7,9 @@
 #include <vector>
 
 #include "field/context.h"
-#include "platform/result_file.h"
-#include "platform/system_error.h"
+#include "log/log_lines.h"
+#include "messages/system_error.h"
+#include "platform/files/result_file.h"
 
 /// The frames of loading and saving own the sequence open / body / close / "fertig", every failure text and
 /// the fate of an incomplete file. A reader or writer supplies only the body.
@@ -25,16 +26,7 @@ class FormatError : public std::exception {
   std::string message_;
 };
 
-inline constexpr std::string_view kErrorMark = "!!! FEHLER !!!";
-inline constexpr std::string_view kWarningMark = "!!! WARNUNG !!!";
-
-/// Logs each text as one piece with a closing line break.
-void LogLines(RunLog& log, std::initializer_list<std::string_view> lines);
-
-/// "    <description>   (Fehler-Nr. <number>)"
-std::string ErrorLine(const SystemError& error);
-
-/// Logs `mark` and the lines and sets runHadError.
+/// Logs the warning mark and the lines and sets runHadError.
 void LogWarning(Context& context, std::initializer_list<std::string_view> lines);
 
 /// Logs the error mark, the lines and that the current file is given up; sets `abortCurrentFile`.

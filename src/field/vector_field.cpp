@@ -2,8 +2,8 @@
 
 #include <new>
 
-#include "platform/paths.h"
-#include "platform/system_error.h"
+#include "messages/system_error.h"
+#include "platform/files/paths.h"
 
 namespace quiverion {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
-#include "platform/byte_words.h"
-#include "platform/text.h"
+#include "platform/text/byte_words.h"
+#include "platform/text/text.h"
 
 namespace quiverion {
 namespace {

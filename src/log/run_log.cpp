@@ -1,6 +1,6 @@
 #include "log/run_log.h"
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace quiverion {
 

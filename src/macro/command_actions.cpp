@@ -1,12 +1,13 @@
 #include "macro/command_actions.h"
+#include "operations/commands/find_faulty_vectors.h"
 
-#include "field/buffer_commands.h"
+#include "field/formats/vas_file.h"
 #include "field/frames.h"
-#include "field/vas_file.h"
-#include "operations/transformations.h"
-#include "operations/vortex_centres.h"
-#include "platform/numbers.h"
-#include "platform/paths.h"
+#include "operations/commands/buffer_commands.h"
+#include "operations/commands/transformations.h"
+#include "operations/commands/vortex_centres.h"
+#include "platform/files/paths.h"
+#include "platform/text/numbers.h"
 #include "statistics/collect.h"
 
 namespace quiverion::actions {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "macro/command_catalogue.h"
-#include "operations/faulty_vectors.h"
-#include "operations/view_settings.h"
+#include "operations/commands/view_settings.h"
+#include "operations/kernels/faulty_vectors.h"
 
 /// What the rows of the catalogue run: each takes its parameters from the event and calls the operation.
 namespace quiverion::actions {

@@ -1,14 +1,15 @@
 #include "macro/command_catalogue.h"
+#include "operations/commands/interpolate_invalid_vectors.h"
 
 #include <algorithm>
 
 #include "export/text_exports.h"
-#include "field/buffer_commands.h"
 #include "macro/command_actions.h"
-#include "operations/filters.h"
-#include "operations/interpolation.h"
-#include "operations/transformations.h"
-#include "platform/text.h"
+#include "operations/commands/buffer_commands.h"
+#include "operations/commands/filters.h"
+#include "operations/commands/transformations.h"
+#include "operations/kernels/interpolation.h"
+#include "platform/text/text.h"
 
 namespace quiverion {
 namespace {

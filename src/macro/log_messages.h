@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/system_error.h"
-#include "platform/user_interface.h"
+#include "messages/system_error.h"
+#include "messages/user_interface.h"
 
 namespace quiverion {
 

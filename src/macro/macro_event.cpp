@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "platform/numbers.h"
-#include "platform/paths.h"
-#include "platform/system_error.h"
-#include "platform/text.h"
+#include "messages/system_error.h"
+#include "platform/files/paths.h"
+#include "platform/text/numbers.h"
+#include "platform/text/text.h"
 
 namespace quiverion {
 namespace {

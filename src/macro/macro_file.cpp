@@ -2,11 +2,11 @@
 
 #include <optional>
 
-#include "field/binary_reader.h"
-#include "field/binary_writer.h"
+#include "field/formats/binary_reader.h"
+#include "field/formats/binary_writer.h"
 #include "macro/command_catalogue.h"
-#include "platform/numbers.h"
-#include "platform/system_error.h"
+#include "messages/system_error.h"
+#include "platform/text/numbers.h"
 
 namespace quiverion {
 namespace {

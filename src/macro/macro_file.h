@@ -3,7 +3,7 @@
 #include <string>
 
 #include "macro/session.h"
-#include "platform/result_file.h"
+#include "platform/files/result_file.h"
 
 namespace quiverion {
 

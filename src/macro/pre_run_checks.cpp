@@ -2,8 +2,8 @@
 
 #include "macro/command_catalogue.h"
 #include "macro/run_driver.h"
-#include "platform/numbers.h"
-#include "platform/text.h"
+#include "platform/text/numbers.h"
+#include "platform/text/text.h"
 
 namespace quiverion {
 namespace {

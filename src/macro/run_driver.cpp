@@ -2,12 +2,12 @@
 
 #include <cmath>
 
-#include "field/frames.h"
-#include "field/load_original_file.h"
+#include "field/formats/load_original_file.h"
+#include "log/log_lines.h"
 #include "macro/command_catalogue.h"
-#include "platform/numbers.h"
-#include "platform/system_error.h"
-#include "platform/text.h"
+#include "messages/system_error.h"
+#include "platform/text/numbers.h"
+#include "platform/text/text.h"
 
 namespace quiverion {
 namespace {

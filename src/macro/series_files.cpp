@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "platform/files/paths.h"
+#include "platform/text/text.h"
 
 namespace quiverion {
 

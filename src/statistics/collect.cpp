@@ -6,11 +6,11 @@
 #include <optional>
 #include <string_view>
 
-#include "field/binary_writer.h"
+#include "field/formats/binary_writer.h"
 #include "field/frames.h"
-#include "platform/numbers.h"
-#include "platform/result_file.h"
-#include "platform/text.h"
+#include "platform/files/result_file.h"
+#include "platform/text/numbers.h"
+#include "platform/text/text.h"
 #include "statistics/collection_file.h"
 #include "statistics/valid_bits.h"
 

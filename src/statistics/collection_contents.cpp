@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "field/frames.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "statistics/collection_file.h"
 
 namespace quiverion {

@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "field/binary_writer.h"
-#include "platform/system_error.h"
-#include "platform/text.h"
+#include "field/formats/binary_writer.h"
+#include "messages/system_error.h"
+#include "platform/text/text.h"
 
 namespace quiverion {
 

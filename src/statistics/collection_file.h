@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "field/binary_reader.h"
-#include "platform/write_retry.h"
+#include "field/formats/binary_reader.h"
+#include "platform/files/write_retry.h"
 #include "statistics/collection_layout.h"
 
 namespace quiverion {

@@ -5,10 +5,10 @@
 #include <optional>
 #include <string_view>
 
+#include "field/formats/vas_file.h"
 #include "field/frames.h"
-#include "field/vas_file.h"
-#include "platform/float_errors.h"
-#include "platform/text.h"
+#include "platform/numeric/float_errors.h"
+#include "platform/text/text.h"
 #include "statistics/collection_file.h"
 #include "statistics/record_sums.h"
 #include "statistics/statistic_steps.h"

@@ -4,9 +4,9 @@
 #include <array>
 #include <vector>
 
-#include "operations/neighbour_rows.h"
-#include "platform/bit_select.h"
-#include "platform/multi_target.h"
+#include "operations/kernels/neighbour_rows.h"
+#include "platform/numeric/bit_select.h"
+#include "platform/numeric/multi_target.h"
 #include "statistics/record_sums_plain.h"
 
 namespace quiverion {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "operations/neighbours_plain.h"
+#include "operations/kernels/neighbours_plain.h"
 #include "statistics/statistic_state.h"
 
 /// What each pass of a statistic does with a record: the definition, as plain loops in visiting order. A vector that is

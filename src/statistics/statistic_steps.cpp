@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "operations/mathematical.h"
+#include "operations/kernels/mathematical.h"
 #include "statistics/record_sums.h"
 
 namespace quiverion {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/byte_words.h"
-#include "platform/multi_target.h"
+#include "platform/numeric/multi_target.h"
+#include "platform/text/byte_words.h"
 
 namespace quiverion {
 namespace {

@@ -4,7 +4,7 @@
 #include <random>
 
 #include "dialogs/frmShowCollection.h"
-#include "platform/system_error.h"
+#include "messages/system_error.h"
 #include "support/collection_bytes.h"
 #include "support/test_session.h"
 #include "window_fixture.h"

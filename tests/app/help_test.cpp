@@ -2,7 +2,7 @@
 #include <QTextBrowser>
 #include <QTreeWidget>
 
-#include "dialogs/frmHelp.h"
+#include "dialogs/help/frmHelp.h"
 #include "window_fixture.h"
 
 namespace quiverion::test {

@@ -4,7 +4,7 @@
 #include <QSplitter>
 #include <filesystem>
 
-#include "platform/paths.h"
+#include "platform/files/paths.h"
 #include "window_fixture.h"
 
 namespace quiverion::test {

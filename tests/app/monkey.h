@@ -22,10 +22,10 @@
 #include <random>
 
 #include "app/frmMain.h"
-#include "dialogs/qt_text.h"
-#include "dialogs/run_modal.h"
+#include "dialogs/widgets/qt_text.h"
+#include "dialogs/widgets/run_modal.h"
 #include "monkey_house.h"
-#include "platform/paths.h"
+#include "platform/files/paths.h"
 
 namespace quiverion::test {
 

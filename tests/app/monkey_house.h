@@ -14,9 +14,9 @@
 #include <random>
 #include <thread>
 
-#include "dialogs/qt_text.h"
+#include "dialogs/widgets/qt_text.h"
 #include "hang.h"
-#include "platform/file_system.h"
+#include "platform/files/file_system.h"
 #include "support/soak.h"
 #ifdef __SANITIZE_ADDRESS__
 #include <sanitizer/common_interface_defs.h>

@@ -1,4 +1,4 @@
-#include "dialogs/fault_vector_rules.h"
+#include "dialogs/parameters/fault_vector_rules.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "dialogs/key_filter.h"
+#include "dialogs/widgets/key_filter.h"
 
 #include <gtest/gtest.h>
 

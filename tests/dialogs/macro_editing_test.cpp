@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "dialogs/file_choices.h"
-#include "dialogs/parameter_editing.h"
+#include "dialogs/parameters/file_choices.h"
+#include "dialogs/parameters/parameter_editing.h"
 #include "support/scripted_dialogs.h"
 #include "support/test_session.h"
 

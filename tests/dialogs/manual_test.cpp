@@ -1,13 +1,14 @@
 // The manual itself: complete, and every link leads somewhere.
 #include <gtest/gtest.h>
 
-#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
 #include <QXmlStreamReader>
 #include <map>
 #include <set>
 
-#include "dialogs/help_pages.h"
-#include "dialogs/qt_text.h"
+#include "dialogs/help/help_pages.h"
+#include "dialogs/widgets/qt_text.h"
 #include "macro/command_catalogue.h"
 
 namespace quiverion {
@@ -101,8 +102,9 @@ TEST_F(Manual, ContentsAndIndexReachEverything) {
   // Parameter windows lead to the command whose parameters they ask for.
   const QStringList parameterWindows = {"frmFaultVectors", "frmMirrorOptions", "frmXYTrafo", "frmEditVector"};
   for (const char* layer : {"/dialogs", "/app"}) {
-    for (const QString& form : QDir(QString(WINDOW_FORMS) + layer).entryList({"*.ui"})) {
-      const QString window = form.chopped(3);
+    QDirIterator forms(QString(WINDOW_FORMS) + layer, {"*.ui"}, QDir::Files, QDirIterator::Subdirectories);
+    while (forms.hasNext()) {
+      const QString window = QFileInfo(forms.next()).baseName();
       if (window == "frmHelp" || parameterWindows.contains(window)) continue;
       EXPECT_FALSE(help.TargetOf(window).isEmpty()) << FromQt(window);
     }

@@ -1,5 +1,5 @@
 // The parameter windows as the user handles them, by keys and clicks.
-#include "dialogs/parameter_windows.h"
+#include "dialogs/parameters/parameter_windows.h"
 
 #include <gtest/gtest.h>
 
@@ -12,13 +12,13 @@
 #include <QRadioButton>
 #include <QTreeWidget>
 
-#include "dialogs/frmEditVector.h"
-#include "dialogs/frmFaultVectors.h"
-#include "dialogs/frmMirrorOptions.h"
-#include "dialogs/frmPrefixPostfix.h"
-#include "dialogs/frmXYTrafo.h"
-#include "dialogs/message_box.h"
-#include "dialogs/parameter_editing.h"
+#include "dialogs/parameters/frmEditVector.h"
+#include "dialogs/parameters/frmFaultVectors.h"
+#include "dialogs/parameters/frmMirrorOptions.h"
+#include "dialogs/parameters/frmPrefixPostfix.h"
+#include "dialogs/parameters/frmXYTrafo.h"
+#include "dialogs/parameters/parameter_editing.h"
+#include "dialogs/widgets/message_box.h"
 #include "support/test_session.h"
 #include "windows/modal_script.h"
 

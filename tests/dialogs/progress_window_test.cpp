@@ -5,8 +5,8 @@
 #include <QProgressBar>
 
 #include "dialogs/frmShowProgress.h"
-#include "dialogs/message_box.h"
 #include "dialogs/repaint_throttle.h"
+#include "dialogs/widgets/message_box.h"
 #include "support/test_session.h"
 #include "windows/modal_script.h"
 

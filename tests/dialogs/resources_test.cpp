@@ -6,7 +6,7 @@
 #include <QIcon>
 #include <QPushButton>
 
-#include "dialogs/qt_text.h"
+#include "dialogs/widgets/qt_text.h"
 
 namespace quiverion {
 namespace {

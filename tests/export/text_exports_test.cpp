@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "platform/numbers.h"
+#include "platform/text/numbers.h"
 #include "support/error_of.h"
 #include "support/random_fields.h"
 #include "support/test_session.h"

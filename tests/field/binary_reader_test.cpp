@@ -1,4 +1,4 @@
-#include "field/binary_reader.h"
+#include "field/formats/binary_reader.h"
 
 #include <gtest/gtest.h>
 

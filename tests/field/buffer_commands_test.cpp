@@ -1,11 +1,11 @@
-#include "field/buffer_commands.h"
+#include "operations/commands/buffer_commands.h"
 
 #include <algorithm>
 
-#include "field/buffer_commands_plain.h"
 #include "field/dat_image.h"
 #include "field/vas_image.h"
 #include "field/vec_image.h"
+#include "operations/kernels/buffer_combination_plain.h"
 #include "support/kernel_compare.h"
 
 namespace quiverion::test {

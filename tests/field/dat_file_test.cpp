@@ -1,4 +1,4 @@
-#include "field/dat_file.h"
+#include "field/formats/dat_file.h"
 
 #include <random>
 #include <tuple>

@@ -1,4 +1,4 @@
-#include "field/dat_line.h"
+#include "field/formats/dat_line.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/numbers.h"
+#include "platform/text/numbers.h"
 
 namespace quiverion::test {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "field/load_original_file.h"
-#include "field/vas_file.h"
+#include "field/formats/load_original_file.h"
+#include "field/formats/vas_file.h"
 #include "support/bytes.h"
 #include "support/error_of.h"
 #include "support/field_builder.h"

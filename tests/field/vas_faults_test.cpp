@@ -1,5 +1,5 @@
 #include "field/vas_image.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace quiverion::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "field/vas_file.h"
+#include "field/formats/vas_file.h"
 
 #include <limits>
 

@@ -1,4 +1,4 @@
-#include "field/vec_file.h"
+#include "field/formats/vec_file.h"
 
 #include <limits>
 

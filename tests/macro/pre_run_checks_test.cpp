@@ -1,6 +1,6 @@
 #include "macro/pre_run_checks.h"
 
-#include "platform/paths.h"
+#include "platform/files/paths.h"
 #include "run_fixture.h"
 
 namespace quiverion::test {

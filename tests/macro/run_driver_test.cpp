@@ -2,8 +2,8 @@
 
 #include <tuple>
 
-#include "field/load_original_file.h"
-#include "platform/paths.h"
+#include "field/formats/load_original_file.h"
+#include "platform/files/paths.h"
 #include "run_fixture.h"
 
 namespace quiverion::test {

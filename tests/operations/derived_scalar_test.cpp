@@ -1,11 +1,11 @@
 // Vorticity and swirling strength against closed forms and against values computed by hand.
-#include "operations/derived_scalar.h"
+#include "operations/kernels/derived_scalar.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "operations/derived_scalar_plain.h"
+#include "operations/kernels/derived_scalar_plain.h"
 #include "support/kernel_compare.h"
 
 namespace quiverion::test {

@@ -1,11 +1,12 @@
-#include "operations/faulty_vectors.h"
+#include "operations/kernels/faulty_vectors.h"
+#include "operations/commands/find_faulty_vectors.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 
-#include "operations/compare_vectors.h"
-#include "operations/faulty_vectors_plain.h"
+#include "operations/kernels/compare_vectors.h"
+#include "operations/kernels/faulty_vectors_plain.h"
 #include "support/kernel_compare.h"
 #include "support/test_session.h"
 

@@ -1,9 +1,10 @@
-#include "operations/filters.h"
+#include "operations/kernels/filter_kernel.h"
+#include "operations/commands/filters.h"
 
 #include <gtest/gtest.h>
 
-#include "operations/filters_plain.h"
-#include "operations/mathematical.h"
+#include "operations/kernels/filters_plain.h"
+#include "operations/kernels/mathematical.h"
 #include "support/kernel_compare.h"
 #include "support/test_session.h"
 

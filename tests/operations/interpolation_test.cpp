@@ -1,10 +1,11 @@
-#include "operations/interpolation.h"
+#include "operations/kernels/interpolation.h"
+#include "operations/commands/interpolate_invalid_vectors.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 
-#include "operations/interpolation_plain.h"
+#include "operations/kernels/interpolation_plain.h"
 #include "support/kernel_compare.h"
 #include "support/test_session.h"
 

@@ -4,12 +4,14 @@
 
 #include <limits>
 
-#include "field/buffer_commands.h"
-#include "operations/derived_scalar.h"
-#include "operations/faulty_vectors.h"
-#include "operations/filters.h"
-#include "operations/interpolation.h"
-#include "operations/mathematical.h"
+#include "operations/commands/buffer_commands.h"
+#include "operations/commands/filters.h"
+#include "operations/commands/find_faulty_vectors.h"
+#include "operations/commands/interpolate_invalid_vectors.h"
+#include "operations/kernels/derived_scalar.h"
+#include "operations/kernels/faulty_vectors.h"
+#include "operations/kernels/interpolation.h"
+#include "operations/kernels/mathematical.h"
 #include "support/known_fields.h"
 #include "support/test_session.h"
 

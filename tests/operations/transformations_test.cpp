@@ -1,8 +1,8 @@
-#include "operations/transformations.h"
+#include "operations/commands/transformations.h"
 
 #include <gtest/gtest.h>
 
-#include "operations/transformations_plain.h"
+#include "operations/kernels/velocity_changes_plain.h"
 #include "support/field_compare.h"
 #include "support/kernel_compare.h"
 #include "support/test_session.h"

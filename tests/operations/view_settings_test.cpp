@@ -1,5 +1,5 @@
 // What the commands do to the field. Their log texts are in tests/approved.
-#include "operations/view_settings.h"
+#include "operations/commands/view_settings.h"
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,13 @@
-#include "operations/vortex_centres.h"
+#include "operations/commands/vortex_centres.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 
-#include "field/load_original_file.h"
-#include "operations/derived_scalar.h"
-#include "operations/vortex_maxima.h"
-#include "operations/vortex_maxima_plain.h"
+#include "field/formats/load_original_file.h"
+#include "operations/kernels/derived_scalar.h"
+#include "operations/kernels/vortex_maxima.h"
+#include "operations/kernels/vortex_maxima_plain.h"
 #include "support/error_of.h"
 #include "support/field_compare.h"
 #include "support/random_fields.h"

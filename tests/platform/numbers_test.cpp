@@ -1,4 +1,4 @@
-#include "platform/numbers.h"
+#include "platform/text/numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <limits>
 #include <random>
 
-#include "platform/decimal_digits.h"
+#include "platform/text/decimal_digits.h"
 #include "support/error_of.h"
 
 namespace quiverion::test {

@@ -8,7 +8,7 @@
 #include <iterator>
 #include <random>
 
-#include "platform/file_system.h"
+#include "platform/files/file_system.h"
 #include "support/error_of.h"
 
 namespace quiverion::test {

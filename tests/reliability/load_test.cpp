@@ -6,8 +6,8 @@
 #include <iterator>
 
 #include "generator/sample_files.h"
-#include "platform/file_system.h"
-#include "platform/paths.h"
+#include "platform/files/file_system.h"
+#include "platform/files/paths.h"
 #include "support/bytes.h"
 #include "support/program.h"
 #include "support/soak.h"

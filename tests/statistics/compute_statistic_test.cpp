@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "collection_fixture.h"
-#include "field/load_original_file.h"
+#include "field/formats/load_original_file.h"
 #include "support/field_compare.h"
 #include "support/known_fields.h"
 #include "support/random_fields.h"

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/float_errors.h"
+#include "platform/numeric/float_errors.h"
 #include "statistics/record_sums_plain.h"
 #include "support/field_compare.h"
 #include "support/kernel_compare.h"

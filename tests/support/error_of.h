@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/system_error.h"
+#include "messages/system_error.h"
 
 namespace quiverion::test {
 

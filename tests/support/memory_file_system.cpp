@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/paths.h"
+#include "platform/files/paths.h"
 
 namespace quiverion::test {
 namespace {

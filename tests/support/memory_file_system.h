@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/file_system.h"
-#include "platform/system_error.h"
+#include "messages/system_error.h"
+#include "platform/files/file_system.h"
 
 namespace quiverion::test {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "dialogs/parameter_dialogs.h"
+#include "dialogs/parameters/parameter_dialogs.h"
 
 namespace quiverion::test {
 

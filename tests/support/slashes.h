@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "platform/paths.h"
+#include "platform/files/paths.h"
 
 namespace quiverion::test {
 

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <random>
 
-#include "platform/file_system.h"
+#include "platform/files/file_system.h"
 #include "support/slashes.h"
 
 namespace quiverion::cli {

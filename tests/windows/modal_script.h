@@ -16,7 +16,7 @@
 #include <functional>
 #include <string>
 
-#include "dialogs/qt_text.h"
+#include "dialogs/widgets/qt_text.h"
 
 namespace quiverion::test {
 

@@ -1,0 +1,34 @@
+# The core: standard C++, no window. Each folder uses only what is listed above it.
+quiverion_library(messages SOURCES
+  system_error.cpp)
+quiverion_library(platform USES messages SOURCES
+  files/file_system.cpp files/paths.cpp files/result_file.cpp files/write_retry.cpp
+  numeric/float_errors.cpp
+  text/decimal_digits.cpp text/numbers.cpp text/text.cpp
+  ${QUIVERION_SYSTEM}/clock.cpp ${QUIVERION_SYSTEM}/environment.cpp ${QUIVERION_SYSTEM}/file_system.cpp
+  ${QUIVERION_SYSTEM}/paths.cpp)
+if(WIN32)
+  target_sources(quiverion_platform PRIVATE platform/windows/memory.cpp platform/windows/stack_guard.cpp)
+endif()
+quiverion_library(log USES platform SOURCES
+  log_lines.cpp log_writers.cpp run_log.cpp)
+quiverion_library(field USES log SOURCES
+  frames.cpp vector_field.cpp
+  formats/binary_reader.cpp formats/dat_fields.cpp formats/dat_file.cpp formats/dat_line.cpp
+  formats/load_original_file.cpp formats/vas_file.cpp formats/vec_file.cpp)
+quiverion_library(operations USES field SOURCES
+  commands/buffer_commands.cpp commands/filters.cpp commands/find_faulty_vectors.cpp
+  commands/interpolate_invalid_vectors.cpp commands/transformations.cpp commands/view_settings.cpp
+  commands/vortex_centres.cpp
+  kernels/buffer_combination.cpp kernels/compare_local_mean.cpp kernels/compare_median_network.cpp
+  kernels/compare_median_ranks.cpp kernels/compare_stated_sort.cpp kernels/derived_scalar.cpp
+  kernels/faulty_vectors.cpp kernels/filter_kernel.cpp kernels/interpolation.cpp
+  kernels/mathematical.cpp kernels/velocity_changes.cpp kernels/vortex_maxima.cpp)
+quiverion_library(export USES operations SOURCES
+  table_writer.cpp text_exports.cpp)
+quiverion_library(statistics USES operations SOURCES
+  collect.cpp collection_contents.cpp collection_file.cpp compute_statistic.cpp record_sums.cpp
+  statistic_steps.cpp valid_bits.cpp)
+quiverion_library(macro USES export statistics SOURCES
+  command_actions.cpp command_catalogue.cpp macro_event.cpp macro_file.cpp pre_run_checks.cpp
+  run_driver.cpp series_files.cpp)

@@ -1,0 +1,38 @@
+# The desktop program.
+if(WIN32)
+  include(${PROJECT_SOURCE_DIR}/packaging/windows/runtime.cmake)
+  quiverion_lay_out_runtime()
+endif()
+
+# A library with windows: its forms lie beside the sources.
+function(quiverion_windows name)
+  quiverion_library(${name} ${ARGN})
+  set_target_properties(quiverion_${name} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON
+    AUTORCC_OPTIONS --no-zstd)  # not every Qt can unpack that
+  target_link_libraries(quiverion_${name} PUBLIC Qt6::Widgets)
+endfunction()
+
+quiverion_windows(dialogs USES macro SOURCES
+  application.cpp frmShowCollection.cpp frmShowLogFile.cpp frmShowProgress.cpp log_text.cpp
+  macro_editing.cpp repaint_throttle.cpp
+  help/frmHelp.cpp help/help.cpp help/help_pages.cpp
+  parameters/fault_vector_rules.cpp parameters/file_choices.cpp parameters/frmChooseMacroEvent.cpp
+  parameters/frmEditVector.cpp parameters/frmFaultVectors.cpp
+  parameters/frmMirrorOptions.cpp parameters/frmPrefixPostfix.cpp parameters/frmXYTrafo.cpp
+  parameters/parameter_editing.cpp parameters/parameter_window.cpp parameters/parameter_windows.cpp
+  widgets/elided_label.cpp widgets/filtered_line_edit.cpp
+  widgets/guarded.cpp widgets/icons.cpp
+  widgets/key_filter.cpp widgets/message_box.cpp
+  ${QUIVERION_SYSTEM}/native.cpp ${QUIVERION_SYSTEM}/qt_paths.cpp)
+target_sources(quiverion_dialogs PRIVATE dialogs/widgets/icons.qrc)
+target_link_libraries(quiverion_dialogs PUBLIC Qt6::PrintSupport)
+quiverion_windows(app USES dialogs SOURCES
+  directory_list.cpp file_list.cpp frmMain.cpp navigation.cpp qt_user_interface.cpp
+  statistics_flow.cpp
+  ${QUIVERION_SYSTEM}/drives.cpp)
+add_executable(QuiverionSeries app/main.cpp)
+target_link_libraries(QuiverionSeries PRIVATE quiverion_app)
+set_target_properties(QuiverionSeries PROPERTIES WIN32_EXECUTABLE TRUE QUIVERION_WINDOWS TRUE)
+if(WIN32)
+  quiverion_describe(QuiverionSeries "${PROJECT_DESCRIPTION}")
+endif()

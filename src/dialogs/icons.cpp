@@ -1,8 +1,0 @@
-#include "dialogs/icons.h"
-
-#include <QtGlobal>
-
-// Outside of any namespace, where the macro has to stand.
-void UseIcons() {
-  Q_INIT_RESOURCE(icons);
-}

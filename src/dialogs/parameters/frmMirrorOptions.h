@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "dialogs/parameters/parameter_window.h"
+
+namespace Ui {
+class frmMirrorOptions;
+}
+
+namespace quiverion {
+
+/// Which coordinates are mirrored.
+class frmMirrorOptions : public ParameterWindow {
+  Q_OBJECT
+
+ public:
+  explicit frmMirrorOptions(UserInterface& messages, QWidget* parent = nullptr);
+  ~frmMirrorOptions() override;
+
+  void Load(const MacroEvent& event) override;
+  void Store(MacroEvent& event) const override;
+
+ private:
+  std::unique_ptr<Ui::frmMirrorOptions> ui_;
+};
+
+}  // namespace quiverion

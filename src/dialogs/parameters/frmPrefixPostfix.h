@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "dialogs/parameters/parameter_window.h"
+
+namespace Ui {
+class frmPrefixPostfix;
+}
+
+namespace quiverion {
+
+/// Prefix and postfix of an output file's name.
+class frmPrefixPostfix : public ParameterWindow {
+  Q_OBJECT
+
+ public:
+  explicit frmPrefixPostfix(UserInterface& messages, QWidget* parent = nullptr);
+  ~frmPrefixPostfix() override;
+
+  void Load(const MacroEvent& event) override;
+  void Store(MacroEvent& event) const override;
+
+ private:
+  std::unique_ptr<Ui::frmPrefixPostfix> ui_;
+};
+
+}  // namespace quiverion

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+
+#include "dialogs/parameters/parameter_window.h"
+
+namespace Ui {
+class frmXYTrafo;
+}
+
+namespace quiverion {
+
+/// Factors and shifts of a coordinate transformation.
+class frmXYTrafo : public ParameterWindow {
+  Q_OBJECT
+
+ public:
+  explicit frmXYTrafo(UserInterface& messages, QWidget* parent = nullptr);
+  ~frmXYTrafo() override;
+
+  void Load(const MacroEvent& event) override;
+  void Store(MacroEvent& event) const override;
+
+  void accept() override;
+
+ private:
+  std::unique_ptr<Ui::frmXYTrafo> ui_;
+};
+
+}  // namespace quiverion

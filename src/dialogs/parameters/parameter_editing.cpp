@@ -1,0 +1,280 @@
+#include "dialogs/parameters/parameter_editing.h"
+
+#include <utility>
+
+#include "dialogs/parameters/file_choices.h"
+#include "macro/series_files.h"
+#include "messages/system_error.h"
+#include "platform/files/paths.h"
+#include "platform/text/numbers.h"
+#include "platform/text/text.h"
+
+namespace quiverion {
+namespace {
+
+constexpr std::int32_t kScaleFactor = 50006;
+constexpr double kSmallestScale = 0.1;
+constexpr double kLargestScale = 10.0;
+
+// Asking for one command: the parameters of all steps.
+struct Editing {
+  EditingServices& services;
+  const CommandRow& command;
+  MacroEvent& event;
+  bool isNew;
+
+  MessageAnswer Ask(const Message& box) const { return services.context.ui.Ask(box); }
+  void Inform(std::string title, std::string text, MessageIcon icon) const {
+    Ask({.title = std::move(title), .text = std::move(text), .icon = icon});
+  }
+};
+
+EditOutcome AskComment(const Editing& editing) {
+  TextQuestion question;
+  question.title = "QuiverionSeries  -  Kommentar einfügen";
+  if (editing.isNew) {
+    question.prompt = "Sie können nun eine Kommentarzeile eingeben, die dann dem Info-Text hinzugefügt wird.";
+  } else {
+    question.prompt = "Sie können die in den Info-Text einzufügende Kommentarzeile ändern.";
+    question.preset = editing.event.Text("Comment");
+  }
+  const auto answer = editing.services.dialogs.AskText(question);
+  if (!answer || TrimBlanks(*answer).empty()) return EditOutcome::cancelled;
+  editing.event.Set("Comment", *answer);
+  return EditOutcome::stored;
+}
+
+// The directory and the name of the file that a command has already.
+void PresetWith(FileQuestion& question, const std::string& path) {
+  if (path.empty()) return;
+  question.fileName = FileNameOf(path);
+  question.directory = DirectoryPrefixOf(path);
+}
+
+EditOutcome AskBufferFile(const Editing& editing) {
+  FileQuestion question{.title = "Vektorfeld aus Datei in Buffer einladen",
+                        .filters = {"Alle Dateien (*.*)", "Vektorfelder (*.vas *.vec *.dat)"},
+                        .selectedFilter = 1,
+                        .directory = editing.services.directory};
+  if (!editing.isNew) PresetWith(question, editing.event.Text("FileName"));
+  const auto path = editing.services.dialogs.ChooseFile(question);
+  if (!path) return EditOutcome::cancelled;
+  if (!IsSeriesFile(*path)) {
+    editing.Inform("Ungültiges Dateiformat",
+                   "Dieses Dateiformat ist ungültig! Sie können nur Dateien mit Endung .dat oder .vec öffnen.",
+                   MessageIcon::warning);
+    return EditOutcome::cancelled;
+  }
+  editing.event.Set("FileName", *path);
+  return EditOutcome::stored;
+}
+
+EditOutcome AskVortexCentres(const Editing& editing) {
+  const std::string title = "QuiverionSeries - Wirbelzentren suchen";
+  const auto confirmed = [&](std::string text) {
+    return editing.Ask({.title = title,
+                        .text = std::move(text),
+                        .buttons = MessageButtons::yesNo,
+                        .icon = MessageIcon::question}) == MessageAnswer::yes;
+  };
+  std::string textFile;
+  if (confirmed("Diese Funktion sucht nach Maxima der (Swirling Strength)². Wollen Sie die gefundenen Maxima einer "
+                "Textdatei hinzufügen?")) {
+    FileQuestion question{.kind = FileQuestion::Kind::save,
+                          .title = "Wirbelzentren einer Textdatei hinzufügen",
+                          .filters = {"Textdatei (*.txt)"},
+                          .directory = editing.services.directory,
+                          .extension = "txt"};
+    if (!editing.isNew) PresetWith(question, editing.event.Text("FileName"));
+    textFile = editing.services.dialogs.ChooseFile(question).value_or("");
+  }
+  const bool autoTrafo = confirmed(
+      "Die Vektorfelder können sofort Galilei-transformiert werden. Sie werden dann in einem Unterverzeichnis "
+      "abgespeichert, das den gleichen Namen trägt wie die Originaldatei. Die transformierten Vektorfelder werden dann "
+      "als 'Swirl1.vas', 'Swirl2.vas', ... durchnumeriert. Wollen Sie diese Transformation automatisch durchführen "
+      "lassen?");
+  if (textFile.empty() && !autoTrafo) {
+    if (editing.isNew) return EditOutcome::cancelled;
+    editing.Inform(title, "Da nun keine Option mehr gewählt ist, wird der Makrobefehl gelöscht.",
+                   MessageIcon::information);
+    return EditOutcome::removeCommand;
+  }
+  editing.event.Set("FileName", textFile);
+  editing.event.Set("AutoTrafo", autoTrafo);
+  return EditOutcome::stored;
+}
+
+EditOutcome AskYesOrNo(const Editing& editing) {
+  const MessageAnswer answer = editing.Ask({.title = std::string(editing.command.editor.title),
+                                            .text = std::string(editing.command.editor.text),
+                                            .buttons = MessageButtons::yesNoCancel,
+                                            .icon = MessageIcon::question,
+                                            .preselected = MessageAnswer::no});
+  if (answer != MessageAnswer::yes && answer != MessageAnswer::no) return EditOutcome::cancelled;
+  editing.event.Set("Checked", answer == MessageAnswer::yes);
+  return EditOutcome::stored;
+}
+
+// A scale factor that makes no sense is refused with a message. True where it was.
+bool RefuseScaleFactor(const Editing& editing, double value) {
+  const bool large = value > kLargestScale;
+  if (!large && value >= kSmallestScale) return false;
+  editing.Inform("Wert zu klein",
+                 FormatNumber(value) + (large ? "? Ist das nicht etwas groß? Der von Ihnen angegebene Wert wird nicht "
+                                                "benutzt! Geben Sie bitte einen Wert von höchstens 10 ein!"
+                                              : "? Ist das nicht etwas klein? Der von Ihnen angegebene Wert wird nicht "
+                                                "benutzt! Geben Sie bitte einen Wert von mindestens 0.1 ein!"),
+                 MessageIcon::information);
+  return true;
+}
+
+EditOutcome AskNumber(const Editing& editing) {
+  const ParameterEditor& editor = editing.command.editor;
+  const auto answer = editing.services.dialogs.AskText(
+      {std::string(editor.title), std::string(editor.text),
+       editing.isNew ? std::string(editor.preset) : FormatNumber(editing.event.Number("Value"))});
+  if (!answer || answer->empty()) return EditOutcome::cancelled;
+  try {
+    const double value = ReadParameterNumber(*answer);
+    if (editing.command.eventId == kScaleFactor && RefuseScaleFactor(editing, value)) return EditOutcome::cancelled;
+    editing.event.Set("Value", value);
+    return EditOutcome::stored;
+  } catch (const SystemError&) {
+    RefuseHugeNumber(editing.services.context.ui, *answer);
+    return EditOutcome::cancelled;
+  }
+}
+
+EditOutcome AskCollectionFile(const Editing& editing) {
+  FileQuestion question{.kind = FileQuestion::Kind::save,
+                        .title = "Vektorfeld für Statistik sammeln",
+                        .filters = {"Statistik-Kollektion (*.col)"},
+                        .directory = editing.services.directory,
+                        .fileName = "Statistics",
+                        .extension = "col"};
+  if (!editing.isNew) PresetWith(question, editing.event.Text("FileName"));
+  question.fileName = BaseNameOf(question.fileName);
+  const auto path = editing.services.dialogs.ChooseFile(question);
+  if (!path) return EditOutcome::cancelled;
+  if (!AsciiUpper(*path).ends_with(".COL")) {
+    editing.Inform("Ungültige Dateiendung",
+                   "Diese Dateiendung ist ungültig! Sie können nur Dateien mit Endung .col wählen.",
+                   MessageIcon::warning);
+    return EditOutcome::cancelled;
+  }
+  if (FileExists(editing.services.context.files, *path)) {
+    const MessageAnswer answer = editing.Ask(
+        {.title = "Datei existiert bereits",
+         .text = "Es existiert bereits eine Datei unter diesem Namen. Diese Datei wird NICHT überschrieben! "
+                 "Stattdessen wird jedes ausgewählte Vektorfeld dieser Datei HINZUGEFÜGT!",
+         .buttons = MessageButtons::okCancel,
+         .icon = MessageIcon::information});
+    if (answer != MessageAnswer::ok ||
+        !MakeCollectionWritable(editing.services.context.files, editing.services.context.ui, *path,
+                                "der von Ihnen ausgewählten Kollektion")) {
+      return EditOutcome::cancelled;
+    }
+  }
+  editing.event.Set("FileName", *path);
+  return EditOutcome::stored;
+}
+
+using Defaults = std::initializer_list<std::pair<std::string_view, MacroValue>>;
+
+void AddMissing(MacroEvent& event, const Defaults& defaults) {
+  for (const auto& [key, value] : defaults) {
+    if (event.Find(key) == nullptr) event.Set(key, value);
+  }
+}
+
+// Literals would choose the flag among the kinds of a value.
+MacroValue Text(const char* text) {
+  return std::string(text);
+}
+
+}  // namespace
+
+void AddDefaultParameters(MacroEvent& event) {
+  const CommandRow* const command = FindCommand(event.EventId());
+  switch (command == nullptr ? EditorKind::none : command->editor.kind) {
+    case EditorKind::names:
+      return AddMissing(event, {{"Prefix", std::string(command->editor.preset)}, {"Postfix", Text("")}});
+    case EditorKind::faultVectors:
+      return AddMissing(event, {{"ChkAbsDeviation", 0},
+                                {"TxtAbsDeviation", Text("30")},
+                                {"ChkAbsInterval", 0},
+                                {"OptAbsIntOut", true},
+                                {"TxtAbsIntMin", Text("0")},
+                                {"TxtAbsIntMax", Text("10")},
+                                {"ChkDirDeviation", 0},
+                                {"TxtDirDeviation", Text("10")},
+                                {"ChkXComp", 0},
+                                {"OptXCompIntOut", true},
+                                {"TxtXCompIntMin", Text("-10")},
+                                {"TxtXCompIntMax", Text("10")},
+                                {"ChkYComp", 0},
+                                {"OptYCompIntOut", true},
+                                {"TxtYCompIntMin", Text("-10")},
+                                {"TxtYCompIntMax", Text("10")},
+                                {"CompareVectorType", 1},
+                                {"CboMedianX", 2},
+                                {"CboMedianY", 2},
+                                {"CboLocalMiddleX", 2},
+                                {"CboLocalMiddleY", 2},
+                                {"TxtUserVectorX", Text("0")},
+                                {"TxtUserVectorY", Text("0")},
+                                {"LogicalOr", true}});
+    case EditorKind::mirror:
+      return AddMissing(event, {{"ChkPosX", 1}, {"ChkPosY", 0}});
+    case EditorKind::coordinates:
+      return AddMissing(event, {{"TxtFakX", Text("1")},
+                                {"TxtDeltaX", Text("0")},
+                                {"TxtFakY", Text("1")},
+                                {"TxtDeltaY", Text("0")},
+                                {"TxtFakVecX", Text("1")},
+                                {"TxtFakVecY", Text("1")}});
+    case EditorKind::constVector:
+      return AddMissing(event, {{"XComp", 0.0}, {"YComp", 0.0}});
+    default:  // asked for by boxes, which have their own presets
+      return;
+  }
+}
+
+void RefuseHugeNumber(UserInterface& ui, std::string_view text) {
+  constexpr std::size_t shownLength = 30;
+  const std::string shown(text.size() <= shownLength ? text : std::string(text.substr(0, shownLength)) + "...");
+  ui.Ask({.title = "Ungültige Eingabe", .text = "Die Zahl '" + shown + "' ist zu groß!", .icon = MessageIcon::warning});
+}
+
+EditOutcome AskParameters(EditingServices& services, MacroEvent& event, bool isNew) {
+  const CommandRow* const command = FindCommand(event.EventId());
+  if (command == nullptr) return EditOutcome::stored;
+  services.dialogs.SetTopic(command->constantName);
+  const Editing editing{services, *command, event, isNew};
+  switch (command->editor.kind) {
+    case EditorKind::none:
+      return EditOutcome::stored;
+    case EditorKind::comment:
+      return AskComment(editing);
+    case EditorKind::bufferFile:
+      return AskBufferFile(editing);
+    case EditorKind::vortexCentres:
+      return AskVortexCentres(editing);
+    case EditorKind::question:
+      return AskYesOrNo(editing);
+    case EditorKind::number:
+      return AskNumber(editing);
+    case EditorKind::collectionFile:
+      return AskCollectionFile(editing);
+    case EditorKind::names:
+    case EditorKind::faultVectors:
+    case EditorKind::mirror:
+    case EditorKind::coordinates:
+    case EditorKind::constVector:
+      break;
+  }
+  AddDefaultParameters(event);
+  return services.dialogs.EditInWindow(*command, event) ? EditOutcome::stored : EditOutcome::cancelled;
+}
+
+}  // namespace quiverion

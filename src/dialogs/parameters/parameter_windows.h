@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QWidget>
+#include <memory>
+
+#include "dialogs/parameters/frmChooseMacroEvent.h"
+#include "dialogs/parameters/parameter_dialogs.h"
+#include "messages/user_interface.h"
+
+namespace quiverion {
+
+/// The dialogs as windows over `parent`.
+class ParameterWindows : public ParameterDialogs {
+ public:
+  /// Both must outlive the object.
+  ParameterWindows(QWidget& parent, UserInterface& messages) : parent_(parent), messages_(messages) {}
+
+  const std::string& Topic() const { return topic_; }
+
+  void SetTopic(std::string_view topic) override { topic_ = topic; }
+  std::optional<std::int32_t> ChooseCommand() override;
+  std::optional<std::string> AskText(const TextQuestion& question) override;
+  std::optional<std::string> ChooseFile(const FileQuestion& question) override;
+  bool EditInWindow(const CommandRow& command, MacroEvent& event) override;
+
+ private:
+  QWidget& parent_;
+  UserInterface& messages_;
+  std::string topic_;
+  frmChooseMacroEvent* commandTree_ = nullptr;  // owned by the parent
+};
+
+}  // namespace quiverion

@@ -1,0 +1,89 @@
+#include "dialogs/widgets/filtered_line_edit.h"
+
+#include <QClipboard>
+#include <QFocusEvent>
+#include <QGuiApplication>
+#include <QValidator>
+#include <algorithm>
+
+#include "dialogs/widgets/qt_text.h"
+
+namespace quiverion {
+namespace {
+
+std::u16string_view View(QStringView text) {
+  return {text.utf16(), static_cast<std::size_t>(text.size())};
+}
+
+}  // namespace
+
+// Sees every change of the text, wherever it comes from (a drop, an input method), and takes out of it what the rule
+// refuses. What is typed and pasted by keys was filtered before: a change that is mended here cannot be undone.
+class FilteredLineEdit::Filter : public QValidator {
+ public:
+  explicit Filter(FilteredLineEdit& box) : QValidator(&box), box_(box) {}
+
+  // What was put in ends at the caret: what stands behind it was there, and so was the beginning that both texts share.
+  State validate(QString& text, int& caret) const override {
+    if (text == box_.held_) return Acceptable;
+    const QStringView right = QStringView(text).mid(caret);
+    const qsizetype limit = std::min<qsizetype>(caret, box_.held_.size() - right.size());
+    qsizetype kept = 0;
+    while (kept < limit && text[kept] == box_.held_[kept]) ++kept;
+    const QStringView left = QStringView(text).left(kept);
+    const QStringView typed = QStringView(text).mid(kept, caret - kept);
+    const std::u16string accepted = FilterKeys(box_.rule_, View(left), View(typed), View(right));
+    if (accepted.empty() && !typed.isEmpty()) return Invalid;  // nothing of it: the box takes the change back
+    const QString filtered = left.toString() + QString::fromStdU16String(accepted) + right.toString();
+    caret = static_cast<int>(kept + static_cast<qsizetype>(accepted.size()));
+    text = filtered;
+    box_.held_ = filtered;
+    return Acceptable;
+  }
+
+ private:
+  FilteredLineEdit& box_;
+};
+
+FilteredLineEdit::FilteredLineEdit(QWidget* parent) : QLineEdit(parent) {
+  setValidator(new Filter(*this));
+}
+
+void FilteredLineEdit::ShowText(const std::string& text) {
+  held_ = ToQt(text);
+  setText(held_);
+}
+
+std::string FilteredLineEdit::Text() const {
+  return FromQt(text());
+}
+
+void FilteredLineEdit::InsertFiltered(const QString& typed) {
+  const QStringView whole(text());
+  const bool selected = hasSelectedText();
+  const QStringView left = whole.left(selected ? selectionStart() : cursorPosition());
+  const QStringView right = whole.mid(selected ? selectionEnd() : cursorPosition());
+  const std::u16string accepted = FilterKeys(rule_, View(left), View(typed), View(right));
+  if (!accepted.empty()) insert(QString::fromStdU16String(accepted));
+}
+
+void FilteredLineEdit::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Paste)) return InsertFiltered(QGuiApplication::clipboard()->text());
+  const bool typed = !event->text().isEmpty() && event->text().front().isPrint() &&
+                     (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
+  typed ? InsertFiltered(event->text()) : QLineEdit::keyPressEvent(event);
+}
+
+void FilteredLineEdit::focusInEvent(QFocusEvent* event) {
+  QLineEdit::focusInEvent(event);
+  selectAll();
+  selectAll_ = event->reason() == Qt::MouseFocusReason;
+}
+
+void FilteredLineEdit::mouseReleaseEvent(QMouseEvent* event) {
+  QLineEdit::mouseReleaseEvent(event);
+  if (selectAll_ && !hasSelectedText()) selectAll();
+  selectAll_ = false;
+}
+
+}  // namespace quiverion

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QLineEdit>
+#include <string>
+
+#include "dialogs/widgets/key_filter.h"
+
+namespace quiverion {
+
+/// A text box that takes only the characters of its rule, typed, pasted or dropped, and that is wholly selected when it
+/// receives the focus.
+class FilteredLineEdit : public QLineEdit {
+  Q_OBJECT
+
+ public:
+  explicit FilteredLineEdit(QWidget* parent = nullptr);
+
+  void SetRule(KeyRule rule) { rule_ = rule; }
+
+  /// Shows a stored text as it is, whatever the rule says.
+  void ShowText(const std::string& text);
+
+  std::string Text() const;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+
+ private:
+  class Filter;
+
+  void InsertFiltered(const QString& typed);
+
+  KeyRule rule_ = KeyRule::signedNumber;
+  QString held_;            // the text before the change that is being filtered
+  bool selectAll_ = false;  // the focus came by the click that is going on
+};
+
+}  // namespace quiverion

@@ -1,0 +1,110 @@
+#include "operations/commands/buffer_commands.h"
+
+#include <utility>
+
+#include "field/formats/dat_file.h"
+#include "field/formats/vas_file.h"
+#include "field/formats/vec_file.h"
+#include "field/frames.h"
+#include "operations/kernels/buffer_combination.h"
+#include "platform/files/paths.h"
+
+namespace quiverion {
+namespace {
+
+constexpr std::string_view kNotADatFile = "    Ungültiges Dateiformat!";
+constexpr std::string_view kBufferRowsNotDivisibleBy2 =
+    "     Ungültiges VEC-Format: Anzahl der Zeilen nicht durch 2 teilbar (für 2 frames)!";
+
+// Reads into a field of its own, so that the buffer stays empty where the file fails.
+template <class Read>
+void LoadWith(Context& context, const std::string& path, Read read) {
+  BufferField& buffer = context.buffer;
+  VectorField loaded;
+  // The arrays keep their memory: the next buffer of a series nearly always has the same size.
+  std::swap(loaded.velX, buffer.bufferVelX);
+  std::swap(loaded.velY, buffer.bufferVelY);
+  std::swap(loaded.status, buffer.bufferStatus);
+  RunLoadFrame(context, path, [&](InputFile& file) {
+    read(loaded, file);
+    buffer.bufferColumnCount = loaded.columnCount;
+    buffer.bufferRowCount = loaded.rowCount;
+    std::swap(loaded.velX, buffer.bufferVelX);
+    std::swap(loaded.velY, buffer.bufferVelY);
+    std::swap(loaded.status, buffer.bufferStatus);
+  });
+}
+
+bool HasSizeOfField(Context& context) {
+  const VectorField& field = context.field;
+  const BufferField& buffer = context.buffer;
+  if (buffer.bufferColumnCount == field.columnCount && buffer.bufferRowCount == field.rowCount) return true;
+  LogLines(context.log, {kErrorMark, "    Fehler: Die Anzahl der Vektoren stimmt nicht überein!"});
+  context.abortCurrentFile = true;
+  return false;
+}
+
+using Combination = void(VectorField&, const BufferField&);
+
+void Combine(Context& context, std::string_view announcement, Combination* combination) {
+  context.log.WriteLogLine(announcement);
+  if (!HasSizeOfField(context)) return;
+  combination(context.field, context.buffer);
+  LogLines(context.log, {kDone});
+}
+
+}  // namespace
+
+void CopyFieldToBuffer(Context& context) {
+  context.log.WriteLogLine("Vektorfeld in Buffer kopieren... ");
+  const VectorField& field = context.field;
+  BufferField& buffer = context.buffer;
+  buffer.bufferColumnCount = buffer.bufferRowCount = 0;  // until all is there
+  buffer.bufferFileName = field.filePath;
+  buffer.bufferVelX = field.velX;
+  buffer.bufferVelY = field.velY;
+  buffer.bufferStatus = field.status;
+  buffer.bufferColumnCount = field.columnCount;
+  buffer.bufferRowCount = field.rowCount;
+  LogLines(context.log, {kDone});
+}
+
+void LoadFileIntoBuffer(Context& context, const std::string& path) {
+  context.log.WriteLogLine("Datei '" + path + "' in Buffer einlesen... ");
+  BufferField& buffer = context.buffer;
+  if (path == buffer.bufferFileName) {
+    LogLines(context.log, {"befindet sich bereits im Buffer -> fertig"});
+    return;
+  }
+  buffer.bufferFileName.clear();
+  buffer.bufferColumnCount = buffer.bufferRowCount = 0;
+  const std::string extension = ExtensionOf(path);
+  if (extension == "DAT") {
+    LoadWith(context, path, [](VectorField& field, InputFile& file) { ReadDat(field, file, kNotADatFile); });
+  } else if (extension == "VAS") {
+    LoadWith(context, path, ReadVasGrid);
+  } else if (extension == "VEC") {
+    LoadWith(context, path,
+             [&](VectorField& field, InputFile& file) { ReadVec(context, field, file, kBufferRowsNotDivisibleBy2); });
+  } else {
+    FailLoad(context, {"    Unbekanntes Format!"});
+  }
+}
+
+void UseBufferAsMask(Context& context) {
+  Combine(context, "Buffer als Maske für Vektorfeld verwenden... ", MaskWithBuffer);
+}
+
+void AddBufferToField(Context& context) {
+  Combine(context, "Buffer zu Vektorfeld addieren... ", AddBuffer);
+}
+
+void SubtractBufferFromField(Context& context) {
+  Combine(context, "Buffer vom Vektorfeld subtrahieren... ", SubtractBuffer);
+}
+
+void SubtractFieldFromBuffer(Context& context) {
+  Combine(context, "Vektorfeld vom Buffer subtrahieren... ", SubtractFromBuffer);
+}
+
+}  // namespace quiverion

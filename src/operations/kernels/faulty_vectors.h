@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+
+#include "field/vector_field.h"
+
+namespace quiverion {
+
+/// A value against an interval: met outside of it (outside = true: below `low` or above `high`) or strictly inside.
+struct IntervalCriterion {
+  bool selected = false;
+  bool outside = false;
+  double low = 0.0;  // m/s
+  double high = 0.0;
+};
+
+/// What a vector is compared with. Any other value comes from a damaged macro.
+enum class CompareVectorType : std::int32_t { localMean = 1, fieldMean = 2, median = 3, userVector = 4 };
+
+/// When a vector counts as faulty.
+struct FaultyVectorCriteria {
+  bool magnitudeDeviation = false;  // the magnitude deviates from the compare vector's by more than ...
+  double magnitudePercent = 0.0;
+  IntervalCriterion magnitude;
+  bool directionDeviation = false;  // the direction deviates from the compare vector's by more than ...
+  double directionDegrees = 0.0;
+  IntervalCriterion xComponent;
+  IntervalCriterion yComponent;
+  CompareVectorType compareVectorType = CompareVectorType::localMean;
+  std::int32_t halfWidthX = 0;  // of the window of localMean and median: 2 * half width + 1 vectors
+  std::int32_t halfWidthY = 0;
+  double userX = 0.0;  // m/s
+  double userY = 0.0;
+  bool logicalOr = false;  // faulty when one selected criterion is met; otherwise when all are
+
+  int SelectedCount() const {
+    return magnitudeDeviation + magnitude.selected + directionDeviation + xComponent.selected + yComponent.selected;
+  }
+  bool NeedsCompareVector() const { return magnitudeDeviation || directionDeviation; }
+};
+
+/// Sets the status of every faulty valid vector to 0 and lowers `validVectorCount`; each is tested with all others
+/// still valid. Does nothing where no criterion is selected. Throws SystemError 5 for a compare type that does not
+/// exist or a negative half width where a compare vector is needed; at an arithmetic error: visited column by column,
+/// the faulty vectors before it have status 5, nothing else has changed.
+void RejectFaultyVectors(VectorField& field, const FaultyVectorCriteria& criteria);
+
+}  // namespace quiverion

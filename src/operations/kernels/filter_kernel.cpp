@@ -1,0 +1,380 @@
+// Works across output points, each sum in the order of the definition.
+#include "operations/kernels/filter_kernel.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "field/new_vectors.h"
+#include "operations/kernels/filters_plain.h"
+#include "platform/numeric/bit_select.h"
+#include "platform/numeric/float_errors.h"
+
+namespace quiverion {
+namespace {
+
+// A row of vectors as the sums take them, 0 where the vector is not valid, with as many zeros on both sides as the
+// kernel reaches over the border. Adding 0 changes no sum: one that starts at +0.0 never is -0.0.
+struct SourceRow {
+  std::vector<double> u, v;
+  std::vector<double> valid;  // 1 or 0
+
+  explicit SourceRow(std::size_t width) : u(width), v(width), valid(width) {}
+};
+
+// The sums of one output row.
+struct RowSums {
+  std::vector<double> u, v, w;
+
+  explicit RowSums(std::size_t width) : u(width), v(width), w(width) {}
+};
+
+QUIVERION_MULTI_TARGET void FillRow(const std::int32_t* status, const double* velX, const double* velY,
+                                    std::size_t count, double* __restrict u, double* __restrict v,
+                                    double* __restrict valid) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const Mask mask = MaskOf(status[i] > 0);
+    u[i] = SelectOrZero(mask, velX[i]);
+    v[i] = SelectOrZero(mask, velY[i]);
+    valid[i] = SelectOrZero(mask, 1.0);
+  }
+}
+
+// The source rows under the kernel: a ring, filled as the output moves on.
+class SourceRows {
+ public:
+  SourceRows(const VectorField& field, const WeightMatrix& weights)
+      : field_(field),
+        left_(static_cast<std::size_t>(std::max(0, -weights.FirstK()))),
+        nothing_(Width(weights)),
+        ring_(static_cast<std::size_t>(std::min(weights.Rows(), field.rowCount)), nothing_) {}
+
+  // Rows up to `j` are there afterwards.
+  void FillUpTo(std::int32_t j) {
+    for (; filled_ < std::min(j, field_.rowCount); ++filled_) {
+      SourceRow& row = ring_[static_cast<std::size_t>(filled_) % ring_.size()];
+      FillRow(field_.status.Row(filled_ + 1), field_.velX.Row(filled_ + 1), field_.velY.Row(filled_ + 1), Columns(),
+              row.u.data() + left_, row.v.data() + left_, row.valid.data() + left_);
+    }
+  }
+
+  const SourceRow& Row(std::int32_t j) const {
+    return j < 1 || j > field_.rowCount ? nothing_ : ring_[static_cast<std::size_t>(j - 1) % ring_.size()];
+  }
+
+  // Of column 1 in a source row.
+  std::size_t Left() const { return left_; }
+  std::size_t Columns() const { return static_cast<std::size_t>(field_.columnCount); }
+
+ private:
+  std::size_t Width(const WeightMatrix& weights) const {
+    return left_ + Columns() + static_cast<std::size_t>(std::max(0, weights.LastK()));
+  }
+
+  const VectorField& field_;
+  std::size_t left_;
+  SourceRow nothing_;
+  std::vector<SourceRow> ring_;
+  std::int32_t filled_ = 0;
+};
+
+// What becomes of a row: a new vector where the old one may change and something adds up.
+struct RowTarget {
+  std::size_t count;
+  const std::int32_t* status;
+  const double *oldU, *oldV;
+  double *u, *v, *sumW;
+
+  RowTarget(const VectorField& field, std::int32_t j, RowSums& sums, NewVectors& result)
+      : count(static_cast<std::size_t>(field.columnCount)),
+        status(field.status.Row(j)),
+        oldU(field.velX.Row(j)),
+        oldV(field.velY.Row(j)),
+        u(result.velX.Row(j)),
+        v(result.velY.Row(j)),
+        sumW(sums.w.data()) {}
+};
+
+// Calls sums(i, u, v, w) for every point and divides; the divisor is made safe where there is nothing to divide.
+template <class Sums>
+QUIVERION_ALWAYS_INLINE void DivideRow(const RowTarget& target, Sums sums) {
+  const RowTarget in = target;  // a copy cannot alias what is written
+  double* __restrict u = in.u, * __restrict v = in.v, * __restrict w = in.sumW;
+  QUIVERION_INDEPENDENT_STEPS
+  for (std::size_t i = 0; i < in.count; ++i) {
+    double sumU = 0.0, sumV = 0.0, sumW = 0.0;
+    sums(i, sumU, sumV, sumW);
+    const Mask change = MaskOf(in.status[i] >= 0) & MaskOf(sumW != 0.0);
+    const double divisor = Select(change, sumW, 1.0);
+    u[i] = Select(change, sumU / divisor, in.oldU[i]);
+    v[i] = Select(change, sumV / divisor, in.oldV[i]);
+    w[i] = sumW;
+  }
+}
+
+// The rows under a kernel of L rows; each pointer stands at the kernel's first column of output column 1.
+template <std::size_t L>
+struct KernelRows {
+  const double *u[L], *v[L], *valid[L];
+};
+
+// All terms of a point in registers; the weights are in the order of the sums.
+template <std::size_t L, std::size_t... T>
+QUIVERION_ALWAYS_INLINE void FilterSmall(const KernelRows<L>& kernelRows, const double* weights,
+                                         const RowTarget& target, std::index_sequence<T...> /*terms*/) {
+  const KernelRows<L> rows = kernelRows;
+  const double factors[] = {weights[T]...};
+  DivideRow(target, [&](std::size_t i, double& u, double& v, double& w) QUIVERION_LAMBDA_INLINE {
+    ((u += factors[T] * rows.u[T % L][i + T / L]), ...);
+    ((v += factors[T] * rows.v[T % L][i + T / L]), ...);
+    ((w += factors[T] * rows.valid[T % L][i + T / L]), ...);
+  });
+}
+
+QUIVERION_MULTI_TARGET_CALL(Filter3x3, (const KernelRows<3>& rows, const double* weights, const RowTarget& target),
+                            (rows, weights, target), FilterSmall(rows, weights, target, std::make_index_sequence<9>()))
+QUIVERION_MULTI_TARGET_CALL(Filter5x5, (const KernelRows<5>& rows, const double* weights, const RowTarget& target),
+                            (rows, weights, target), FilterSmall(rows, weights, target, std::make_index_sequence<25>()))
+
+template <std::size_t L>
+KernelRows<L> RowsUnder(const SourceRows& source, const WeightMatrix& weights, std::int32_t j) {
+  KernelRows<L> rows;
+  for (std::size_t l = 0; l < L; ++l) {
+    const SourceRow& row = source.Row(j + weights.FirstL() + static_cast<std::int32_t>(l));
+    rows.u[l] = row.u.data(), rows.v[l] = row.v.data(), rows.valid[l] = row.valid.data();
+  }
+  return rows;
+}
+
+QUIVERION_MULTI_TARGET void AddTerm(double weight, const double* source, std::size_t count, double* __restrict sum) {
+  for (std::size_t i = 0; i < count; ++i) sum[i] += weight * source[i];
+}
+
+QUIVERION_MULTI_TARGET void DivideSums(const RowTarget& target, const double* sumU, const double* sumV) {
+  const double* const sumW = target.sumW;
+  DivideRow(target, [=](std::size_t i, double& u, double& v, double& w)
+                        QUIVERION_LAMBDA_INLINE { u = sumU[i], v = sumV[i], w = sumW[i]; });
+}
+
+// Any kernel, term by term.
+void FilterAny(const SourceRows& source, const WeightMatrix& weights, std::int32_t j, RowSums& sums,
+               const RowTarget& target) {
+  for (auto* sum : {&sums.u, &sums.v, &sums.w}) std::fill(sum->begin(), sum->end(), 0.0);
+  for (std::int32_t k = weights.FirstK(); k <= weights.LastK(); ++k) {
+    const auto column = static_cast<std::size_t>(static_cast<std::int64_t>(source.Left()) + k);
+    for (std::int32_t l = weights.FirstL(); l <= weights.LastL(); ++l) {
+      const SourceRow& row = source.Row(j + l);
+      AddTerm(weights(k, l), row.u.data() + column, source.Columns(), sums.u.data());
+      AddTerm(weights(k, l), row.v.data() + column, source.Columns(), sums.v.data());
+      AddTerm(weights(k, l), row.valid.data() + column, source.Columns(), sums.w.data());
+    }
+  }
+  DivideSums(target, sums.u.data(), sums.v.data());
+}
+
+QUIVERION_MULTI_TARGET void FindFilled(const double* sumW, std::size_t count, std::int32_t* __restrict isFilled) {
+  for (std::size_t i = 0; i < count; ++i) isFilled[i] = static_cast<std::int32_t>(sumW[i] != 0.0 ? 1.0 : 0.0);
+}
+
+// The new statuses of a row; returns how many vectors are valid more than before.
+QUIVERION_MULTI_TARGET std::int32_t StatusRow(const std::int32_t* status, const std::int32_t* isFilled,
+                                              std::size_t count, std::int32_t* __restrict target) {
+  std::int32_t gained = 0, lost = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::int32_t old = status[i], filled = isFilled[i];
+    target[i] = old < 0 ? old : 2 * filled;
+    gained += old == 0 ? filled : 0;
+    lost += old > 0 ? 1 - filled : 0;
+  }
+  return gained - lost;
+}
+
+void FilterRows(const VectorField& field, const WeightMatrix& weights, NewVectors& result) {
+  SourceRows source(field, weights);
+  RowSums sums(source.Columns());
+  std::vector<std::int32_t> isFilled(source.Columns());
+  const auto isSquare = [&weights](std::int32_t half) {
+    return weights.FirstK() == -half && weights.LastK() == half && weights.FirstL() == -half && weights.LastL() == half;
+  };
+  for (std::int32_t j = 1; j <= field.rowCount; ++j) {
+    source.FillUpTo(j + weights.LastL());
+    const RowTarget target(field, j, sums, result);
+    if (isSquare(1)) {
+      Filter3x3(RowsUnder<3>(source, weights, j), weights.Values().data(), target);
+    } else if (isSquare(2)) {
+      Filter5x5(RowsUnder<5>(source, weights, j), weights.Values().data(), target);
+    } else {
+      FilterAny(source, weights, j, sums, target);
+    }
+    FindFilled(target.sumW, target.count, isFilled.data());
+    result.gained += StatusRow(target.status, isFilled.data(), target.count, result.status.Row(j));
+  }
+}
+
+// A kernel of one row with equal weights that reaches over the whole row from every place: all vectors of a row have
+// the same sums in the same order.
+struct RowMean {
+  double u, v;
+  bool isFilled;
+};
+
+constexpr std::size_t kRowsAtOnce = 4;  // sums that run side by side: each waits for its own last addition only
+
+// The terms of a row, u and v in turn, 0 where the vector is not valid; returns how many are.
+QUIVERION_MULTI_TARGET std::int32_t WeightedRow(const VectorField& field, std::int32_t j, double weight,
+                                                double* __restrict terms) {
+  const auto count = static_cast<std::size_t>(field.columnCount);
+  const std::int32_t* const status = field.status.Row(j);
+  const double *const velX = field.velX.Row(j), *const velY = field.velY.Row(j);
+  std::int32_t valid = 0;
+  for (std::size_t i = 0; i < count; ++i) valid += status[i] > 0 ? 1 : 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const Mask mask = MaskOf(status[i] > 0);
+    terms[2 * i] = weight * SelectOrZero(mask, velX[i]);
+    terms[2 * i + 1] = weight * SelectOrZero(mask, velY[i]);
+  }
+  return valid;
+}
+
+class RowAverages {
+ public:
+  RowAverages(const VectorField& field, double weight)
+      : field_(field),
+        weight_(weight),
+        columns_(static_cast<std::size_t>(field.columnCount)),
+        sumOfWeights_(columns_ + 1, 0.0),
+        terms_(kRowsAtOnce * 2 * columns_, 0.0) {
+    for (std::size_t n = 1; n <= columns_; ++n) sumOfWeights_[n] = sumOfWeights_[n - 1] + weight;
+  }
+
+  std::vector<RowMean> Take() {
+    constexpr auto step = static_cast<std::int32_t>(kRowsAtOnce);
+    std::vector<RowMean> means;
+    for (std::int32_t j = 1; j <= field_.rowCount; j += step) {
+      const std::int32_t rows = std::min(step, field_.rowCount - j + 1);
+      double sumW[kRowsAtOnce] = {};
+      for (std::int32_t r = 0; r < rows; ++r) {
+        const std::int32_t valid =
+            WeightedRow(field_, j + r, weight_, &terms_[static_cast<std::size_t>(r) * 2 * columns_]);
+        sumW[r] = sumOfWeights_[static_cast<std::size_t>(valid)];
+      }
+      AddUp(sumW, rows, means);
+    }
+    return means;
+  }
+
+ private:
+  void AddUp(const double (&sumW)[kRowsAtOnce], std::int32_t rows, std::vector<RowMean>& means) const {
+    double sums[kRowsAtOnce][2] = {};
+    for (std::size_t i = 0; i < columns_; ++i) {
+      for (std::size_t r = 0; r < kRowsAtOnce; ++r) {
+        const double* const term = &terms_[2 * (r * columns_ + i)];
+        sums[r][0] += term[0];
+        sums[r][1] += term[1];
+      }
+    }
+    for (std::int32_t r = 0; r < rows; ++r) {
+      means.push_back(sumW[r] != 0.0 ? RowMean{sums[r][0] / sumW[r], sums[r][1] / sumW[r], true} : RowMean{});
+    }
+  }
+
+  const VectorField& field_;
+  double weight_;
+  std::size_t columns_;
+  std::vector<double> sumOfWeights_;  // of n vectors, added up one by one
+  std::vector<double> terms_;         // of the rows that run side by side
+};
+
+// Puts the mean into a row; returns how many vectors are valid more than before.
+QUIVERION_MULTI_TARGET std::int32_t SpreadMean(const RowMean& mean, std::size_t count, std::int32_t* __restrict status,
+                                               double* __restrict velX, double* __restrict velY) {
+  const double u = mean.u, v = mean.v;
+  for (std::size_t i = 0; i < count; ++i) {
+    const Mask change = MaskOf(status[i] >= 0);
+    velX[i] = Select(change, u, velX[i]);
+    velY[i] = Select(change, v, velY[i]);
+  }
+  std::int32_t gained = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::int32_t old = status[i];
+    status[i] = old < 0 ? old : 2;
+    gained += old == 0 ? 1 : 0;
+  }
+  return gained;
+}
+
+// A row in which nothing adds up: its vectors become invalid and keep their velocities.
+std::int32_t Invalidate(std::int32_t* status, std::size_t count) {
+  std::int32_t gained = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (status[i] <= 0) continue;
+    status[i] = 0;
+    --gained;
+  }
+  return gained;
+}
+
+void SpreadMeans(VectorField& field, const std::vector<RowMean>& means) {
+  const auto count = static_cast<std::size_t>(field.columnCount);
+  for (std::int32_t j = 1; j <= field.rowCount; ++j) {
+    const RowMean& mean = means[static_cast<std::size_t>(j - 1)];
+    std::int32_t* const status = field.status.Row(j);
+    ChangeValidCount(field, mean.isFilled ? SpreadMean(mean, count, status, field.velX.Row(j), field.velY.Row(j))
+                                          : Invalidate(status, count));
+  }
+}
+
+bool CoversWholeRows(const VectorField& field, const WeightMatrix& weights) {
+  const std::int32_t reach = field.columnCount - 1;
+  const auto& values = weights.Values();
+  return weights.FirstL() == 0 && weights.LastL() == 0 && weights.FirstK() == -reach && weights.LastK() == reach &&
+         std::all_of(values.begin(), values.end(), [&](double w) { return w == values.front(); });
+}
+
+// The part of the kernel that can lie on the grid at all: the rest adds nothing anywhere.
+bool ClipToField(const VectorField& field, WeightMatrix& weights) {
+  const std::int32_t columns = field.columnCount, rows = field.rowCount;
+  const std::int32_t k0 = std::max(weights.FirstK(), 1 - columns), k1 = std::min(weights.LastK(), columns - 1);
+  const std::int32_t l0 = std::max(weights.FirstL(), 1 - rows), l1 = std::min(weights.LastL(), rows - 1);
+  if (k0 > k1 || l0 > l1) return false;
+  if (k1 - k0 + 1 == weights.Columns() && l1 - l0 + 1 == weights.Rows()) return true;
+  WeightMatrix clipped(k0, k1, l0, l1, 0.0);
+  for (std::int32_t k = k0; k <= k1; ++k) {
+    for (std::int32_t l = l0; l <= l1; ++l) clipped(k, l) = weights(k, l);
+  }
+  weights = std::move(clipped);
+  return true;
+}
+
+// False where a floating-point flag was raised: nothing has changed then.
+bool FilterWholeRows(VectorField& field, double weight) {
+  std::vector<RowMean> means;
+  if (RaisesFloatError([&] { means = RowAverages(field, weight).Take(); })) return false;
+  SpreadMeans(field, means);
+  return true;
+}
+
+bool FilterFast(VectorField& field, const WeightMatrix& weights) {
+  if (CoversWholeRows(field, weights)) return FilterWholeRows(field, weights.Values().front());
+  NewVectors result(field);
+  if (RaisesFloatError([&] { FilterRows(field, weights, result); })) return false;
+  result.SwapInto(field);
+  return true;
+}
+
+}  // namespace
+
+void ApplyFilterKernel(VectorField& field, const WeightMatrix& weights) {
+  WeightMatrix kernel = weights;
+  const auto isFinite = [](double w) { return std::isfinite(w); };  // 0 times anything else would not be 0
+  if (ClipToField(field, kernel) && std::all_of(kernel.Values().begin(), kernel.Values().end(), isFinite) &&
+      FilterFast(field, kernel)) {
+    return;
+  }
+  plain::ApplyFilterKernel<CheckedReal>(field, weights);
+}
+
+}  // namespace quiverion

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// Paths and errors of POSIX systems. For the sources of this folder only.
+namespace quiverion::posix {
+
+bool BeginsWithDriveLetter(std::string_view path);
+
+/// With the system's separators.
+std::string SystemPath(const std::string& path);
+
+/// The native form of a path that is to be opened. Throws SystemError where it has a drive letter or holds a zero byte:
+/// the system would take what stands before that for the whole name.
+std::string OpenablePath(const std::string& path);
+
+/// The directory of a native path.
+std::string ParentOf(const std::string& nativePath);
+
+bool IsDirectoryNative(const std::string& nativePath);
+
+/// Throws the SystemError for an errno. `nativePath` tells a missing file from a missing directory.
+[[noreturn]] void ThrowErrno(int code, const std::string& nativePath = {});
+
+}  // namespace quiverion::posix
