@@ -1,6 +1,6 @@
 # The core: standard C++, no window. Each folder uses only what is listed above it.
 quiverion_library(messages SOURCES
-  system_error.cpp)
+  failure.cpp system_error.cpp)
 quiverion_library(platform USES messages SOURCES
   files/file_system.cpp files/paths.cpp files/result_file.cpp files/write_retry.cpp
   numeric/float_errors.cpp
@@ -15,7 +15,7 @@ quiverion_library(log USES platform SOURCES
 quiverion_library(field USES log SOURCES
   frames.cpp vector_field.cpp
   formats/binary_reader.cpp formats/dat_fields.cpp formats/dat_file.cpp formats/dat_line.cpp
-  formats/load_original_file.cpp formats/vas_file.cpp formats/vec_file.cpp)
+  formats/field_readers.cpp formats/load_original_file.cpp formats/vas_file.cpp formats/vec_file.cpp)
 quiverion_library(operations USES field SOURCES
   commands/buffer_commands.cpp commands/filters.cpp commands/find_faulty_vectors.cpp
   commands/interpolate_invalid_vectors.cpp commands/transformations.cpp commands/view_settings.cpp

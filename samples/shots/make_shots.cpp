@@ -136,8 +136,9 @@ class Shots {
   void Boxes() {
     ParameterWindows dialogs(main_, ui_);
     Modal("Eingabe", [&] {
-      const ParameterEditor& editor = FindCommand(50104)->editor;
-      dialogs.AskText({std::string(editor.title), std::string(editor.text), std::string(editor.preset)});
+      const CommandRow& command = *FindCommand(50104);
+      dialogs.AskText({std::string(command.editor.title), std::string(command.editor.text),
+                       std::string(command.parameters.front().preset)});
     });
     Modal("Datei", [&] {
       dialogs.ChooseFile({.kind = FileQuestion::Kind::save,

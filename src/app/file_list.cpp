@@ -6,6 +6,7 @@
 
 #include "dialogs/widgets/qt_text.h"
 #include "macro/series_files.h"
+#include "messages/failure.h"
 
 namespace quiverion {
 
@@ -34,10 +35,7 @@ void FileList::ShowDirectory(const std::string& directory) {
   const std::vector<std::string> selected = directory == directory_ ? SelectedNames() : std::vector<std::string>();
   const int scrolled = verticalScrollBar()->value();
   std::vector<std::string> names;
-  try {
-    names = ListSeriesFiles(*files_, directory);
-  } catch (const SystemError&) {  // what could be said about it the directory list says
-  }
+  Attempt([&] { names = ListSeriesFiles(*files_, directory); });  // the directory list says what can be said about it
   model_->SetNames(std::move(names));
   if (directory == directory_) {
     SelectNames(selected);

@@ -19,7 +19,7 @@
 #include "dialogs/widgets/run_modal.h"
 #include "macro/macro_file.h"
 #include "macro/pre_run_checks.h"
-#include "messages/system_error.h"
+#include "messages/failure.h"
 #include "platform/files/paths.h"
 #include "platform/text/text.h"
 #include "ui_frmMain.h"
@@ -212,14 +212,13 @@ void frmMain::ShowDriveOfDirectory() {
 }
 
 void frmMain::ChangeDrive(int index) {
-  try {
+  const auto failure = Attempt([&] {
     const std::string& drive = drives_.at(static_cast<std::size_t>(index));
-    if (drive == DriveOf(drives_, ui_->Directory->Path())) return;  // the same one was chosen again
-    ShowDirectory(drive);
-  } catch (const std::exception&) {
-    messages_.Ask({.title = "Fehler", .text = "Laufwerk nicht bereit!"});
-    ShowDriveOfDirectory();
-  }
+    if (drive != DriveOf(drives_, ui_->Directory->Path())) ShowDirectory(drive);  // else the same one was chosen again
+  });
+  if (!failure) return;
+  messages_.Ask({.title = "Fehler", .text = "Laufwerk nicht bereit!"});
+  ShowDriveOfDirectory();
 }
 
 void frmMain::ShowDirectory(const std::string& path) {
@@ -229,15 +228,13 @@ void frmMain::ShowDirectory(const std::string& path) {
 }
 
 bool frmMain::OpenDirectory(const std::string& path) {
-  try {
-    ShowDirectory(path);
-    return true;
-  } catch (const std::exception& error) {
+  const auto failure = Attempt([&] { ShowDirectory(path); });
+  if (failure) {
     messages_.Ask(
         {.title = "Verzeichnisauswahl",
-         .text = "Das Verzeichnis '" + path + "' kann nicht gelesen werden!\r\n" + ErrorText(AsSystemError(error))});
-    return false;
+         .text = "Das Verzeichnis '" + path + "' kann nicht gelesen werden!\r\n" + ErrorText(failure->error)});
   }
+  return !failure;
 }
 
 void frmMain::ReadLists() {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/main_window.h"
 #include "app/qt_user_interface.h"
 #include "app/statistics_flow.h"
 #include "dialogs/help/help.h"
@@ -33,7 +34,7 @@ struct Machine {
 
 /// The main window: the macro, the files of the series, Start. It holds the session; everything runs in its event
 /// handlers, and the progress of a run or a computation lets further events through.
-class frmMain : public QMainWindow {
+class frmMain : public QMainWindow, public MainWindow {
   Q_OBJECT
 
  public:
@@ -53,13 +54,11 @@ class frmMain : public QMainWindow {
   /// Shows the macro of the session; `selected` is the selected line, -1 for none.
   void ShowMacro(int selected);
 
-  /// A statistic is computed: Start and Abbrechen give way to the progress bar.
-  void ComputationStarted();
-  void ShowComputation(std::int64_t done, std::int64_t total);
-  void ComputationEnded();
-
-  /// True once the window is closed for good: what is going on is to end.
-  bool IsQuitting() const { return quitting_; }
+  QWidget& Widget() override { return *this; }
+  void ComputationStarted() override;
+  void ShowComputation(std::int64_t done, std::int64_t total) override;
+  void ComputationEnded() override;
+  bool IsQuitting() const override { return quitting_; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;

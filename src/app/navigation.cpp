@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "macro/series_files.h"
+#include "messages/failure.h"
 #include "platform/files/paths.h"
 #include "platform/text/text.h"
 
@@ -64,14 +65,7 @@ std::string DriveOf(const std::vector<std::string>& drives, const std::string& d
 }
 
 std::string NearestDirectory(FileSystem& files, const std::string& directory, const std::vector<std::string>& drives) {
-  const auto canBeListed = [&files](const std::string& path) {
-    try {
-      files.ListDirectories(path);
-      return true;
-    } catch (const SystemError&) {
-      return false;
-    }
-  };
+  const auto canBeListed = [&files](const std::string& path) { return !Attempt([&] { files.ListDirectories(path); }); };
   std::string nearest = directory;
   for (std::string above = directory; !above.empty(); above = ParentDirectory(above)) {
     nearest = above;

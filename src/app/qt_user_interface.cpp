@@ -2,7 +2,6 @@
 
 #include <QApplication>
 
-#include "app/frmMain.h"
 #include "dialogs/widgets/message_box.h"
 
 namespace quiverion {
@@ -16,7 +15,7 @@ MessageAnswer QtUserInterface::Ask(const Message& box) {
   if (progressWindow_) progressWindow_->Show(progress_);
   QWidget* parent = QApplication::activeModalWidget();  // never the help, which moves over the box by itself
   if (parent == nullptr && progressWindow_) parent = progressWindow_.get();
-  if (parent == nullptr && window_.isVisible()) parent = &window_;
+  if (parent == nullptr && window_.Widget().isVisible()) parent = &window_.Widget();
   return ShowMessageBox(parent, box);
 }
 
@@ -34,7 +33,7 @@ void QtUserInterface::RunStarted(const RunProgress& progress) {
   progress_ = progress;
   progressWindow_ = std::make_unique<frmShowProgress>(*this);
   progressWindow_->Show(progress);
-  window_.hide();
+  window_.Widget().hide();
   progressWindow_->show();
 }
 

@@ -4,20 +4,19 @@
 #include <memory>
 #include <optional>
 
+#include "app/main_window.h"
 #include "dialogs/frmShowProgress.h"
 #include "dialogs/repaint_throttle.h"
 #include "messages/user_interface.h"
 
 namespace quiverion {
 
-class frmMain;
-
 /// The core's user interface as windows: message boxes over the window in use, the progress window in place of the main
 /// window during a run, the main window's progress bar during a computation.
 class QtUserInterface : public UserInterface {
  public:
   /// The window must outlive the object.
-  explicit QtUserInterface(frmMain& window) : window_(window) {}
+  explicit QtUserInterface(MainWindow& window) : window_(window) {}
 
   MessageAnswer Ask(const Message& box) override;
   void RunStarted(const RunProgress& progress) override;
@@ -32,7 +31,7 @@ class QtUserInterface : public UserInterface {
   void Begin();
   bool PaintingIsDue(std::string_view step);
 
-  frmMain& window_;
+  MainWindow& window_;
   std::unique_ptr<frmShowProgress> progressWindow_;  // during a run
   RunProgress progress_;                             // the last one, shown or not
   RepaintThrottle throttle_;

@@ -5,6 +5,7 @@
 
 #include "dialogs/parameters/file_choices.h"
 #include "dialogs/parameters/parameter_editing.h"
+#include "messages/failure.h"
 #include "platform/files/paths.h"
 #include "platform/text/numbers.h"
 
@@ -36,15 +37,15 @@ std::optional<double> AskViscosity(Context& context, ParameterDialogs& dialogs, 
   const auto answer =
       dialogs.AskText({std::string(texts.title), "Bitte geben Sie die kinematische Viskosität [m/s²] an:", "15E-6"});
   if (!answer || answer->empty()) return std::nullopt;
-  try {
-    const double viscosity = ReadParameterNumber(*answer);
-    if (viscosity > 0.0) return viscosity;
-    context.ui.Ask({.title = "QuiverionSeries - Fehlerhafte Eingabe",
-                    .text = "Ihre Eingabe lautete:  " + FormatNumber(viscosity) +
-                            " m/s²\r\n\r\nSie müssen eine Zahl > 0 eingeben!"});
-  } catch (const SystemError&) {
+  double viscosity = 0.0;
+  if (Attempt([&] { viscosity = ReadParameterNumber(*answer); })) {
     RefuseHugeNumber(context.ui, *answer);
+    return std::nullopt;
   }
+  if (viscosity > 0.0) return viscosity;
+  context.ui.Ask({.title = "QuiverionSeries - Fehlerhafte Eingabe",
+                  .text = "Ihre Eingabe lautete:  " + FormatNumber(viscosity) +
+                          " m/s²\r\n\r\nSie müssen eine Zahl > 0 eingeben!"});
   return std::nullopt;
 }
 

@@ -3,7 +3,7 @@
 #include "cli/services.h"
 #include "macro/command_catalogue.h"
 #include "macro/macro_file.h"
-#include "messages/system_error.h"
+#include "messages/failure.h"
 #include "platform/process/environment.h"
 
 namespace quiverion::cli {
@@ -14,6 +14,10 @@ bool Load(Services& services, const std::string& path) {
   if (LoadMacroFile(services.session, path)) return true;
   services.terminal.PrintError("Makrodatei: '" + path + "'\n");
   return false;
+}
+
+std::string MessageOf(const Failure& failure) {
+  return failure.formatMessage ? *failure.formatMessage : ErrorText(failure.error);
 }
 
 }  // namespace
@@ -34,10 +38,8 @@ int ShowMacro(const std::string& macroPath) {
 int ExportMacro(const std::string& macroPath) {
   Services services;
   if (!Load(services, macroPath)) return kFailed;
-  try {
-    services.terminal.Print(MacroToJson(services.session.macro));
-  } catch (const MacroJsonError& error) {
-    services.terminal.PrintError("'" + macroPath + "': " + error.what() + "\n");
+  if (const auto failure = Attempt([&] { services.terminal.Print(MacroToJson(services.session.macro)); })) {
+    services.terminal.PrintError("'" + macroPath + "': " + MessageOf(*failure) + "\n");
     return kFailed;
   }
   return services.Done();
@@ -45,13 +47,12 @@ int ExportMacro(const std::string& macroPath) {
 
 int ImportMacro(const std::string& jsonPath, const std::string& macroPath) {
   Services services;
-  try {
+  const auto failure = Attempt([&] {
     const std::string text = jsonPath == "-" ? ReadStandardInput() : ReadWholeFile(*services.files, jsonPath);
     services.session.macro = MacroFromJson(text);
-  } catch (const std::exception& error) {
-    const bool json = dynamic_cast<const MacroJsonError*>(&error) != nullptr;
-    services.terminal.PrintError("'" + jsonPath + "': " + (json ? error.what() : ErrorText(AsSystemError(error))) +
-                                 "\n");
+  });
+  if (failure) {
+    services.terminal.PrintError("'" + jsonPath + "': " + MessageOf(*failure) + "\n");
     return kFailed;
   }
   if (SaveMacroFile(services.session, macroPath)) return services.Done();

@@ -1,18 +1,18 @@
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "macro/macro_event.h"
+#include "messages/failure.h"
 
 namespace quiverion::cli {
 
 /// What is wrong with the JSON form of a macro: a German sentence that names the command's position and the
 /// key.
-class MacroJsonError : public std::runtime_error {
+class MacroJsonError : public FormatError {
  public:
-  using std::runtime_error::runtime_error;
+  using FormatError::FormatError;
 };
 
 /// The macro as an array of objects, one per line, in list order. Throws MacroJsonError where a value has no

@@ -4,6 +4,7 @@
 #include "cli/commands.h"
 #include "cli/services.h"
 #include "log/log_writers.h"
+#include "macro/command_catalogue.h"
 #include "macro/log_messages.h"
 #include "macro/macro_file.h"
 #include "macro/pre_run_checks.h"
@@ -37,29 +38,25 @@ class LogFile {
     if (plain_) log_.Detach(*plain_);
   }
 
-  // Puts the file in its place. Throws the first SystemError of all writes.
+  // Puts the file in its place. Throws the SystemError of the first write that failed.
   void Save() {
     if (rtf_) rtf_->Finish();
     if (plain_) plain_->HandOver();
     Guarded([&] { file_.Commit(); });
-    if (error_) throw SystemError(*error_);
+    if (failure_) throw failure_->error;
   }
 
  private:
   template <class Action>
   void Guarded(Action action) {
-    try {
-      if (!error_) action();
-    } catch (const SystemError& error) {
-      error_ = error;
-    }
+    if (!failure_) failure_ = Attempt(action);
   }
 
   RunLog& log_;
   ResultFile file_;
   std::optional<RtfWriter> rtf_;
   std::optional<PlainTextWriter> plain_;
-  std::optional<SystemError> error_;
+  std::optional<Failure> failure_;
 };
 
 // Adds what one INPUT stands for; `known` are the keys of those before. False where it lies in another directory.
@@ -86,14 +83,14 @@ bool AddInput(Session& session, std::unordered_set<std::string>& known, const st
 int AddInputs(Services& services, const std::vector<std::string>& inputs) {
   std::unordered_set<std::string> known;
   for (const std::string& input : inputs) {
-    try {
-      if (AddInput(services.session, known, input)) continue;
-      services.terminal.PrintError("Alle Eingabedateien müssen in einem Verzeichnis liegen: '" + input + "'\n");
-      return kUsage;
-    } catch (const SystemError& error) {
-      services.terminal.PrintError("'" + input + "': " + ErrorText(error) + "\n");
+    bool isAdded = false;
+    if (const auto failure = Attempt([&] { isAdded = AddInput(services.session, known, input); })) {
+      services.terminal.PrintError("'" + input + "': " + ErrorText(failure->error) + "\n");
       return kFailed;
     }
+    if (isAdded) continue;
+    services.terminal.PrintError("Alle Eingabedateien müssen in einem Verzeichnis liegen: '" + input + "'\n");
+    return kUsage;
   }
   return kDone;
 }
@@ -102,7 +99,10 @@ int AddInputs(Services& services, const std::vector<std::string>& inputs) {
 std::optional<std::string> FileUnderLog(const RunOptions& options, const Session& session) {
   std::vector<std::string> paths = {options.macro};
   for (const MacroEvent& event : session.macro) {
-    if (event.Find("FileName") != nullptr) paths.push_back(event.Text("FileName"));
+    for (const Parameter& parameter : ParametersOf(event.EventId())) {
+      const bool isPath = parameter.role == FileRole::reads || parameter.role == FileRole::appends;
+      if (isPath && event.Find(parameter.key) != nullptr) paths.push_back(event.Text(parameter.key));
+    }
   }
   for (std::string& path : paths) {
     if (!path.empty() && IsSameFile(AbsolutePath(path), AbsolutePath(options.log))) return std::move(path);
@@ -137,19 +137,18 @@ int RunSeries(const RunOptions& options) {
     if (!options.log.empty()) logFile.emplace(*services.files, services.log, options.log);
     CatchAbortRequests();
   };
-  try {
-    if (!StartRun(session, openLog)) return kRefused;
-  } catch (const SystemError& error) {
-    services.terminal.Ask(LogNotSaved(options.log, error));
+  bool started = false;
+  if (const auto failure = Attempt([&] { started = StartRun(session, openLog); })) {
+    services.terminal.Ask(LogNotSaved(options.log, failure->error));
     return kFailed;
   }
+  if (!started) return kRefused;
   services.log.Flush();
-  int code = services.Outcome();
-  try {
-    if (logFile) logFile->Save();
-  } catch (const SystemError& error) {
-    services.terminal.Ask(LogNotSaved(options.log, error));
-    if (code == kDone) code = kFailed;
+  const int code = services.Outcome();
+  if (!logFile) return code;
+  if (const auto failure = Attempt([&] { logFile->Save(); })) {
+    services.terminal.Ask(LogNotSaved(options.log, failure->error));
+    return code == kDone ? kFailed : code;
   }
   return code;
 }

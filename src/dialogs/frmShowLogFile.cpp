@@ -100,14 +100,13 @@ void frmShowLogFile::PrintTo(QPrinter& printer) {
 }
 
 void frmShowLogFile::Save() {
-  try {
-    ResultFile file(files_, &messages_, path_);
+  const auto failure = SaveResult(files_, &messages_, path_, [this](ResultFile& file) {
     RtfWriter rtf([&file](std::string_view bytes) { file.Write(bytes); });
     log_.ReplayTo(rtf);
     rtf.Finish();
-    file.Commit();
-  } catch (const std::exception& error) {
-    messages_.Ask(LogNotSaved(path_, AsSystemError(error)));
+  });
+  if (failure) {
+    messages_.Ask(LogNotSaved(path_, failure->error));
     return;
   }
   messages_.Ask({.title = std::string(kSaveLogTitle),

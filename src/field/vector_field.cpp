@@ -8,14 +8,6 @@
 namespace quiverion {
 namespace {
 
-constexpr std::int32_t Rgb(int red, int green, int blue) {
-  return red + 256 * green + 65536 * blue;
-}
-
-constexpr std::array<std::int32_t, 9> kDefaultColours = {Rgb(0, 0, 255), Rgb(255, 0, 0),     Rgb(0, 200, 0),
-                                                         Rgb(0, 0, 0),   Rgb(0, 150, 0),     Rgb(255, 255, 255),
-                                                         Rgb(255, 0, 0), Rgb(255, 255, 255), Rgb(0, 255, 0)};
-
 // `reset` sets the size of one grid.
 template <class ResetGrid>
 void CreateArraysWith(VectorField& field, std::int32_t columns, std::int32_t rows, ResetGrid reset) {
@@ -39,36 +31,19 @@ void CheckSparseGrid(std::int64_t columns, std::int64_t rows, std::uint64_t file
 }
 
 void ResetStreamlines(VectorField& field) {
-  field.streamlineCount = 0;
-  field.streamlineSetting = 0;
-  field.streamlines = {};
+  static_cast<Streamlines&>(field) = {};
 }
 
 void ResetHeader(VectorField& field) {
-  VectorField fresh;
-  fresh.colours = kDefaultColours;
-  fresh.paletteSetting = field.paletteSetting;
-  fresh.viewerSettings = field.viewerSettings;
-  // The arrays keep their memory: the next field of a series nearly always has the same size.
-  fresh.columnCount = field.columnCount;
-  fresh.rowCount = field.rowCount;
-  fresh.posX.swap(field.posX);
-  fresh.posY.swap(field.posY);
-  std::swap(fresh.velX, field.velX);
-  std::swap(fresh.velY, field.velY);
-  std::swap(fresh.status, field.status);
-  std::swap(fresh.derivedScalar, field.derivedScalar);
-  fresh.filePath.swap(field.filePath);
-  fresh.fileName.swap(field.fileName);
-  fresh.fileDirectory.swap(field.fileDirectory);
-  field = std::move(fresh);
+  static_cast<Recording&>(field) = {};
+  static_cast<Streamlines&>(field) = {};
+  static_cast<Transformation&>(field) = {};
+  static_cast<ViewSettings&>(field) = {};
 }
 
 void ResetForLoad(VectorField& field, const std::string& path) {
   ResetHeader(field);
-  field.filePath = path;
-  field.fileName = FileNameOf(path);
-  field.fileDirectory = DirectoryOf(path);
+  static_cast<Source&>(field) = {path, std::string(FileNameOf(path)), std::string(DirectoryOf(path))};
 }
 
 void CreateArrays(VectorField& field, std::int32_t columns, std::int32_t rows) {

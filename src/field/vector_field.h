@@ -20,13 +20,9 @@ enum class Background : std::int32_t { none = 0, swirl2 = 1, vorticity = 2 };
 
 inline constexpr std::int32_t kMaxStreamlines = 50;
 
-/// Start x and y (mm), then two values that are only carried.
-using Streamline = std::array<double, 4>;
-
-/// One PIV vector field with everything a VAS file carries. Grids are one-based (column i in x, row j in y)
-/// with the column index running fastest. Status: > 0 valid, 0 invalid, < 0 masked (invalid).
-struct VectorField {
-  // Grid and measurement.
+/// Grid and measurement. Grids are one-based (column i in x, row j in y) with the column index running fastest. Status:
+/// > 0 valid, 0 invalid, < 0 masked (invalid).
+struct GridVectors {
   std::int32_t columnCount = 0;
   std::int32_t rowCount = 0;
   std::vector<double, UninitialisedAllocator<double>> posX;  // mm, columnCount values
@@ -35,15 +31,20 @@ struct VectorField {
   Grid<double> velY;                                         // m/s
   Grid<std::int32_t> status;
   Grid<double> derivedScalar;  // vorticity (1/s) or squared swirling strength (1/s²); never stored
+};
 
-  // Header and text.
+/// The file that was loaded last.
+struct Source {
+  std::string filePath;
+  std::string fileName;       // what follows the last separator of filePath
+  std::string fileDirectory;  // what precedes it
+};
+
+/// How the field was recorded and what was noted about it. Lengths in pixels unless stated.
+struct Recording {
   std::array<std::string, 7> headerLines;  // line 1: date and time of the recording
   std::string infoText;                    // lines separated by "\r\n"
-  std::string filePath;                    // of the file last loaded
-  std::string fileName;                    // behind the last separator of filePath
-  std::string fileDirectory;               // before it
 
-  // Recording geometry, in pixels unless stated.
   std::int32_t imageWidth = 0;
   std::int32_t imageHeight = 0;
   std::int32_t windowWidth = 0;  // interrogation window
@@ -55,8 +56,20 @@ struct VectorField {
   std::int32_t pixelScale = 0;   // pixels per cm (DAT); 1 / x scale factor (VEC)
   std::int32_t pulseDelay = 0;   // µs
   std::int32_t validVectorCount = 0;
+};
 
-  // Bookkeeping of transformations.
+/// Start x and y (mm), then two values that are only carried.
+using Streamline = std::array<double, 4>;
+
+/// Streamlines that the viewer draws.
+struct Streamlines {
+  std::int32_t streamlineCount = 0;  // records in use
+  std::int32_t streamlineSetting = 0;
+  std::array<Streamline, kMaxStreamlines> streamlines{};
+};
+
+/// Bookkeeping of earlier transformations.
+struct Transformation {
   double offsetX = 0.0;  // mm
   double offsetY = 0.0;
   Flag16 galileiPointSet = kFlagFalse;
@@ -64,12 +77,14 @@ struct VectorField {
   double galileiPointY = 0.0;
   double galileiVelX = 0.0;  // m/s, velocity removed from the field
   double galileiVelY = 0.0;
+};
 
-  std::int32_t streamlineCount = 0;  // records in use
-  std::int32_t streamlineSetting = 0;
-  std::array<Streamline, kMaxStreamlines> streamlines{};
+constexpr std::int32_t Rgb(int red, int green, int blue) {
+  return red + 256 * green + 65536 * blue;
+}
 
-  // View settings of the viewer program.
+/// How the viewer program shows the field.
+struct ViewSettings {
   bool showHeader = false;
   bool showTable = false;
   bool showVectorField = true;
@@ -79,10 +94,19 @@ struct VectorField {
   double scaleFactor = 1.0;
   double paletteMin = 0.0;
   double paletteMax = 100000.0;
-  double paletteSetting = 0.0;               // carried from file to file, never reset
-  std::array<double, 3> viewerSettings{};    // likewise
-  std::array<std::int32_t, 9> colours = {};  // red + 256 green + 65536 blue
+  std::array<std::int32_t, 9> colours = {Rgb(0, 0, 255), Rgb(255, 0, 0),     Rgb(0, 200, 0),
+                                         Rgb(0, 0, 0),   Rgb(0, 150, 0),     Rgb(255, 255, 255),
+                                         Rgb(255, 0, 0), Rgb(255, 255, 255), Rgb(0, 255, 0)};
 };
+
+/// Settings of the viewer that pass from one loaded file to the next and are never reset.
+struct CarriedSettings {
+  double paletteSetting = 0.0;
+  std::array<double, 3> viewerSettings{};
+};
+
+/// One PIV vector field with everything a VAS file carries, composed of what is reset or kept together.
+struct VectorField : GridVectors, Source, Recording, Streamlines, Transformation, ViewSettings, CarriedSettings {};
 
 /// Adds `change` to `validVectorCount`. The count comes from a file and may be anything: it stays at the end of its
 /// range.

@@ -1,5 +1,4 @@
 #include "macro/command_catalogue.h"
-#include "operations/commands/interpolate_invalid_vectors.h"
 
 #include <algorithm>
 
@@ -7,57 +6,90 @@
 #include "macro/command_actions.h"
 #include "operations/commands/buffer_commands.h"
 #include "operations/commands/filters.h"
+#include "operations/commands/interpolate_invalid_vectors.h"
 #include "operations/commands/transformations.h"
-#include "operations/kernels/interpolation.h"
+#include "platform/text/numbers.h"
 #include "platform/text/text.h"
 
 namespace quiverion {
 namespace {
 
-constexpr Parameter Text(std::string_view key) {
-  return {key, ParameterKind::text, FileEncoding::text};
+constexpr Parameter Text(std::string_view key, std::string_view preset = "", FileRole role = FileRole::none) {
+  return {.key = key, .kind = ParameterKind::text, .encoding = FileEncoding::text, .preset = preset, .role = role};
 }
-constexpr Parameter Flag(std::string_view key) {
-  return {key, ParameterKind::flag, FileEncoding::bool16};
+constexpr Parameter Flag(std::string_view key, std::string_view preset = "0", FileRole role = FileRole::none) {
+  return {.key = key, .kind = ParameterKind::flag, .encoding = FileEncoding::bool16, .preset = preset, .role = role};
 }
-constexpr Parameter CheckState(std::string_view key) {
-  return {key, ParameterKind::checkState, FileEncoding::int32};
+constexpr Parameter CheckState(std::string_view key, std::string_view preset = "0") {
+  return {key, ParameterKind::checkState, FileEncoding::int32, preset, 0, 1};
 }
-constexpr Parameter Integer(std::string_view key) {
-  return {key, ParameterKind::integer, FileEncoding::int32};
+constexpr Parameter Integer(std::string_view key, std::string_view preset, double low, double high) {
+  return {key, ParameterKind::integer, FileEncoding::int32, preset, low, high};
 }
-constexpr Parameter Number(std::string_view key) {
-  return {key, ParameterKind::number, FileEncoding::float64};
+constexpr Parameter Number(std::string_view key, std::string_view preset) {
+  return {key, ParameterKind::number, FileEncoding::float64, preset};
+}
+constexpr Parameter HalfWidth(std::string_view key) {
+  return Integer(key, "2", 0, kLargestHalfWidth);
+}
+// A double in memory, rounded to an integer in the file: a macro file has always lost the fraction here.
+constexpr Parameter Component(std::string_view key) {
+  return {key, ParameterKind::number, FileEncoding::int32, "0"};
 }
 
-constexpr Parameter kNames[] = {Text("Prefix"), Text("Postfix")};
+// A result beside the input, or below it.
+constexpr Parameter Prefix(std::string_view preset) {
+  return Text("Prefix", preset, FileRole::writes);
+}
+constexpr Parameter kPostfix = Text("Postfix", "", FileRole::writes);
+
+constexpr Parameter kNames[] = {Prefix(""), kPostfix};
+constexpr Parameter kVectorFieldNames[] = {Prefix("VF of "), kPostfix};
+constexpr Parameter kSwirlNames[] = {Prefix("SW of "), kPostfix};
+constexpr Parameter kVorticityNames[] = {Prefix("VOR of "), kPostfix};
+constexpr Parameter kProfileNames[] = {Prefix("VP of "), kPostfix};
 constexpr Parameter kComment[] = {Text("Comment")};
-constexpr Parameter kFileName[] = {Text("FileName")};
-constexpr Parameter kVortexCentres[] = {Text("FileName"), Flag("AutoTrafo")};
-constexpr Parameter kMirror[] = {CheckState("ChkPosX"), CheckState("ChkPosY")};
-constexpr Parameter kXYTrafo[] = {Text("TxtFakX"),   Text("TxtDeltaX"),  Text("TxtFakY"),
-                                  Text("TxtDeltaY"), Text("TxtFakVecX"), Text("TxtFakVecY")};
-// Doubles in memory, rounded to integers in the file: a macro file has always lost the fraction here.
-constexpr Parameter kConstVector[] = {{"XComp", ParameterKind::number, FileEncoding::int32},
-                                      {"YComp", ParameterKind::number, FileEncoding::int32}};
+constexpr Parameter kBufferFile[] = {Text("FileName", "", FileRole::reads)};
+constexpr Parameter kCollection[] = {Text("FileName", "", FileRole::appends)};
+constexpr Parameter kVortexCentres[] = {Text("FileName", "", FileRole::appends),
+                                        Flag("AutoTrafo", "0", FileRole::writes)};
+constexpr Parameter kMirror[] = {CheckState("ChkPosX", "1"), CheckState("ChkPosY")};
+constexpr Parameter kXYTrafo[] = {Text("TxtFakX", "1"),   Text("TxtDeltaX", "0"),  Text("TxtFakY", "1"),
+                                  Text("TxtDeltaY", "0"), Text("TxtFakVecX", "1"), Text("TxtFakVecY", "1")};
+constexpr Parameter kConstVector[] = {Component("XComp"), Component("YComp")};
 constexpr Parameter kChecked[] = {Flag("Checked")};
-constexpr Parameter kValue[] = {Number("Value")};
-constexpr Parameter kFaultVectors[] = {
-    CheckState("ChkAbsDeviation"), Text("TxtAbsDeviation"), CheckState("ChkAbsInterval"),  Flag("OptAbsIntOut"),
-    Text("TxtAbsIntMin"),          Text("TxtAbsIntMax"),    CheckState("ChkDirDeviation"), Text("TxtDirDeviation"),
-    CheckState("ChkXComp"),        Flag("OptXCompIntOut"),  Text("TxtXCompIntMin"),        Text("TxtXCompIntMax"),
-    CheckState("ChkYComp"),        Flag("OptYCompIntOut"),  Text("TxtYCompIntMin"),        Text("TxtYCompIntMax"),
-    Integer("CompareVectorType"),  Integer("CboMedianX"),   Integer("CboMedianY"),         Integer("CboLocalMiddleX"),
-    Integer("CboLocalMiddleY"),    Text("TxtUserVectorX"),  Text("TxtUserVectorY"),        Flag("LogicalOr")};
+constexpr Parameter kScaleFactor[] = {{"Value", ParameterKind::number, FileEncoding::float64, "1.0", 0.1, 10.0}};
+constexpr Parameter kPaletteLimit[] = {Number("Value", "0.0")};
+constexpr Parameter kFaultVectors[] = {CheckState("ChkAbsDeviation"),
+                                       Text("TxtAbsDeviation", "30"),
+                                       CheckState("ChkAbsInterval"),
+                                       Flag("OptAbsIntOut", "1"),
+                                       Text("TxtAbsIntMin", "0"),
+                                       Text("TxtAbsIntMax", "10"),
+                                       CheckState("ChkDirDeviation"),
+                                       Text("TxtDirDeviation", "10"),
+                                       CheckState("ChkXComp"),
+                                       Flag("OptXCompIntOut", "1"),
+                                       Text("TxtXCompIntMin", "-10"),
+                                       Text("TxtXCompIntMax", "10"),
+                                       CheckState("ChkYComp"),
+                                       Flag("OptYCompIntOut", "1"),
+                                       Text("TxtYCompIntMin", "-10"),
+                                       Text("TxtYCompIntMax", "10"),
+                                       Integer("CompareVectorType", "1", 1, 4),
+                                       HalfWidth("CboMedianX"),
+                                       HalfWidth("CboMedianY"),
+                                       HalfWidth("CboLocalMiddleX"),
+                                       HalfWidth("CboLocalMiddleY"),
+                                       Text("TxtUserVectorX", "0"),
+                                       Text("TxtUserVectorY", "0"),
+                                       Flag("LogicalOr", "1")};
 
-constexpr ParameterEditor Names(std::string_view prefix) {
-  return {.kind = EditorKind::names, .preset = prefix};
-}
 constexpr ParameterEditor Question(std::string_view title, std::string_view text) {
   return {EditorKind::question, title, text};
 }
-constexpr ParameterEditor NumberBox(std::string_view title, std::string_view text, std::string_view preset) {
-  return {EditorKind::number, title, text, preset};
+constexpr ParameterEditor NumberBox(std::string_view title, std::string_view text) {
+  return {EditorKind::number, title, text};
 }
 constexpr ParameterEditor ConstVector(std::string_view title) {
   return {EditorKind::constVector, title};
@@ -65,6 +97,7 @@ constexpr ParameterEditor ConstVector(std::string_view title) {
 constexpr ParameterEditor Editor(EditorKind kind) {
   return {.kind = kind};
 }
+constexpr ParameterEditor kNamesEditor = Editor(EditorKind::names);
 
 constexpr CommandRow Menu(std::int32_t eventId, std::string_view name, std::int32_t parent, std::string_view shortText,
                           std::string_view longText) {
@@ -77,35 +110,29 @@ constexpr CommandRow kRows[] = {
     {10002, "evtInsertComment", 10000, "Kommentar einfügen",
      "Kommentar in den Info-Text einfügen", kComment, 0, actions::InsertComment, Editor(EditorKind::comment)},
     {10001, "evtSaveVas", 10000, "Speichern unter (*.vas)",
-     "Datei im VAS-Format speichern unter...", kNames, 90, actions::SaveAsVas, Names("")},
+     "Datei im VAS-Format speichern unter...", kNames, 90, actions::SaveAsVas, kNamesEditor},
     Menu(10100, "evtStanfordMenu", 10000, "Exportieren für Stanford", "'Exportieren für Stanford'-Menü"),
     {10101, "evtStanfordVectorField", 10100, "Vektorfeld",
-     "Vektorfeld für Stanford exportieren", kNames, 500, actions::TextExport<ExportStanfordVectorField>,
-     Names("VF of ")},
+     "Vektorfeld für Stanford exportieren", kVectorFieldNames, 500, actions::TextExport<ExportStanfordVectorField>, kNamesEditor},
     {10102, "evtStanfordSwirl2", 10100, "(Swirling Strength)²",
-     "(Swirling Strength)² für Stanford exportieren", kNames, 50, actions::TextExport<ExportStanfordSwirl2>,
-     Names("SW of ")},
+     "(Swirling Strength)² für Stanford exportieren", kSwirlNames, 50, actions::TextExport<ExportStanfordSwirl2>, kNamesEditor},
     {10103, "evtStanfordVorticity", 10100, "Vorticity",
-     "Vorticity für Stanford exportieren", kNames, 50, actions::TextExport<ExportStanfordVorticity>,
-     Names("VOR of ")},
+     "Vorticity für Stanford exportieren", kVorticityNames, 50, actions::TextExport<ExportStanfordVorticity>, kNamesEditor},
     {10104, "evtStanfordVelocityProfile", 10100, "Geschwindigkeitsprofil",
-     "Geschwindigkeitsprofil für Stanford exportieren", kNames, 10, actions::TextExport<ExportStanfordVelocityProfile>,
-     Names("VP of ")},
+     "Geschwindigkeitsprofil für Stanford exportieren", kProfileNames, 10, actions::TextExport<ExportStanfordVelocityProfile>, kNamesEditor},
     Menu(10200, "evtTecPlotMenu", 10000, "Exportieren für TecPlot", "'Exportieren für TecPlot'-Menü"),
     {10201, "evtTecPlotSwirl", 10200, "Swirling Strength",
-     "Swirling Strength für TecPlot exportieren", kNames, 250, actions::TextExport<ExportTecPlotSwirl>,
-     Names("SW of ")},
+     "Swirling Strength für TecPlot exportieren", kSwirlNames, 250, actions::TextExport<ExportTecPlotSwirl>, kNamesEditor},
     {10202, "evtTecPlotVorticity", 10200, "Vorticity",
-     "Vorticity für TecPlot exportieren", kNames, 300, actions::TextExport<ExportTecPlotVorticity>, Names("VOR of ")},
+     "Vorticity für TecPlot exportieren", kVorticityNames, 300, actions::TextExport<ExportTecPlotVorticity>, kNamesEditor},
     Menu(10300, "evtMatlabMenu", 10000, "Exportieren für Matlab", "'Exportieren für Matlab'-Menü"),
     {10301, "evtMatlabVectorField", 10300, "Vektorfeld",
-     "Vektorfeld für Matlab exportieren", kNames, 400, actions::CsvExport<ExportMatlabVectorField>, Names("VF of ")},
+     "Vektorfeld für Matlab exportieren", kVectorFieldNames, 400, actions::CsvExport<ExportMatlabVectorField>, kNamesEditor},
     {10302, "evtMatlabSwirl2", 10300, "(Swirling Strength)²",
-     "(Swirling Strength)² für Matlab exportieren", kNames, 50, actions::CsvExport<ExportMatlabSwirl2>,
-     Names("SW of ")},
+     "(Swirling Strength)² für Matlab exportieren", kSwirlNames, 50, actions::CsvExport<ExportMatlabSwirl2>, kNamesEditor},
     Menu(20000, "evtBufferMenu", 0, "Buffer", "'Buffer'-Menü"),
     {20002, "evtLoadBuffer", 20000, "Datei in Buffer einladen",
-     "Vektorfeld aus Datei in Buffer einladen", kFileName, 0, actions::LoadBuffer, Editor(EditorKind::bufferFile)},
+     "Vektorfeld aus Datei in Buffer einladen", kBufferFile, 0, actions::LoadBuffer, Editor(EditorKind::bufferFile)},
     {20001, "evtCopyToBuffer", 20000, "Aktuelles Vektorfeld in Buffer kopieren",
      "Aktuelles Vektorfeld in Buffer kopieren", {}, 0, actions::Plain<CopyFieldToBuffer>},
     {20003, "evtBufferAsMask", 20000, "Buffer als Maske benutzen",
@@ -168,9 +195,9 @@ constexpr CommandRow kRows[] = {
      Question("Richtiges Seitenverhältnis?",
               "Soll das Vektorfeld in Quiverion mit dem richtigen Höhen-/Breitenverhältnis gezeichnet werden?")},
     {50006, "evtScaleFactor", 50000, "Benutzerdefinierter Skalierungsfaktor",
-     "Benutzerdefinierten Skalierungsfaktor für die Vektor-Darstellung einstellen", kValue, 0, actions::Value<SetScaleFactor>,
+     "Benutzerdefinierten Skalierungsfaktor für die Vektor-Darstellung einstellen", kScaleFactor, 0, actions::Value<SetScaleFactor>,
      NumberBox("Skalierungsfaktor ändern",
-               "Geben Sie den neuen Skalierungsfaktor für die Vektorfeld-Darstellung ein:", "1.0")},
+               "Geben Sie den neuen Skalierungsfaktor für die Vektorfeld-Darstellung ein:")},
     Menu(50100, "evtBackgroundMenu", 50000, "Hintergrund", "'Hintergrund'-Menü"),
     {50101, "evtNoBackground", 50100, "Kein Hintergrund",
      "Keinen Hintergrund im Vektorfeld anzeigen", {}, 0, actions::ChooseBackground<Background::none>},
@@ -179,18 +206,18 @@ constexpr CommandRow kRows[] = {
     {50103, "evtVorticityBackground", 50100, "Vorticity",
      "Vorticity im Vektorfeld als Hintergrund anzeigen", {}, 0, actions::ChooseBackground<Background::vorticity>},
     {50104, "evtPaletteMin", 50100, "Minimaler Wert für Farbpalette",
-     "Minimalen Wert für Farbpalette einstellen", kValue, 0, actions::Value<SetPaletteMin>,
+     "Minimalen Wert für Farbpalette einstellen", kPaletteLimit, 0, actions::Value<SetPaletteMin>,
      NumberBox("Minimaler Wert für Farbpalette",
-               "Geben Sie den neuen minimalen Wert für die Farbpalette des Vektorfeld-Hintergrundes ein:", "0.0")},
+               "Geben Sie den neuen minimalen Wert für die Farbpalette des Vektorfeld-Hintergrundes ein:")},
     {50105, "evtPaletteMax", 50100, "Maximaler Wert für Farbpalette",
-     "Maximalen Wert für Farbpalette einstellen", kValue, 0, actions::Value<SetPaletteMax>,
+     "Maximalen Wert für Farbpalette einstellen", kPaletteLimit, 0, actions::Value<SetPaletteMax>,
      NumberBox("Maximaler Wert für Farbpalette",
-               "Geben Sie den neuen maximalen Wert für die Farbpalette des Vektorfeld-Hintergrundes ein:", "0.0")},
+               "Geben Sie den neuen maximalen Wert für die Farbpalette des Vektorfeld-Hintergrundes ein:")},
     {50106, "evtPaletteOptimal", 50100, "Optimale Werte für Farbpalette suchen",
      "Optimale Werte für Farbpalette suchen", {}, 0, actions::Plain<FindOptimalPalette>},
     Menu(60000, "evtStatisticsMenu", 0, "Statistik", "'Statistik'-Menü"),
     {60001, "evtCollectStatistics", 60000, "Vektorfeld für Statistik sammeln",
-     "Vektorfeld für Statistik in Datei (Kollektion) sammeln", kFileName, 0, actions::CollectStatistics,
+     "Vektorfeld für Statistik in Datei (Kollektion) sammeln", kCollection, 0, actions::CollectStatistics,
      Editor(EditorKind::collectionFile)},
 };
 // clang-format on
@@ -201,6 +228,22 @@ constexpr std::string_view kUnknown = "Unbekannt!!!";
 
 std::span<const CommandRow> CommandCatalogue() {
   return kRows;
+}
+
+MacroValue PresetOf(const Parameter& parameter) {
+  const std::string text(parameter.preset);
+  switch (parameter.kind) {
+    case ParameterKind::text:
+      return text;
+    case ParameterKind::flag:
+      return ReadParameterNumber(text) != 0.0;
+    case ParameterKind::checkState:
+    case ParameterKind::integer:
+      return RoundToInt32(ReadParameterNumber(text));
+    case ParameterKind::number:
+      break;
+  }
+  return ReadParameterNumber(text);
 }
 
 const CommandRow* FindCommand(std::int32_t eventId) {

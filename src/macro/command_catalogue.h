@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,11 +26,26 @@ enum class ParameterKind {
 /// How it lies in a macro file.
 enum class FileEncoding { text, bool16, int32, float64 };
 
+/// What a command does with the file that a value names.
+enum class FileRole {
+  none,
+  reads,
+  writes,   // results, named after the input; one with this name is replaced
+  appends,  // one file for all inputs
+};
+
 struct Parameter {
   std::string_view key;
   ParameterKind kind;
   FileEncoding encoding;
+  std::string_view preset = {};  // what a new command begins with, as a person types it; flags and states as 0 or 1
+  double low = -std::numeric_limits<double>::infinity();  // the least number and the greatest that the program offers;
+  double high = std::numeric_limits<double>::infinity();  // a macro file may hold others
+  FileRole role = FileRole::none;
 };
+
+/// The value that the preset stands for.
+MacroValue PresetOf(const Parameter& parameter);
 
 /// How the window asks for the parameters of a command.
 enum class EditorKind {
@@ -49,9 +65,8 @@ enum class EditorKind {
 
 struct ParameterEditor {
   EditorKind kind = EditorKind::none;
-  std::string_view title = {};   // of the window, where it depends on the command
-  std::string_view text = {};    // question or prompt
-  std::string_view preset = {};  // of a new command: prefix or number
+  std::string_view title = {};  // of the window, if it depends on the command
+  std::string_view text = {};   // question or prompt
 };
 
 /// What a running command gets.
@@ -75,6 +90,9 @@ struct CommandRow {
 
   bool IsMenu() const { return eventId % 100 == 0; }
 };
+
+/// Of the half widths of the search for faulty vectors: windows of 1 x 1 to 399 x 399 vectors.
+inline constexpr std::int32_t kLargestHalfWidth = 199;
 
 /// All rows in the order of the command tree.
 std::span<const CommandRow> CommandCatalogue();

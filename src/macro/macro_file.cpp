@@ -5,7 +5,7 @@
 #include "field/formats/binary_reader.h"
 #include "field/formats/binary_writer.h"
 #include "macro/command_catalogue.h"
-#include "messages/system_error.h"
+#include "messages/failure.h"
 #include "platform/text/numbers.h"
 
 namespace quiverion {
@@ -106,12 +106,8 @@ void WriteMacro(ResultFile& file, const MacroEventList& macro) {
 }
 
 bool LoadMacroFile(Session& session, const std::string& path) {
-  try {
-    session.macro = ReadMacro(*session.context.files.OpenForReading(path));
-    return true;
-  } catch (const std::exception&) {
-    return Fail(session, "Fehler beim Öffnen der Datei!");
-  }
+  const auto failure = Attempt([&] { session.macro = ReadMacro(*session.context.files.OpenForReading(path)); });
+  return !failure || Fail(session, "Fehler beim Öffnen der Datei!");
 }
 
 bool SaveMacroFile(Session& session, const std::string& path) {
@@ -119,20 +115,10 @@ bool SaveMacroFile(Session& session, const std::string& path) {
     return Fail(session, "Fehler beim Schreiben in die Datei\r\nDer Text '" + *lost +
                              "' enthält Zeichen, die in einer Makrodatei nicht gespeichert werden können.");
   }
-  std::optional<ResultFile> file;
-  try {
-    file.emplace(session.context.files, nullptr, path);
-  } catch (const std::exception&) {
-    return Fail(session, "Fehler beim Öffnen der Datei");
-  }
-  try {
-    WriteMacro(*file, session.macro);
-    file->Commit();
-    return true;
-  } catch (const std::exception&) {
-    file.reset();
-    return Fail(session, "Fehler beim Schreiben in die Datei");
-  }
+  const auto failure =
+      SaveResult(session.context.files, nullptr, path, [&](ResultFile& file) { WriteMacro(file, session.macro); });
+  if (!failure) return true;
+  return Fail(session, failure->atOpening ? "Fehler beim Öffnen der Datei" : "Fehler beim Schreiben in die Datei");
 }
 
 }  // namespace quiverion

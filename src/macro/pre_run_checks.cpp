@@ -8,7 +8,6 @@
 namespace quiverion {
 namespace {
 
-constexpr std::int32_t kLoadBuffer = 20002;
 constexpr std::string_view kMacroErrorTitle = "QuiverionSeries  -  Fehler im Makro";
 
 // Asks until the file can be opened or the user gives up on it. False: abort.
@@ -32,10 +31,12 @@ bool CheckCommands(Session& session, std::int64_t& kilobytesPerFile) {
     const CommandRow* const row = FindCommand(event.EventId());
     if (row == nullptr) continue;
     kilobytesPerFile += row->outputKilobytes;
-    // A damaged macro may lack the name: the command itself reports that.
-    if (row->eventId == kLoadBuffer && event.Find("FileName") != nullptr &&
-        !CheckReadable(session.context, event.Path("FileName"), "Die in den Buffer einzuladende Datei '")) {
-      return false;
+    for (const Parameter& parameter : row->parameters) {
+      // A damaged macro may lack the name: the command itself reports that.
+      if (parameter.role != FileRole::reads || event.Find(parameter.key) == nullptr) continue;
+      if (!CheckReadable(session.context, event.Path(parameter.key), "Die in den Buffer einzuladende Datei '")) {
+        return false;
+      }
     }
   }
   return true;

@@ -5,7 +5,7 @@
 #include "field/formats/load_original_file.h"
 #include "log/log_lines.h"
 #include "macro/command_catalogue.h"
-#include "messages/system_error.h"
+#include "messages/failure.h"
 #include "platform/text/numbers.h"
 #include "platform/text/text.h"
 
@@ -59,19 +59,18 @@ class Run {
     Yield();
     context_.abortCurrentFile = false;
     Guarded([&] { LoadOriginalFile(context_, session_.inputDirectory + name); });
-    for (const MacroEvent& event : session_.macro) {
+    for (const MacroEvent& currentMacroEvent : session_.macro) {
       if (context_.abortCurrentFile) break;
-      if (!RunCommand(event, name)) break;
+      if (!RunCommand(currentMacroEvent, name)) break;
     }
     if (context_.abortCurrentFile) context_.runHadError = true;
   }
 
   // False: the user has asked for the abort, the command was not started.
-  bool RunCommand(const MacroEvent& event, const std::string& name) {
-    session_.currentMacroEvent = event;
+  bool RunCommand(const MacroEvent& currentMacroEvent, const std::string& name) {
     const CommandRow* row = nullptr;
     Guarded([&] {
-      const std::int32_t eventId = event.EventId();
+      const std::int32_t eventId = currentMacroEvent.EventId();
       row = FindCommand(eventId);
       progress_.event = MacroEventDescription(eventId, true);
     });
@@ -80,7 +79,7 @@ class Run {
     Yield();
     if (context_.userAbortRequested) return false;
     if (row != nullptr && row->run != nullptr) {
-      Guarded([&] { row->run({context_, session_.currentMacroEvent, session_.inputDirectory, name}); });
+      Guarded([&] { row->run({context_, currentMacroEvent, session_.inputDirectory, name}); });
     }
     return true;
   }
@@ -97,10 +96,8 @@ class Run {
 
   template <class Action>
   void Guarded(Action action) {
-    try {
-      action();
-    } catch (const std::exception& error) {
-      LogLines(context_.log, {kErrorMark, ErrorLine(AsSystemError(error))});
+    if (const auto failure = Attempt(action)) {
+      LogLines(context_.log, {kErrorMark, ErrorLine(failure->error)});
       context_.abortCurrentFile = true;
       context_.runHadError = true;
     }

@@ -115,12 +115,11 @@ std::int32_t AppendTo(Context& context, const Record& record, UpdatedFile& file,
 
 // The file to append to; null where there is none.
 std::unique_ptr<UpdatedFile> OpenExisting(FileSystem& files, const std::string& path) {
-  try {
-    return files.OpenForUpdating(path);
-  } catch (const SystemError& error) {
-    if (error.Number() != ErrorNumber::fileNotFound && error.Number() != ErrorNumber::pathNotFound) throw;
-    return nullptr;
-  }
+  std::unique_ptr<UpdatedFile> file;
+  const auto failure = Attempt([&] { file = files.OpenForUpdating(path); });
+  const auto isMissing = [&](ErrorNumber number) { return failure->error.Number() == number; };
+  if (failure && !isMissing(ErrorNumber::fileNotFound) && !isMissing(ErrorNumber::pathNotFound)) throw failure->error;
+  return file;
 }
 
 class Collecting {
@@ -128,46 +127,36 @@ class Collecting {
   Collecting(Context& context, const std::string& path) : context_(context), path_(path), retry_(&context.ui) {}
 
   void Run() {
-    try {
-      existing_ = OpenExisting(context_.files, path_);
-      if (!existing_) new_.emplace(context_.files, &context_.ui, path_, Opening::create);
-    } catch (const std::exception& error) {
-      FailSave(context_, SaveWording().openFailed, error);
-      return;
-    }
-    try {
-      Finish(Write());
-    } catch (const FormatError& error) {
-      LogLines(context_.log, {kErrorMark, error.Message()});
-      context_.runHadError = true;
-    } catch (const std::exception& error) {
-      if (retry_.Cancelled() || (new_ && new_->Cancelled())) context_.userAbortRequested = true;
-      FailSave(context_, WriteFailedSentence(path_), error);
-    }
+    std::int32_t count = 0;
+    const auto failure = Attempt([this] { Open(); }, [&] { count = Write(); });
+    if (!failure) return Finish(count);
+    FailSave(context_, path_, {*failure, retry_.Cancelled() || (new_ && new_->Cancelled())});
   }
 
  private:
+  void Open() {
+    existing_ = OpenExisting(context_.files, path_);
+    if (!existing_) new_.emplace(context_.files, &context_.ui, path_, Opening::create);
+  }
+
   // Returns the new number of fields.
   std::int32_t Write() {
     const Record record(context_.field);
     isComplete_ = record.IsComplete();
     if (new_) {
-      try {
-        WriteNew(context_.field, record, *new_);
-        return 1;
-      } catch (const SystemError&) {
-        // Another process may have begun the same collection meanwhile.
-        existing_ = new_->Cancelled() ? nullptr : OpenExisting(context_.files, path_);
-        if (!existing_) throw;
-      }
+      const auto failure = Attempt([&] { WriteNew(context_.field, record, *new_); });
+      if (!failure) return 1;
+      // Another process may have begun the same collection meanwhile.
+      existing_ = new_->Cancelled() ? nullptr : OpenExisting(context_.files, path_);
+      if (!existing_) throw failure->error;
     }
     return AppendTo(context_, record, *existing_, retry_);
   }
 
   void Finish(std::int32_t count) {
     if (!isComplete_) WarnLostCharacters(context_, context_.field.filePath);
-    LogLines(context_.log, {"fertig", "    Zahl der in der Kollektion '" + path_ +
-                                          "' gesammelten Dateien: " + std::to_string(count)});
+    LogLines(context_.log,
+             {kDone, "    Zahl der in der Kollektion '" + path_ + "' gesammelten Dateien: " + std::to_string(count)});
   }
 
   Context& context_;

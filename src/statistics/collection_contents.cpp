@@ -123,10 +123,9 @@ RemovalOutcome RemoveFromFile(FileSystem& files, const std::string& path, const 
     if (FileExists(files, path)) throw SystemError(ErrorNumber::accessDenied);  // without a record, but still there
     outcome = RemovalOutcome::collectionDeleted;
   } else {
-    try {
-      files.SetFileSize(path, RecordPosition(header, header.fieldCount));
-    } catch (const SystemError& error) {
-      failedStep = error.Description();
+    const auto failure = Attempt([&] { files.SetFileSize(path, RecordPosition(header, header.fieldCount)); });
+    if (failure) {
+      failedStep = failure->error.Description();
       outcome = RemovalOutcome::lengthNotSet;
     }
   }
@@ -146,19 +145,15 @@ std::string DescribeCollection(const std::string& collectionPath, const Collecti
 std::optional<CollectionContents> ReadCollectionContents(Context& context, const std::string& collectionPath,
                                                          const std::function<void(const CollectionHeader&)>& onHeader) {
   std::unique_ptr<InputFile> file;
-  try {
-    file = context.files.OpenForReading(collectionPath);
-  } catch (const std::exception& error) {
-    ShowErrorBox(context, "QuiverionSeries  -  FEHLER",
-                 "Beim Öffnen der Kollektion ist der folgende Fehler aufgetreten:", error);
-    return std::nullopt;
-  }
-  try {
-    return ReadContents(*file, onHeader);
-  } catch (const FormatError& error) {
-    ShowBox(context, kErrorTitle, error.Message());
-  } catch (const std::exception& error) {
-    ShowErrorBox(context, kErrorTitle, "Beim Einlesen der Kollektion ist der folgende Fehler aufgetreten:", error);
+  std::optional<CollectionContents> contents;
+  const auto failure = Attempt([&] { file = context.files.OpenForReading(collectionPath); },
+                               [&] { contents = ReadContents(*file, onHeader); });
+  if (!failure) return contents;
+  if (failure->atOpening) {
+    ShowFailureBox(context, "QuiverionSeries  -  FEHLER",
+                   "Beim Öffnen der Kollektion ist der folgende Fehler aufgetreten:", *failure);
+  } else {
+    ShowFailureBox(context, kErrorTitle, "Beim Einlesen der Kollektion ist der folgende Fehler aufgetreten:", *failure);
   }
   return std::nullopt;
 }
@@ -170,12 +165,11 @@ RemovalOutcome RemoveRecords(Context& context, const std::string& collectionPath
   if (numbers.empty()) return RemovalOutcome::removed;
   RemovalOutcome outcome = RemovalOutcome::failed;
   std::string failedStep;
-  try {
-    outcome = RemoveFromFile(context.files, collectionPath, numbers, listed, failedStep);
-  } catch (const FormatError& error) {
-    ShowBox(context, kErrorTitle, error.Message());
-  } catch (const std::exception& error) {
-    ShowErrorBox(context, kErrorTitle, "Beim Schreiben der Kollektion ist der folgende Fehler aufgetreten:", error);
+  const auto failure =
+      Attempt([&] { outcome = RemoveFromFile(context.files, collectionPath, numbers, listed, failedStep); });
+  if (failure) {
+    ShowFailureBox(context, kErrorTitle,
+                   "Beim Schreiben der Kollektion ist der folgende Fehler aufgetreten:", *failure);
   }
   if (outcome == RemovalOutcome::collectionDeleted) {
     ShowBox(context, "QuiverionSeries - Kollektion gelöscht",

@@ -30,12 +30,12 @@ inline constexpr std::uint64_t kFieldCountAt = 31;
 inline constexpr std::uint64_t kHeaderBytes = 75;
 inline constexpr std::uint64_t kPathBytes = 128;  // characters of a record's source path, filled up with blanks
 
-/// Bytes of a record of `vectors` vectors: source path, x and y velocities, one bit per vector and at least one spare.
-/// Where in a record its bits begin.
+/// Where the bits begin in a record of `vectors` vectors: after the source path and the x and y velocities.
 constexpr std::uint64_t ValidBitsPosition(std::uint64_t vectors) {
   return kPathBytes + 16 * vectors;
 }
 
+/// Bytes of such a record: one bit per vector at its end, and at least one spare.
 constexpr std::uint64_t RecordBytes(std::uint64_t vectors) {
   return ValidBitsPosition(vectors) + vectors / 8 + 1;
 }

@@ -16,9 +16,6 @@
 namespace quiverion {
 namespace {
 
-// The user does not want the result any more.
-struct Stopped {};
-
 constexpr std::string_view kErrorTitle = "QuiverionSeries - Fehler";
 
 // Between its beginning and its end a computation is shown, whatever the end is.
@@ -70,41 +67,45 @@ class Computation {
  public:
   Computation(Context& context, InputFile& file) : context_(context), fileSize_(file.Size()), reader_(file) {}
 
-  // Throws FormatError, SystemError and Stopped; the field is left as far as the computation had got.
-  void Run(const StatisticSteps& steps, double viscosity) {
+  // False if the user has asked to stop. Throws FormatError and SystemError. Both leave the field as far as the
+  // computation had got.
+  bool Run(const StatisticSteps& steps, double viscosity) {
     if (!ReadIdentity(reader_, header_)) throw FormatError("Dies ist keine gültige COL-Datei!");
     ReadCountsAndPositions(reader_, header_);
     CheckSparseGrid(header_.columnCount, header_.rowCount, fileSize_);
     const bool twoPasses = steps.addRecord != nullptr;
     total_ = std::max(std::int64_t{header_.fieldCount} * (twoPasses ? 2 : 1), std::int64_t{1});
-    ShowProgress();
+    if (!ShowProgress()) return false;
     CreateArrays(context_.field, header_.columnCount, header_.rowCount);
     CreateBuffer(context_.buffer, header_);
     StatisticState state{context_.field, context_.buffer, ValidBits(header_.VectorCount() / 8 + 1), viscosity};
     Checked([&] { ReconstructGrid(context_.field, header_); });
-    Pass(state, AddVelocities);
+    if (!Pass(state, AddVelocities)) return false;
     if (twoPasses) {
       Checked([&] { steps.betweenPasses(state); });
-      Pass(state, steps.addRecord);
+      if (!Pass(state, steps.addRecord)) return false;
     }
     Checked([&] { steps.finish(state); });
+    return true;
   }
 
  private:
-  void Pass(StatisticState& state, void (*addRecord)(StatisticState&)) {
+  bool Pass(StatisticState& state, void (*addRecord)(StatisticState&)) {
     reader_.MoveTo(RecordPosition(header_, 0));
     for (std::int32_t k = 0; k < header_.fieldCount; ++k) {
       reader_.Skip(collection::kPathBytes);
       reader_.Blocks(state.buffer.bufferVelX.Values(), state.buffer.bufferVelY.Values(), state.validBits);
       Checked([&] { addRecord(state); });
       ++done_;
-      ShowProgress();
+      if (!ShowProgress()) return false;
     }
+    return true;
   }
 
-  void ShowProgress() {
+  // False if the user has asked to stop.
+  bool ShowProgress() {
     context_.ui.ShowComputation(done_, total_);
-    if (context_.ui.Yield()) throw Stopped();
+    return !context_.ui.Yield();
   }
 
   Context& context_;
@@ -134,32 +135,18 @@ bool ComputeStatistic(Context& context, StatisticKind kind, const std::string& c
   const BusyGuard guard(context);
   if (!guard.Entered()) return false;
   std::optional<ShownComputation> shown(context.ui);
-  // The window is as before when a message stands in front of it.
-  const auto fail = [&](const auto& show) {
-    shown.reset();
-    show();
-    return false;
-  };
   std::unique_ptr<InputFile> file;
-  try {
-    file = context.files.OpenForReading(collectionPath);
-  } catch (const std::exception& error) {
-    return fail([&] {
-      ShowErrorBox(context, kErrorTitle,
-                   "Die Kollektion kann nicht geöffnet werden! Folgender Fehler ist aufgetreten:", error);
-    });
-  }
-  try {
-    Computation(context, *file).Run(StepsOf(kind), viscosity);
-  } catch (const Stopped&) {
+  bool stopped = false;
+  const auto failure = Attempt([&] { file = context.files.OpenForReading(collectionPath); },
+                               [&] { stopped = !Computation(context, *file).Run(StepsOf(kind), viscosity); });
+  if (stopped) return false;
+  if (failure) {
+    shown.reset();  // the window is as before when a message stands in front of it
+    ShowFailureBox(context, kErrorTitle,
+                   failure->atOpening ? "Die Kollektion kann nicht geöffnet werden! Folgender Fehler ist aufgetreten:"
+                                      : "Fehler beim Einlesen der Kollektion! Folgender Fehler ist aufgetreten:",
+                   *failure);
     return false;
-  } catch (const FormatError& error) {
-    return fail([&] { context.ui.Ask({.title = std::string(kErrorTitle), .text = error.Message()}); });
-  } catch (const std::exception& error) {
-    return fail([&] {
-      ShowErrorBox(context, kErrorTitle,
-                   "Fehler beim Einlesen der Kollektion! Folgender Fehler ist aufgetreten:", error);
-    });
   }
   file.reset();
   SetResultHeader(context, kind, collectionPath);

@@ -22,10 +22,11 @@ enum class StatisticKind {
 /// deviation is 0. Where the mean velocity is 0 the degree of turbulence is 0 and the vector invalid. Vectors that end
 /// invalid hold what their sums had got to.
 ///
-/// One record is in memory at a time: in the buffer field, where the last one stays (for the dissipation its
-/// fluctuations); two passes read the file twice. Shows its progress and yields after each record. What fails is shown
-/// in a message box, and nothing is saved; so is an arithmetic error. Nothing is saved either where a yield asks to stop. The save logs as SaveVas does. Returns true where
-/// the result was handed to it.
+/// One record is in memory at a time, in the buffer field. The last one stays there (for the dissipation its
+/// fluctuations), under the name that the buffer had before: a load of that file would not read it again. Two passes
+/// read the file twice. Shows its progress and yields after each record. What fails, an arithmetic error too, is shown
+/// in a message box, and nothing is saved; nor is it if a yield asks to stop. The save logs as SaveVas does. Returns true
+/// if SaveVas was reached.
 bool ComputeStatistic(Context& context, StatisticKind kind, const std::string& collectionPath,
                       const std::string& outputPath, double viscosity = 0.0);
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/program_run.h"
+#include "macro/command_catalogue.h"
 #include "support/slashes.h"
 #include "support/stalled_program.h"
 
@@ -28,6 +29,11 @@ TEST_F(ProgramRun, LogsEveryCommandAndEveryFormat) {
   EXPECT_EQ(outcome.code, 1);
   EXPECT_EQ(outcome.err, "");
   ExpectApproved(place, "every_command.txt", UpToVerdict(outcome.out));
+  const std::string commands = RunProgram(place, {"macro", "export", "m.mak"}).out;
+  for (const CommandRow& row : CommandCatalogue()) {
+    const std::string name = "\"" + std::string(row.constantName) + "\"";
+    EXPECT_TRUE(row.IsMenu() || commands.find(name) != std::string::npos) << name << " is missing in " << macro;
+  }
   EXPECT_TRUE(place.Read("X.RTF").starts_with("{\\rtf1"));
   ExpectApproved(place, "maxima.txt", place.Read("wirbel/Maxima.txt"));
   for (const char* exported : {"b_1.txt", "neu/b_2.txt", "b_3.txt", "b_4.txt", "b_5.txt", "b_7.csv", "b_8.csv"}) {

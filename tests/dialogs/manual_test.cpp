@@ -78,16 +78,21 @@ TEST_F(Manual, EveryLinkLeadsSomewhere) {
   }
 }
 
-TEST_F(Manual, EveryCommandHasASectionWithItsParameters) {
+TEST_F(Manual, EveryCommandHasASectionWithItsParametersAndAPlaceInTheContents) {
+  QStringList listed;
+  const HelpPages help(HELP_PAGES);
+  for (const HelpEntry& entry : help.Contents()) listed.append(entry.target.section(u'#', 1));
   for (const CommandRow& row : CommandCatalogue()) {
     if (row.IsMenu()) continue;
     const Section& section = sections_[ToQt(row.constantName)];
     EXPECT_EQ(FromQt(section.heading), row.shortText) << row.constantName;
+    EXPECT_TRUE(listed.contains(ToQt(row.constantName))) << row.constantName;
     EXPECT_TRUE(section.text.contains(ToQt(row.longText))) << row.constantName;
     EXPECT_TRUE(section.text.contains(QString::number(row.eventId))) << row.constantName;
-    EXPECT_TRUE(section.text.contains(ToQt(row.editor.preset))) << row.constantName;
     for (const Parameter& parameter : row.parameters) {
       EXPECT_TRUE(section.text.contains(ToQt(parameter.key))) << row.constantName << " " << parameter.key;
+      const QString preset = ToQt(parameter.preset).replace(u'-', QChar(0x2212));  // as a minus sign is printed
+      EXPECT_TRUE(section.text.contains(preset)) << row.constantName << " " << parameter.key;
     }
   }
 }

@@ -1,4 +1,3 @@
-#include "field/formats/dat_file.h"
 
 #include <random>
 #include <tuple>

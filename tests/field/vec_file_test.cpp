@@ -1,4 +1,4 @@
-#include "field/formats/vec_file.h"
+#include "field/formats/field_readers.h"
 
 #include <limits>
 
@@ -215,7 +215,7 @@ TEST_F(VecFile, AFileThatEndsEarlyIsAReadErrorAtEveryLength) {
     for (std::size_t length = 0; length < needed; ++length) {
       ASSERT_EQ(Load("in.vec", bytes.substr(0, length)), ReadFailed("in.vec", 62)) << length;
       ShrunkFile file(bytes.substr(0, length), bytes.size());
-      ASSERT_EQ(ErrorOf([&] { ReadVec(context_, field_, file); }), 62) << length;
+      ASSERT_EQ(ErrorOf([&] { ReadVec(context_, field_, file, LoadTarget::field); }), 62) << length;
     }
     for (std::size_t length = needed; length <= bytes.size(); ++length) {
       ASSERT_EQ(Load("in.vec", bytes.substr(0, length)), Loaded("in.vec")) << length;

@@ -1,6 +1,6 @@
 #include "dialogs/parameters/file_choices.h"
 
-#include "messages/system_error.h"
+#include "messages/failure.h"
 #include "platform/files/paths.h"
 
 namespace quiverion {
@@ -46,15 +46,13 @@ bool MakeCollectionWritable(FileSystem& files, UserInterface& ui, const std::str
                                        .icon = MessageIcon::question,
                                        .preselected = MessageAnswer::no});
   if (answer != MessageAnswer::yes) return false;
-  try {
-    files.ClearReadOnly(path);
-    return true;
-  } catch (const SystemError& error) {
-    ui.Ask(
-        {.title = title,
-         .text = "Das Schreibschutz-Attribut kann nicht entfernt werden bei '" + path + "'!\r\n" + ErrorText(error)});
-    return false;
+  const auto failure = Attempt([&] { files.ClearReadOnly(path); });
+  if (failure) {
+    ui.Ask({.title = title,
+            .text = "Das Schreibschutz-Attribut kann nicht entfernt werden bei '" + path + "'!\r\n" +
+                    ErrorText(failure->error)});
   }
+  return !failure;
 }
 
 }  // namespace quiverion

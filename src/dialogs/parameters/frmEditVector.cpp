@@ -1,6 +1,5 @@
 #include "dialogs/parameters/frmEditVector.h"
 
-#include "platform/text/numbers.h"
 #include "ui_frmEditVector.h"
 
 namespace quiverion {
@@ -14,16 +13,6 @@ frmEditVector::frmEditVector(UserInterface& messages, const QString& title, QWid
 }
 
 frmEditVector::~frmEditVector() = default;
-
-void frmEditVector::Load(const MacroEvent& event) {
-  ui_->txtXComp->ShowText(FormatNumber(event.Number("XComp")));
-  ui_->txtYComp->ShowText(FormatNumber(event.Number("YComp")));
-}
-
-void frmEditVector::Store(MacroEvent& event) const {
-  event.Set("XComp", ReadParameterNumber(ui_->txtXComp->Text()));
-  event.Set("YComp", ReadParameterNumber(ui_->txtYComp->Text()));
-}
 
 void frmEditVector::accept() {
   if (NumberOf(*ui_->txtXComp) && NumberOf(*ui_->txtYComp)) QDialog::accept();

@@ -18,9 +18,6 @@ class frmEditVector : public ParameterWindow {
   explicit frmEditVector(UserInterface& messages, const QString& title, QWidget* parent = nullptr);
   ~frmEditVector() override;
 
-  void Load(const MacroEvent& event) override;
-  void Store(MacroEvent& event) const override;
-
   void accept() override;
 
  private:

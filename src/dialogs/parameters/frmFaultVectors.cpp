@@ -9,65 +9,46 @@
 namespace quiverion {
 namespace {
 
-constexpr int kWindowSizes = 200;  // 1, 3, ... 399 vectors; the index is the half width
-
 struct CheckBox {
   QCheckBox* box;
-  const char* key;
   QWidget* controls;  // of the criterion
 };
 
 std::array<CheckBox, 5> CriteriaOf(const Ui::frmFaultVectors& ui) {
-  return {{{ui.chkAbsDeviation, "ChkAbsDeviation", ui.wdgAbsDeviation},
-           {ui.chkAbsInterval, "ChkAbsInterval", ui.wdgAbsInt},
-           {ui.chkDirDeviation, "ChkDirDeviation", ui.wdgDirDeviation},
-           {ui.chkXComp, "ChkXComp", ui.wdgXCompInt},
-           {ui.chkYComp, "ChkYComp", ui.wdgYCompInt}}};
+  return {{{ui.chkAbsDeviation, ui.wdgAbsDeviation},
+           {ui.chkAbsInterval, ui.wdgAbsInt},
+           {ui.chkDirDeviation, ui.wdgDirDeviation},
+           {ui.chkXComp, ui.wdgXCompInt},
+           {ui.chkYComp, ui.wdgYCompInt}}};
 }
 
 struct Interval {
-  QRadioButton* inside;
-  QRadioButton* outside;
-  const char* key;  // of `outside`
   FilteredLineEdit* lower;
   FilteredLineEdit* upper;
 };
 
 std::array<Interval, 3> IntervalsOf(const Ui::frmFaultVectors& ui) {
-  return {{{ui.optAbsIntIn, ui.optAbsIntOut, "OptAbsIntOut", ui.txtAbsIntMin, ui.txtAbsIntMax},
-           {ui.optXCompIntIn, ui.optXCompIntOut, "OptXCompIntOut", ui.txtXCompIntMin, ui.txtXCompIntMax},
-           {ui.optYCompIntIn, ui.optYCompIntOut, "OptYCompIntOut", ui.txtYCompIntMin, ui.txtYCompIntMax}}};
+  return {{{ui.txtAbsIntMin, ui.txtAbsIntMax},
+           {ui.txtXCompIntMin, ui.txtXCompIntMax},
+           {ui.txtYCompIntMin, ui.txtYCompIntMax}}};
 }
 
 struct TextBox {
   FilteredLineEdit* box;
-  const char* key;
   KeyRule rule;
 };
 
 std::array<TextBox, 10> TextBoxesOf(const Ui::frmFaultVectors& ui) {
-  return {{{ui.txtAbsDeviation, "TxtAbsDeviation", KeyRule::digits},
-           {ui.txtAbsIntMin, "TxtAbsIntMin", KeyRule::unsignedNumber},
-           {ui.txtAbsIntMax, "TxtAbsIntMax", KeyRule::unsignedNumber},
-           {ui.txtDirDeviation, "TxtDirDeviation", KeyRule::digits},
-           {ui.txtXCompIntMin, "TxtXCompIntMin", KeyRule::signedNumber},
-           {ui.txtXCompIntMax, "TxtXCompIntMax", KeyRule::signedNumber},
-           {ui.txtYCompIntMin, "TxtYCompIntMin", KeyRule::signedNumber},
-           {ui.txtYCompIntMax, "TxtYCompIntMax", KeyRule::signedNumber},
-           {ui.txtUserVectorX, "TxtUserVectorX", KeyRule::signedNumber},
-           {ui.txtUserVectorY, "TxtUserVectorY", KeyRule::signedNumber}}};
-}
-
-struct SizeBox {
-  QComboBox* box;
-  const char* key;
-};
-
-std::array<SizeBox, 4> SizeBoxesOf(const Ui::frmFaultVectors& ui) {
-  return {{{ui.cboMedianX, "CboMedianX"},
-           {ui.cboMedianY, "CboMedianY"},
-           {ui.cboLocalMiddleX, "CboLocalMiddleX"},
-           {ui.cboLocalMiddleY, "CboLocalMiddleY"}}};
+  return {{{ui.txtAbsDeviation, KeyRule::digits},
+           {ui.txtAbsIntMin, KeyRule::unsignedNumber},
+           {ui.txtAbsIntMax, KeyRule::unsignedNumber},
+           {ui.txtDirDeviation, KeyRule::digits},
+           {ui.txtXCompIntMin, KeyRule::signedNumber},
+           {ui.txtXCompIntMax, KeyRule::signedNumber},
+           {ui.txtYCompIntMin, KeyRule::signedNumber},
+           {ui.txtYCompIntMax, KeyRule::signedNumber},
+           {ui.txtUserVectorX, KeyRule::signedNumber},
+           {ui.txtUserVectorY, KeyRule::signedNumber}}};
 }
 
 // In the order of CompareVectorType.
@@ -80,9 +61,9 @@ std::array<QRadioButton*, 4> CompareOptionsOf(const Ui::frmFaultVectors& ui) {
 frmFaultVectors::frmFaultVectors(UserInterface& messages, QWidget* parent)
     : ParameterWindow(messages, parent), ui_(std::make_unique<Ui::frmFaultVectors>()) {
   ui_->setupUi(this);
-  QStringList sizes;
-  for (int index = 0; index < kWindowSizes; ++index) sizes.append(QString::number(2 * index + 1));
-  for (const SizeBox& size : SizeBoxesOf(*ui_)) size.box->addItems(sizes);
+  QStringList sizes;  // the index is the half width
+  for (int halfWidth = 0; halfWidth <= kLargestHalfWidth; ++halfWidth) sizes.append(QString::number(2 * halfWidth + 1));
+  for (QComboBox* const box : findChildren<QComboBox*>()) box->addItems(sizes);
   for (const TextBox& text : TextBoxesOf(*ui_)) text.box->SetRule(text.rule);
   for (const CheckBox& criterion : CriteriaOf(*ui_)) {
     connect(criterion.box, &QCheckBox::toggled, this, [this] { EnableControls(); });
@@ -117,29 +98,16 @@ void frmFaultVectors::EnableControls() {
 }
 
 void frmFaultVectors::Load(const MacroEvent& event) {
-  for (const CheckBox& criterion : CriteriaOf(*ui_)) criterion.box->setChecked(event.Integer(criterion.key) > 0);
-  for (const Interval& interval : IntervalsOf(*ui_)) {
-    (event.Flag(interval.key) ? interval.outside : interval.inside)->setChecked(true);
-  }
-  for (const TextBox& text : TextBoxesOf(*ui_)) text.box->ShowText(event.Text(text.key));
-  // A macro file may hold sizes and a type that the window has not.
-  for (const SizeBox& size : SizeBoxesOf(*ui_)) {
-    size.box->setCurrentIndex(std::clamp(event.Integer(size.key), 0, kWindowSizes - 1));
-  }
+  ParameterWindow::Load(event);
   const auto options = CompareOptionsOf(*ui_);
   const std::int32_t type =
       std::clamp(event.Integer("CompareVectorType"), 1, static_cast<std::int32_t>(options.size()));
   options[static_cast<std::size_t>(type - 1)]->setChecked(true);
-  (event.Flag("LogicalOr") ? ui_->optLogicalOr : ui_->optLogicalAnd)->setChecked(true);
 }
 
 void frmFaultVectors::Store(MacroEvent& event) const {
-  for (const CheckBox& criterion : CriteriaOf(*ui_)) event.Set(criterion.key, criterion.box->isChecked() ? 1 : 0);
-  for (const Interval& interval : IntervalsOf(*ui_)) event.Set(interval.key, interval.outside->isChecked());
-  for (const TextBox& text : TextBoxesOf(*ui_)) event.Set(text.key, text.box->Text());
-  for (const SizeBox& size : SizeBoxesOf(*ui_)) event.Set(size.key, size.box->currentIndex());
+  ParameterWindow::Store(event);
   event.Set("CompareVectorType", static_cast<std::int32_t>(Choices().compareWith));
-  event.Set("LogicalOr", ui_->optLogicalOr->isChecked());
 }
 
 void frmFaultVectors::accept() {

@@ -13,14 +13,4 @@ frmMirrorOptions::frmMirrorOptions(UserInterface& messages, QWidget* parent)
 
 frmMirrorOptions::~frmMirrorOptions() = default;
 
-void frmMirrorOptions::Load(const MacroEvent& event) {
-  ui_->chkPosX->setChecked(event.Integer("ChkPosX") > 0);
-  ui_->chkPosY->setChecked(event.Integer("ChkPosY") > 0);
-}
-
-void frmMirrorOptions::Store(MacroEvent& event) const {
-  event.Set("ChkPosX", ui_->chkPosX->isChecked() ? 1 : 0);
-  event.Set("ChkPosY", ui_->chkPosY->isChecked() ? 1 : 0);
-}
-
 }  // namespace quiverion

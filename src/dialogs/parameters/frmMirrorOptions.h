@@ -18,9 +18,6 @@ class frmMirrorOptions : public ParameterWindow {
   explicit frmMirrorOptions(UserInterface& messages, QWidget* parent = nullptr);
   ~frmMirrorOptions() override;
 
-  void Load(const MacroEvent& event) override;
-  void Store(MacroEvent& event) const override;
-
  private:
   std::unique_ptr<Ui::frmMirrorOptions> ui_;
 };

@@ -15,14 +15,4 @@ frmPrefixPostfix::frmPrefixPostfix(UserInterface& messages, QWidget* parent)
 
 frmPrefixPostfix::~frmPrefixPostfix() = default;
 
-void frmPrefixPostfix::Load(const MacroEvent& event) {
-  ui_->txtPrefix->ShowText(event.Text("Prefix"));
-  ui_->txtPostfix->ShowText(event.Text("Postfix"));
-}
-
-void frmPrefixPostfix::Store(MacroEvent& event) const {
-  event.Set("Prefix", ui_->txtPrefix->Text());
-  event.Set("Postfix", ui_->txtPostfix->Text());
-}
-
 }  // namespace quiverion

@@ -18,9 +18,6 @@ class frmPrefixPostfix : public ParameterWindow {
   explicit frmPrefixPostfix(UserInterface& messages, QWidget* parent = nullptr);
   ~frmPrefixPostfix() override;
 
-  void Load(const MacroEvent& event) override;
-  void Store(MacroEvent& event) const override;
-
  private:
   std::unique_ptr<Ui::frmPrefixPostfix> ui_;
 };

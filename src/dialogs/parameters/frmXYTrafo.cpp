@@ -7,19 +7,18 @@ namespace {
 
 struct Box {
   FilteredLineEdit* edit;
-  const char* key;
   const char* refusedZero;  // what is said where the number is 0; null: it may be
 };
 
 // In the order in which they are checked.
 std::array<Box, 6> BoxesOf(const Ui::frmXYTrafo& ui) {
   constexpr const char* kVectors = "Bitte geben sie als Faktor bei der Vektorskalierung keine Null an!";
-  return {{{ui.txtFakX, "TxtFakX", "Bitte geben sie als Faktor bei der x-Koordinate keine Null an!"},
-           {ui.txtFakY, "TxtFakY", "Bitte geben sie als Faktor bei der y-Koordinate keine Null an!"},
-           {ui.txtFakVecX, "TxtFakVecX", kVectors},
-           {ui.txtFakVecY, "TxtFakVecY", kVectors},
-           {ui.txtDeltaX, "TxtDeltaX", nullptr},
-           {ui.txtDeltaY, "TxtDeltaY", nullptr}}};
+  return {{{ui.txtFakX, "Bitte geben sie als Faktor bei der x-Koordinate keine Null an!"},
+           {ui.txtFakY, "Bitte geben sie als Faktor bei der y-Koordinate keine Null an!"},
+           {ui.txtFakVecX, kVectors},
+           {ui.txtFakVecY, kVectors},
+           {ui.txtDeltaX, nullptr},
+           {ui.txtDeltaY, nullptr}}};
 }
 
 }  // namespace
@@ -36,14 +35,6 @@ frmXYTrafo::frmXYTrafo(UserInterface& messages, QWidget* parent)
 }
 
 frmXYTrafo::~frmXYTrafo() = default;
-
-void frmXYTrafo::Load(const MacroEvent& event) {
-  for (const Box& box : BoxesOf(*ui_)) box.edit->ShowText(event.Text(box.key));
-}
-
-void frmXYTrafo::Store(MacroEvent& event) const {
-  for (const Box& box : BoxesOf(*ui_)) event.Set(box.key, box.edit->Text());
-}
 
 void frmXYTrafo::accept() {
   for (const Box& box : BoxesOf(*ui_)) {

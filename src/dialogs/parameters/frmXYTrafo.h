@@ -18,9 +18,6 @@ class frmXYTrafo : public ParameterWindow {
   explicit frmXYTrafo(UserInterface& messages, QWidget* parent = nullptr);
   ~frmXYTrafo() override;
 
-  void Load(const MacroEvent& event) override;
-  void Store(MacroEvent& event) const override;
-
   void accept() override;
 
  private:

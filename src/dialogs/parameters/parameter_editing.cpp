@@ -4,17 +4,13 @@
 
 #include "dialogs/parameters/file_choices.h"
 #include "macro/series_files.h"
-#include "messages/system_error.h"
+#include "messages/failure.h"
 #include "platform/files/paths.h"
 #include "platform/text/numbers.h"
 #include "platform/text/text.h"
 
 namespace quiverion {
 namespace {
-
-constexpr std::int32_t kScaleFactor = 50006;
-constexpr double kSmallestScale = 0.1;
-constexpr double kLargestScale = 10.0;
 
 // Asking for one command: the parameters of all steps.
 struct Editing {
@@ -115,34 +111,35 @@ EditOutcome AskYesOrNo(const Editing& editing) {
   return EditOutcome::stored;
 }
 
-// A scale factor that makes no sense is refused with a message. True where it was.
-bool RefuseScaleFactor(const Editing& editing, double value) {
-  const bool large = value > kLargestScale;
-  if (!large && value >= kSmallestScale) return false;
-  editing.Inform("Wert zu klein",
-                 FormatNumber(value) + (large ? "? Ist das nicht etwas groß? Der von Ihnen angegebene Wert wird nicht "
-                                                "benutzt! Geben Sie bitte einen Wert von höchstens 10 ein!"
-                                              : "? Ist das nicht etwas klein? Der von Ihnen angegebene Wert wird nicht "
-                                                "benutzt! Geben Sie bitte einen Wert von mindestens 0.1 ein!"),
-                 MessageIcon::information);
+// A number out of bounds is refused with a message. True if it was.
+bool RefuseOutOfBounds(const Editing& editing, double value) {
+  const Parameter& parameter = editing.command.parameters.front();
+  const bool large = value > parameter.high;
+  if (!large && value >= parameter.low) return false;
+  editing.Inform(
+      "Wert zu klein",
+      FormatNumber(value) + "? Ist das nicht etwas " + (large ? "groß" : "klein") +
+          "? Der von Ihnen angegebene Wert wird nicht benutzt! Geben Sie bitte einen Wert von " +
+          (large ? "höchstens " + FormatNumber(parameter.high) : "mindestens " + FormatNumber(parameter.low)) + " ein!",
+      MessageIcon::information);
   return true;
 }
 
 EditOutcome AskNumber(const Editing& editing) {
   const ParameterEditor& editor = editing.command.editor;
-  const auto answer = editing.services.dialogs.AskText(
-      {std::string(editor.title), std::string(editor.text),
-       editing.isNew ? std::string(editor.preset) : FormatNumber(editing.event.Number("Value"))});
+  const auto answer =
+      editing.services.dialogs.AskText({std::string(editor.title), std::string(editor.text),
+                                        editing.isNew ? std::string(editing.command.parameters.front().preset)
+                                                      : FormatNumber(editing.event.Number("Value"))});
   if (!answer || answer->empty()) return EditOutcome::cancelled;
-  try {
-    const double value = ReadParameterNumber(*answer);
-    if (editing.command.eventId == kScaleFactor && RefuseScaleFactor(editing, value)) return EditOutcome::cancelled;
-    editing.event.Set("Value", value);
-    return EditOutcome::stored;
-  } catch (const SystemError&) {
+  double value = 0.0;
+  if (Attempt([&] { value = ReadParameterNumber(*answer); })) {
     RefuseHugeNumber(editing.services.context.ui, *answer);
     return EditOutcome::cancelled;
   }
+  if (RefuseOutOfBounds(editing, value)) return EditOutcome::cancelled;
+  editing.event.Set("Value", value);
+  return EditOutcome::stored;
 }
 
 EditOutcome AskCollectionFile(const Editing& editing) {
@@ -179,64 +176,11 @@ EditOutcome AskCollectionFile(const Editing& editing) {
   return EditOutcome::stored;
 }
 
-using Defaults = std::initializer_list<std::pair<std::string_view, MacroValue>>;
-
-void AddMissing(MacroEvent& event, const Defaults& defaults) {
-  for (const auto& [key, value] : defaults) {
-    if (event.Find(key) == nullptr) event.Set(key, value);
-  }
-}
-
-// Literals would choose the flag among the kinds of a value.
-MacroValue Text(const char* text) {
-  return std::string(text);
-}
-
 }  // namespace
 
 void AddDefaultParameters(MacroEvent& event) {
-  const CommandRow* const command = FindCommand(event.EventId());
-  switch (command == nullptr ? EditorKind::none : command->editor.kind) {
-    case EditorKind::names:
-      return AddMissing(event, {{"Prefix", std::string(command->editor.preset)}, {"Postfix", Text("")}});
-    case EditorKind::faultVectors:
-      return AddMissing(event, {{"ChkAbsDeviation", 0},
-                                {"TxtAbsDeviation", Text("30")},
-                                {"ChkAbsInterval", 0},
-                                {"OptAbsIntOut", true},
-                                {"TxtAbsIntMin", Text("0")},
-                                {"TxtAbsIntMax", Text("10")},
-                                {"ChkDirDeviation", 0},
-                                {"TxtDirDeviation", Text("10")},
-                                {"ChkXComp", 0},
-                                {"OptXCompIntOut", true},
-                                {"TxtXCompIntMin", Text("-10")},
-                                {"TxtXCompIntMax", Text("10")},
-                                {"ChkYComp", 0},
-                                {"OptYCompIntOut", true},
-                                {"TxtYCompIntMin", Text("-10")},
-                                {"TxtYCompIntMax", Text("10")},
-                                {"CompareVectorType", 1},
-                                {"CboMedianX", 2},
-                                {"CboMedianY", 2},
-                                {"CboLocalMiddleX", 2},
-                                {"CboLocalMiddleY", 2},
-                                {"TxtUserVectorX", Text("0")},
-                                {"TxtUserVectorY", Text("0")},
-                                {"LogicalOr", true}});
-    case EditorKind::mirror:
-      return AddMissing(event, {{"ChkPosX", 1}, {"ChkPosY", 0}});
-    case EditorKind::coordinates:
-      return AddMissing(event, {{"TxtFakX", Text("1")},
-                                {"TxtDeltaX", Text("0")},
-                                {"TxtFakY", Text("1")},
-                                {"TxtDeltaY", Text("0")},
-                                {"TxtFakVecX", Text("1")},
-                                {"TxtFakVecY", Text("1")}});
-    case EditorKind::constVector:
-      return AddMissing(event, {{"XComp", 0.0}, {"YComp", 0.0}});
-    default:  // asked for by boxes, which have their own presets
-      return;
+  for (const Parameter& parameter : ParametersOf(event.EventId())) {
+    if (event.Find(parameter.key) == nullptr) event.Set(parameter.key, PresetOf(parameter));
   }
 }
 

@@ -1,14 +1,12 @@
 #include "dialogs/widgets/guarded.h"
 
-#include "messages/system_error.h"
+#include "messages/failure.h"
 
 namespace quiverion {
 
 void Guarded(UserInterface& messages, const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const std::exception& error) {
-    messages.Ask({.title = "QuiverionSeries", .text = ErrorText(AsSystemError(error))});
+  if (const auto failure = Attempt(action)) {
+    messages.Ask({.title = "QuiverionSeries", .text = ErrorText(failure->error)});
   }
 }
 

@@ -1,5 +1,3 @@
-#include "field/formats/dat_file.h"
-
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -8,7 +6,8 @@
 
 #include "field/formats/dat_fields.h"
 #include "field/formats/dat_line.h"
-#include "field/frames.h"
+#include "field/formats/field_readers.h"
+#include "messages/failure.h"
 #include "platform/numeric/multi_target.h"
 #include "platform/text/numbers.h"
 #include "platform/text/text.h"
@@ -18,7 +17,7 @@ namespace {
 
 class HeaderReader {
  public:
-  HeaderReader(DatFields& fields, std::string_view wrongKind) : fields_(fields), wrongKind_(wrongKind) {}
+  HeaderReader(DatFields& fields, LoadTarget target) : fields_(fields), target_(target) {}
 
   // The text behind the first ":" of the next field, without blanks around it.
   std::string_view Value() { return ValueOf(fields_.Next()); }
@@ -41,7 +40,10 @@ class HeaderReader {
   }
 
  private:
-  [[noreturn]] void Refuse() const { throw FormatError(std::string(wrongKind_)); }
+  [[noreturn]] void Refuse() const {
+    throw FormatError(target_ == LoadTarget::field ? "    Ungültiges Dateiformat: Nicht von Korvo!"
+                                                   : "    Ungültiges Dateiformat!");
+  }
 
   std::string_view ValueOf(std::string_view field) const {
     const std::size_t colon = field.find(':');
@@ -52,11 +54,11 @@ class HeaderReader {
   static std::int32_t Number(std::string_view text) { return RoundToInt32(ReadNumberPrefix(TrimBlanks(text)).value); }
 
   DatFields& fields_;
-  std::string_view wrongKind_;
+  LoadTarget target_;
 };
 
-void ReadHeader(VectorField& field, DatFields& fields, std::string_view wrongKind) {
-  HeaderReader header(fields, wrongKind);
+void ReadHeader(VectorField& field, DatFields& fields, LoadTarget target) {
+  HeaderReader header(fields, target);
   field.headerLines[0] = Utf8FromWindows1252(header.FirstValue());
   for (std::size_t k = 1; k < field.headerLines.size(); ++k) {
     field.headerLines[k] = Utf8FromWindows1252(header.Value());
@@ -214,9 +216,9 @@ void SetPositions(VectorField& field) {
 
 }  // namespace
 
-void ReadDat(VectorField& field, InputFile& file, std::string_view wrongKind) {
+void ReadDat(Context& /*context*/, VectorField& field, InputFile& file, LoadTarget target) {
   DatFields fields(file);
-  ReadHeader(field, fields, wrongKind);
+  ReadHeader(field, fields, target);
   PlaceGrid(field, file.Size());
   VectorReader(field).Read(fields);
   SetPositions(field);

@@ -1,8 +1,6 @@
 #include "field/formats/load_original_file.h"
 
-#include "field/formats/dat_file.h"
-#include "field/formats/vas_file.h"
-#include "field/formats/vec_file.h"
+#include "field/formats/field_readers.h"
 #include "field/frames.h"
 #include "platform/files/paths.h"
 
@@ -12,16 +10,9 @@ void LoadOriginalFile(Context& context, const std::string& path) {
   context.log.WriteLogLine("Orginaldatei '" + path + "' einladen... ");
   VectorField& field = context.field;
   ResetForLoad(field, path);
-  const std::string extension = ExtensionOf(field.fileName);
-  if (extension == "DAT") {
-    RunLoadFrame(context, path, [&](InputFile& file) { ReadDat(field, file); });
-  } else if (extension == "VEC") {
-    RunLoadFrame(context, path, [&](InputFile& file) { ReadVec(context, field, file); });
-  } else if (extension == "VAS") {
-    RunLoadFrame(context, path, [&](InputFile& file) { ReadVas(context, file); });
-  } else {
-    FailLoad(context, {"    Dieses Format ist unbekannt!"});
-  }
+  FieldReader* const read = ReaderOf(ExtensionOf(field.fileName));
+  if (read == nullptr) return FailLoad(context, {"    Dieses Format ist unbekannt!"});
+  RunLoadFrame(context, path, [&](InputFile& file) { read(context, field, file, LoadTarget::field); });
 }
 
 }  // namespace quiverion

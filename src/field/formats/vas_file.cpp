@@ -4,6 +4,7 @@
 
 #include "field/formats/binary_reader.h"
 #include "field/formats/binary_writer.h"
+#include "field/formats/field_readers.h"
 #include "field/formats/vas_layout.h"
 #include "field/frames.h"
 #include "platform/text/text.h"
@@ -35,8 +36,7 @@ void ReadGrid(VectorField& field, BinaryReader& reader) {
   ReadArrays(field, reader);
 }
 
-void ReadStreamlines(Context& context, BinaryReader& reader) {
-  VectorField& field = context.field;
+void ReadStreamlines(Context& context, VectorField& field, BinaryReader& reader) {
   if (field.streamlineCount < 0) throw SystemError(ErrorNumber::invalidCall);
   std::uint64_t surplus = 0;
   if (field.streamlineCount > kMaxStreamlines) {
@@ -76,17 +76,13 @@ void WriteVas(Context& context, ResultFile& file) {
 
 }  // namespace
 
-void ReadVas(Context& context, InputFile& file) {
-  BinaryReader reader(file);
-  ReadGrid(context.field, reader);
-  vas::Bookkeeping(reader, context.field);
-  ReadStreamlines(context, reader);
-  ReadView(context.field, reader);
-}
-
-void ReadVasGrid(VectorField& field, InputFile& file) {
+void ReadVas(Context& context, VectorField& field, InputFile& file, LoadTarget target) {
   BinaryReader reader(file);
   ReadGrid(field, reader);
+  if (target == LoadTarget::buffer) return;
+  vas::Bookkeeping(reader, field);
+  ReadStreamlines(context, field, reader);
+  ReadView(field, reader);
 }
 
 bool HasVasExtension(std::string_view path) {

@@ -1,5 +1,3 @@
-#include "field/formats/vec_file.h"
-
 #include <algorithm>
 #include <bit>
 #include <charconv>
@@ -7,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "field/formats/field_readers.h"
 #include "field/frames.h"
 #include "platform/numeric/multi_target.h"
 #include "platform/text/numbers.h"
@@ -17,6 +16,12 @@ namespace {
 
 constexpr std::size_t kHeaderSize = 256;
 constexpr std::int16_t kFloatImage = 20;
+
+constexpr std::string_view RowsNotDivisibleBy2(LoadTarget target) {
+  return target == LoadTarget::field
+             ? "    Ungültiges VEC-Format: Anzahl der Zeilen nicht durch 2 teilbar (für 2 frames)!"
+             : "     Ungültiges VEC-Format: Anzahl der Zeilen nicht durch 2 teilbar (für 2 frames)!";
+}
 
 constexpr std::string_view kWrongSubType =
     "    Ungültiges VEC-Format ('image sub type' ungültig)!\r\n"
@@ -58,7 +63,7 @@ class VecHeader {
 };
 
 // Checks the sub type; the rows of all frames together must be divisible by the number of frames it returns.
-std::int16_t FrameCount(std::int16_t subType, std::int16_t rows, std::string_view rowsNotDivisibleBy2) {
+std::int16_t FrameCount(std::int16_t subType, std::int16_t rows, LoadTarget target) {
   const auto checked = [rows](std::int16_t frames, std::string_view message) {
     if (rows % frames != 0) throw FormatError(std::string(message));
     return frames;
@@ -67,7 +72,7 @@ std::int16_t FrameCount(std::int16_t subType, std::int16_t rows, std::string_vie
     case 1:
       return checked(9, "    Ungültiges VEC-Format: Anzahl der Zeilen nicht durch 9 teilbar (für 9 frames)!");
     case 2:
-      return checked(2, rowsNotDivisibleBy2);
+      return checked(2, RowsNotDivisibleBy2(target));
     case 3:
       return checked(10, "    Ungültiges VEC-Format: Anzahl der Zeilen nicht durch 10 teilbar (für 10 frames)!");
     default:
@@ -196,13 +201,13 @@ void ConvertFrames(Context& context, VectorField& field, std::int16_t subType, c
 
 }  // namespace
 
-void ReadVec(Context& context, VectorField& field, InputFile& file, std::string_view rowsNotDivisibleBy2) {
+void ReadVec(Context& context, VectorField& field, InputFile& file, LoadTarget target) {
   const VecHeader header(file);
   if (header.Int16(0) != kFloatImage) throw FormatError("    Ungültiges VEC-Format: ImageType nicht FLOAT!");
   const std::int16_t rows = header.Int16(10);
   const std::int16_t columns = header.Int16(12);
   const std::int16_t subType = header.Int16(14);
-  const std::int16_t frameCount = FrameCount(subType, rows, rowsNotDivisibleBy2);
+  const std::int16_t frameCount = FrameCount(subType, rows, target);
   if (rows < 1 || columns < 1) throw SystemError(ErrorNumber::indexOutOfRange);
   header.Require(kHeaderSize);
 

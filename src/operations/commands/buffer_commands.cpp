@@ -2,9 +2,7 @@
 
 #include <utility>
 
-#include "field/formats/dat_file.h"
-#include "field/formats/vas_file.h"
-#include "field/formats/vec_file.h"
+#include "field/formats/field_readers.h"
 #include "field/frames.h"
 #include "operations/kernels/buffer_combination.h"
 #include "platform/files/paths.h"
@@ -12,13 +10,8 @@
 namespace quiverion {
 namespace {
 
-constexpr std::string_view kNotADatFile = "    Ungültiges Dateiformat!";
-constexpr std::string_view kBufferRowsNotDivisibleBy2 =
-    "     Ungültiges VEC-Format: Anzahl der Zeilen nicht durch 2 teilbar (für 2 frames)!";
-
-// Reads into a field of its own, so that the buffer stays empty where the file fails.
-template <class Read>
-void LoadWith(Context& context, const std::string& path, Read read) {
+// Reads into a field of its own, so that the buffer stays empty if the file fails.
+void LoadWith(FieldReader* read, Context& context, const std::string& path) {
   BufferField& buffer = context.buffer;
   VectorField loaded;
   // The arrays keep their memory: the next buffer of a series nearly always has the same size.
@@ -26,7 +19,7 @@ void LoadWith(Context& context, const std::string& path, Read read) {
   std::swap(loaded.velY, buffer.bufferVelY);
   std::swap(loaded.status, buffer.bufferStatus);
   RunLoadFrame(context, path, [&](InputFile& file) {
-    read(loaded, file);
+    read(context, loaded, file, LoadTarget::buffer);
     buffer.bufferColumnCount = loaded.columnCount;
     buffer.bufferRowCount = loaded.rowCount;
     std::swap(loaded.velX, buffer.bufferVelX);
@@ -78,17 +71,9 @@ void LoadFileIntoBuffer(Context& context, const std::string& path) {
   }
   buffer.bufferFileName.clear();
   buffer.bufferColumnCount = buffer.bufferRowCount = 0;
-  const std::string extension = ExtensionOf(path);
-  if (extension == "DAT") {
-    LoadWith(context, path, [](VectorField& field, InputFile& file) { ReadDat(field, file, kNotADatFile); });
-  } else if (extension == "VAS") {
-    LoadWith(context, path, ReadVasGrid);
-  } else if (extension == "VEC") {
-    LoadWith(context, path,
-             [&](VectorField& field, InputFile& file) { ReadVec(context, field, file, kBufferRowsNotDivisibleBy2); });
-  } else {
-    FailLoad(context, {"    Unbekanntes Format!"});
-  }
+  FieldReader* const read = ReaderOf(ExtensionOf(path));
+  if (read == nullptr) return FailLoad(context, {"    Unbekanntes Format!"});
+  LoadWith(read, context, path);
 }
 
 void UseBufferAsMask(Context& context) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <optional>
 #include <utility>
 
 #include "field/formats/vas_file.h"
@@ -68,36 +67,20 @@ void WriteMaxima(const Context& context, const Marks& marks, ResultFile& file) {
   });
 }
 
-enum class Outcome { done, failed, cancelled };
-
 // Nothing of a failed or cancelled append stays in the file.
-Outcome AppendMaxima(Context& context, const std::string& path, const Marks& marks) {
-  std::optional<ResultFile> file;
-  try {
-    file.emplace(context.files, &context.ui, path, Opening::append);
-  } catch (const std::exception& error) {
-    FailSave(context,
-             "    Gefundene Maxima können nicht gespeichert werden, da beim Öffnen folgender Fehler aufgetreten ist:",
-             error);
-    return Outcome::failed;
-  }
-  try {
-    if (file->IsNew()) file->Write(Windows1252FromUtf8(kHeader).bytes);
-    WriteMaxima(context, marks, *file);
-    file->Commit();
-  } catch (const std::exception& error) {
-    if (file->Cancelled()) {
-      context.runHadError = context.userAbortRequested = true;
-      return Outcome::cancelled;
-    }
-    file.reset();
-    FailSave(context,
-             "    In die Datei '" + path +
-                 "' kann nicht gespeichert werden, da während des Schreibens folgender Fehler aufgetreten ist:",
-             error);
-    return Outcome::failed;
-  }
-  return Outcome::done;
+SaveOutcome AppendMaxima(Context& context, const std::string& path, const Marks& marks) {
+  constexpr SaveWording wording = {
+      .openFailed =
+          "    Gefundene Maxima können nicht gespeichert werden, da beim Öffnen folgender Fehler aufgetreten ist:",
+      .writeFailed = "    In die Datei '",
+      .logsCancel = false};
+  return RunSaveFrame(
+      context, path,
+      [&](ResultFile& file) {
+        if (file.IsNew()) file.Write(Windows1252FromUtf8(kHeader).bytes);
+        WriteMaxima(context, marks, file);
+      },
+      wording, Opening::append);
 }
 
 // A peak whose neighbours carry on average less than a quarter of it is no vortex.
@@ -188,9 +171,11 @@ void FindVortexCentres(Context& context, const std::string& textPath, bool autoT
   CalcSwirlingStrength(context.field);
   Marks marks;
   MarkMaxima(context.field.derivedScalar, marks);
-  const Outcome outcome = textPath.empty() ? Outcome::done : AppendMaxima(context, textPath, marks);
-  if (outcome == Outcome::cancelled) return;
-  if (outcome == Outcome::done) LogLines(context.log, {kDone});
+  if (textPath.empty()) {
+    LogLines(context.log, {kDone});
+  } else if (AppendMaxima(context, textPath, marks) == SaveOutcome::cancelled) {
+    return;
+  }
   LogLines(context.log, {"Speichern der transformierten Vektorfelder..."});
   if (autoTrafo) SaveCopies(context, marks);
   LogLines(context.log, {"Speichern der transformierten Vektorfelder beendet."});

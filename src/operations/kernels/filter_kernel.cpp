@@ -25,13 +25,6 @@ struct SourceRow {
   explicit SourceRow(std::size_t width) : u(width), v(width), valid(width) {}
 };
 
-// The sums of one output row.
-struct RowSums {
-  std::vector<double> u, v, w;
-
-  explicit RowSums(std::size_t width) : u(width), v(width), w(width) {}
-};
-
 QUIVERION_MULTI_TARGET void FillRow(const std::int32_t* status, const double* velX, const double* velY,
                                     std::size_t count, double* __restrict u, double* __restrict v,
                                     double* __restrict valid) {
@@ -88,14 +81,14 @@ struct RowTarget {
   const double *oldU, *oldV;
   double *u, *v, *sumW;
 
-  RowTarget(const VectorField& field, std::int32_t j, RowSums& sums, NewVectors& result)
+  RowTarget(const VectorField& field, std::int32_t j, std::vector<double>& sums, NewVectors& result)
       : count(static_cast<std::size_t>(field.columnCount)),
         status(field.status.Row(j)),
         oldU(field.velX.Row(j)),
         oldV(field.velY.Row(j)),
         u(result.velX.Row(j)),
         v(result.velY.Row(j)),
-        sumW(sums.w.data()) {}
+        sumW(sums.data()) {}
 };
 
 // Calls sums(i, u, v, w) for every point and divides; the divisor is made safe where there is nothing to divide.
@@ -149,32 +142,6 @@ KernelRows<L> RowsUnder(const SourceRows& source, const WeightMatrix& weights, s
   return rows;
 }
 
-QUIVERION_MULTI_TARGET void AddTerm(double weight, const double* source, std::size_t count, double* __restrict sum) {
-  for (std::size_t i = 0; i < count; ++i) sum[i] += weight * source[i];
-}
-
-QUIVERION_MULTI_TARGET void DivideSums(const RowTarget& target, const double* sumU, const double* sumV) {
-  const double* const sumW = target.sumW;
-  DivideRow(target, [=](std::size_t i, double& u, double& v, double& w)
-                        QUIVERION_LAMBDA_INLINE { u = sumU[i], v = sumV[i], w = sumW[i]; });
-}
-
-// Any kernel, term by term.
-void FilterAny(const SourceRows& source, const WeightMatrix& weights, std::int32_t j, RowSums& sums,
-               const RowTarget& target) {
-  for (auto* sum : {&sums.u, &sums.v, &sums.w}) std::fill(sum->begin(), sum->end(), 0.0);
-  for (std::int32_t k = weights.FirstK(); k <= weights.LastK(); ++k) {
-    const auto column = static_cast<std::size_t>(static_cast<std::int64_t>(source.Left()) + k);
-    for (std::int32_t l = weights.FirstL(); l <= weights.LastL(); ++l) {
-      const SourceRow& row = source.Row(j + l);
-      AddTerm(weights(k, l), row.u.data() + column, source.Columns(), sums.u.data());
-      AddTerm(weights(k, l), row.v.data() + column, source.Columns(), sums.v.data());
-      AddTerm(weights(k, l), row.valid.data() + column, source.Columns(), sums.w.data());
-    }
-  }
-  DivideSums(target, sums.u.data(), sums.v.data());
-}
-
 QUIVERION_MULTI_TARGET void FindFilled(const double* sumW, std::size_t count, std::int32_t* __restrict isFilled) {
   for (std::size_t i = 0; i < count; ++i) isFilled[i] = static_cast<std::int32_t>(sumW[i] != 0.0 ? 1.0 : 0.0);
 }
@@ -192,23 +159,17 @@ QUIVERION_MULTI_TARGET std::int32_t StatusRow(const std::int32_t* status, const 
   return gained - lost;
 }
 
-void FilterRows(const VectorField& field, const WeightMatrix& weights, NewVectors& result) {
+// `filter` is Filter3x3 or Filter5x5, L its number of rows.
+template <std::size_t L>
+void FilterRows(const VectorField& field, const WeightMatrix& weights,
+                void (*filter)(const KernelRows<L>&, const double*, const RowTarget&), NewVectors& result) {
   SourceRows source(field, weights);
-  RowSums sums(source.Columns());
+  std::vector<double> sumW(source.Columns());
   std::vector<std::int32_t> isFilled(source.Columns());
-  const auto isSquare = [&weights](std::int32_t half) {
-    return weights.FirstK() == -half && weights.LastK() == half && weights.FirstL() == -half && weights.LastL() == half;
-  };
   for (std::int32_t j = 1; j <= field.rowCount; ++j) {
     source.FillUpTo(j + weights.LastL());
-    const RowTarget target(field, j, sums, result);
-    if (isSquare(1)) {
-      Filter3x3(RowsUnder<3>(source, weights, j), weights.Values().data(), target);
-    } else if (isSquare(2)) {
-      Filter5x5(RowsUnder<5>(source, weights, j), weights.Values().data(), target);
-    } else {
-      FilterAny(source, weights, j, sums, target);
-    }
+    const RowTarget target(field, j, sumW, result);
+    filter(RowsUnder<L>(source, weights, j), weights.Values().data(), target);
     FindFilled(target.sumW, target.count, isFilled.data());
     result.gained += StatusRow(target.status, isFilled.data(), target.count, result.status.Row(j));
   }
@@ -334,21 +295,6 @@ bool CoversWholeRows(const VectorField& field, const WeightMatrix& weights) {
          std::all_of(values.begin(), values.end(), [&](double w) { return w == values.front(); });
 }
 
-// The part of the kernel that can lie on the grid at all: the rest adds nothing anywhere.
-bool ClipToField(const VectorField& field, WeightMatrix& weights) {
-  const std::int32_t columns = field.columnCount, rows = field.rowCount;
-  const std::int32_t k0 = std::max(weights.FirstK(), 1 - columns), k1 = std::min(weights.LastK(), columns - 1);
-  const std::int32_t l0 = std::max(weights.FirstL(), 1 - rows), l1 = std::min(weights.LastL(), rows - 1);
-  if (k0 > k1 || l0 > l1) return false;
-  if (k1 - k0 + 1 == weights.Columns() && l1 - l0 + 1 == weights.Rows()) return true;
-  WeightMatrix clipped(k0, k1, l0, l1, 0.0);
-  for (std::int32_t k = k0; k <= k1; ++k) {
-    for (std::int32_t l = l0; l <= l1; ++l) clipped(k, l) = weights(k, l);
-  }
-  weights = std::move(clipped);
-  return true;
-}
-
 // False where a floating-point flag was raised: nothing has changed then.
 bool FilterWholeRows(VectorField& field, double weight) {
   std::vector<RowMean> means;
@@ -357,24 +303,34 @@ bool FilterWholeRows(VectorField& field, double weight) {
   return true;
 }
 
-bool FilterFast(VectorField& field, const WeightMatrix& weights) {
-  if (CoversWholeRows(field, weights)) return FilterWholeRows(field, weights.Values().front());
+// The same.
+template <std::size_t L>
+bool FilterSquare(VectorField& field, const WeightMatrix& weights,
+                  void (*filter)(const KernelRows<L>&, const double*, const RowTarget&)) {
   NewVectors result(field);
-  if (RaisesFloatError([&] { FilterRows(field, weights, result); })) return false;
+  if (RaisesFloatError([&] { FilterRows<L>(field, weights, filter, result); })) return false;
   result.SwapInto(field);
   return true;
+}
+
+bool IsSquare(const WeightMatrix& weights, std::int32_t half) {
+  return weights.FirstK() == -half && weights.LastK() == half && weights.FirstL() == -half && weights.LastL() == half;
+}
+
+// The kernels that the commands make. False for all others, too.
+bool FilterFast(VectorField& field, const WeightMatrix& weights) {
+  const auto isFinite = [](double w) { return std::isfinite(w); };  // 0 times anything else would not be 0
+  if (!std::ranges::all_of(weights.Values(), isFinite)) return false;
+  if (CoversWholeRows(field, weights)) return FilterWholeRows(field, weights.Values().front());
+  if (IsSquare(weights, 1)) return FilterSquare<3>(field, weights, Filter3x3);
+  if (IsSquare(weights, 2)) return FilterSquare<5>(field, weights, Filter5x5);
+  return false;
 }
 
 }  // namespace
 
 void ApplyFilterKernel(VectorField& field, const WeightMatrix& weights) {
-  WeightMatrix kernel = weights;
-  const auto isFinite = [](double w) { return std::isfinite(w); };  // 0 times anything else would not be 0
-  if (ClipToField(field, kernel) && std::all_of(kernel.Values().begin(), kernel.Values().end(), isFinite) &&
-      FilterFast(field, kernel)) {
-    return;
-  }
-  plain::ApplyFilterKernel<CheckedReal>(field, weights);
+  if (!FilterFast(field, weights)) plain::ApplyFilterKernel<CheckedReal>(field, weights);
 }
 
 }  // namespace quiverion

@@ -1,5 +1,7 @@
 #include "platform/files/file_system.h"
 
+#include "messages/failure.h"
+
 #include <algorithm>
 
 #include "messages/system_error.h"
@@ -27,12 +29,7 @@ std::size_t OutputFile::WriteSomePieces(std::span<const std::string_view> pieces
 }
 
 bool FileExists(FileSystem& files, const std::string& path) {
-  try {
-    files.OpenForReading(path);
-    return true;
-  } catch (const SystemError&) {
-    return false;
-  }
+  return !Attempt([&] { files.OpenForReading(path); });
 }
 
 void CreatePathDirectories(FileSystem& files, const std::string& path) {

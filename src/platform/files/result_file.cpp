@@ -60,4 +60,16 @@ void ResultFile::Commit() {
   retry_([&] { file_->Commit(); });
 }
 
+std::optional<SaveFailure> SaveResult(FileSystem& files, UserInterface* ui, const std::string& path,
+                                      const std::function<void(ResultFile&)>& write, Opening opening) {
+  std::optional<ResultFile> file;
+  const auto failure = Attempt([&] { file.emplace(files, ui, path, opening); },
+                               [&] {
+                                 write(*file);
+                                 file->Commit();
+                               });
+  if (!failure) return std::nullopt;
+  return SaveFailure{*failure, file && file->Cancelled()};
+}
+
 }  // namespace quiverion

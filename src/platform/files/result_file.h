@@ -1,10 +1,13 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "messages/failure.h"
 #include "platform/files/file_system.h"
 #include "platform/files/write_retry.h"
 
@@ -51,5 +54,15 @@ class ResultFile {
   std::string buffer_;
   std::vector<KeptPiece> kept_;
 };
+
+/// Why a result was not saved.
+struct SaveFailure : Failure {
+  bool cancelled = false;  // the user has answered Cancel
+};
+
+/// Opens a result file, lets `write` fill it and commits. After a failure no part of it is left.
+std::optional<SaveFailure> SaveResult(FileSystem& files, UserInterface* ui, const std::string& path,
+                                      const std::function<void(ResultFile&)>& write,
+                                      Opening opening = Opening::replace);
 
 }  // namespace quiverion

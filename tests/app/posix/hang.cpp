@@ -2,7 +2,7 @@
 
 #include <csignal>
 
-#include "hang.h"
+#include "app/hang.h"
 
 namespace quiverion::test {
 

@@ -1,5 +1,5 @@
 // Names of files are bytes.
-#include "window_fixture.h"
+#include "app/window_fixture.h"
 
 namespace quiverion::test {
 namespace {

@@ -1,6 +1,6 @@
 #include <cstdlib>
 
-#include "hang.h"
+#include "app/hang.h"
 
 namespace quiverion::test {
 

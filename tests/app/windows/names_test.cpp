@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "app/drives.h"
-#include "window_fixture.h"
+#include "app/window_fixture.h"
 
 namespace quiverion::test {
 namespace {

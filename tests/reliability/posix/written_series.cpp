@@ -140,9 +140,10 @@ WrittenSeries::Result WrittenSeries::Run(const std::vector<std::string>& names, 
     SystemCalls calls(directory_);
     calls.largestWrite = 700;
     calls.before = [&](const SystemCall& call) {
-      const MacroValue* const postfix = session.currentMacroEvent.Find("Postfix");
-      const bool isNext = postfix != nullptr && *postfix == MacroValue(std::string("_next"));
-      return before ? before({ui.progress.back().currentFile, isNext}, call) : 0;
+      // Shown for a file: that it is loaded, then each command.
+      const std::int32_t file = ui.progress.back().currentFile;
+      const auto shown = std::ranges::count(ui.progress, file, &RunProgress::currentFile);
+      return before ? before({file, shown > 2}, call) : 0;
     };
     RunMacro(session);
     EXPECT_EQ(calls.strayed, "");

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <exception>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "messages/system_error.h"
+
+namespace quiverion {
+
+/// A file that is not what it should be. The message says so in full, on a line (or lines) of its own.
+class FormatError : public std::exception {
+ public:
+  explicit FormatError(std::string message) : message_(std::move(message)) {}
+  const std::string& Message() const { return message_; }
+  const char* what() const noexcept override { return message_.c_str(); }
+
+ private:
+  std::string message_;
+};
+
+/// What an attempt has thrown.
+struct Failure {
+  SystemError error;                           // as AsSystemError has it; of a FormatError error 5 with its message
+  std::optional<std::string> formatMessage{};  // of a FormatError
+  bool atOpening = false;                      // the first of two steps failed
+};
+
+Failure FailureOf(const std::exception& error);
+
+/// Runs `action`. Nothing it throws gets out: it is returned.
+template <class Action>
+std::optional<Failure> Attempt(Action action) {
+  try {
+    action();
+    return std::nullopt;
+  } catch (const std::exception& error) {
+    return FailureOf(error);
+  }
+}
+
+/// Runs `open`, then `work` if that succeeded.
+template <class Open, class Work>
+std::optional<Failure> Attempt(Open open, Work work) {
+  std::optional<Failure> failure = Attempt(open);
+  if (!failure) return Attempt(work);
+  failure->atOpening = true;
+  return failure;
+}
+
+}  // namespace quiverion
