@@ -197,26 +197,6 @@ TEST_F(MainWindow, StartAsksForFilesBeforeCommands) {
   EXPECT_TRUE(window->isVisible());
 }
 
-TEST_F(MainWindow, MacrosAreSavedAndLoaded) {
-  Open();
-  SetMacro({40001, 40101});
-  script.ExpectFile(place.Path() + "m.txt",
-                    [&](const QDialog& dialog) { EXPECT_EQ(FromQt(dialog.windowTitle()), "Makro speichern"); });
-  Trigger("mnuSaveMacroList");
-  EXPECT_TRUE(place.Has("m.mak"));
-  SetMacro({});
-  script.ExpectFile(place.Path() + "m.mak");
-  Trigger("mnuOpenMacroList");
-  EXPECT_EQ(MacroList().count(), 2);
-  place.Write("kaputt.mak", std::string("\xFF\xFF\xFF\xFF", 4));
-  script.ExpectFile(place.Path() + "kaputt.mak");
-  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Fehler beim Öffnen der Datei!");
-  Trigger("mnuOpenMacroList");
-  EXPECT_EQ(TheSession().macro.size(), 2u);
-  script.ExpectFile("");
-  Trigger("mnuSaveMacroList");
-}
-
 TEST_F(MainWindow, TellsItsVersionAndThatTheHelpIsMissing) {
   Open();
   script.ExpectBox(QMessageBox::Ok, "Über das Programm|QuiverionSeries V1.0");
@@ -334,12 +314,6 @@ TEST_F(MainWindow, AStatisticThatFailsLeavesTheWindowAsItWas) {
   });
   Trigger("mnuAverage");
   EXPECT_EQ(Lines(Files()), "a.dat|b.vas|C.VEC|neu.vas|");
-}
-
-TEST_F(MainWindow, ClosesWithoutAQuestionWhereNothingRuns) {
-  Open();
-  EXPECT_TRUE(window->close());
-  EXPECT_TRUE(window->IsQuitting());
 }
 
 }  // namespace
