@@ -1,6 +1,5 @@
 #include "field/dat_file.h"
 
-#include <random>
 #include <tuple>
 
 #include "field/dat_image.h"
@@ -72,46 +71,6 @@ TEST_F(DatFile, EndsFieldsAtCommasAndEveryLineEnd) {
     EXPECT_EQ(field_.velX(2, 1), 5) << "the later line counts";
     EXPECT_EQ(field_.headerLines[6], "x");
   }
-}
-
-// A comma turns the quick way through the lines off: a last line that stands there once or twice makes no difference.
-TEST_F(DatFile, TheQuickWayGivesTheSameField) {
-  std::mt19937_64 random(7);
-  const auto below = [&](std::uint64_t limit) { return random() % limit; };
-  const auto pick = [&](std::initializer_list<std::string> choices) {
-    return *(choices.begin() + below(choices.size()));
-  };
-  const auto position = [&](std::uint64_t limit) {
-    const std::string whole = std::to_string(below(below(20) == 0 ? limit + 40 : limit));
-    return pick({"", "", "", "0", "+", "-0"}) + whole +
-           pick({"", "", ".", ".0", ".5", ".499999", ".50000001", "E0", "e-1", ".0px", "0.000000"});
-  };
-  const auto velocity = [&] {
-    return pick({"", "-"}) + std::to_string(below(40000)) + pick({"", ".", "."}) + std::to_string(below(1000000)) +
-           pick({"", "", "", "", "x", "E-5"});
-  };
-  int loaded = 0;
-  for (int turn = 0; turn < 1500; ++turn) {
-    DatImage image;
-    const bool fine = turn % 4 < 2;  // a grid where every half pixel counts
-    image.header[7] = fine ? "Image: 64x52" : "Image: 640x480";
-    image.header[8] = fine ? "Window: 2x2" : "Window: 32x32";
-    image.header[9] = fine ? "Grid: 1x1" : "Grid: 16x16";
-    for (std::uint64_t k = 0, count = below(turn % 2 == 0 ? 3 : 30); k < count; ++k) {
-      image.data += position(fine ? 60 : 620) + pick({" ", " ", "  "}) + position(fine ? 50 : 460) + " 1 2 3 4 " +
-                    velocity() + " " + velocity() + pick({"\r\n", "\r\n", " 9\n", "\r"});
-    }
-    const std::string last = "16 48 0 0 0 0 1 2";
-    image.data += last;
-    const std::string quickLog = LoadDat(image);
-    const VectorField quick = field_;
-    image.data += "," + last;
-    ASSERT_EQ(LoadDat(image), quickLog) << image.data;
-    ASSERT_EQ(FirstDifference(field_, quick), "") << image.data;
-    loaded += context_.abortCurrentFile ? 0 : 1;
-  }
-  EXPECT_GT(loaded, 300);
-  EXPECT_LT(loaded, 1400);
 }
 
 TEST_F(DatFile, RefusesWhatKorvoDidNotWrite) {

@@ -7,6 +7,7 @@
 
 #include "field/load_original_file.h"
 #include "field/vas_file.h"
+#include "generator/sample_files.h"
 #include "support/bytes.h"
 #include "support/error_of.h"
 #include "support/field_builder.h"
@@ -35,23 +36,9 @@ inline std::string ReadFailed(const std::string& path, int number) {
       path, "    Während des Einlesens dieser Datei ist folgender Fehler aufgetreten:\r\n" + ErrorTextOf(number));
 }
 
-/// A file that gets shorter between the look at its size and the reading.
-class ShrunkFile : public InputFile {
- public:
-  ShrunkFile(std::string content, std::uint64_t claimed) : content_(std::move(content)), claimed_(claimed) {}
-  std::uint64_t Size() const override { return claimed_; }
-  std::size_t Read(void* target, std::size_t size) override {
-    const std::size_t count = content_.copy(static_cast<char*>(target), size, at_);
-    at_ += count;
-    return count;
-  }
-  void Seek(std::uint64_t position) override { at_ = static_cast<std::size_t>(position); }
-
- private:
-  std::string content_;
-  std::uint64_t claimed_;
-  std::size_t at_ = 0;
-};
+inline samples::SampleField Sample(int columns, int rows) {
+  return samples::MakeSampleField({.columns = columns, .rows = rows, .maskedBody = false});
+}
 
 /// Loads and saves in a file system in memory and returns what was logged. A load sees only its own flags.
 class FieldTest : public testing::Test {
