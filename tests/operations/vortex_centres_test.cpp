@@ -151,32 +151,6 @@ TEST_F(VortexCentres, APeakMustExceedNotMoreThanFourTimesTheMeanOfItsNeighbours)
   }
 }
 
-TEST_F(VortexCentres, EveryPeakIsHeldAgainstAllItsNeighbours) {
-  for (std::uint64_t seed = 1; seed <= 20; ++seed) {
-    field = RandomField(seed, 6, 5, {.invalid = 100, .quantised = 1000});  // whole numbers come back exactly
-    CalcSwirlingStrength(field);
-    before = field;
-    const Grid<double> strength = field.derivedScalar;
-    Grid<std::int16_t> marks(6, 5);
-    plain::MarkMaxima(strength, marks);
-    std::size_t accepted = 0;
-    for (std::int32_t i = 1; i <= 6; ++i) {
-      for (std::int32_t j = 1; j <= 5; ++j) {
-        double sum = -strength(i, j), count = -1;
-        for (std::int32_t k = 1; k <= 6; ++k) {
-          for (std::int32_t l = 1; l <= 5; ++l) {
-            if (std::abs(k - i) <= 1 && std::abs(l - j) <= 1) sum += strength(k, l), ++count;
-          }
-        }
-        if (marks(i, j) != 0 && std::fabs(strength(i, j)) / 4 < std::fabs(sum / count)) ++accepted;
-      }
-    }
-    files.files.clear();
-    Find("", true);
-    EXPECT_EQ(files.files.size(), accepted) << seed;
-  }
-}
-
 TEST_F(VortexCentres, CancelEndsTheSeriesOfCopies) {
   files.faults.diskSize = 1000;  // enough for the first copy
   const std::string log = Find("", true);

@@ -50,36 +50,6 @@ void ExpectValid(const VectorField& result, std::int32_t i, std::int32_t j, doub
   EXPECT_NEAR(result.velY(i, j), y, 1e-11 * (1 + std::fabs(y))) << i << " " << j;
 }
 
-template <class Check>
-void ForEachPoint(const VectorField& field, Check check) {
-  for (std::int32_t j = 1; j <= field.rowCount; ++j) {
-    for (std::int32_t i = 1; i <= field.columnCount; ++i) {
-      check(i, j, field.posX[static_cast<std::size_t>(i - 1)], field.posY[static_cast<std::size_t>(j - 1)]);
-    }
-  }
-}
-
-// A rigid rotation whose speed fluctuates: 200, 300 and 400 rad/s, mean 300, <w'²> = 20000/3.
-TEST_F(Statistics, OfARigidRotation) {
-  VectorField grid = MakeField(5, 4);
-  grid.posX = {-2, -1, 0, 1, 2};
-  CollectMultiples(
-      grid, {200, 300, 400}, [](double, double y) { return -y * 1E-3; }, [](double x, double) { return x * 1E-3; });
-  const VectorField average = Compute(mean), deviation = Compute(standardDeviation),
-                    squares = Compute(fluctuationSquares), product = Compute(fluctuationProduct),
-                    degree = Compute(turbulence), rate = Compute(dissipation, 15E-6);
-  const double variance = 20000.0 / 3.0;
-  ForEachPoint(grid, [&](std::int32_t i, std::int32_t j, double x, double y) {
-    ExpectValid(average, i, j, -0.3 * y, 0.3 * x);
-    ExpectValid(deviation, i, j, 0.1 * y, 0.1 * std::fabs(x));
-    ExpectValid(squares, i, j, variance * y * y * 1E-6, variance * x * x * 1E-6);
-    ExpectValid(product, i, j, -variance * x * y * 1E-6, 0);
-    ExpectValid(degree, i, j, std::sqrt(variance / 2) / 300, -variance * x * y * 1E-6 * -300);  // <u'v'> dU/dy
-    ExpectValid(rate, i, j, 15 * 15E-6 * variance, 0);                                          // only du'/dy is not 0
-  });
-  EXPECT_EQ(rate.validVectorCount, 20);
-}
-
 // Every sum in its order, what stays at invalid vectors included; computed by another program.
 TEST_F(Statistics, HaveTheseBits) {
   for (std::uint64_t seed = 1; seed <= 5; ++seed) {
@@ -239,25 +209,6 @@ TEST_F(Statistics, SayWhatTheyAreInTheirHeader) {
   EXPECT_TRUE(ComputeStatistic(context, mean, " C.col ", "r.vas"));
   EXPECT_EQ(context.field.infoText, "Mittelwerte erzeugt aus der Kollektion: C.col");
   EXPECT_EQ(context.field.filePath, "r.vas") << "as before";
-}
-
-TEST_F(Statistics, LeaveTheLastRecordInTheBuffer) {
-  CollectNumbered(2);
-  VectorField last = NumberedField(6);
-  last.status(2, 1) = 0;
-  Collect(last);
-  context.buffer.bufferFileName = "kept";
-  for (const StatisticKind kind : kKinds) {
-    const bool fluctuations = kind == dissipation;  // the mean is 3, at the invalid vector 1.5 of the others
-    Compute(kind, 1);
-    const BufferField& buffer = context.buffer;
-    EXPECT_EQ(std::pair(buffer.bufferColumnCount, buffer.bufferRowCount), std::pair(3, 2));
-    EXPECT_EQ(std::pair(buffer.bufferVelX(1, 1), buffer.bufferVelY(1, 1)),
-              fluctuations ? std::pair(3.0, -3.0) : std::pair(6.0, -6.0));
-    EXPECT_EQ(std::pair(buffer.bufferVelX(2, 1), buffer.bufferVelY(2, 1)), std::pair(6.0, -6.0));
-    EXPECT_EQ(std::pair(buffer.bufferStatus(1, 1), buffer.bufferStatus(2, 1)), std::pair(fluctuations ? 1 : 0, 0));
-    EXPECT_EQ(buffer.bufferFileName, "kept");
-  }
 }
 
 TEST_F(Statistics, SayWhyTheyFailAndSaveNothing) {
