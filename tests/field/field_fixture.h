@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <string>
 #include <string_view>
 
 #include "field/load_original_file.h"
 #include "field/vas_file.h"
 #include "generator/sample_files.h"
+#include "support/approved.h"
 #include "support/bytes.h"
 #include "support/error_of.h"
 #include "support/field_builder.h"
@@ -54,6 +56,31 @@ class FieldTest : public testing::Test {
   std::string Load(const std::string& path, const std::string& bytes) {
     files_.files[path] = bytes;
     return LoadExisting(path);
+  }
+  /// The log of a load, and what the field holds then: measures, the ends of the positions, every vector that is not 0.
+  std::string Told(const std::string& path, const std::string& bytes) {
+    std::string text = Load(path, bytes);
+    if (context_.abortCurrentFile) return text + "\r\n";
+    const auto tell = [&text](double value) {
+      char digits[32];
+      text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr) += ' ';
+    };
+    const VectorField& f = field_;
+    for (const std::int32_t number :
+         {f.imageWidth, f.imageHeight, f.windowWidth, f.windowHeight, f.gridStepX, f.gridStepY, f.firstPixelX,
+          f.firstPixelY, f.pixelScale, f.pulseDelay, f.columnCount, f.rowCount, f.validVectorCount}) {
+      tell(number);
+    }
+    for (const double position : {f.posX.front(), f.posX.back(), f.posY.front(), f.posY.back()}) tell(position);
+    for (std::int32_t j = 1; j <= f.rowCount; ++j) {
+      for (std::int32_t i = 1; i <= f.columnCount; ++i) {
+        if (f.status(i, j) == 0 && f.velX(i, j) == 0 && f.velY(i, j) == 0) continue;
+        text += "(" + std::to_string(i) + "," + std::to_string(j) + "): ";
+        for (const double value : {f.velX(i, j), f.velY(i, j), static_cast<double>(f.status(i, j))}) tell(value);
+      }
+    }
+    for (const std::string& line : f.headerLines) text += "|" + line;
+    return text + "|" + f.infoText + (context_.runHadError ? "|warned\r\n\r\n" : "\r\n\r\n");
   }
   std::string Save(const std::string& path) {
     context_.abortCurrentFile = context_.runHadError = context_.userAbortRequested = false;
