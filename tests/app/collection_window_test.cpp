@@ -128,30 +128,6 @@ TEST_F(CollectionWindow, DeletesAnEmptiedCollectionAndCloses) {
   EXPECT_FALSE(place.Has("s.col"));
 }
 
-TEST_F(CollectionWindow, AsksBeforeItTakesTheReadOnlyAttributeOff) {
-  place.Write("s.col", Collection(2));
-  std::filesystem::permissions(place.Path() + "s.col", std::filesystem::perms::owner_read);
-  const std::string question =
-      "QuiverionSeries - Vektorfelder aus Kollektion entfernen|ACHTUNG: Bei der aktuellen Kollektion ist das "
-      "Schreibschutz-Attribut gesetzt!\n\nSoll das Schreibschutz-Attribut entfernt werden?";
-  Open();
-  Use([&](QDialog& dialog) {
-    Select(dialog, {1});
-    script.Expect<QMessageBox>("QMessageBox", [](QMessageBox& box) {
-      EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
-      box.defaultButton()->click();
-    });
-    Press(dialog, "cmdDelete");
-    EXPECT_TRUE(files->IsReadOnly(place.Path() + "s.col"));
-    EXPECT_EQ(Lines(List(dialog)), "1|2|");
-    script.ExpectBox(QMessageBox::Yes, question);
-    script.ExpectBox(QMessageBox::Yes);
-    Press(dialog, "cmdDelete");
-    EXPECT_EQ(Lines(List(dialog)), "2|");
-    Press(dialog, "cmdOk");
-  });
-}
-
 TEST_F(CollectionWindow, ReadsTheFileAgainWhenItIsResized) {
   place.Write("s.col", Collection(2));
   Open();

@@ -138,19 +138,13 @@ TEST_F(WholeWay, AFileDeletedBeforeStartIsAskedAbout) {
   SetMacro({40001});
   Files().selectAll();
   std::remove((place.Path() + "serie/b.vas").c_str());
-  script.ExpectBox(QMessageBox::Retry, "QuiverionSeries  -  Fehler im Makro|Die Datei '" + place.At("serie/b.vas") +
-                                           "' kann nicht geöffnet werden!\nDatei nicht vorhanden, "
-                                           "beschädigt oder wird bereits verwendet.");
   script.Expect<QMessageBox>("QMessageBox", [](QMessageBox& box) {
     // Whatever order the system has for such buttons.
     const auto left = [&box](QMessageBox::StandardButton button) { return box.button(button)->x(); };
     EXPECT_LT(left(QMessageBox::Abort), left(QMessageBox::Retry));
     EXPECT_LT(left(QMessageBox::Retry), left(QMessageBox::Ignore));
-    box.button(QMessageBox::Abort)->click();
+    box.button(QMessageBox::Ignore)->click();
   });
-  Click("cmdOk");
-  EXPECT_TRUE(window->isVisible());
-  script.ExpectBox(QMessageBox::Ignore);
   std::string log;
   ExpectLog(&log);
   window->move(70, 50);
