@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "support/damage.h"
+#include "damage.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 

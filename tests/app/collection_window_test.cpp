@@ -1,10 +1,8 @@
 // The window of a collection, opened through the menu of the main window.
 #include <QLabel>
 #include <filesystem>
-#include <random>
 
 #include "dialogs/frmShowCollection.h"
-#include "messages/system_error.h"
 #include "support/collection_bytes.h"
 #include "support/test_session.h"
 #include "window_fixture.h"
@@ -82,32 +80,6 @@ TEST_F(CollectionWindow, ListsTheFieldsAndRemovesTheSelectedOnes) {
   ExpectMainWindowAsBefore();
 }
 
-TEST_F(CollectionWindow, RemovesLikeTheCommandLine) {
-  const std::string collection = Collection(200, 9);
-  std::mt19937 random(6);
-  Open();
-  for (const int percent : {2, 40, 97}) {
-    std::vector<int> numbers;
-    std::vector<std::string> arguments = {"collection", "remove", "copy.col"};
-    for (int number = 1; number <= 200; ++number) {
-      if (static_cast<int>(random() % 100) >= percent) continue;
-      numbers.push_back(number);
-      arguments.push_back(std::to_string(number));
-    }
-    place.Write("s.col", collection);
-    place.Write("copy.col", collection);
-    Use([&](QDialog& dialog) {
-      Select(dialog, numbers);
-      script.ExpectBox(QMessageBox::Yes);
-      Press(dialog, "cmdDelete");
-      Press(dialog, "cmdOk");
-    });
-    EXPECT_EQ(cli::RunProgram(place, arguments).code, 0);
-    EXPECT_LT(place.Read("s.col").size(), collection.size());
-    EXPECT_TRUE(place.Read("s.col") == place.Read("copy.col")) << percent;
-  }
-}
-
 TEST(CollectionWindowInMemory, WaitsWithItsHourglassWhileItReads) {
   TestSession program;
   program.files.files["s.col"] = samples::CollectionBytes({samples::MakeSampleField({})}, {"a\tb"});
@@ -156,30 +128,6 @@ TEST_F(CollectionWindow, DeletesAnEmptiedCollectionAndCloses) {
   EXPECT_FALSE(place.Has("s.col"));
 }
 
-TEST_F(CollectionWindow, AsksBeforeItTakesTheReadOnlyAttributeOff) {
-  place.Write("s.col", Collection(2));
-  std::filesystem::permissions(place.Path() + "s.col", std::filesystem::perms::owner_read);
-  const std::string question =
-      "QuiverionSeries - Vektorfelder aus Kollektion entfernen|ACHTUNG: Bei der aktuellen Kollektion ist das "
-      "Schreibschutz-Attribut gesetzt!\n\nSoll das Schreibschutz-Attribut entfernt werden?";
-  Open();
-  Use([&](QDialog& dialog) {
-    Select(dialog, {1});
-    script.Expect<QMessageBox>("QMessageBox", [](QMessageBox& box) {
-      EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
-      box.defaultButton()->click();
-    });
-    Press(dialog, "cmdDelete");
-    EXPECT_TRUE(files->IsReadOnly(place.Path() + "s.col"));
-    EXPECT_EQ(Lines(List(dialog)), "1|2|");
-    script.ExpectBox(QMessageBox::Yes, question);
-    script.ExpectBox(QMessageBox::Yes);
-    Press(dialog, "cmdDelete");
-    EXPECT_EQ(Lines(List(dialog)), "2|");
-    Press(dialog, "cmdOk");
-  });
-}
-
 TEST_F(CollectionWindow, ReadsTheFileAgainWhenItIsResized) {
   place.Write("s.col", Collection(2));
   Open();
@@ -220,42 +168,6 @@ TEST_F(CollectionWindow, RemovesNothingFromACollectionThatHasChanged) {
     EXPECT_EQ(Lines(List(dialog)), "3|2|");
     Press(dialog, "cmdOk");
   });
-}
-
-TEST_F(CollectionWindow, DamagedCollectionsEndInTheirMessageBox) {
-  const std::string good = Collection(5);
-  const auto text = [](const char* before, int number) {
-    return std::string(before) + "\n\n" + ErrorText(SystemError(static_cast<ErrorNumber>(number)));
-  };
-  auto cases = Damaged(good);
-  cases.emplace_back(With(With(good, kCountAt, 0), kColumnsAt, 100000000), 7);
-  Open();
-  for (const auto& [content, number] : cases) {
-    place.Write("s.col", content);
-    if (number != 7) {  // the list of no records needs no memory
-      script.ExpectFile(place.Path() + "s.col");
-      script.ExpectBox(
-          QMessageBox::Ok,
-          number == 0
-              ? "QuiverionSeries - FEHLER|    COL-Datei ist nicht von QuiverionSeries!"
-              : text("QuiverionSeries - FEHLER|Beim Einlesen der Kollektion ist der folgende Fehler aufgetreten:",
-                     number));
-      Trigger("mnuEditCollection");
-    }
-    script.ExpectBox(QMessageBox::Ok);
-    script.ExpectFile(place.Path() + "s.col");
-    script.ExpectBox(QMessageBox::Ok);
-    script.ExpectFile(place.Path() + "r.vas");
-    script.ExpectBox(
-        QMessageBox::Ok,
-        number == 0
-            ? "QuiverionSeries - Fehler|Dies ist keine gültige COL-Datei!"
-            : text("QuiverionSeries - Fehler|Fehler beim Einlesen der Kollektion! Folgender Fehler ist aufgetreten:",
-                   number));
-    Trigger("mnuStdDeviation");
-    ExpectMainWindowAsBefore();
-  }
-  EXPECT_FALSE(place.Has("r.vas"));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "platform/files/paths.h"
+#include "support/bytes.h"
 #include "window_fixture.h"
 
 namespace quiverion::test {
@@ -76,29 +77,32 @@ TEST_F(MainWindow, AVanishedDirectoryIsSaidAndLeft) {
   EXPECT_EQ(WithSeparator(Directory().Path()), place.Path());
 }
 
+// What the window system sends for files that are dropped.
+void Drop(QWidget& window, const Names& paths) {
+  QMimeData data;
+  QList<QUrl> urls;
+  for (const std::string& path : paths) urls.append(QUrl::fromLocalFile(ToQt(path)));
+  data.setUrls(urls);
+  QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+  QApplication::sendEvent(&window, &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent event({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::ShiftModifier);
+  QApplication::sendEvent(&window, &event);
+  EXPECT_EQ(event.dropAction(), Qt::CopyAction) << "after a move the source would delete the files";
+}
+
 TEST_F(MainWindow, DroppedFilesAreSelected) {
   Open("leer");
-  const auto drop = [&](const Names& paths) {
-    QMimeData data;
-    QList<QUrl> urls;
-    for (const std::string& path : paths) urls.append(QUrl::fromLocalFile(ToQt(place.Path() + path)));
-    data.setUrls(urls);
-    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QApplication::sendEvent(window.get(), &enter);
-    EXPECT_TRUE(enter.isAccepted());
-    QDropEvent event({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::ShiftModifier);
-    QApplication::sendEvent(window.get(), &event);
-    EXPECT_EQ(event.dropAction(), Qt::CopyAction) << "after a move the source would delete the files";
+  const auto drop = [&](Names paths) {
+    for (std::string& path : paths) path.insert(0, place.Path());
+    Drop(*window, paths);
     QApplication::processEvents();
   };
   drop({"serie/b.vas", "serie/notes.txt"});
   EXPECT_EQ(Files().SelectedNames(), Names{"b.vas"});
   drop({"serie"});
   EXPECT_EQ(Files().SelectedNames().size(), 3u);
-  SetMacro({40001, 40101});
-  script.ExpectFile(place.Path() + "m");
-  Trigger("mnuSaveMacroList");
-  SetMacro({});
+  place.Write("m.mak", test::Bytes().I32(2).I32(40001).I32(40101));
   place.Write("s.col", samples::CollectionBytes({Sample(0)}, {"x"}));
   script.Expect<QDialog>("quiverion::frmShowCollection", [](QDialog& dialog) { Press(dialog, "cmdOk"); });
   drop({"serie/notes.txt", "s.col", "m.mak"});
@@ -167,22 +171,15 @@ TEST_F(MainWindow, ShortcutsOfAWindowBehindADialogDoNothing) {
 // What is dropped is opened behind the drop, and a click may come between: a macro was replaced while one of its commands
 // was being edited.
 TEST_F(MainWindow, ADropJustBeforeADialogIsNotOpenedBehindIt) {
+  place.Write("m.mak", test::Bytes().I32(1).I32(40001));
   Open();
-  SetMacro({40001});
-  script.ExpectFile(place.Path() + "m");
-  Trigger("mnuSaveMacroList");
   SetMacro({40001, 10001});
   MacroList().setCurrentRow(1);
   script.Expect<QDialog>("quiverion::frmPrefixPostfix", [this](QDialog& dialog) {
     ASSERT_EQ(TheSession().macro.size(), 2u);
     Press(dialog, "cmdOk");
   });
-  QMimeData data;
-  data.setUrls({QUrl::fromLocalFile(ToQt(place.Path() + "m.mak"))});
-  QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-  QApplication::sendEvent(window.get(), &enter);
-  QDropEvent event({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-  QApplication::sendEvent(window.get(), &event);
+  Drop(*window, {place.Path() + "m.mak"});
   Click("cmdEditMacroEvent");
   EXPECT_EQ(TheSession().macro.size(), 2u);
 }
@@ -195,26 +192,6 @@ TEST_F(MainWindow, StartAsksForFilesBeforeCommands) {
   script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Sie müssen wenigstens einen Makrobefehl wählen!");
   Click("cmdOk");
   EXPECT_TRUE(window->isVisible());
-}
-
-TEST_F(MainWindow, MacrosAreSavedAndLoaded) {
-  Open();
-  SetMacro({40001, 40101});
-  script.ExpectFile(place.Path() + "m.txt",
-                    [&](const QDialog& dialog) { EXPECT_EQ(FromQt(dialog.windowTitle()), "Makro speichern"); });
-  Trigger("mnuSaveMacroList");
-  EXPECT_TRUE(place.Has("m.mak"));
-  SetMacro({});
-  script.ExpectFile(place.Path() + "m.mak");
-  Trigger("mnuOpenMacroList");
-  EXPECT_EQ(MacroList().count(), 2);
-  place.Write("kaputt.mak", std::string("\xFF\xFF\xFF\xFF", 4));
-  script.ExpectFile(place.Path() + "kaputt.mak");
-  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Fehler beim Öffnen der Datei!");
-  Trigger("mnuOpenMacroList");
-  EXPECT_EQ(TheSession().macro.size(), 2u);
-  script.ExpectFile("");
-  Trigger("mnuSaveMacroList");
 }
 
 TEST_F(MainWindow, TellsItsVersionAndThatTheHelpIsMissing) {
@@ -300,23 +277,6 @@ TEST_F(DuringAStatistic, ClosingTheWindowAsksFirst) {
   EXPECT_FALSE(place.Has("s_mean.vas"));
 }
 
-TEST_F(MainWindow, AResultThatCannotBeSavedIsSaid) {
-  place.Write("s.col", samples::CollectionBytes({Sample(0)}, {"x"}));
-  place.Write("fest.vas", "");
-  std::filesystem::permissions(place.Path() + "fest.vas", std::filesystem::perms::owner_read);
-  Open();
-  script.ExpectBox(QMessageBox::Ok);
-  script.ExpectFile(place.Path() + "s.col");
-  script.ExpectBox(QMessageBox::Ok);
-  script.ExpectFile(place.Path() + "fest.vas");
-  script.ExpectBox(QMessageBox::Yes);  // the file dialog's: replace it
-  script.Expect<QMessageBox>("QMessageBox", [](QMessageBox& box) {
-    EXPECT_TRUE(box.text().contains("!!! FEHLER !!!") && box.text().contains("(Fehler-Nr. 75)"));
-    box.accept();
-  });
-  Trigger("mnuAverage");
-}
-
 TEST_F(MainWindow, AStatisticThatFailsLeavesTheWindowAsItWas) {
   place.Write("s.col", "no collection");
   Open();
@@ -334,12 +294,6 @@ TEST_F(MainWindow, AStatisticThatFailsLeavesTheWindowAsItWas) {
   });
   Trigger("mnuAverage");
   EXPECT_EQ(Lines(Files()), "a.dat|b.vas|C.VEC|neu.vas|");
-}
-
-TEST_F(MainWindow, ClosesWithoutAQuestionWhereNothingRuns) {
-  Open();
-  EXPECT_TRUE(window->close());
-  EXPECT_TRUE(window->IsQuitting());
 }
 
 }  // namespace

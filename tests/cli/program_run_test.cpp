@@ -3,7 +3,6 @@
 
 #include "cli/program_run.h"
 #include "macro/command_catalogue.h"
-#include "support/slashes.h"
 #include "support/stalled_program.h"
 
 namespace quiverion::cli {
@@ -80,53 +79,6 @@ TEST_F(ProgramRun, SaysWhatIsWrongWithADamagedFile) {
   EXPECT_EQ(outcome.code, 1);
   ExpectApproved(place, "damaged_files.txt", UpToVerdict(outcome.out) + "\n--- stderr\n" + outcome.err);
   EXPECT_EQ(place.Read("serie/b_s.vas"), place.Read("serie/b.vas"));
-}
-
-struct Refusal {
-  std::vector<std::string> arguments;
-  int code;
-  std::string error;  // part of what standard error says
-};
-
-TEST_F(ProgramRun, RefusesWhatCannotBeStarted) {
-  place.Write("leer/x.txt", "");
-  place.Write("leer.mak", std::string(4, '\0'));
-  place.Write("kaputt.mak", "\x01");
-  const std::string missing = "Die Datei '" + place.At("serie/x.vas") +
-                              "' kann nicht geöffnet werden!\nDatei nicht vorhanden, beschädigt oder "
-                              "wird bereits verwendet.\n";
-  const Refusal refusals[] = {
-      {{}, 2, "quiverionseries-cli --help"},
-      {{"lauf"}, 2, "Befehl"},
-      {{"run", "--macro", "s.mak"}, 2, "INPUT"},
-      {{"run", "--macro"}, 2, "--macro"},
-      {{"run", "--macro", "s.mak", "--on-problem", "retry", "serie"}, 2, "retry"},
-      {{"run", "--macro", "s.mak", "--decimal", ";", "serie"}, 2, ";"},
-      {{"run", "--macro", "s.mak", "--log", "log.doc", "serie"}, 2, "log.doc"},
-      {{"run", "--macro", "s.mak", "serie/b.vas", "leer"}, 2, "leer"},
-      {{"run", "--macro", "fehlt.mak", "serie"}, 1, "QuiverionSeries\nFehler beim Öffnen der Datei!\n"},
-      {{"run", "--macro", "kaputt.mak", "serie"}, 1, "kaputt.mak"},
-      {{"run", "--macro", "s.mak", "--log", "s.mak/log.txt", "serie"},
-       1,
-       "Log-Datei speichern\nDie Log-Datei kann nicht gespeichert werden unter 's.mak/log.txt'!\nPfad nicht gefunden   "
-       "(Fehler-Nr. 76)\n"},
-      {{"run", "--macro", "s.mak", "--log", "neu/l.txt", "serie/x.vas", "serie/b.vas"},
-       4,
-       "QuiverionSeries  -  Fehler im Makro\n" + missing},
-      {{"run", "--macro", "leer.mak", "serie"}, 4, "Sie müssen wenigstens einen Makrobefehl wählen!\n"},
-      {{"run", "--macro", "s.mak", "leer"}, 4, "Sie müssen mindestens eine Datei auswählen!\n"}};
-  const std::vector<std::string> before = place.Files();
-  for (const Refusal& refusal : refusals) {
-    const Outcome outcome = RunProgram(place, refusal.arguments);
-    EXPECT_EQ(outcome.code, refusal.code) << refusal.error << outcome.err;
-    EXPECT_NE(test::WithSlashes(outcome.err).find(test::WithSlashes(refusal.error)), std::string::npos) << outcome.err;
-    EXPECT_EQ(outcome.out, "") << refusal.error;
-    EXPECT_EQ(place.Files(), before) << refusal.error;
-    EXPECT_FALSE(place.Has("neu")) << "the directory of the log";
-    for (const char* english : {"required", "expected", "following", "argument ", "Option"}) {
-      EXPECT_EQ(outcome.err.find(english), std::string::npos) << outcome.err;
-    }
-  }
 }
 
 TEST_F(ProgramRun, TakesFileNamesOfAnyKind) {

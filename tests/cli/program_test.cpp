@@ -1,7 +1,6 @@
 // quiverionseries-cli without run: macros, info, commands, help.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -41,38 +40,6 @@ TEST_F(Program, TurnsJsonIntoAMacroFileAndBack) {
             "3\t12345\tUnbekannt!!!\n");
   EXPECT_EQ(exported.err + shown.err, "");
   EXPECT_EQ(exported.code + shown.code, 0);
-}
-
-struct Failure {
-  std::vector<std::string> arguments;
-  std::string input;
-  std::string error;  // part of what standard error says
-};
-
-TEST_F(Program, FailsWithAReasonAndLeavesFilesAlone) {
-  place.Write("old.mak", kMacro);
-  place.Write("cut.mak", kMacro.substr(0, 20));
-  place.Write("nan.mak", Bytes().I32(1).I32(50006).F64(std::nan("")));
-  place.Write("cut.vas", samples::VasBytes(samples::MakeSampleField({})).substr(0, 500));
-  const std::vector<std::string> import = {"macro", "import", "-", "old.mak"};
-  const Failure failures[] = {
-      {import, "[{\"EventId\": 40103}, {\"EventId\": 10002}]", "Befehl 2: Der Schlüssel 'Comment' fehlt."},
-      {import, "[", "Kein gültiges JSON"},
-      {import, R"([{"EventId": 10002, "Comment": "\u03a9"}])", "Fehler beim Schreiben in die Datei\nDer Text 'Ω'"},
-      {import, R"([{"EventId": 50006, "Value": 1e400}])", "'-': "},
-      {{"macro", "import", "x.json", "old.mak"}, "", "'x.json': Datei nicht gefunden   (Fehler-Nr. 53)\n"},
-      {{"macro", "export", "nan.mak"}, "", "Befehl 1: 'Value'"},
-      {{"macro", "export", "cut.mak"}, "", "QuiverionSeries\nFehler beim Öffnen der Datei!\n"},
-      {{"macro", "show", "missing.mak"}, "", "QuiverionSeries\nFehler beim Öffnen der Datei!\n"},
-      {{"info", "--json", "cut.vas"}, "", "(Fehler-Nr. 62)"},
-      {{"info", "missing.vas"}, "", "Datei nicht gefunden   (Fehler-Nr. 53)"}};
-  for (const Failure& failure : failures) {
-    const Outcome outcome = RunProgram(place, failure.arguments, failure.input);
-    EXPECT_EQ(outcome.code, 1) << failure.error;
-    EXPECT_NE(outcome.err.find(failure.error), std::string::npos) << outcome.err;
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(place.Read("old.mak"), kMacro);
-  }
 }
 
 TEST_F(Program, TellsWhatAFileHolds) {
@@ -129,17 +96,6 @@ TEST_F(Program, SpeaksGermanInItsHelpAndHasItsOptionsInTheManuals) {
       EXPECT_NE(manual.find(word), std::string::npos) << word;
       EXPECT_NE(page.find(word), std::string::npos) << word;
     }
-  }
-}
-
-TEST_F(Program, TreatsAWrongCallAsAUsageError) {
-  const std::vector<std::string> calls[] = {{"macro"},          {"macro", "import", "-"}, {"macro", "save"}, {"info"},
-                                            {"info", "a", "b"}, {"info", "--xml", "a"},   {"--verbose"}};
-  for (const auto& words : calls) {
-    const Outcome outcome = RunProgram(place, words);
-    EXPECT_EQ(outcome.code, 2) << words.back();
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_TRUE(outcome.err.ends_with("\nHilfe zeigt: quiverionseries-cli --help\n")) << outcome.err;
   }
 }
 

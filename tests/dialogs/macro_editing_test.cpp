@@ -4,6 +4,7 @@
 
 #include "dialogs/parameters/file_choices.h"
 #include "dialogs/parameters/parameter_editing.h"
+#include "support/approved.h"
 #include "support/scripted_dialogs.h"
 #include "support/test_session.h"
 
@@ -22,13 +23,6 @@ class MacroEditingTest : public testing::Test {
     command = std::move(event);
     return AskParameters(services, command, isNew);
   }
-  // The message boxes since the last call, as "title|text".
-  std::vector<std::string> TakeMessages() {
-    std::vector<std::string> texts;
-    for (const Message& box : program.ui.messages) texts.push_back(box.title + "|" + box.text);
-    program.ui.messages.clear();
-    return texts;
-  }
   std::vector<std::int32_t> Macro() const {
     std::vector<std::int32_t> ids;
     for (const MacroEvent& event : program.session.macro) ids.push_back(event.EventId());
@@ -42,7 +36,6 @@ class MacroEditingTest : public testing::Test {
 };
 
 using Ids = std::vector<std::int32_t>;
-using Texts = std::vector<std::string>;
 
 TEST_F(MacroEditingTest, InsertsBeforeTheSelectedCommandOrAtTheEnd) {
   dialogs.commands = {40001, 40101, 40102, 40103};
@@ -78,11 +71,10 @@ TEST_F(MacroEditingTest, EditsACommandInItsPlace) {
   EXPECT_FALSE(program.session.macro[1].Flag("Checked"));
   EXPECT_FALSE(editing.Edit(1, "/"));
   EXPECT_FALSE(editing.Edit(-1, "/"));
-  TakeMessages();
+  program.ui.messages.clear();
   for (const int without : {0, 2}) EXPECT_FALSE(editing.Edit(without, "/"));
-  EXPECT_EQ(TakeMessages(), Texts(2,
-                                  "QuiverionSeries  -  Parameter bearbeiten|Dieser Makro-Befehl hat keine "
-                                  "Parameter, die bearbeitet werden könnten!"));
+  ASSERT_EQ(program.ui.messages.size(), 2u);
+  EXPECT_EQ(program.ui.messages[1].text, "Dieser Makro-Befehl hat keine Parameter, die bearbeitet werden könnten!");
   EXPECT_EQ(Macro(), (Ids{40001, 50001, 12345}));
 }
 
@@ -99,6 +91,65 @@ TEST_F(MacroEditingTest, EveryCommandAsksForEveryParameterItHas) {
   }
 }
 
+// One after the other: what a command's dialogs ask, the answers, and what the command has then.
+TEST_F(MacroEditingTest, DialoguesAboutParameters) {
+  using enum MessageAnswer;
+  const struct {
+    std::int32_t eventId;  // 0: the command that the dialogue before has left is edited
+    std::deque<std::string> texts, files;
+    std::deque<MessageAnswer> answers;
+  } dialogues[] = {
+      {10002, {""}, {}, {}},  // a comment
+      {10002, {"  "}, {}, {}},
+      {10002, {" ein Ä "}, {}, {}},
+      {0, {}, {}, {}},
+      {50006, {"0.1"}, {}, {}},  // a scale factor
+      {50006, {"1,5"}, {}, {}},
+      {50006, {"10"}, {}, {}},
+      {50006, {"10.5"}, {}, {}},
+      {50006, {"0.09"}, {}, {}},
+      {50006, {"abc"}, {}, {}},
+      {50006, {"1E999"}, {}, {}},
+      {50006, {}, {}, {}},
+      {50104, {"-1E6"}, {}, {}},  // the palette has no limits
+      {0, {}, {}, {}},
+      {20002, {}, {"/x/b.txt"}, {}},  // a file for the buffer
+      {20002, {}, {"/x/vas"}, {}},
+      {20002, {}, {"/x/A.vAs"}, {}},
+      {0, {}, {}, {}},
+      {40002, {}, {"/w.txt"}, {yes, no}},  // vortex centres
+      {0, {}, {"/v.txt"}, {yes, no}},
+      {40002, {}, {}, {yes, yes}},  // the file dialog is cancelled
+      {40002, {}, {}, {no, no}},
+      {40002, {}, {}, {no, yes}},
+      {0, {}, {}, {no, no}},
+      {60001, {}, {"/x/neu.txt"}, {}},  // a collection
+      {60001, {}, {"/x/neu.COL"}, {}},
+      {60001, {}, {"/x/alt.col"}, {cancel}},
+      {60001, {}, {"/x/alt.col"}, {ok}},
+      {0, {}, {}, {}},
+      {60001, {}, {"/fest.col"}, {ok, no}},
+      {60001, {}, {"/fest.col"}, {ok, yes}},
+      {60001, {}, {"/zu.col"}, {ok, yes}},
+  };
+  for (const char* name : {"/x/alt.col", "/fest.col", "/zu.col"}) program.files.files[name] = "";
+  program.files.readOnly = {"/fest.col", "/zu.col"};
+  program.files.openErrors["/zu.col"] = ErrorNumber::accessDenied;
+  std::string told;
+  for (const auto& d : dialogues) {
+    dialogs.texts = d.texts, dialogs.files = d.files, program.ui.answers = d.answers;
+    const EditOutcome outcome = d.eventId == 0 ? Ask(command, false) : Ask(d.eventId);
+    told += "> " + std::to_string(command.EventId()) + "\n" + dialogs.TakeQuestions() + program.ui.TakeBoxes() + "= " +
+            std::to_string(static_cast<int>(outcome));
+    for (const Parameter& parameter : ParametersOf(command.EventId())) {
+      if (outcome == EditOutcome::stored) told += " " + command.Text(parameter.key);
+    }
+    told += "\n\n";
+  }
+  test::ExpectApproved("dialogues.txt", told);
+  EXPECT_EQ(program.files.readOnly, std::set<std::string>{"/zu.col"});
+}
+
 TEST_F(MacroEditingTest, AWindowStartsFromWhatTheCommandHasOrThePreset) {
   MacroEvent stored(10101);
   stored.Set("Prefix", std::string("x"));
@@ -108,145 +159,11 @@ TEST_F(MacroEditingTest, AWindowStartsFromWhatTheCommandHasOrThePreset) {
   EXPECT_EQ(dialogs.edited.back().Text("Prefix"), "SW of ");
 }
 
-TEST_F(MacroEditingTest, ACommentOfBlanksIsNone) {
-  dialogs.texts = {"", "  ", " ein Ä "};
-  EXPECT_EQ(Ask(10002), EditOutcome::cancelled);
-  EXPECT_EQ(Ask(10002), EditOutcome::cancelled);
-  EXPECT_EQ(Ask(10002), EditOutcome::stored);
-  EXPECT_EQ(command.Text("Comment"), " ein Ä ");
-  EXPECT_EQ(dialogs.textQuestions.back().prompt,
-            "Sie können nun eine Kommentarzeile eingeben, die dann dem Info-Text hinzugefügt wird.");
-  Ask(command, false);
-  EXPECT_EQ(dialogs.textQuestions.back().prompt, "Sie können die in den Info-Text einzufügende Kommentarzeile ändern.");
-  EXPECT_EQ(dialogs.textQuestions.back().preset, " ein Ä ");
-}
-
-TEST_F(MacroEditingTest, AScaleFactorLiesFromATenthToTen) {
-  const std::string large =
-      "Wert zu klein|10.5? Ist das nicht etwas groß? Der von Ihnen angegebene Wert wird nicht "
-      "benutzt! Geben Sie bitte einen Wert von höchstens 10 ein!";
-  const auto small = [](const std::string& value) {
-    return "Wert zu klein|" + value +
-           "? Ist das nicht etwas klein? Der von Ihnen angegebene Wert wird nicht benutzt! Geben Sie bitte einen Wert "
-           "von mindestens 0.1 ein!";
-  };
-  const struct {
-    std::string answer;
-    Texts messages;
-  } cases[] = {{"0.1", {}},
-               {"10", {}},
-               {"1,5", {}},
-               {"10.5", {large}},
-               {"0.09", {small("0.09")}},
-               {"abc", {small("0")}},
-               {"1E999", {"Ungültige Eingabe|Die Zahl '1E999' ist zu groß!"}},
-               {"", {}}};
-  for (const auto& c : cases) {
-    dialogs.texts = {c.answer};
-    const bool stored = c.messages.empty() && !c.answer.empty();
-    EXPECT_EQ(Ask(50006), stored ? EditOutcome::stored : EditOutcome::cancelled) << c.answer;
-    EXPECT_EQ(TakeMessages(), c.messages);
-  }
-  dialogs.texts = {"-1E6"};
-  EXPECT_EQ(Ask(50104), EditOutcome::stored);  // the palette has no limits
-  EXPECT_EQ(command.Number("Value"), -1E6);
-  Ask(command, false);
-  EXPECT_EQ(dialogs.textQuestions.back().preset, "-1000000");
-}
-
-TEST_F(MacroEditingTest, ABufferFileIsAVectorField) {
-  dialogs.files = {"/x/A.vAs", "/x/b.txt", "/x/vas"};
-  EXPECT_EQ(Ask(20002), EditOutcome::stored);
-  EXPECT_EQ(command.Text("FileName"), "/x/A.vAs");
-  EXPECT_EQ(dialogs.fileQuestions.back().directory, "/mess");
-  const MacroEvent stored = command;
-  EXPECT_EQ(Ask(stored, false), EditOutcome::cancelled);
-  EXPECT_EQ(dialogs.fileQuestions.back().directory, "/x/");
-  EXPECT_EQ(dialogs.fileQuestions.back().fileName, "A.vAs");
-  EXPECT_EQ(Ask(20002), EditOutcome::cancelled);
-  EXPECT_EQ(TakeMessages(), Texts(2,
-                                  "Ungültiges Dateiformat|Dieses Dateiformat ist ungültig! Sie können nur Dateien "
-                                  "mit Endung .dat oder .vec öffnen."));
-}
-
-TEST_F(MacroEditingTest, VortexCentresNeedAFileOrTheTransformation) {
-  using enum MessageAnswer;
-  const struct {
-    std::deque<MessageAnswer> answers;
-    std::deque<std::string> files;
-    bool autoTrafo;
-    EditOutcome whenNew, whenEdited;
-  } cases[] = {
-      {{yes, no}, {"/w.txt"}, false, EditOutcome::stored, EditOutcome::stored},
-      {{yes, yes}, {}, true, EditOutcome::stored, EditOutcome::stored},  // the file dialog is cancelled
-      {{no, yes}, {}, true, EditOutcome::stored, EditOutcome::stored},
-      {{no, no}, {}, false, EditOutcome::cancelled, EditOutcome::removeCommand},
-  };
-  MacroEvent old(40002);
-  old.Set("FileName", std::string("/alt/alt.txt"));
-  old.Set("AutoTrafo", false);
-  for (const auto& c : cases) {
-    for (const bool isNew : {true, false}) {
-      program.ui.answers = c.answers;
-      dialogs.files = c.files;
-      ASSERT_EQ(Ask(isNew ? MacroEvent(40002) : old, isNew), isNew ? c.whenNew : c.whenEdited);
-      if ((isNew ? c.whenNew : c.whenEdited) != EditOutcome::stored) continue;
-      EXPECT_EQ(command.Text("FileName"), c.files.empty() ? "" : c.files.front());
-      EXPECT_EQ(command.Flag("AutoTrafo"), c.autoTrafo);
-    }
-  }
-  EXPECT_EQ(
-      TakeMessages().back(),
-      "QuiverionSeries - Wirbelzentren suchen|Da nun keine Option mehr gewählt ist, wird der Makrobefehl gelöscht.");
-  program.session.macro = {MacroEvent(40001), old};
-  program.ui.answers = {no, no};
+TEST_F(MacroEditingTest, ACommandWithoutAnyOptionGoes) {
+  program.session.macro = {MacroEvent(40001), MacroEvent(40002)};
+  program.ui.answers = {MessageAnswer::no, MessageAnswer::no};
   EXPECT_TRUE(editing.Edit(1, "/"));
   EXPECT_EQ(Macro(), Ids{40001});
-}
-
-TEST_F(MacroEditingTest, AnExistingCollectionIsAddedTo) {
-  program.files.files["/x/alt.col"] = "";
-  dialogs.files = {"/x/neu.COL"};
-  EXPECT_EQ(Ask(60001), EditOutcome::stored);
-  EXPECT_EQ(dialogs.fileQuestions.back().fileName, "Statistics");
-  EXPECT_TRUE(TakeMessages().empty());
-  dialogs.files = {"/x/neu.txt"};
-  EXPECT_EQ(Ask(60001), EditOutcome::cancelled);
-  EXPECT_EQ(TakeMessages(), Texts{"Ungültige Dateiendung|Diese Dateiendung ist ungültig! Sie können nur Dateien mit "
-                                  "Endung .col wählen."});
-  program.ui.answers = {MessageAnswer::cancel, MessageAnswer::ok};
-  dialogs.files = {"/x/alt.col", "/x/alt.col"};
-  EXPECT_EQ(Ask(60001), EditOutcome::cancelled);
-  EXPECT_EQ(Ask(60001), EditOutcome::stored);
-  EXPECT_EQ(TakeMessages(), Texts(2,
-                                  "Datei existiert bereits|Es existiert bereits eine Datei unter diesem Namen. Diese "
-                                  "Datei wird NICHT überschrieben! Stattdessen wird jedes ausgewählte Vektorfeld "
-                                  "dieser Datei HINZUGEFÜGT!"));
-  Ask(command, false);
-  EXPECT_EQ(dialogs.fileQuestions.back().directory, "/x/");
-  EXPECT_EQ(dialogs.fileQuestions.back().fileName, "alt");
-}
-
-TEST_F(MacroEditingTest, TheReadOnlyAttributeOfACollectionIsTakenOffWhereTheUserWantsIt) {
-  program.files.files["/alt.col"] = "";
-  program.files.readOnly = {"/alt.col"};
-  const auto ask = [&](MessageAnswer answer) {
-    program.ui.answers = {MessageAnswer::ok, answer};
-    dialogs.files = {"/alt.col"};
-    return Ask(60001);
-  };
-  EXPECT_EQ(ask(MessageAnswer::no), EditOutcome::cancelled);
-  EXPECT_EQ(program.ui.messages.back().preselected, MessageAnswer::no);
-  EXPECT_EQ(
-      TakeMessages().back(),
-      "QuiverionSeries - Vektorfelder aus Kollektion entfernen|ACHTUNG: Bei der von Ihnen ausgewählten Kollektion "
-      "ist das Schreibschutz-Attribut gesetzt!\r\n\r\nSoll das Schreibschutz-Attribut entfernt werden?");
-  program.files.faults.open = ErrorNumber::accessDenied;
-  EXPECT_EQ(ask(MessageAnswer::yes), EditOutcome::cancelled);
-  EXPECT_NE(TakeMessages().back().find("'/alt.col'!\r\nZugriff verweigert   (Fehler-Nr. 70)"), std::string::npos);
-  program.files.faults.open.reset();
-  EXPECT_EQ(ask(MessageAnswer::yes), EditOutcome::stored);
-  EXPECT_TRUE(program.files.readOnly.empty());
 }
 
 TEST_F(MacroEditingTest, TheExtensionOfAFileIsForced) {
@@ -268,10 +185,11 @@ TEST_F(MacroEditingTest, TheExtensionOfAFileIsForced) {
   EXPECT_EQ(choose("/a.txt", FileQuestion::Kind::save), "");
   EXPECT_EQ(dialogs.fileQuestions.back().fileName, "a.mak");
   EXPECT_EQ(choose("/a.txt", FileQuestion::Kind::save), "/a.mak");
-  EXPECT_EQ(TakeMessages(), Texts(2, "|'/a.mak' existiert bereits.\r\nSoll die Datei ersetzt werden?"));
+  ASSERT_EQ(program.ui.messages.size(), 2u);
+  EXPECT_EQ(program.ui.messages[1].text, "'/a.mak' existiert bereits.\r\nSoll die Datei ersetzt werden?");
   EXPECT_EQ(choose("/b.txt", FileQuestion::Kind::save), "/b.mak");
   EXPECT_EQ(choose("/a.txt", FileQuestion::Kind::open), "/a.mak");
-  EXPECT_TRUE(TakeMessages().empty());
+  EXPECT_EQ(program.ui.messages.size(), 2u);
 }
 
 }  // namespace

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "field/dat_image.h"
-#include "field/vas_image.h"
-#include "field/vec_image.h"
+#include "field/field_fixture.h"
 #include "operations/kernels/buffer_combination_plain.h"
 #include "support/kernel_compare.h"
 
@@ -113,54 +111,52 @@ TEST_F(BufferCommands, RefuseABufferOfAnotherSize) {
 }
 
 TEST_F(BufferCommands, LoadsTheGridThatTheOriginalFileHas) {
-  DatImage dat;
-  dat.data = "32.0 48.0 0 0 0 0 1.5 -0.25\r\n16 16 0 0 0 0 7 8\r\n";
-  const std::pair<std::string, std::string> cases[] = {
-      {"in.vas", VasImage().Build()}, {"in.Dat", dat.Build()}, {"in.vec", VecImage().Build()}};
+  const samples::SampleField sample = Sample(7, 5);
+  const std::pair<std::string, std::string> cases[] = {{"in.vas", samples::VasBytes(sample)},
+                                                       {"in.Dat", samples::DatBytes(sample)},
+                                                       {"in.vec", samples::VecBytes(sample, 1)}};
   for (const auto& [path, bytes] : cases) {
     Load(path, bytes);
     const VectorField loaded = field_;
     EXPECT_EQ(LoadBuffer(path, bytes), "Datei '" + path + "' in Buffer einlesen... fertig\r\n");
     EXPECT_EQ(FirstDifference(loaded, field_), "") << "the current field stays";
-    EXPECT_EQ(std::pair(buffer_.bufferColumnCount, buffer_.bufferRowCount),
-              std::pair(loaded.columnCount, loaded.rowCount));
+    EXPECT_EQ(std::pair(buffer_.bufferColumnCount, buffer_.bufferRowCount), std::pair(7, 5));
     EXPECT_TRUE(SameItem(buffer_.bufferVelX, loaded.velX) && SameItem(buffer_.bufferVelY, loaded.velY) &&
                 SameItem(buffer_.bufferStatus, loaded.status));
   }
 }
 
 TEST_F(BufferCommands, OnlyACopyIsKnownByItsPath) {
-  Load("dir/in.vas", VasImage().Build());
+  const std::string image = samples::VasBytes(Sample(3, 2));
+  Load("dir/in.vas", image);
   CopyFieldToBuffer(context_);
   EXPECT_EQ(program_.TakeLog(), "Vektorfeld in Buffer kopieren... fertig\r\n");
   EXPECT_EQ(LoadBuffer("dir/in.vas", "damaged"),
             "Datei 'dir/in.vas' in Buffer einlesen... befindet sich bereits im Buffer -> fertig\r\n");
-  LoadBuffer("other.vas", VasImage().Build());
+  LoadBuffer("other.vas", image);
   LoadBuffer("other.vas", "damaged");
   EXPECT_TRUE(context_.abortCurrentFile) << "it has been read again";
 }
 
 TEST_F(BufferCommands, AFailedLoadEndsTheFileAndLeavesTheBufferEmpty) {
-  DatImage foreign;
-  foreign.header[0] = "Date and Time: 24.11.03";
-  VecImage odd;
-  odd.rows = 3;
-  const std::size_t gridEnd = VasImage().Build().find(Bytes().I32(2147483647).I32(-2147483647 - 1)) + 8;
-  const std::string cutInGrid = VasImage().Build().substr(0, gridEnd - 1);
-  const std::string reading = "    Während des Einlesens dieser Datei ist folgender Fehler aufgetreten:\r\n";
+  samples::SampleField sample = Sample(3, 2);
+  sample.offsetX = 4711;
+  const std::string image = samples::VasBytes(sample), vec = samples::VecBytes(sample, 2);
+  const std::size_t gridEnd = image.find(Bytes().F64(4711).Get()) - 4;
   const std::string opening =
       "    Die aktuelle Datei kann nicht geöffnet werden, da folgender Fehler aufgetreten ist:\r\n";
+  const std::string reading = "    Während des Einlesens dieser Datei ist folgender Fehler aufgetreten:\r\n";
   struct Case {
     std::string path, bytes, lines;
   };
-  const Case cases[] = {
-      {"a.dat", foreign.Build(), "    Ungültiges Dateiformat!"},
-      {"a.vec", odd.Build(), "     Ungültiges VEC-Format: Anzahl der Zeilen nicht durch 2 teilbar (für 2 frames)!"},
-      {"a.vas", "quiverion" + VasImage().Build().substr(9), "    Dies ist keine gültige VAS-Datei!"},
-      {"a.vas", cutInGrid, reading + ErrorTextOf(62)},
-      {"a.txt", "", "    Unbekanntes Format!"},
-      {"b.vas/vas", VasImage().Build(), "    Unbekanntes Format!"},
-      {"", "", opening + ErrorTextOf(53)}};
+  const Case cases[] = {{"a.dat", "Date and Time: 24.11.03\r\n", "    Ungültiges Dateiformat!"},
+                        {"a.vec", std::string(vec).replace(10, 1, "\x03"),
+                         "     Ungültiges VEC-Format: Anzahl der Zeilen nicht durch 2 teilbar (für 2 frames)!"},
+                        {"a.vas", "quiverion" + image.substr(9), "    Dies ist keine gültige VAS-Datei!"},
+                        {"a.vas", image.substr(0, gridEnd - 1), reading + ErrorTextOf(62)},
+                        {"a.txt", "", "    Unbekanntes Format!"},
+                        {"b.vas/vas", image, "    Unbekanntes Format!"},
+                        {"", "", opening + ErrorTextOf(53)}};
   for (const Case& c : cases) {
     FillBuffer(MakeField(3, 2));
     buffer_.bufferFileName = "copied.vas";
@@ -171,7 +167,7 @@ TEST_F(BufferCommands, AFailedLoadEndsTheFileAndLeavesTheBufferEmpty) {
     EXPECT_TRUE(context_.abortCurrentFile);
     EXPECT_TRUE(buffer_.bufferFileName.empty() && buffer_.bufferColumnCount == 0 && buffer_.bufferRowCount == 0);
   }
-  EXPECT_TRUE(LoadBuffer("a.vas", VasImage().Build().substr(0, gridEnd)).ends_with("fertig\r\n"))
+  EXPECT_TRUE(LoadBuffer("a.vas", image.substr(0, gridEnd)).ends_with("fertig\r\n"))
       << "what follows the statuses is not read";
 }
 

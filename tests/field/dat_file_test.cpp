@@ -1,65 +1,130 @@
 
-#include <random>
-#include <tuple>
-
-#include "field/dat_image.h"
+#include "field/field_fixture.h"
 
 namespace quiverion::test {
 namespace {
 
-const std::string kNotKorvo = "    Ungültiges Dateiformat: Nicht von Korvo!";
+/// A DAT file of 64 x 64 pixels, window 32, step 16: columns at 16, 32, 48 and rows at 48, 32, 16 pixels.
+struct DatImage {
+  std::vector<std::string> header = {"Date and time: 24.11.03 10:15:02",
+                                     "File:duese_2.tif",
+                                     "Project:   Freistrahl  ",
+                                     "Operator:",
+                                     "\"Flow: D\xFCse, Querschnitt 1\"",
+                                     "Laser: Nd:YAG",
+                                     "Comment: x",
+                                     "Image: 64x64",
+                                     "Window: 32x32",
+                                     "Grid: 16x16",
+                                     "Scale: 77",
+                                     "Delay: 50",
+                                     "Valid: 77",
+                                     "Method: none",
+                                     "",
+                                     "x y dx dy d SNR u v"};
+  std::string data = "32.0 48.0 0 0 0 0 1.5 -0.25\r\n";
 
-TEST_F(DatFile, ReadsHeaderGridAndVectors) {
-  EXPECT_EQ(LoadLines("32.0 48.0 0 0 0 0 1.5 -0.25\r\n"), Loaded("in.dat"));
-  const std::array<std::string, 7> header = {"24.11.03 10:15:02",   "duese_2.tif", "Freistrahl", "",
-                                             "Düse, Querschnitt 1", "Nd:YAG",      "x"};
-  EXPECT_EQ(field_.headerLines, header);
-  EXPECT_EQ(std::pair(field_.pixelScale, field_.pulseDelay), std::pair(77, 50));
-  EXPECT_EQ(field_.validVectorCount, 77) << "as the file states it";
-  EXPECT_TRUE(SameBits(field_.posX, std::vector<double>{16.0 / 77 * 10, 32.0 / 77 * 10, 48.0 / 77 * 10}));
-  EXPECT_TRUE(SameBits(field_.posY, std::vector<double>{48.0 / 77 * 10, 32.0 / 77 * 10, 16.0 / 77 * 10}));
-  EXPECT_EQ(field_.velX(2, 1), 1.5);
-  EXPECT_EQ(field_.velY(2, 1), -0.25);
-  EXPECT_EQ(field_.status(2, 1), 1);
-  EXPECT_EQ(FilledPoints(), 1);
+  std::string Build(const std::string& lineEnd = "\r\n") const {
+    std::string text;
+    for (const std::string& field : header) text += field + lineEnd;
+    return text + data;
+  }
+};
+
+class DatFile : public FieldTest {
+ protected:
+  // What becomes of the file with field `number` of its header, counted from 1, replaced.
+  std::string With(std::size_t number, const std::string& text) {
+    DatImage image;
+    image.header[number - 1] = text;
+    return text + "\r\n" + Told("in.dat", image.Build());
+  }
+};
+
+TEST_F(DatFile, ReadsItsHeaderAndRefusesWhatKorvoDidNotWrite) {
+  std::string told = Told("in.dat", DatImage().Build());
+  for (const char* first :
+       {"date and time: 1", "Date and time:1", "", "\tDate and time: 1", "   \"Date and time: \""}) {
+    told += With(1, first);
+  }
+  told += With(5, "Flow: Nozzle, section 1");  // a comma without quotes ends the field
+  for (const char* size : {"64x64", "Size: 64 64", "Size: 64X64"}) {
+    for (std::size_t field = 8; field <= 10; ++field) told += With(field, size);
+  }
+  for (const char* size : {"Image [px]: 216 x 166", "Image:64x48x7", "Image:62.5px x 63.5", "Image: 62.5x63.5:9",
+                           "Image: x", "x: +6.4e1x6,4"}) {
+    told += With(8, size);
+  }
+  told += With(11, "Scale: 80.5 px/cm") + With(12, "Delay: -2.5") + With(12, "Delay: 1e400") + With(13, "Valid: many");
+  for (std::size_t field = 2; field <= 13; ++field) told += With(field, "no colon");
+  for (std::size_t count = 0; count < 16; ++count) {
+    DatImage image;
+    image.header.resize(count);
+    image.data.clear();
+    EXPECT_EQ(Load("in.dat", image.Build()), ReadFailed("in.dat", 62)) << count;
+  }
+  ExpectApproved("dat_headers.txt", told);
+}
+
+TEST_F(DatFile, TheGridIsPlacedInTheImageWithoutTakingMuchMemory) {
+  const char* const placements[][3] = {
+      {"216x166", "32x32", "16x16"},    {"64x48", "33x31", "7x5"},
+      {"64x64", "32x40", "16x30"},      {"64x64", "100x32", "16x16"},
+      {"64x64", "32x100", "16x16"},     {"64x64", "100x100", "16x16"},
+      {"64x64", "1000x1000", "0x16"},   {"64x64", "1000x1000", "16x0"},
+      {"64x64", "1000x1000", "0.5x16"}, {"64x64", "32x32", "-16x16"},  // falls for ever
+      {"64x64", "32x32", "16x-16"},     {"64x64", "-40x32", "-16x16"},
+      {"16x64", "32x32", "16x16"},      {"2147483647x2147483647", "2x2", "1x1"},
+      {"2147483647x3", "2x2", "1x1"},   {"20000x20000", "2x2", "1x1"},
+      {"1025x1025", "2x2", "1x1"}};
+  const long before = PeakMemory();
+  std::string told;
+  for (const auto& [size, window, step] : placements) {
+    const bool isSparse = std::string_view(size) == "1025x1025";  // a field of a million points
+    EXPECT_TRUE(isSparse || PeakMemory() - before < 50 * 1024);
+    DatImage image;
+    image.header[7] = std::string("Image:") + size;
+    image.header[8] = std::string("Window:") + window;
+    image.header[9] = std::string("Grid:") + step;
+    image.data.clear();
+    told += std::string(size) + " " + window + " " + step + "\r\n" + Told("in.dat", image.Build());
+  }
+  ExpectApproved("dat_grids.txt", told);
 }
 
 TEST_F(DatFile, PutsEachLineAtItsGridPoint) {
-  struct Case {
-    std::string line;
-    std::int32_t column, row;
-    double u, v;
-  };
-  const Case cases[] = {{"16 48 0 0 0 0 1 2", 1, 1, 1, 2},
-                        {"48 16 0 0 0 0 1 2 9 9 9", 3, 3, 1, 2},
-                        {"30.5 32.5 0 0 0 0 1 2", 1, 2, 1, 2},  // 14.5 is 14, 32.5 is 32
-                        {"0.6 63.4 0 0 0 0 1 2", 1, 1, 1, 2},   // less than a step outside belongs to the edge
-                        {"3.2E1 4.8e+1 0 0 0 0 15e-1 -25E-2", 2, 1, 1.5, -0.25},
-                        {"+32 48. 0 0 0 0 +.5 -.5", 2, 1, 0.5, -0.5},
-                        {"32px 48px 0 0 0 0 1.5m/s x", 2, 1, 1.5, 0},
-                        {"32 48", 2, 1, 0, 0},
-                        {"32\t1 48 0 0 0 0 1\t5 2", 2, 1, 1, 2},  // a tab belongs to its column
-                        {"32 48 1e999 x 0 0 -0 -0.0", 2, 1, -0.0, -0.0},
-                        {"32 48 0 0 0 0 nan inf", 2, 1, 0, 0},
-                        {"\"32 48 a,b 0 0 0 1 2\"", 2, 1, 1, 2},
-                        {"  \"32 48 0 0 0 0 1 2\"  ", 2, 1, 1, 2}};
-  for (const Case& c : cases) {
-    for (const char* const lineEnd : {"\r\n", "\n", "\r", ""}) {
-      ASSERT_EQ(LoadLines(c.line + lineEnd), Loaded("in.dat")) << c.line;
-      EXPECT_EQ(field_.status(c.column, c.row), 1) << c.line;
-      EXPECT_TRUE(SameBits({&field_.velX(c.column, c.row), 1}, {&c.u, 1})) << c.line;
-      EXPECT_TRUE(SameBits({&field_.velY(c.column, c.row), 1}, {&c.v, 1})) << c.line;
-      EXPECT_EQ(FilledPoints(), 1) << c.line;
+  std::string told;
+  for (const std::string line : {"16 48 0 0 0 0 1 2",
+                                 "48 16 0 0 0 0 1 2 9 9 9",
+                                 "30.5 32.5 0 0 0 0 1 2",  // 14.5 is 14, 32.5 is 32
+                                 "0.6 63.4 0 0 0 0 1 2",   // less than a step outside belongs to the edge
+                                 "3.2E1 4.8e+1 0 0 0 0 15e-1 -25E-2",
+                                 "+32 48. 0 0 0 0 +.5 -.5",
+                                 "32px 48px 0 0 0 0 1.5m/s x",
+                                 "32 48",
+                                 "32\t1 48 0 0 0 0 1\t5 2",  // a tab belongs to its column
+                                 "32 48 1e999 x 0 0 -0 -0.0",
+                                 "32 48 0 0 0 0 nan inf",
+                                 "\"32 48 a,b 0 0 0 1 2\"",
+                                 "  \"32 48 0 0 0 0 1 2\"  ",
+                                 "0 48 0 0 0 0 1 2",
+                                 "64 48 0 0 0 0 1 2",
+                                 "16 64 0 0 0 0 1 2",
+                                 "16 0 0 0 0 0 1 2",
+                                 "16 48 1 2\r\n\r\n",  // a blank line is (0, 0)
+                                 "3e9 48 0 0 0 0 1 2",
+                                 "16 48 0 0 0 0 1e999 2",
+                                 "16 48 0 0 0 0 1,500 2"}) {  // behind a comma the rest is a line of its own
+    DatImage image;
+    image.data = line;
+    const std::string alone = Told("in.dat", image.Build());
+    for (const char* const lineEnd : {"\r\n", "\n", "\r"}) {
+      image.data = line + lineEnd;
+      EXPECT_EQ(Told("in.dat", image.Build()), alone) << line;
     }
+    told += line + "\r\n" + alone;
   }
-}
-
-TEST_F(DatFile, RefusesLinesOutsideTheGridAndNumbersTooLarge) {
-  // A blank line is (0, 0); behind a comma the rest is a line of its own.
-  const std::pair<std::string, int> cases[] = {
-      {"0 48 0 0 0 0 1 2", 9},  {"64 48 0 0 0 0 1 2", 9},  {"16 64 0 0 0 0 1 2", 9},     {"16 0 0 0 0 0 1 2", 9},
-      {"16 48 1 2\r\n\r\n", 9}, {"3e9 48 0 0 0 0 1 2", 6}, {"16 48 0 0 0 0 1e999 2", 6}, {"16 48 0 0 0 0 1,500 2", 9}};
-  for (const auto& [lines, number] : cases) EXPECT_EQ(LoadLines(lines), ReadFailed("in.dat", number)) << lines;
+  ExpectApproved("dat_lines.txt", told);
 }
 
 TEST_F(DatFile, EndsFieldsAtCommasAndEveryLineEnd) {
@@ -67,100 +132,10 @@ TEST_F(DatFile, EndsFieldsAtCommasAndEveryLineEnd) {
     DatImage image;
     image.data = "32 48 0 0 0 0 1 2" + lineEnd + "16 16 0 0 0 0 3 4" + lineEnd + "32 48 0 0 0 0 5 6";
     EXPECT_EQ(Load("in.dat", image.Build(lineEnd)), Loaded("in.dat"));
-    EXPECT_EQ(FilledPoints(), 2);
+    EXPECT_EQ(std::ranges::count(field_.status.Values(), 1), 2);
     EXPECT_EQ(field_.velX(2, 1), 5) << "the later line counts";
     EXPECT_EQ(field_.headerLines[6], "x");
   }
-}
-
-// A comma turns the quick way through the lines off: a last line that stands there once or twice makes no difference.
-TEST_F(DatFile, TheQuickWayGivesTheSameField) {
-  std::mt19937_64 random(7);
-  const auto below = [&](std::uint64_t limit) { return random() % limit; };
-  const auto pick = [&](std::initializer_list<std::string> choices) {
-    return *(choices.begin() + below(choices.size()));
-  };
-  const auto position = [&](std::uint64_t limit) {
-    const std::string whole = std::to_string(below(below(20) == 0 ? limit + 40 : limit));
-    return pick({"", "", "", "0", "+", "-0"}) + whole +
-           pick({"", "", ".", ".0", ".5", ".499999", ".50000001", "E0", "e-1", ".0px", "0.000000"});
-  };
-  const auto velocity = [&] {
-    return pick({"", "-"}) + std::to_string(below(40000)) + pick({"", ".", "."}) + std::to_string(below(1000000)) +
-           pick({"", "", "", "", "x", "E-5"});
-  };
-  int loaded = 0;
-  for (int turn = 0; turn < 1500; ++turn) {
-    DatImage image;
-    const bool fine = turn % 4 < 2;  // a grid where every half pixel counts
-    image.header[7] = fine ? "Image: 64x52" : "Image: 640x480";
-    image.header[8] = fine ? "Window: 2x2" : "Window: 32x32";
-    image.header[9] = fine ? "Grid: 1x1" : "Grid: 16x16";
-    for (std::uint64_t k = 0, count = below(turn % 2 == 0 ? 3 : 30); k < count; ++k) {
-      image.data += position(fine ? 60 : 620) + pick({" ", " ", "  "}) + position(fine ? 50 : 460) + " 1 2 3 4 " +
-                    velocity() + " " + velocity() + pick({"\r\n", "\r\n", " 9\n", "\r"});
-    }
-    const std::string last = "16 48 0 0 0 0 1 2";
-    image.data += last;
-    const std::string quickLog = LoadDat(image);
-    const VectorField quick = field_;
-    image.data += "," + last;
-    ASSERT_EQ(LoadDat(image), quickLog) << image.data;
-    ASSERT_EQ(FirstDifference(field_, quick), "") << image.data;
-    loaded += context_.abortCurrentFile ? 0 : 1;
-  }
-  EXPECT_GT(loaded, 300);
-  EXPECT_LT(loaded, 1400);
-}
-
-TEST_F(DatFile, RefusesWhatKorvoDidNotWrite) {
-  const auto refused = [&](std::size_t field, const std::string& text) {
-    DatImage image;
-    image.header[field - 1] = text;
-    EXPECT_EQ(LoadDat(image), LoadRefused("in.dat", kNotKorvo)) << text;
-  };
-  for (const std::string first : {"date and time: 1", "Date and time:1", "", "\tDate and time: 1"}) refused(1, first);
-  for (std::size_t field = 2; field <= 13; ++field) refused(field, "no colon");
-  for (std::size_t field = 8; field <= 10; ++field) {
-    refused(field, "64x64");  // the colon is missing
-    refused(field, "Size: 64 64");
-    refused(field, "Size: 64X64");
-  }
-  DatImage image;
-  image.header[4] = "Flow: Nozzle, section 1";  // a comma without quotes ends the field
-  EXPECT_EQ(LoadDat(image), LoadRefused("in.dat", kNotKorvo));
-  image = {};
-  image.header[0] = "   \"Date and time: \"";
-  EXPECT_EQ(LoadDat(image), Loaded("in.dat"));
-  EXPECT_EQ(field_.headerLines[0], "");
-}
-
-TEST_F(DatFile, AHeaderThatEndsEarlyIsAReadError) {
-  for (std::size_t count = 0; count <= 16; ++count) {
-    DatImage image;
-    image.header.resize(count);
-    EXPECT_EQ(LoadDat(image), count < 16 ? ReadFailed("in.dat", 62) : Loaded("in.dat")) << count;
-  }
-}
-
-TEST_F(DatFile, ReadsNumbersOfTheHeaderByTheirPrefix) {
-  const std::tuple<std::string, std::int32_t, std::int32_t> pairs[] = {
-      {"Image [px]: 2016 x 1616", 2016, 1616}, {"Image:64x48x7", 64, 48}, {"Image:62.5px x 63.5", 62, 0},
-      {"Image: 62.5x63.5:9", 62, 64},          {"Image: x", 0, 0},        {"x: +6.4e1x6,4", 64, 6}};
-  for (const auto& [text, width, height] : pairs) {
-    DatImage image;
-    image.header[7] = text;
-    LoadDat(image);
-    EXPECT_EQ(std::pair(field_.imageWidth, field_.imageHeight), std::pair(width, height)) << text;
-  }
-  DatImage image;
-  image.header[10] = "Scale: 80.5 px/cm";
-  image.header[11] = "Delay: -2.5";
-  image.header[12] = "Valid: many";
-  EXPECT_EQ(LoadDat(image), Loaded("in.dat"));
-  EXPECT_EQ(std::tuple(field_.pixelScale, field_.pulseDelay, field_.validVectorCount), std::tuple(80, -2, 0));
-  image.header[11] = "Delay: 1e400";
-  EXPECT_EQ(LoadDat(image), ReadFailed("in.dat", 6));
 }
 
 }  // namespace

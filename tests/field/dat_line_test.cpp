@@ -6,7 +6,6 @@
 #include <array>
 #include <bit>
 #include <memory>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -115,22 +114,6 @@ TEST(DatLine, LinesOfTheUsualShapeAreTakenTogether) {
     EXPECT_EQ(taken.lines, 40);
     EXPECT_EQ(taken.plain, 40);
   }
-}
-
-// Line ends and commas where a line is expected to go on, columns missing, blanks anywhere.
-TEST(DatLine, RandomTextsGiveTheBitsOfTheDefinition) {
-  std::mt19937 random(20);
-  const std::string_view alphabet = "          0123456789....--\r\n,x\"";
-  const std::string usual = "16 48 0.894 -0.411 0.984 2.10 -12.345678 0.234567 2.236068\r\n";
-  int taken = 0;
-  for (int round = 0; round < 4000; ++round) {
-    std::string text = usual + usual + usual + usual;
-    for (int change = 0; change < 6; ++change) {
-      text[usual.size() / 2 + random() % (text.size() - usual.size() / 2)] = alphabet[random() % alphabet.size()];
-    }
-    taken += TakeAndCompare(text).lines;
-  }
-  EXPECT_GT(taken, 4000);
 }
 
 }  // namespace

@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <string>
 #include <string_view>
 
 #include "field/formats/load_original_file.h"
 #include "field/formats/vas_file.h"
+#include "generator/sample_files.h"
+#include "support/approved.h"
 #include "support/bytes.h"
 #include "support/error_of.h"
 #include "support/field_builder.h"
@@ -35,23 +38,9 @@ inline std::string ReadFailed(const std::string& path, int number) {
       path, "    Während des Einlesens dieser Datei ist folgender Fehler aufgetreten:\r\n" + ErrorTextOf(number));
 }
 
-/// A file that gets shorter between the look at its size and the reading.
-class ShrunkFile : public InputFile {
- public:
-  ShrunkFile(std::string content, std::uint64_t claimed) : content_(std::move(content)), claimed_(claimed) {}
-  std::uint64_t Size() const override { return claimed_; }
-  std::size_t Read(void* target, std::size_t size) override {
-    const std::size_t count = content_.copy(static_cast<char*>(target), size, at_);
-    at_ += count;
-    return count;
-  }
-  void Seek(std::uint64_t position) override { at_ = static_cast<std::size_t>(position); }
-
- private:
-  std::string content_;
-  std::uint64_t claimed_;
-  std::size_t at_ = 0;
-};
+inline samples::SampleField Sample(int columns, int rows) {
+  return samples::MakeSampleField({.columns = columns, .rows = rows, .maskedBody = false});
+}
 
 /// Loads and saves in a file system in memory and returns what was logged. A load sees only its own flags.
 class FieldTest : public testing::Test {
@@ -67,6 +56,31 @@ class FieldTest : public testing::Test {
   std::string Load(const std::string& path, const std::string& bytes) {
     files_.files[path] = bytes;
     return LoadExisting(path);
+  }
+  /// The log of a load, and what the field holds then: measures, the ends of the positions, every vector that is not 0.
+  std::string Told(const std::string& path, const std::string& bytes) {
+    std::string text = Load(path, bytes);
+    if (context_.abortCurrentFile) return text + "\r\n";
+    const auto tell = [&text](double value) {
+      char digits[32];
+      text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr) += ' ';
+    };
+    const VectorField& f = field_;
+    for (const std::int32_t number :
+         {f.imageWidth, f.imageHeight, f.windowWidth, f.windowHeight, f.gridStepX, f.gridStepY, f.firstPixelX,
+          f.firstPixelY, f.pixelScale, f.pulseDelay, f.columnCount, f.rowCount, f.validVectorCount}) {
+      tell(number);
+    }
+    for (const double position : {f.posX.front(), f.posX.back(), f.posY.front(), f.posY.back()}) tell(position);
+    for (std::int32_t j = 1; j <= f.rowCount; ++j) {
+      for (std::int32_t i = 1; i <= f.columnCount; ++i) {
+        if (f.status(i, j) == 0 && f.velX(i, j) == 0 && f.velY(i, j) == 0) continue;
+        text += "(" + std::to_string(i) + "," + std::to_string(j) + "): ";
+        for (const double value : {f.velX(i, j), f.velY(i, j), static_cast<double>(f.status(i, j))}) tell(value);
+      }
+    }
+    for (const std::string& line : f.headerLines) text += "|" + line;
+    return text + "|" + f.infoText + (context_.runHadError ? "|warned\r\n\r\n" : "\r\n\r\n");
   }
   std::string Save(const std::string& path) {
     context_.abortCurrentFile = context_.runHadError = context_.userAbortRequested = false;

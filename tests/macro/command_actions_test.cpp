@@ -67,31 +67,19 @@ TEST(CommandActions, TransformationAndMirrorPassTheirParametersInOrder) {
   VectorField& field = program.context.field;
   field = MakeField(2, 3);
   field.velX(1, 1) = field.velY(1, 1) = 1.0;
-  const auto run = [&](const MacroEvent& event) {
-    FindCommand(event.EventId())->run({program.context, event, "", ""});
+  const auto run = [&](std::int32_t id, std::initializer_list<std::pair<const char*, MacroValue>> values) {
+    MacroEvent event(id);
+    for (const auto& [key, value] : values) event.Set(key, value);
+    FindCommand(id)->run({program.context, event, "", ""});
   };
-  MacroEvent trafo(30003);
-  int number = 1;
-  for (const char* key : {"TxtFakX", "TxtDeltaX", "TxtFakY", "TxtDeltaY", "TxtFakVecX", "TxtFakVecY"}) {
-    trafo.Set(key, std::to_string(++number));
-  }
-  run(trafo);
-  EXPECT_EQ(field.posX[1], 2 * 2 + 3);
-  EXPECT_EQ(field.posY[2], 3 * 4 + 5);
+  run(30003,
+      {{"TxtFakX", 2}, {"TxtDeltaX", 3}, {"TxtFakY", 4}, {"TxtDeltaY", 5}, {"TxtFakVecX", 6}, {"TxtFakVecY", 7}});
+  EXPECT_EQ(std::pair(field.posX[1], field.posY[2]), std::pair(7.0, 17.0));
   EXPECT_EQ(std::pair(field.velX(1, 1), field.velY(1, 1)), std::pair(6.0, 7.0));
-  MacroEvent mirror(30002);
-  mirror.Set("ChkPosX", 1);
-  mirror.Set("ChkPosY", 0);
-  run(mirror);
+  run(30002, {{"ChkPosX", 1}, {"ChkPosY", 0}});
   EXPECT_EQ(field.velX(2, 1), 6.0);
-  mirror.Set("ChkPosX", 0);
-  mirror.Set("ChkPosY", 1);
-  run(mirror);
-  EXPECT_EQ(field.velX(2, 3), 6.0);
-  MacroEvent subtract(40202);
-  subtract.Set("XComp", 1.0);
-  subtract.Set("YComp", -2.0);
-  run(subtract);
+  run(30002, {{"ChkPosX", 0}, {"ChkPosY", 1}});
+  run(40202, {{"XComp", 1.0}, {"YComp", -2.0}});
   EXPECT_EQ(std::pair(field.velX(2, 3), field.velY(2, 3)), std::pair(5.0, 9.0));
 }
 

@@ -2,11 +2,23 @@
 
 #include <gtest/gtest.h>
 
+#include "macro/command_catalogue.h"
 #include "run_fixture.h"
+#include "support/approved.h"
 #include "support/bytes.h"
 
 namespace quiverion::test {
 namespace {
+
+std::string Hexadecimal(const std::string& bytes) {
+  std::string text;
+  for (const char byte : bytes) {
+    constexpr char digits[] = "0123456789ABCDEF";
+    const auto value = static_cast<unsigned char>(byte);
+    text += {digits[value / 16], digits[value % 16], text.size() % 96 == 93 ? '\n' : ' '};
+  }
+  return text;
+}
 
 class MacroFile : public testing::Test {
  protected:
@@ -42,92 +54,65 @@ class MacroFile : public testing::Test {
   TestSession program;
 };
 
-struct FileCase {
-  const char* name;
+// Every command with values of all kinds, converted where the file wants another.
+MacroEventList EveryCommand() {
   MacroEventList macro;
-  std::string bytes;
-};
-
-MacroEvent FaultVectors() {
-  return Event(30001, {{"ChkAbsDeviation", 1},
-                       {"TxtAbsDeviation", std::string("30")},
-                       {"ChkAbsInterval", 2},
-                       {"OptAbsIntOut", true},
-                       {"TxtAbsIntMin", std::string("0.5")},
-                       {"TxtAbsIntMax", std::string("1e2")},
-                       {"ChkDirDeviation", 0},
-                       {"TxtDirDeviation", std::string("45°")},
-                       {"ChkXComp", 1.0},
-                       {"OptXCompIntOut", false},
-                       {"TxtXCompIntMin", std::string("-7")},
-                       {"TxtXCompIntMax", std::string()},
-                       {"ChkYComp", 0},
-                       {"OptYCompIntOut", true},
-                       {"TxtYCompIntMin", std::string("a")},
-                       {"TxtYCompIntMax", std::string("b")},
-                       {"CompareVectorType", 3},
-                       {"CboMedianX", 1},
-                       {"CboMedianY", 2.0},
-                       {"CboLocalMiddleX", 3},
-                       {"CboLocalMiddleY", 4},
-                       {"TxtUserVectorX", std::string("1.5")},
-                       {"TxtUserVectorY", std::string("-2")},
-                       {"LogicalOr", true}});
-}
-
-// clang-format off
-const std::vector<FileCase>& Examples() {
-  static const std::vector<FileCase> cases = {
-      {"empty", {}, Bytes().I32(0)},
-      {"faulty vectors",
-       {FaultVectors()},
-       Bytes().I32(1).I32(30001)
-           .I32(1).Text("30").I32(2).I16(-1).Text("0.5").Text("1e2")
-           .I32(0).Text("45\xB0")
-           .I32(1).I16(0).Text("-7").Text("")
-           .I32(0).I16(-1).Text("a").Text("b")
-           .I32(3).I32(1).I32(2).I32(3).I32(4).Text("1.5").Text("-2").I16(-1)},
-      {"constant vectors",
-       {Event(40201, {{"XComp", 2.5}, {"YComp", -1.5}}), Event(40202, {{"XComp", 3.5}, {"YComp", -0.4}})},
-       Bytes().I32(2).I32(40201).I32(2).I32(-2).I32(40202).I32(4).I32(0)},
-      {"mirror, vortex centres, view",
-       {Event(30002, {{"ChkPosX", 1}, {"ChkPosY", 0}}),
-        Event(40002, {{"FileName", std::string("C:\\Maße\\w.txt")}, {"AutoTrafo", false}}),
-        Event(50003, {{"Checked", 1}}), Event(50006, {{"Value", 0.1}}), Event(50105, {{"Value", -3}})},
-       Bytes().I32(5).I32(30002).I32(1).I32(0).I32(40002).Text("C:\\Ma\xDF" "e\\w.txt").I16(0).I32(50003).I16(-1)
-           .I32(50006).F64(0.1).I32(50105).F64(-3)},
-      {"transformation, buffer, statistics, without parameters",
-       {Event(30003, {{"TxtFakX", std::string("1")}, {"TxtDeltaX", std::string("2")}, {"TxtFakY", std::string("3")},
-                      {"TxtDeltaY", std::string("4")}, {"TxtFakVecX", std::string("5")},
-                      {"TxtFakVecY", std::string("6")}}),
-        Event(20002, {{"FileName", std::string("b.vec")}}), Event(40103),
-        Event(60001, {{"FileName", std::string("€.col")}})},
-       Bytes().I32(4).I32(30003).Text("1").Text("2").Text("3").Text("4").Text("5").Text("6")
-           .I32(20002).Text("b.vec").I32(40103).I32(60001).Text("\x80.col")},
-      {"unknown and menu ids", {Event(12345), Event(50100), Event(-1)},
-       Bytes().I32(3).I32(12345).I32(50100).I32(-1)}};
-  return cases;
-}
-// clang-format on
-
-TEST_F(MacroFile, WritesAndReadsEveryKindOfParameterByteForByte) {
-  for (const FileCase& c : Examples()) {
-    EXPECT_EQ(Save(c.macro), c.bytes) << c.name;
-    const MacroEventList macro = Load(c.bytes);
-    ASSERT_EQ(macro.size(), c.macro.size()) << c.name;
-    for (std::size_t k = 0; k < macro.size(); ++k) {
-      EXPECT_EQ(macro[k].Values().size(), c.macro[k].Values().size()) << c.name;
+  int number = 0;
+  for (const CommandRow& row : CommandCatalogue()) {
+    if (row.IsMenu()) continue;
+    MacroEvent& event = macro.emplace_back(row.eventId);
+    for (const Parameter& parameter : row.parameters) {
+      ++number;
+      switch (parameter.kind) {
+        case ParameterKind::text:
+          event.Set(parameter.key, "Maß\\€ " + std::to_string(number));
+          break;
+        case ParameterKind::flag:
+          event.Set(parameter.key, number % 2);
+          break;
+        default:
+          event.Set(parameter.key, number + 0.5);
+      }
     }
-    EXPECT_EQ(Save(macro), c.bytes) << c.name;
   }
+  macro.emplace_back(12345);  // unknown, and a menu
+  macro.emplace_back(50100);
+  return macro;
 }
 
-TEST_F(MacroFile, RefusesAFileThatIsCutAnywhere) {
-  for (const FileCase& c : Examples()) {
-    for (std::size_t size = 0; size < c.bytes.size(); ++size) {
-      ExpectRefused(c.bytes.substr(0, size));
-      ASSERT_FALSE(HasFailure()) << c.name << " cut to " << size << " bytes";
-    }
+TEST_F(MacroFile, WritesEveryKindOfParameterByteForByte) {
+  // Numbers go into the file as they are kept there: halves are rounded to even.
+  EXPECT_EQ(Save({Event(40201, {{"XComp", 2.5}, {"YComp", -1.5}}), Event(50006, {{"Value", 0.1}}),
+                  Event(50003, {{"Checked", 1}}), Event(30002, {{"ChkPosX", 2.0}, {"ChkPosY", 0}}),
+                  Event(40002, {{"FileName", std::string("C:\\Maße\\w.txt")}, {"AutoTrafo", false}}), Event(-1)}),
+            Bytes()
+                .I32(6)
+                .I32(40201)
+                .I32(2)
+                .I32(-2)
+                .I32(50006)
+                .F64(0.1)
+                .I32(50003)
+                .I16(-1)
+                .I32(30002)
+                .I32(2)
+                .I32(0)
+                .I32(40002)
+                .Text("C:\\Ma\xDF"
+                      "e\\w.txt")
+                .I16(0)
+                .I32(-1)
+                .Get());
+  ExpectApproved("macro_file.txt", Hexadecimal(Save(EveryCommand())));
+}
+
+TEST_F(MacroFile, ReadsWhatItWritesAndRefusesItCutAnywhere) {
+  const std::string bytes = Save(EveryCommand());
+  EXPECT_EQ(Save(Load(bytes)), bytes);
+  EXPECT_EQ(Load(Bytes().I32(0)).size(), 0u);
+  for (std::size_t size = 0; size < bytes.size(); ++size) {
+    ExpectRefused(bytes.substr(0, size));
+    ASSERT_FALSE(HasFailure()) << size << " bytes";
   }
 }
 
@@ -136,9 +121,8 @@ TEST_F(MacroFile, RefusesDamagedCountsAndLengths) {
                              Bytes().I32(1).I32(10002).I32(-1).I32(0), Bytes().I32(1).I32(10001).I32(2147483647).I32(0),
                              Bytes().I32(1).I32(10001).Text("a").I32(-5).I32(0)};
   for (const std::string& bytes : bad) ExpectRefused(bytes);
-  program.files.files["/bad.mak"] = Examples()[1].bytes;
   program.files.readFailsAt["/bad.mak"] = 40;
-  ExpectRefused(Examples()[1].bytes);
+  ExpectRefused(Save(EveryCommand()));
 }
 
 struct SaveFailure {

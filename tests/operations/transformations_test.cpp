@@ -66,18 +66,6 @@ TEST_F(Transformations, CoordinatesAndWhatBelongsToThem) {
   }
 }
 
-TEST_F(Transformations, StopAtTheFirstOverflowOfTheStatedOrder) {
-  field = MakeField(3, 2);
-  field.posX[1] = 1e308;
-  EXPECT_EQ(ErrorOf([&] { TransformCoordinates(context, {2, 1, 2, 0, 2, 2}); }), 6);
-  EXPECT_TRUE(SameBits(field.posX, std::vector<double>{3, 1e308, 3}));
-  EXPECT_TRUE(SameBits(field.posY, std::vector<double>{1, 2}));
-  field.galileiVelY = -1e308;
-  EXPECT_EQ(ErrorOf([&] { AddConstantVector(context, 5, 1e308); }), 6);
-  EXPECT_EQ(field.velX(3, 2), 5);
-  EXPECT_EQ(std::pair(field.galileiVelX, field.galileiVelY), std::pair(-5.0, -1e308));
-}
-
 TEST_F(Transformations, MirrorVectorsWithTheirPositions) {
   const std::pair<bool, bool> options[] = {{true, false}, {false, true}, {true, true}, {false, false}};
   for (const auto& [mirrorX, mirrorY] : options) {

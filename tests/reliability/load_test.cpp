@@ -29,14 +29,14 @@ class Load : public testing::Test {
   Outcome Run(const std::vector<std::string>& arguments, const char* what, int code = 0) const {
     Outcome outcome = RunProgram(place_, arguments);
     EXPECT_EQ(outcome.code, code) << outcome.err << outcome.out.substr(0, 2000);
-    std::printf("%s: %.2f s, %ld MB\n", what, outcome.seconds, outcome.peakKilobytes / 1024);
+    std::printf("%s: %ld MB\n", what, outcome.peakKilobytes / 1024);
     return outcome;
   }
 
   Workplace place_;
 };
 
-TEST_F(Load, ManyFilesTakeTimeInProportionAndNoMoreMemory) {
+TEST_F(Load, ManyFilesTakeNoMoreMemory) {
   Import(R"([{"EventId": "evtGauss3x3"}, {"EventId": "evtSaveVas", "Prefix": "neu/", "Postfix": ""},
              {"EventId": "evtCollectStatistics", "FileName": "serie.col"}])");
   const std::string bytes = samples::VasBytes(samples::MakeSampleField({.columns = 5, .rows = 4}));
@@ -51,30 +51,6 @@ TEST_F(Load, ManyFilesTakeTimeInProportionAndNoMoreMemory) {
   EXPECT_NE(second.out.find("gesammelten Dateien: " + std::to_string(few + many) + "\n"), std::string::npos);
   EXPECT_NE(second.out.find("erfolgreich beendet"), std::string::npos);
   EXPECT_TRUE(kSanitized || second.peakKilobytes - first.peakKilobytes < (many - few) / 4 + 4096) << "256 bytes a file";
-  // Square growth would be a hundredfold; the disk takes its own time for so many.
-  EXPECT_TRUE(kSanitized || !IsSoak() || second.seconds < 40 * first.seconds);
-}
-
-TEST_F(Load, ALargeFieldGoesThroughEveryKindOfCommand) {
-  Import(R"([{"EventId": "evtFaultVectors",
-              "ChkAbsDeviation": 1, "TxtAbsDeviation": "40", "ChkAbsInterval": 0, "OptAbsIntOut": true,
-              "TxtAbsIntMin": "0", "TxtAbsIntMax": "10", "ChkDirDeviation": 1, "TxtDirDeviation": "30",
-              "ChkXComp": 0, "OptXCompIntOut": true, "TxtXCompIntMin": "-10", "TxtXCompIntMax": "10",
-              "ChkYComp": 0, "OptYCompIntOut": true, "TxtYCompIntMin": "-10", "TxtYCompIntMax": "10",
-              "CompareVectorType": 3, "CboMedianX": 2, "CboMedianY": 2, "CboLocalMiddleX": 2, "CboLocalMiddleY": 2,
-              "TxtUserVectorX": "0", "TxtUserVectorY": "0", "LogicalOr": true},
-             {"EventId": "evtInterpolation"}, {"EventId": "evtGauss5x5"},
-             {"EventId": "evtVortexCentres", "FileName": "wirbel.txt", "AutoTrafo": false},
-             {"EventId": "evtSaveVas", "Prefix": "", "Postfix": "_s"},
-             {"EventId": "evtMatlabSwirl2", "Prefix": "", "Postfix": ""},
-             {"EventId": "evtCollectStatistics", "FileName": "serie.col"}])");
-  const int side = ShortOrLong(300, 4000);
-  place_.Write("a.vas", samples::VasBytes(samples::MakeSampleField({.columns = side, .rows = side})));
-  Run({"run", "--macro", "m.mak", "a.vas"}, "a large field");
-  EXPECT_GT(fs::file_size(place_.Path() + "a_s.vas"),
-            static_cast<std::uintmax_t>(side) * static_cast<std::uintmax_t>(side) * 20);
-  const Outcome statistic = Run({"statistics", "mean", "serie.col", "mean.vas"}, "its mean");
-  EXPECT_EQ(statistic.err, "");
 }
 
 // Offsets behind 4 GB: the file has holes, so it takes no room.
@@ -99,22 +75,6 @@ TEST_F(Load, ACollectionOfMoreThan4GigabytesIsListedAppendedToAndShortened) {
   std::string moved(static_cast<std::size_t>(record), '\0');
   file.read(moved.data(), record);
   EXPECT_TRUE(moved.substr(128) == one.substr(header + 128)) << "the last record lies in the first hole";
-}
-
-TEST_F(Load, AMacroOf2000CommandsIsCarriedOutToItsEnd) {
-  std::string json = "[";
-  for (int k = 0; k < 500; ++k) {
-    json += R"({"EventId": "evtGauss3x3"}, {"EventId": "evtInterpolation"},
-               {"EventId": "evtMirror", "ChkPosX": 1, "ChkPosY": 0},
-               {"EventId": "evtAddConstVector", "XComp": 1.0, "YComp": 0.5},)";
-  }
-  json.back() = ']';
-  Import(json);
-  place_.Write("a.vas", samples::VasBytes(samples::MakeSampleField({.columns = 30, .rows = 20})));
-  const Outcome run = Run({"run", "--macro", "m.mak", "a.vas"}, "2,000 commands");
-  std::size_t done = 0;
-  for (std::size_t at = 0; (at = run.out.find("fertig\n", at)) != std::string::npos; ++at) ++done;
-  EXPECT_EQ(done, 2001u);
 }
 
 TEST_F(Load, APathOf4000CharactersOfEveryKindIsAPath) {

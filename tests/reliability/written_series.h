@@ -4,7 +4,6 @@
 #include <functional>
 #include <map>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "macro/session.h"
@@ -21,16 +20,21 @@ Tree ReadTree(const std::string& directory);
 /// True for the name of a temporary file.
 bool IsTemporary(const std::string& path);
 
+/// The faults of disks, quotas, permissions and drives, and the errors that they are to the program.
+struct Fault {
+  int code;
+  ErrorNumber number;
+  bool once = false;                        // else every call from there on, as long as the command takes
+  std::vector<MessageAnswer> answers = {};  // to its questions; then Cancel
+};
+extern const std::vector<Fault> kFaults;
+
 /// A kind of file that a macro writes.
 struct WrittenKind {
   std::string name;
   MacroEvent command;
-  std::string target;                  // what the first file of the series writes to, below the directory
-  Tree before = {};                    // what is there already, beside the series
-  std::string_view announcement = {};  // the beginning of its log line
-  std::string_view openFailed = {};
-  std::string_view writeFailedIn = {};  // the sentence in front of the file's path
-  std::string_view afterFailure = {};   // log lines that come all the same
+  std::string target;  // what the first file of the series writes to, below the directory
+  Tree before = {};    // what is there already, beside the series
   bool isCollection = false;
   bool appended = false;  // a text that grows
 };

@@ -13,7 +13,6 @@ struct Outcome {
   int signal = 0;  // that signal
   std::string out;
   std::string err;
-  double seconds = 0;      // from start to end
   long peakKilobytes = 0;  // of its memory
 };
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "dialogs/parameters/parameter_dialogs.h"
@@ -24,6 +25,21 @@ class ScriptedDialogs : public ParameterDialogs {
   std::vector<MacroEvent> edited;  // as the windows got them
 
   std::string topic;
+
+  /// Takes what the dialogs since the last call were preset with.
+  std::string TakeQuestions() {
+    std::string text;
+    for (const TextQuestion& q : std::exchange(textQuestions, {})) {
+      text += "? " + q.title + "|" + q.prompt + "|" + q.preset + "\n";
+    }
+    for (const FileQuestion& q : std::exchange(fileQuestions, {})) {
+      text += (q.kind == FileQuestion::Kind::open ? "? open " : "? save ") + q.title + "|" + q.directory + "|" +
+              q.fileName + "|" + q.extension + "|" + std::to_string(q.selectedFilter);
+      for (const std::string& filter : q.filters) text += "|" + filter;
+      text += "\n";
+    }
+    return text;
+  }
 
   void SetTopic(std::string_view about) override { topic = about; }
   std::optional<std::int32_t> ChooseCommand() override { return Next(commands); }

@@ -33,6 +33,16 @@ class ScriptedUi : public UserInterface {
     answers.pop_front();
     return answer;
   }
+  /// Takes what the boxes since the last call have shown: buttons and icon as numbers, title, text.
+  std::string TakeBoxes() {
+    std::string text;
+    for (const Message& box : std::exchange(messages, {})) {
+      const int preselected = box.preselected ? static_cast<int>(*box.preselected) : -1;
+      text += "! " + std::to_string(static_cast<int>(box.buttons)) + " " + std::to_string(static_cast<int>(box.icon)) +
+              " " + std::to_string(preselected) + " " + box.title + "|" + box.text + "\n";
+    }
+    return text;
+  }
   void RunStarted(const RunProgress& /*progress*/) override { running = true; }
   void ShowProgress(const RunProgress& shown) override { progress.push_back(shown); }
   void RunEnded() override { running = false; }

@@ -2,13 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <random>
 
 #include "platform/files/file_system.h"
-#include "support/slashes.h"
+#include "support/approved.h"
 
 namespace quiverion::cli {
 namespace {
@@ -95,12 +94,8 @@ std::vector<std::string> Workplace::Files() const {
 void ExpectApproved(const Workplace& place, const std::string& name, std::string text) {
   const std::string here = WithSlashes(place.Path());
   text = WithSlashes(text);
-  for (std::size_t at; (at = text.find(here)) != std::string::npos;) {
-    text.replace(at, here.size(), "<hier>/");
-  }
-  const std::string path = std::string(APPROVED_TEXTS) + "/" + name;
-  if (std::getenv("QUIVERION_APPROVE") != nullptr) std::ofstream(path, std::ios::binary) << text;
-  EXPECT_EQ(text, WithSlashes(ReadAll(path))) << name;
+  for (std::size_t at; (at = text.find(here)) != std::string::npos;) text.replace(at, here.size(), "<hier>/");
+  test::ExpectApproved(name, text);
 }
 
 }  // namespace quiverion::cli

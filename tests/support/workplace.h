@@ -37,10 +37,7 @@ class Workplace {
   std::string path_;
 };
 
-/// Compares with the text in tests/approved/<name>, where the path of `place` is written <hier>/ and every
-/// separator "/". With
-/// QUIVERION_APPROVE set in the environment the text is written there instead: look at the difference before committing
-/// it.
+/// As test::ExpectApproved; the path of `place` is written <hier>/.
 void ExpectApproved(const Workplace& place, const std::string& name, std::string text);
 
 }  // namespace quiverion::cli

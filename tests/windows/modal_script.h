@@ -138,9 +138,4 @@ class ModalScript {
   int patience_ = 0;
 };
 
-/// Lets events through until `reached` is true. False where that takes longer than ten seconds.
-inline bool WaitFor(const std::function<bool()>& reached) {
-  return QTest::qWaitFor(reached, 10000);
-}
-
 }  // namespace quiverion::test

@@ -21,11 +21,11 @@ enum class CompareVectorType : std::int32_t { localMean = 1, fieldMean = 2, medi
 struct FaultyVectorCriteria {
   bool magnitudeDeviation = false;  // the magnitude deviates from the compare vector's by more than ...
   double magnitudePercent = 0.0;
-  IntervalCriterion magnitude;
+  IntervalCriterion magnitude = {};
   bool directionDeviation = false;  // the direction deviates from the compare vector's by more than ...
   double directionDegrees = 0.0;
-  IntervalCriterion xComponent;
-  IntervalCriterion yComponent;
+  IntervalCriterion xComponent = {};
+  IntervalCriterion yComponent = {};
   CompareVectorType compareVectorType = CompareVectorType::localMean;
   std::int32_t halfWidthX = 0;  // of the window of localMean and median: 2 * half width + 1 vectors
   std::int32_t halfWidthY = 0;

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
-#include "field/frames.h"
 #include "generator/sample_files.h"
 #include "macro/run_driver.h"
 
@@ -15,14 +15,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kExportOpenFailed =
-    "    Die aktuelle Datei kann nicht gespeichert werden, da folgender Fehler beim Öffnen aufgetreten ist:";
-
 samples::SampleField Sample(int index) {
   return samples::MakeSampleField({.index = index, .columns = 22, .rows = 14});
 }
 
-MacroEvent SaveEvent(std::int32_t eventId, const std::string& prefix, const std::string& postfix) {
+MacroEvent SaveEvent(std::int32_t eventId, const std::string& prefix, const std::string& postfix = {}) {
   MacroEvent event(eventId);
   event.Set("Prefix", prefix);
   event.Set("Postfix", postfix);
@@ -36,49 +33,16 @@ MacroEvent FileEvent(std::int32_t eventId, const std::string& path) {
   return event;
 }
 
-WrittenKind VasKind(const std::string& name, const std::string& prefix, const std::string& target, Tree before = {}) {
-  return {.name = name,
-          .command = SaveEvent(10001, prefix, ""),
-          .target = target,
-          .before = std::move(before),
-          .announcement = "Datei speichern unter",
-          .openFailed = SaveWording().openFailed,
-          .writeFailedIn = "    Die Datei '"};
-}
-
-WrittenKind ExportKind(std::int32_t eventId, const std::string& announcement, const std::string& extension) {
-  WrittenKind kind = VasKind("export " + std::to_string(eventId), "", "ziel/a" + extension);
-  kind.command = SaveEvent(eventId, "ziel\\", "");
-  kind.announcement = "für ";
-  kind.openFailed = kExportOpenFailed;
-  kind.name += " " + announcement;
-  return kind;
-}
-
-WrittenKind VortexKind(const std::string& name, const std::string& directory, Tree before = {}) {
-  return {.name = name,
-          .command = FileEvent(40002, directory + "ziel/wirbel.txt"),
-          .target = "ziel/wirbel.txt",
-          .before = std::move(before),
-          .announcement = "Suche Maxima",
-          .openFailed =
-              "    Gefundene Maxima können nicht gespeichert werden, da beim Öffnen folgender Fehler aufgetreten ist:",
-          .writeFailedIn = "    In die Datei '",
-          .afterFailure =
-              "Speichern der transformierten Vektorfelder...\r\n"
-              "Speichern der transformierten Vektorfelder beendet.\r\n",
-          .appended = true};
-}
-
-WrittenKind CollectionKind(const std::string& name, const std::string& directory, Tree before = {}) {
-  WrittenKind kind = VasKind(name, "", "ziel/serie.col", std::move(before));
-  kind.command = FileEvent(60001, directory + "ziel/serie.col");
-  kind.announcement = "Vektorfeld für Statistik sammeln";
-  kind.isCollection = true;
-  return kind;
-}
-
 }  // namespace
+
+const std::vector<Fault> kFaults = {{ENOSPC, ErrorNumber::diskFull, true, {MessageAnswer::retry}},
+                                    {ENOSPC, ErrorNumber::diskFull, false, {MessageAnswer::retry}},
+                                    {EDQUOT, ErrorNumber::diskFull},
+                                    {EMFILE, ErrorNumber::tooManyFiles},
+                                    {EMFILE, ErrorNumber::tooManyFiles, true, {MessageAnswer::retry}},
+                                    {EIO, ErrorNumber::deviceError},
+                                    {EACCES, ErrorNumber::accessDenied},
+                                    {EROFS, ErrorNumber::pathAccess}};
 
 Tree ReadTree(const std::string& directory) {
   Tree tree;
@@ -95,23 +59,24 @@ bool IsTemporary(const std::string& path) {
 }
 
 std::vector<WrittenKind> WrittenKinds(const std::string& directory) {
-  const std::string collection = samples::CollectionBytes({Sample(7), Sample(8)}, {"eins", "zwei"});
+  const std::string vortices = "ziel/wirbel.txt", collection = "ziel/serie.col";
   const Tree oldResults = {{"ziel/a.vas", samples::VasBytes(Sample(5))}, {"ziel/b.vas", "no field, but kept"}};
-  return {VasKind("new VAS", "ziel\\", "ziel/a.vas"),
-          VasKind("VAS over an old one", "ziel\\", "ziel/a.vas", oldResults),
-          VasKind("VAS over the input", "", "a.vas"),
-          ExportKind(10101, "vectors", ".txt"),
-          ExportKind(10102, "grid", ".txt"),
-          ExportKind(10103, "grid", ".txt"),
-          ExportKind(10104, "profile", ".txt"),
-          ExportKind(10201, "triples", ".txt"),
-          ExportKind(10202, "triples", ".txt"),
-          ExportKind(10301, "vectors", ".csv"),
-          ExportKind(10302, "grid", ".csv"),
-          VortexKind("new vortex text", directory),
-          VortexKind("vortex text that grows", directory, {{"ziel/wirbel.txt", "X [mm]\tand so on\r\n1\t2\r\n"}}),
-          CollectionKind("new collection", directory),
-          CollectionKind("collection that grows", directory, {{"ziel/serie.col", collection}})};
+  const Tree oldVortices = {{vortices, "X [mm]\tand so on\r\n1\t2\r\n"}};
+  const Tree oldRecords = {{collection, samples::CollectionBytes({Sample(7), Sample(8)}, {"eins", "zwei"})}};
+  std::vector<WrittenKind> kinds = {{"new VAS", SaveEvent(10001, "ziel\\"), "ziel/a.vas"},
+                                    {"VAS over an old one", SaveEvent(10001, "ziel\\"), "ziel/a.vas", oldResults},
+                                    {"VAS over the input", SaveEvent(10001, ""), "a.vas"}};
+  for (const std::int32_t id : {10101, 10102, 10103, 10104, 10201, 10202, 10301, 10302}) {
+    const std::string target = id < 10300 ? "ziel/a.txt" : "ziel/a.csv";
+    kinds.push_back({"export " + std::to_string(id), SaveEvent(id, "ziel\\"), target});
+  }
+  for (const Tree& old : {Tree(), oldVortices}) {
+    kinds.push_back({"vortex text", FileEvent(40002, directory + vortices), vortices, old, false, true});
+  }
+  for (const Tree& old : {Tree(), oldRecords}) {
+    kinds.push_back({"collection", FileEvent(60001, directory + collection), collection, old, true});
+  }
+  return kinds;
 }
 
 WrittenSeries::WrittenSeries(const WrittenKind& kind, const std::string& directory)

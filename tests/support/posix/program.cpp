@@ -1,5 +1,3 @@
-#include "support/posix/processes.h"
-
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
@@ -92,7 +90,6 @@ Outcome RunProgram(const Workplace& place, const std::vector<std::string>& argum
                    const std::string& output, const Surroundings& surroundings) {
   UnnamedFile in, out, err;
   in.Fill(input);
-  const auto start = std::chrono::steady_clock::now();
   const int device = output.empty() ? -1 : ::open(output.c_str(), O_WRONLY | O_CLOEXEC);
   const pid_t process =
       Start(place, arguments, in.Descriptor(), device < 0 ? out.Descriptor() : device, err.Descriptor(), surroundings);
@@ -100,22 +97,9 @@ Outcome RunProgram(const Workplace& place, const std::vector<std::string>& argum
   rusage usage{};
   ::wait4(process, &status, 0, &usage);
   if (device >= 0) ::close(device);
-  Outcome outcome{.out = out.Content(),
-                  .err = err.Content(),
-                  .seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(),
-                  .peakKilobytes = usage.ru_maxrss};
+  Outcome outcome{.out = out.Content(), .err = err.Content(), .peakKilobytes = usage.ru_maxrss};
   SetStatus(outcome, status);
   return outcome;
-}
-
-bool KillProgram(const Workplace& place, const std::vector<std::string>& arguments, double seconds) {
-  UnnamedFile nothing;
-  const pid_t process = Start(place, arguments, nothing.Descriptor(), nothing.Descriptor(), nothing.Descriptor());
-  std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-  ::kill(process, SIGKILL);
-  int status = 0;
-  ::waitpid(process, &status, 0);
-  return WIFSIGNALED(status);
 }
 
 std::vector<int> AbortSignals() {

@@ -99,7 +99,6 @@ Outcome RunProgram(const Workplace& place, const std::vector<std::string>& argum
   Handle out = StreamFile(streams.Path() + "out", GENERIC_WRITE, CREATE_NEW);
   Handle err = StreamFile(streams.Path() + "err", GENERIC_WRITE, CREATE_NEW);
   Outcome outcome;
-  const ULONGLONG start = ::GetTickCount64();
   const Handle running = Start(place, arguments, in, out, err);
   if (!running.IsOpen()) return outcome;
   outcome.peakKilobytes = WaitForEnd(running);
@@ -108,7 +107,6 @@ Outcome RunProgram(const Workplace& place, const std::vector<std::string>& argum
   err.Close();
   outcome.out = Content(streams.Path() + "out");
   outcome.err = Content(streams.Path() + "err");
-  outcome.seconds = static_cast<double>(::GetTickCount64() - start) / 1000;
   return outcome;
 }
 
