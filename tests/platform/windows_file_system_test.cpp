@@ -49,19 +49,6 @@ TEST(Paths, AreShownAsWindowsWritesThem) {
   EXPECT_EQ(WithOwnSeparators("Z:\\Serie/Ergebnis/x.vas"), "Z:\\Serie\\Ergebnis\\x.vas");
 }
 
-TEST_F(SystemFiles, EveryNameComesBackAsItIsListed) {
-  const std::wstring names[] = {L"Düse 3 – Ω", L"\xD83C\xDF00.vas", L"日本語.dat", std::wstring(240, L'x')};
-  for (const std::wstring& name : names) {
-    const std::string path = At(windows::Utf8FromUtf16(name));
-    const auto file = files_->CreateResultFile(path, ExistingFile::replace);
-    WriteAll(*file, path);
-    file->Commit();
-  }
-  const NameList listed = files_->ListFiles(root_);
-  EXPECT_EQ(listed.size(), std::size(names));
-  for (const std::string& name : listed) EXPECT_EQ(ReadWholeFile(*files_, At(name)), At(name));
-}
-
 TEST_F(SystemFiles, APathMayBeLongerThan260Characters) {
   std::string directory = root_;
   while (directory.size() < 2000) directory += "\\Versuchsreihe mit Düse und langem Namen";
