@@ -68,7 +68,8 @@ TEST_F(MainWindow, AVanishedDirectoryIsSaidAndLeft) {
   script.ExpectBox(QMessageBox::Ok);
   window->OpenDirectory(place.Path() + "serie");
   EXPECT_EQ(WithSeparator(Directory().Path()), place.Path());
-  EXPECT_TRUE(script.said.starts_with("Verzeichnisauswahl|Das Verzeichnis '" + place.Path() + "serie' kann nicht")) << script.said;
+  EXPECT_TRUE(script.said.starts_with("Verzeichnisauswahl|Das Verzeichnis '" + place.Path() + "serie' kann nicht"))
+      << script.said;
   script.said.clear();  // the reason is the system's
 }
 
