@@ -223,15 +223,5 @@ TEST_F(LogWindow, PrintsWhatIsSelectedOrEverything) {
   EXPECT_GT(word, 0u);
 }
 
-TEST_F(LogWindow, SaysWhereItCannotBeSaved) {
-  const frmShowLogFile shown(log, place.Path() + "nicht/Log.rtf", *files, ui);
-  place.Write("nicht", "a file in the way");
-  Press(shown, "cmdSave");
-  ASSERT_EQ(ui.messages.size(), 1u);
-  EXPECT_EQ(ui.messages[0].title, "Log-Datei speichern");
-  EXPECT_EQ(ui.messages[0].text, "Die Log-Datei kann nicht gespeichert werden unter '" + place.Path() +
-                                     "nicht/Log.rtf'!\r\nPfad nicht gefunden   (Fehler-Nr. 76)");
-}
-
 }  // namespace
 }  // namespace quiverion::test
