@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "collection_fixture.h"
-#include "statistics/valid_bits.h"
 #include "support/approved.h"
 
 namespace quiverion::test {
@@ -128,17 +125,6 @@ TEST_F(Collecting, DoesNotReplaceWhatAnotherProcessHasBegun) {
   program.files.faults.diskSize = 10;
   EXPECT_EQ(Collect(NumberedField(2)), Collected(2));
   EXPECT_EQ(Content().substr(kHeader, kRecord), first.substr(kHeader));
-}
-
-TEST(ValidBits, ArePackedInOrderWhateverTheirNumber) {
-  std::mt19937_64 random(2);
-  for (std::size_t count = 0; count < 1100; count += count < 40 ? 1 : 97) {
-    std::vector<std::int32_t> status(count);
-    for (std::int32_t& s : status) s = static_cast<std::int32_t>(random() % 12) - 6;
-    const ValidBits bits = PackValidBits(status);
-    ASSERT_EQ(bits.size(), count / 8 + 1);
-    for (std::size_t k = 0; k < 8 * bits.size(); ++k) ASSERT_EQ(IsValid(bits, k), k < count && status[k] > 0) << k;
-  }
 }
 
 }  // namespace
