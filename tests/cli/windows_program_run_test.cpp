@@ -54,13 +54,5 @@ TEST_F(ProgramRun, NamesWithWildcardsStandForTheFiles) {
   EXPECT_EQ(RunProgram(place, {"macro", "show", "-m.m*"}).code, 0);
 }
 
-TEST_F(ProgramRun, PathsAreShownWithBackslashes) {
-  const Outcome missing = RunProgram(place, {"collection", "list", "serie/nix.col"});
-  EXPECT_NE(missing.err.find("serie\\nix.col"), std::string::npos) << missing.err;
-  const Outcome device = RunProgram(place, {"run", "--macro", "s.mak", "serie/con.vas"});
-  EXPECT_NE(device.err.find("'serie\\con.vas'"), std::string::npos) << device.err;
-  EXPECT_EQ(RunProgram(place, {"run", "--macro", "s.mak", "serie\\\""}).code, 0) << "as \"serie\\\" arrives";
-}
-
 }  // namespace
 }  // namespace quiverion::cli

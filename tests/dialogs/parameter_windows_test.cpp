@@ -17,7 +17,6 @@
 #include "dialogs/frmMirrorOptions.h"
 #include "dialogs/frmPrefixPostfix.h"
 #include "dialogs/frmXYTrafo.h"
-#include "dialogs/message_box.h"
 #include "dialogs/parameter_editing.h"
 #include "support/approved.h"
 #include "support/test_session.h"
@@ -251,18 +250,6 @@ TEST(ParameterWindowsTest, EveryControlShowsItsTextAndHasANameForScreenReaders) 
     window->show();
     test::ExpectReadable(*window);
   }
-}
-
-TEST(InputBox, ShowsItsWholeTitle) {
-  QWidget parent;
-  test::ScriptedUi ui;
-  ParameterWindows windows(parent, ui);
-  test::ModalScript script;
-  script.Expect<QDialog>("QInputDialog", [](QDialog& box) {
-    EXPECT_GE(box.width(), WidthOfTitle(box));
-    box.reject();
-  });
-  EXPECT_FALSE(windows.AskText({"QuiverionSeries - Energiedissipationsrate berechnen", "?", "1"}));
 }
 
 }  // namespace

@@ -116,14 +116,6 @@ TEST_F(SystemFiles, HiddenFilesAreNotListedAndStayHiddenWhenReplaced) {
   EXPECT_NE(::GetFileAttributesW(OpenablePath(At("hidden.vas")).c_str()) & FILE_ATTRIBUTE_HIDDEN, 0u);
 }
 
-TEST_F(SystemFiles, ADriveIsNamedByThreeCharacters) {
-  EXPECT_GT(files_->FreeDiskBytes("C:\\Reihe\\"), 0u);
-  EXPECT_EQ(files_->FreeDiskBytes("c:/"), files_->FreeDiskBytes("C:\\"));
-  EXPECT_EQ(files_->FreeDiskBytes("Q:\\"), 0u);
-  EXPECT_EQ(files_->FreeDiskBytes("\\\\server\\share\\"), 0u);
-  EXPECT_EQ(files_->KindOfDrive("C:\\"), DriveKind::other);
-}
-
 TEST(SystemErrors, AreOfTheNumbersThatTheProgramKnows) {
   const std::pair<DWORD, int> numbers[] = {
       {ERROR_SHARING_VIOLATION, 70}, {ERROR_DISK_FULL, 61},           {1295, 61},           {ERROR_BAD_NETPATH, 76},

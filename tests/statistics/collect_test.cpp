@@ -41,12 +41,6 @@ TEST_F(Collecting, WritesHeaderAndRecords) {
   EXPECT_FALSE(context.runHadError);
 }
 
-TEST_F(Collecting, CreatesDirectories) {
-  context.field = MakeField(3, 2);
-  CollectForStatistics(context, "neu/tief\\C.col");
-  EXPECT_EQ(program.files.files["neu/tief/C.col"].size(), kHeader + kRecord);
-}
-
 TEST_F(Collecting, KeepsTheEndOfALongPath) {
   VectorField field = MakeField(1, 1);
   const std::string longest = "/ä" + std::string(126, 'x');  // 128 characters
