@@ -34,10 +34,6 @@ class CollectionWindow : public MainWindow {
     List(dialog).clearSelection();
     for (const int number : numbers) List(dialog).item(number - 1)->setSelected(true);
   }
-  void ExpectConfirmation(const std::string& what) {
-    script.ExpectBox(QMessageBox::Yes,
-                     "QuiverionSeries - Vektorfelder entfernen|Wollen sie diese " + what + " wirklich entfernen?");
-  }
   void ExpectMainWindowAsBefore() {
     EXPECT_TRUE(Get<QPushButton>("cmdOk").isVisible() && Get<QPushButton>("cmdCancel").isVisible());
     EXPECT_FALSE(Get<QProgressBar>("ProgressBar").isVisible());
@@ -53,13 +49,12 @@ TEST_F(CollectionWindow, ListsTheFieldsAndRemovesTheSelectedOnes) {
     EXPECT_EQ(FromQt(Find<QLabel>(dialog, "lblCollectionInfo").text()),
               "Name der Kollektion:  " + place.Path() +
                   "s.col\nInhalt:  5 Vektorfelder gesammelt\nGröße der Vektorfelder:  3 x 2");
-    ExpectNothingCutOff(dialog);
+    ExpectReadable(dialog);
     EXPECT_GE(Find<QLabel>(dialog, "lblCollectionInfo").height(), 3 * dialog.fontMetrics().lineSpacing());
-    script.ExpectBox(QMessageBox::Ok,
-                     "QuiverionSeries - Vektorfelder entfernen|Sie müssen dazu irgendwelche Dateien ausgewählt haben!");
+    script.ExpectBox(QMessageBox::Ok);
     Press(dialog, "cmdDelete");
     Select(dialog, {2, 5});
-    ExpectConfirmation("2 Dateien");
+    script.ExpectBox(QMessageBox::Yes);
     Find<QPushButton>(dialog, "cmdDelete").setFocus();
     Press(dialog, "cmdDelete");
     EXPECT_EQ(dialog.cursor().shape(), Qt::ArrowCursor);
@@ -69,7 +64,7 @@ TEST_F(CollectionWindow, ListsTheFieldsAndRemovesTheSelectedOnes) {
     script.ExpectBox(QMessageBox::No);
     Press(dialog, "cmdDelete");
     EXPECT_EQ(Lines(List(dialog)), "1|4|3|");
-    ExpectConfirmation("1 Datei");
+    script.ExpectBox(QMessageBox::Yes);
     dialog.activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
@@ -106,7 +101,7 @@ TEST_F(CollectionWindow, EndsTheProgramWhereTheFileCannotBeShortened) {
   script.Expect<QDialog>("quiverion::frmShowCollection", [this](QDialog& dialog) {
     Select(dialog, {1});
     script.ExpectBox(QMessageBox::Yes);
-    script.ExpectBox(QMessageBox::Ok, "Schwerer Fehler|not set");
+    script.ExpectBox(QMessageBox::Ok);
     Press(dialog, "cmdDelete");
   });
   window->OpenPaths({"/m/s.col"});
@@ -118,10 +113,8 @@ TEST_F(CollectionWindow, DeletesAnEmptiedCollectionAndCloses) {
   Open();
   Use([&](QDialog& dialog) {
     List(dialog).selectAll();
-    ExpectConfirmation("2 Dateien");
-    script.ExpectBox(QMessageBox::Ok,
-                     "QuiverionSeries - Kollektion gelöscht|Da alle Vektorfelder entfernt wurden, wurde damit die "
-                     "Kollektion vollständig gelöscht.");
+    script.ExpectBox(QMessageBox::Yes);
+    script.ExpectBox(QMessageBox::Ok);
     Press(dialog, "cmdDelete");
     EXPECT_FALSE(dialog.isVisible());
   });
@@ -139,7 +132,6 @@ TEST_F(CollectionWindow, ReadsTheFileAgainWhenItIsResized) {
     EXPECT_TRUE(List(dialog).selectedItems().isEmpty());
     place.Write("s.col", "gone");
     script.Expect<QMessageBox>("QMessageBox", [&dialog](QMessageBox& box) {
-      EXPECT_EQ(FromQt(box.text()), "    COL-Datei ist nicht von QuiverionSeries!");
       dialog.resize(710, 500);  // one message is enough
       box.accept();
     });
@@ -161,9 +153,7 @@ TEST_F(CollectionWindow, RemovesNothingFromACollectionThatHasChanged) {
       EXPECT_EQ(Lines(List(dialog)), "3|2|");
       box.button(QMessageBox::Yes)->click();
     });
-    script.ExpectBox(QMessageBox::Ok,
-                     "QuiverionSeries - FEHLER|Die Kollektion wurde inzwischen von einem anderen Programm verändert. "
-                     "Es wurde nichts entfernt!");
+    script.ExpectBox(QMessageBox::Ok);
     Press(dialog, "cmdDelete");
     EXPECT_EQ(Lines(List(dialog)), "3|2|");
     Press(dialog, "cmdOk");

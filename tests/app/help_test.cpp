@@ -38,7 +38,7 @@ class HelpWindow : public MainWindow {
 TEST_F(HelpWindow, ShowsTheContents) {
   Trigger("mnuShowHelp");
   EXPECT_EQ(Page(), "inhalt.html");
-  ExpectNothingCutOff(*Window());
+  ExpectReadable(*Window());
   auto& browser = Find<QTextBrowser>(*Window(), "txtPage");
   EXPECT_TRUE(browser.toPlainText().contains("QuiverionSeries"));
   auto& tree = Find<QTreeWidget>(*Window(), "tvwContents");

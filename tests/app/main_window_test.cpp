@@ -1,7 +1,6 @@
 // The main window: lists, menus, keys, and what goes wrong with them.
 #include <QMimeData>
 #include <QShortcutEvent>
-#include <QSplitter>
 #include <filesystem>
 
 #include "platform/files/paths.h"
@@ -46,7 +45,7 @@ TEST_F(MainWindow, ADriveThatIsNotReadyIsRefused) {
   Open();
   auto& drive = Get<QComboBox>("Drive");
   EXPECT_EQ(drive.currentIndex(), 1);
-  script.ExpectBox(QMessageBox::Ok, "Fehler|Laufwerk nicht bereit!");
+  script.ExpectBox(QMessageBox::Ok);
   emit drive.activated(2);
   EXPECT_EQ(drive.currentIndex(), 1);
   QTest::keyClick(&Directory(), Qt::Key_Backspace);
@@ -63,18 +62,15 @@ TEST_F(MainWindow, ADriveThatIsNotReadyIsRefused) {
 TEST_F(MainWindow, AVanishedDirectoryIsSaidAndLeft) {
   Open();
   std::filesystem::remove_all(place.Path() + "serie");
-  script.Expect<QMessageBox>("QMessageBox", [this](QMessageBox& box) {
-    const QString text = box.text();  // the reason is the system's
-    EXPECT_TRUE(text.startsWith(ToQt("Das Verzeichnis '" + place.Path() + "serie' kann nicht gelesen werden!\n")) &&
-                text.contains("nicht gefunden"))
-        << FromQt(text);
-    box.accept();
-  });
+  script.ExpectBox(QMessageBox::Ok);
   QTest::keyClick(window.get(), Qt::Key_F5);
   EXPECT_EQ(WithSeparator(Directory().Path()), place.Path());
   script.ExpectBox(QMessageBox::Ok);
   window->OpenDirectory(place.Path() + "serie");
   EXPECT_EQ(WithSeparator(Directory().Path()), place.Path());
+  EXPECT_TRUE(script.said.starts_with("Verzeichnisauswahl|Das Verzeichnis '" + place.Path() + "serie' kann nicht"))
+      << script.said;
+  script.said.clear();  // the reason is the system's
 }
 
 // What the window system sends for files that are dropped.
@@ -107,7 +103,7 @@ TEST_F(MainWindow, DroppedFilesAreSelected) {
   script.Expect<QDialog>("quiverion::frmShowCollection", [](QDialog& dialog) { Press(dialog, "cmdOk"); });
   drop({"serie/notes.txt", "s.col", "m.mak"});
   EXPECT_EQ(MacroList().count(), 2);
-  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Die Datei '" + place.Path() + "fehlt.vas' ist nicht vorhanden!");
+  script.ExpectBox(QMessageBox::Ok);
   drop({"fehlt.vas"});
 }
 
@@ -186,33 +182,24 @@ TEST_F(MainWindow, ADropJustBeforeADialogIsNotOpenedBehindIt) {
 
 TEST_F(MainWindow, StartAsksForFilesBeforeCommands) {
   Open();
-  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Sie müssen mindestens eine Datei auswählen!");
+  script.ExpectBox(QMessageBox::Ok);
   QTest::keyClick(window.get(), Qt::Key_Return);
   Files().selectAll();
-  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Sie müssen wenigstens einen Makrobefehl wählen!");
+  script.ExpectBox(QMessageBox::Ok);
   Click("cmdOk");
   EXPECT_TRUE(window->isVisible());
 }
 
 TEST_F(MainWindow, TellsItsVersionAndThatTheHelpIsMissing) {
   Open();
-  script.ExpectBox(QMessageBox::Ok, "Über das Programm|QuiverionSeries V1.0");
+  script.ExpectBox(QMessageBox::Ok);
   Trigger("mnuAbout");
-  script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Die Hilfe-Datei '/opt/Quiverion.hlp' ist nicht vorhanden!");
+  script.ExpectBox(QMessageBox::Ok);
   Trigger("mnuShowHelp");
 }
 
 TEST_F(MainWindow, EveryControlShowsItsTextAndHasANameForScreenReaders) {
-  Open();
-  ExpectNothingCutOff(*window);
-  for (const QWidget* control : window->findChildren<QWidget*>()) {
-    if (control->focusPolicy() == Qt::NoFocus || control->objectName().startsWith("qt_")) continue;
-    // Parts that the widgets make for themselves have no name.
-    if (control->objectName().isEmpty() || qobject_cast<const QSplitter*>(control) != nullptr) continue;
-    const auto* button = qobject_cast<const QAbstractButton*>(control);
-    EXPECT_TRUE(!control->accessibleName().isEmpty() || (button != nullptr && !button->text().isEmpty()))
-        << control->metaObject()->className() << " " << FromQt(control->objectName());
-  }
+  ExpectReadable(Open());
 }
 
 // A collection of many small records, so that a statistic yields often.
@@ -246,11 +233,9 @@ TEST_F(DuringAStatistic, StartGivesWayAndASecondOneIsRefused) {
     EXPECT_FALSE(Get<QPushButton>("cmdOk").isVisible() || Get<QPushButton>("cmdCancel").isVisible());
     EXPECT_EQ(window->cursor().shape(), Qt::WaitCursor);
     QTest::keyClick(window.get(), Qt::Key_Return);  // starts nothing
-    script.ExpectBox(QMessageBox::Ok, "QuiverionSeries - <u' v'> berechnen|Es wird bereits eine Statistik berechnet!");
+    script.ExpectBox(QMessageBox::Ok);
     Trigger("mnuAvgUsTimesVs");
-    script.ExpectBox(QMessageBox::Ok,
-                     "QuiverionSeries - Inhalt der Kollektion einsehen und bearbeiten|Es wird bereits eine Statistik "
-                     "berechnet!");
+    script.ExpectBox(QMessageBox::Ok);
     Trigger("mnuEditCollection");
   });
   Trigger("mnuAverage");
@@ -261,15 +246,10 @@ TEST_F(DuringAStatistic, StartGivesWayAndASecondOneIsRefused) {
 }
 
 TEST_F(DuringAStatistic, ClosingTheWindowAsksFirst) {
-  const std::string question =
-      "QuiverionSeries - Beenden|Wollen Sie den aktuellen Vorgang wirklich abbrechen und beenden?";
   Meanwhile([&] {
-    script.Expect<QMessageBox>("QMessageBox", [](QMessageBox& box) {
-      EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
-      box.button(QMessageBox::No)->click();
-    });
+    script.ExpectBox(QMessageBox::No);
     EXPECT_FALSE(window->close());
-    script.ExpectBox(QMessageBox::Yes, question);
+    script.ExpectBox(QMessageBox::Yes);
     EXPECT_TRUE(window->close());
   });
   Trigger("mnuAverage");
@@ -285,8 +265,6 @@ TEST_F(MainWindow, AStatisticThatFailsLeavesTheWindowAsItWas) {
   script.ExpectBox(QMessageBox::Ok);
   script.ExpectFile(place.Path() + "r.vas");
   script.Expect<QMessageBox>("QMessageBox", [this](QMessageBox& box) {
-    EXPECT_EQ(FromQt(box.windowTitle() + "|" + box.text()),
-              "QuiverionSeries - Fehler|Dies ist keine gültige COL-Datei!");
     EXPECT_TRUE(Get<QPushButton>("cmdOk").isVisible());
     EXPECT_FALSE(Get<QProgressBar>("ProgressBar").isVisible());
     place.Write("serie/neu.vas", "");

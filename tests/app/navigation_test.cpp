@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/approved.h"
 #include "support/memory_file_system.h"
 #include "support/slashes.h"
 
@@ -19,28 +20,19 @@ std::string Drawn(const std::vector<DirectoryLine>& lines) {
   return WithSlashes(text);
 }
 
-TEST(Navigation, TheDirectoryListLeadsFromTheRootToTheSubdirectories) {
-  EXPECT_EQ(Drawn(DirectoryLines("/", {"b", "A"})), "*/=/| A=/A| b=/b|");
-  EXPECT_EQ(Drawn(DirectoryLines("/x/y", {"z"})), "*/=/| *x=/x|  *y=/x/y|   z=/x/y/z|");
-  EXPECT_EQ(Drawn(DirectoryLines("/x/", {"z"})), "*/=/| *x=/x|  z=/x/z|");
-  EXPECT_EQ(Drawn(DirectoryLines("C:\\x", {})), WithSlashes(R"(*C:\=C:\| *x=C:\x|)"));
+TEST(Navigation, DirectoriesDrivesAndWhatLiesAbove) {
   const std::string share = R"(\\s\mess)";
-  EXPECT_EQ(Drawn(DirectoryLines(share, {})), WithSlashes(R"(*\\s\mess=\\s\mess|)"));
-  EXPECT_EQ(Drawn(DirectoryLines(share + "\\", {})), WithSlashes(R"(*\\s\mess=\\s\mess|)"));
-  EXPECT_EQ(Drawn(DirectoryLines(share + "\\a\\b", {})),
-            WithSlashes(R"(*\\s\mess=\\s\mess| *a=\\s\mess\a|  *b=\\s\mess\a\b|)"));
-  EXPECT_EQ(ParentDirectory(share + "\\a.mak"), share);
-  EXPECT_EQ(ParentDirectory(share), "");
-}
-
-TEST(Navigation, ADriveHoldsWhatLiesBelowIt) {
-  const std::vector<std::string> drives = {"/", "/media/usb", "/media/usb2"};
-  EXPECT_EQ(DriveOf(drives, "/home/a"), "/");
-  EXPECT_EQ(DriveOf(drives, "/media/usb"), "/media/usb");
-  EXPECT_EQ(DriveOf(drives, "/media/usb2/x"), "/media/usb2");
-  EXPECT_EQ(DriveOf(drives, "/media/usb3"), "/");
-  EXPECT_EQ(DriveOf({"C:\\"}, "D:\\"), "");
-  EXPECT_EQ(DriveOf({"C:\\"}, "c:\\x"), "C:\\");
+  const std::pair<std::string, std::vector<std::string>> directories[] = {
+      {"/", {"b", "A"}}, {"/x/y", {"z"}},    {"/x/", {"z"}},        {"C:\\x", {}},
+      {share, {}},       {share + "\\", {}}, {share + "\\a\\b", {}}};
+  std::string told;
+  for (const auto& [path, names] : directories) told += path + " " + Drawn(DirectoryLines(path, names)) + "\n";
+  for (const std::string& path : {share + "\\a.mak", share}) told += ParentDirectory(path) + "\n";
+  for (const char* path : {"/home/a", "/media/usb", "/media/usb2/x", "/media/usb3"}) {
+    told += std::string(path) + " on " + DriveOf({"/", "/media/usb", "/media/usb2"}, path) + "\n";
+  }
+  for (const char* path : {"D:\\", "c:\\x"}) told += std::string(path) + " on " + DriveOf({"C:\\"}, path) + "\n";
+  test::ExpectApproved("navigation.txt", told);
 }
 
 TEST(Navigation, AVanishedDirectoryGivesWayToTheNearestAboveIt) {

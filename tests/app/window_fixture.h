@@ -31,6 +31,8 @@ class MainWindow : public testing::Test {
 
   /// A window that is closed ends the program. For the next test it begins again: nothing modal would be shown.
   ~MainWindow() override {
+    const std::string test = testing::UnitTest::GetInstance()->current_test_info()->name();
+    if (!script.said.empty()) cli::ExpectApproved(place, "boxes_" + test + ".txt", script.said);
     script.idle = nullptr;  // it looks at what the test has had on its stack
     window.reset();
     QMetaObject::invokeMethod(

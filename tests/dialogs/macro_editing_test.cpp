@@ -166,30 +166,23 @@ TEST_F(MacroEditingTest, ACommandWithoutAnyOptionGoes) {
   EXPECT_EQ(Macro(), Ids{40001});
 }
 
+// No file is replaced unasked; No leads back to the dialog.
 TEST_F(MacroEditingTest, TheExtensionOfAFileIsForced) {
-  const struct {
-    const char *path, *forced;
-  } cases[] = {{"/a/serie", "/a/serie.mak"},
-               {"/a/serie.txt", "/a/serie.mak"},
-               {"/a/a.b.c", "/a/a.b.mak"},
-               {"/a.b/serie", "/a.b/serie.mak"},
-               {"C:\\a.b\\serie", "C:\\a.b\\serie.mak"}};
-  for (const auto& c : cases) EXPECT_EQ(WithExtension(c.path, ".mak"), c.forced);
-  // No file is replaced unasked; No leads back to the dialog.
+  std::string told;
+  for (const char* path : {"/a/serie", "/a/serie.txt", "/a/a.b.c", "/a.b/serie", "C:\\a.b\\serie"}) {
+    told += WithExtension(path, ".mak") + "\n";
+  }
   program.files.files["/a.mak"] = "";
-  const auto choose = [&](const char* path, FileQuestion::Kind kind) {
-    dialogs.files = {path};
-    return ChooseFileWithExtension(dialogs, program.files, program.ui, {.kind = kind, .extension = "mak"}).value_or("");
-  };
   program.ui.answers = {MessageAnswer::no, MessageAnswer::yes};
-  EXPECT_EQ(choose("/a.txt", FileQuestion::Kind::save), "");
-  EXPECT_EQ(dialogs.fileQuestions.back().fileName, "a.mak");
-  EXPECT_EQ(choose("/a.txt", FileQuestion::Kind::save), "/a.mak");
-  ASSERT_EQ(program.ui.messages.size(), 2u);
-  EXPECT_EQ(program.ui.messages[1].text, "'/a.mak' existiert bereits.\r\nSoll die Datei ersetzt werden?");
-  EXPECT_EQ(choose("/b.txt", FileQuestion::Kind::save), "/b.mak");
-  EXPECT_EQ(choose("/a.txt", FileQuestion::Kind::open), "/a.mak");
-  EXPECT_EQ(program.ui.messages.size(), 2u);
+  using Kind = FileQuestion::Kind;
+  for (const auto& [path, kind] :
+       {std::pair("/a.txt", Kind::save), {"/a.txt", Kind::save}, {"/b.txt", Kind::save}, {"/a.txt", Kind::open}}) {
+    dialogs.files = {path};
+    const FileQuestion question = {.kind = kind, .extension = "mak"};
+    told += ChooseFileWithExtension(dialogs, program.files, program.ui, question).value_or("none") + "\n" +
+            dialogs.TakeQuestions() + program.ui.TakeBoxes();
+  }
+  test::ExpectApproved("extensions.txt", told);
 }
 
 }  // namespace

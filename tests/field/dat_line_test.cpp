@@ -38,31 +38,27 @@ double ValueOf(std::uint64_t text) {
   return ReadNumberPrefix(all.substr(std::min(all.find_first_not_of('\0'), all.size()))).value;
 }
 
-struct Taken {
-  int lines = 0;
-  int plain = 0;
-};
-
-// Takes lines off the text. Each of them must be a whole line, and its numbers those of the definition.
-Taken TakeAndCompare(std::string_view text) {
+// Takes lines off the text, each a whole line with the numbers of the definition. Returns how many are of the usual
+// shape.
+int TakeAndCompare(std::string_view text) {
   const auto lines = std::make_unique<DatLines>();
   const PaddedText padded(text);
   const std::size_t taken = lines->Take(padded.Get());
-  Taken result{lines->Count(), 0};
+  int plain = 0;
   std::size_t at = 0;
-  for (int k = 0; k < result.lines; ++k) {
+  for (int k = 0; k < lines->Count(); ++k) {
     EXPECT_EQ(lines->Begin(k) - padded.Get().data(), static_cast<std::ptrdiff_t>(at));
     const std::size_t end = text.find_first_of(",\r\n", at);
     if (end == std::string_view::npos || text[end] == ',') {
       ADD_FAILURE() << "took what is no line: " << text.substr(at);
-      return result;
+      return plain;
     }
     const std::string_view line = text.substr(at, end - at);
     EXPECT_NE(line.substr(std::min(line.find_first_not_of(' '), line.size())).substr(0, 1), "\"") << line;
     DatVector expected = ParseDatLine(line);
     DatVector actual{ValueOf(lines->XText(k)), ValueOf(lines->YText(k)), expected.u, expected.v};
     if (lines->IsPlain(k)) {
-      ++result.plain;
+      ++plain;
       actual.u = lines->Vx(k);
       actual.v = lines->Vy(k);
     }
@@ -70,7 +66,7 @@ Taken TakeAndCompare(std::string_view text) {
     at = end + (text.substr(end).starts_with("\r\n") ? 2 : 1);
   }
   EXPECT_EQ(at, taken);
-  return result;
+  return plain;
 }
 
 // clang-format off
@@ -84,6 +80,7 @@ constexpr std::string_view kOddNumbers[] = {
 TEST(DatLine, ManyLinesAtOnceGiveTheBitsOfTheDefinition) {
   const char* const ends[] = {"\r\n", "\n", "\r", " \r\n", " 9.5\r\n", "\r\r\n", "x\n", "\t\n", ",\n"};
   const std::string usual = "16 48.0000 0.8 -0.4 0.894 2.10 -12.34567 1234.5678 2.236068\r\n";
+  int plain = 0;
   for (std::size_t column = 0; column < 8; ++column) {
     for (const std::string_view odd : kOddNumbers) {
       for (const char* const blank : {" ", "  ", "\t"}) {
@@ -94,26 +91,12 @@ TEST(DatLine, ManyLinesAtOnceGiveTheBitsOfTheDefinition) {
           }
           TakeAndCompare(line + end);
           TakeAndCompare(line.append(end) + line);
-          TakeAndCompare(usual + line + usual);
+          plain += TakeAndCompare(usual + line + usual);
         }
       }
     }
   }
-}
-
-TEST(DatLine, LinesOfTheUsualShapeAreTakenTogether) {
-  std::string single;
-  std::string padded;
-  for (int k = 0; k < 40; ++k) {
-    single +=
-        "8 " + std::to_string(100 * k) + " -0.4 0.8 0.9 2.10 -12.345678 " + std::to_string(k) + ".678901 2.23\r\n";
-    padded += "   224.0  1008.0    1.000    0.003   1.000  3.9  0.009765 -0.000033 0.009765\n";
-  }
-  for (const std::string& text : {single, padded}) {
-    const Taken taken = TakeAndCompare(text);
-    EXPECT_EQ(taken.lines, 40);
-    EXPECT_EQ(taken.plain, 40);
-  }
+  EXPECT_GT(plain, 15000) << "what is usual is taken quickly";
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/approved.h"
 #include "support/test_session.h"
 
 namespace quiverion::test {
@@ -43,17 +44,10 @@ TEST(RunLog, FormatsEachPieceByItsContent) {
 }
 
 TEST(MakeTitleLine, PutsDashesAroundTheText) {
-  const auto line = [](std::size_t left, const std::string& text, std::size_t right) {
-    return std::string(left, '-') + " " + text + " " + std::string(right, '-');
-  };
-  const std::string letters(200, 'x');
-  EXPECT_EQ(MakeTitleLine(""), line(50, "", 49));
-  EXPECT_EQ(MakeTitleLine("Größe (2²)"), line(45, "Größe (2²)", 44)) << "characters, not bytes";
-  EXPECT_EQ(MakeTitleLine("x"), line(49, "x", 49));
-  EXPECT_EQ(MakeTitleLine(letters.substr(0, 97)), line(1, letters.substr(0, 97), 1));
-  EXPECT_EQ(MakeTitleLine(letters.substr(0, 98)), line(1, letters.substr(0, 98), 0));
-  EXPECT_EQ(MakeTitleLine(letters.substr(0, 99)), letters.substr(0, 99));
-  EXPECT_EQ(MakeTitleLine(letters), letters);
+  std::string told;
+  for (const char* text : {"", "Größe (2²)", "x"}) told += MakeTitleLine(text) + "\n";  // characters, not bytes
+  for (const std::size_t length : {97, 98, 99, 200}) told += MakeTitleLine(std::string(length, 'x')) + "\n";
+  ExpectApproved("title_lines.txt", told);
 }
 
 }  // namespace

@@ -3,63 +3,47 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/text/numbers.h"
+#include "support/approved.h"
 #include "support/field_builder.h"
 #include "support/test_session.h"
 
 namespace quiverion::test {
 namespace {
 
-using actions::FaultyVectorCriteriaOf;
-
-// Every value differs from every other that could stand in its place.
-MacroEvent SearchEvent() {
-  MacroEvent event(30001);
-  const char* checks[] = {"ChkAbsDeviation", "ChkAbsInterval", "ChkDirDeviation", "ChkXComp", "ChkYComp"};
-  for (const char* key : checks) event.Set(key, 0);
-  for (const char* key : {"OptAbsIntOut", "OptXCompIntOut", "OptYCompIntOut", "LogicalOr"}) event.Set(key, false);
-  const char* texts[] = {"TxtAbsDeviation", "TxtAbsIntMin",   "TxtAbsIntMax",   "TxtDirDeviation", "TxtXCompIntMin",
-                         "TxtXCompIntMax",  "TxtYCompIntMin", "TxtYCompIntMax", "TxtUserVectorX",  "TxtUserVectorY"};
-  int number = 10;
-  for (const char* key : texts) event.Set(key, " " + std::to_string(++number) + ".5 m/s");
-  event.Set("CompareVectorType", 3);
-  for (const char* key : {"CboMedianX", "CboMedianY", "CboLocalMiddleX", "CboLocalMiddleY"}) event.Set(key, ++number);
-  return event;
-}
-
+// Each parameter of the search alone, with what of the criteria it sets.
 TEST(CommandActions, FaultVectorsPassesEveryParameterToItsPlace) {
-  MacroEvent event = SearchEvent();
-  FaultyVectorCriteria c = FaultyVectorCriteriaOf(event);
-  EXPECT_EQ(c.magnitudePercent, 11.5);
-  EXPECT_EQ(std::pair(c.magnitude.low, c.magnitude.high), std::pair(12.5, 13.5));
-  EXPECT_EQ(c.directionDegrees, 14.5);
-  EXPECT_EQ(std::pair(c.xComponent.low, c.xComponent.high), std::pair(15.5, 16.5));
-  EXPECT_EQ(std::pair(c.yComponent.low, c.yComponent.high), std::pair(17.5, 18.5));
-  EXPECT_EQ(std::pair(c.userX, c.userY), std::pair(19.5, 20.5));
-  EXPECT_EQ(std::pair(c.halfWidthX, c.halfWidthY), std::pair(21, 22));
-  event.Set("CompareVectorType", 1);
-  c = FaultyVectorCriteriaOf(event);
-  EXPECT_EQ(std::pair(c.halfWidthX, c.halfWidthY), std::pair(23, 24));
-  EXPECT_EQ(c.compareVectorType, CompareVectorType::localMean);
-}
-
-TEST(CommandActions, FaultVectorsPassesEverySwitchToItsPlace) {
-  const std::pair<const char*, bool (*)(const FaultyVectorCriteria&)> switches[] = {
-      {"ChkAbsDeviation", [](const FaultyVectorCriteria& c) { return c.magnitudeDeviation; }},
-      {"ChkAbsInterval", [](const FaultyVectorCriteria& c) { return c.magnitude.selected; }},
-      {"OptAbsIntOut", [](const FaultyVectorCriteria& c) { return c.magnitude.outside; }},
-      {"ChkDirDeviation", [](const FaultyVectorCriteria& c) { return c.directionDeviation; }},
-      {"ChkXComp", [](const FaultyVectorCriteria& c) { return c.xComponent.selected; }},
-      {"OptXCompIntOut", [](const FaultyVectorCriteria& c) { return c.xComponent.outside; }},
-      {"ChkYComp", [](const FaultyVectorCriteria& c) { return c.yComponent.selected; }},
-      {"OptYCompIntOut", [](const FaultyVectorCriteria& c) { return c.yComponent.outside; }},
-      {"LogicalOr", [](const FaultyVectorCriteria& c) { return c.logicalOr; }},
-  };
-  for (const auto& [set, unused] : switches) {
-    MacroEvent event = SearchEvent();
-    event.Set(set, 2);  // greyed, which counts as checked
-    const FaultyVectorCriteria criteria = FaultyVectorCriteriaOf(event);
-    for (const auto& [key, value] : switches) EXPECT_EQ(value(criteria), key == set) << set << " seen as " << key;
+  std::string told;
+  for (const std::int32_t type : {1, 3}) {
+    for (const Parameter& set : ParametersOf(30001)) {
+      MacroEvent event(30001);
+      for (const Parameter& parameter : ParametersOf(30001)) {
+        const bool isText = parameter.kind == ParameterKind::text;
+        event.Set(parameter.key, isText ? MacroValue(std::string("0 m/s")) : MacroValue(0));
+      }
+      event.Set("CompareVectorType", type);
+      if (set.kind == ParameterKind::text) {
+        event.Set(set.key, std::string(" 2.5 m/s"));
+      } else {
+        event.Set(set.key, 2);  // greyed, which counts as checked
+      }
+      const FaultyVectorCriteria c = actions::FaultyVectorCriteriaOf(event);
+      told += std::string(set.key) + ":";
+      for (const double value :
+           {c.magnitudePercent, c.directionDegrees, c.userX, c.userY, c.magnitude.low, c.magnitude.high,
+            c.xComponent.low, c.xComponent.high, c.yComponent.low, c.yComponent.high}) {
+        told += " " + FormatNumber(value);
+      }
+      for (const int value : {int{c.magnitudeDeviation}, int{c.directionDeviation}, int{c.magnitude.selected},
+                              int{c.magnitude.outside}, int{c.xComponent.selected}, int{c.xComponent.outside},
+                              int{c.yComponent.selected}, int{c.yComponent.outside}, int{c.logicalOr},
+                              static_cast<int>(c.compareVectorType), c.halfWidthX, c.halfWidthY}) {
+        told += " " + std::to_string(value);
+      }
+      told += "\n";
+    }
   }
+  ExpectApproved("fault_vector_parameters.txt", told);
 }
 
 TEST(CommandActions, TransformationAndMirrorPassTheirParametersInOrder) {

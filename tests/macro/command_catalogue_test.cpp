@@ -25,13 +25,5 @@ TEST(CommandCatalogue, IsATreeWhoseMenusComeBeforeTheirEntries) {
   }
 }
 
-TEST(CommandCatalogue, TellsUnknownIds) {
-  for (const std::int32_t id : {12345, 0, -1, 10003}) {
-    EXPECT_EQ(MacroEventDescription(id, true), "Unbekannt!!!") << id;
-    EXPECT_EQ(MacroEventDescription(id, false), "Unbekannt!!!") << id;
-    EXPECT_TRUE(ParametersOf(id).empty()) << id;
-  }
-}
-
 }  // namespace
 }  // namespace quiverion::test

@@ -51,51 +51,6 @@ TEST(FaultyVectors, EveryCompareVectorDecidesAsThePlainLoops) {
   }
 }
 
-void ExpectCompareVectors(const VectorField& field, const FaultyVectorCriteria& criteria, std::uint64_t seed) {
-  CompareVectors compare(criteria);
-  compare.Resize(field.columnCount, field.rowCount);
-  const Window window = {criteria.halfWidthX, criteria.halfWidthY};
-  const bool isMean = criteria.compareVectorType == Type::localMean;
-  (isMean ? LocalMeans : Medians)(field, MagnitudesOf(field), window, compare);
-  const auto same = [&](bool isNeeded, double expected, const Grid<double>& actual, std::int32_t i, std::int32_t j) {
-    return !isNeeded || SameNumber(expected, actual(i, j));
-  };
-  for (std::int32_t i = 1; i <= field.columnCount; ++i) {
-    for (std::int32_t j = 1; j <= field.rowCount; ++j) {
-      if (field.status(i, j) < 1) continue;
-      const auto expected = (isMean ? plain::LocalMean<double> : plain::Median<double>)(field, i, j, criteria);
-      ASSERT_TRUE(same(compare.needMagnitude, expected.magnitude, compare.magnitude, i, j) &&
-                  same(compare.needDirection, expected.x, compare.x, i, j) &&
-                  same(compare.needDirection, expected.y, compare.y, i, j))
-          << i << "," << j << " seed " << seed << " window " << window.halfX << "," << window.halfY;
-    }
-  }
-}
-
-// The compare vectors themselves, also where no decision depends on their last bit.
-TEST(FaultyVectors, CompareVectorsHaveTheBitsOfThePlainLoops) {
-  constexpr Mix zerosAndNaN = {.special = 700, .notFinite = 300};
-  std::uint64_t seed = 100;
-  for (const Type type : {Type::localMean, Type::median}) {
-    for (const auto& [halfX, halfY] : {std::pair{1, 1}, {2, 2}, {1, 0}, {6, 3}, {20, 20}}) {
-      FaultyVectorCriteria criteria = Deviation(type, halfX, halfY);
-      for (const bool direction : {false, true}) {
-        criteria.directionDeviation = direction;
-        for (const auto& [columns, rows] : {std::pair{7, 5}, {23, 19}, {70, 9}, {1, 12}}) {
-          ++seed;
-          const auto check = [&, columns = columns, rows = rows](const Mix& mix) {
-            ExpectCompareVectors(RandomField(seed, columns, rows, mix), criteria, seed);
-          };
-          for (const Mix& mix : kCarriedMixes) check(mix);
-          for (const Mix& mix : kTiedMixes) check(mix);
-          check(zerosAndNaN);
-          if (HasFatalFailure()) return;
-        }
-      }
-    }
-  }
-}
-
 // So many ranks that they are counted by blocks, and windows that are sparse in them.
 TEST(FaultyVectors, RanksOfALargeField) {
   const VectorField field = RandomField(5, 530, 510, {.invalid = 50, .special = 20});
@@ -116,8 +71,16 @@ TEST(FaultyVectors, RanksOfALargeField) {
 // All criteria on a few vectors whose answer is plain to see. The compare vector is (2, 0).
 TEST(FaultyVectors, Criteria) {
   using C = FaultyVectorCriteria;
-  const auto percent = [](double allowed) { return C{.magnitudeDeviation = true, .magnitudePercent = allowed}; };
-  const auto degrees = [](double allowed) { return C{.directionDeviation = true, .directionDegrees = allowed}; };
+  const auto deviation = [](bool C::*which, double C::*limit, double allowed) {
+    C criteria;
+    criteria.*which = true;
+    criteria.*limit = allowed;
+    return criteria;
+  };
+  const auto percent = [&](double allowed) { return deviation(&C::magnitudeDeviation, &C::magnitudePercent, allowed); };
+  const auto degrees = [&](double allowed) { return deviation(&C::directionDeviation, &C::directionDegrees, allowed); };
+  C either;
+  either.logicalOr = true;
   const auto interval = [](IntervalCriterion C::*which, bool outside, double low, double high, C criteria = {}) {
     criteria.*which = {true, outside, low, high};
     return criteria;
@@ -139,7 +102,7 @@ TEST(FaultyVectors, Criteria) {
       {interval(&C::xComponent, true, 0.0, 2.0), "13"},
       {interval(&C::yComponent, false, 2.0, 3.0), "4"},
       {interval(&C::magnitude, true, 0.0, 2.5, interval(&C::xComponent, true, 0.0, 2.0)), "1"},
-      {interval(&C::yComponent, false, 2.0, 3.0, interval(&C::xComponent, true, 0.0, 2.0, {.logicalOr = true})), "134"},
+      {interval(&C::yComponent, false, 2.0, 3.0, interval(&C::xComponent, true, 0.0, 2.0, either)), "134"},
       {{}, ""},
   };
   //                  length 2, length 3, rest, against it, at right angles

@@ -7,23 +7,33 @@
 namespace quiverion::test {
 namespace {
 
-TEST_F(SystemFiles, AResultIsNotWrittenOverWhatItMayNotReplace) {
+// Errors of reading, writing, appending and changing in place.
+TEST_F(SystemFiles, WhatIsNoFileIsRefused) {
   Put("locked.vas", "kept");
   fs::permissions(At("locked.vas"), fs::perms::owner_read);
   fs::create_directory(At("folder"));
-  const std::pair<std::string, int> cases[] = {{At("locked.vas"), 75},
-                                               {At("folder"), 75},
-                                               {At("folder/"), 75},
-                                               {At("missing/x.vas"), 76},
-                                               {At("locked.vas/x.vas"), 76},
-                                               {"Q:\\data\\x.vas", 76},
-                                               {At(std::string("x\0.vas", 6)), 75},
-                                               {At("missing\\x.vas"), 76}};
-  for (const auto& [path, number] : cases) {
-    EXPECT_EQ(CreateError(path), number) << path;
-    EXPECT_EQ(AppendError(path), number) << path;
-    EXPECT_EQ(ErrorOf([&] { files_->OpenForUpdating(path); }), number) << path;
+  const struct {
+    std::string path;
+    int reading, writing;
+  } cases[] = {{At("locked.vas"), 0, 75},
+               {At("folder"), 75, 75},
+               {At("folder/"), 75, 75},
+               {At("missing/x.vas"), 76, 76},
+               {At("missing\\x.vas"), 76, 76},
+               {At("locked.vas/x.vas"), 76, 76},
+               {"Q:\\data\\x.vas", 76, 76},
+               {"q:x.vas", 76, 76},
+               {At(std::string("x\0.vas", 6)), 75, 75}};
+  for (const auto& [path, reading, writing] : cases) {
+    EXPECT_EQ(OpenError(path), reading) << path;
+    EXPECT_EQ(CreateError(path), writing) << path;
+    EXPECT_EQ(AppendError(path), writing) << path;
+    EXPECT_EQ(ErrorOf([&] { files_->OpenForUpdating(path); }), writing) << path;
   }
+  EXPECT_EQ(OpenError(At("gone.vas")), 53);
+  EXPECT_EQ(OpenError(At(std::string(300, 'x'))), 75);
+  EXPECT_FALSE(FileExists(*files_, At("folder")));
+  EXPECT_TRUE(FileExists(*files_, At("locked.vas")));
   EXPECT_EQ(Get("locked.vas"), "kept");
   EXPECT_EQ(Names(), (NameList{"folder", "locked.vas"}));
 }
@@ -130,23 +140,6 @@ TEST_F(SystemFiles, AResultDoesNotReplaceWhatAppearedMeanwhile) {
   fs::remove(At("c.col"));
   file->Commit();
   EXPECT_EQ(Get("c.col"), "second");
-}
-
-TEST_F(SystemFiles, WhatIsNoReadableFileIsRefused) {
-  fs::create_directory(At("folder"));
-  Put("file", "x");
-  const std::pair<std::string, int> cases[] = {{At("folder"), 75},
-                                               {At("gone.vas"), 53},
-                                               {At("gone/x.vas"), 76},
-                                               {At("file/x.vas"), 76},
-                                               {"Q:\\x.vas", 76},
-                                               {"q:x.vas", 76},
-                                               {At(std::string("file\0", 5)), 75},
-                                               {At("gone\\x.vas"), 76},
-                                               {At(std::string(300, 'x')), 75}};
-  for (const auto& [path, number] : cases) EXPECT_EQ(OpenError(path), number) << path;
-  EXPECT_FALSE(FileExists(*files_, At("folder")));
-  EXPECT_TRUE(FileExists(*files_, At("file")));
 }
 
 TEST_F(SystemFiles, BothSeparatorsLeadToTheSameFile) {

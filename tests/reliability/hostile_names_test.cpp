@@ -37,30 +37,24 @@ class HostileNames : public testing::Test {
 };
 
 TEST_F(HostileNames, APrefixDoesNotLeadOutOfTheDirectory) {
-  struct Case {
-    std::string prefix, postfix;
-    std::string result;  // empty: refused
-  };
-  const Case cases[] = {{"../", "", ""},
-                        {"..\\\\", "", ""},
-                        {"sub/../../", "", ""},
-                        {"sub/.. /", "", ""},
-                        {".../", "", ""},
-                        {"", "/../../x", ""},
-                        {"", "_s", "a_s.vas"},
-                        {"sub\\\\", "..", "sub/a...vas"},
-                        {"x..", "", "x..a.vas"},
-                        {"./p ", "", "p a.vas"},
-                        {"/abs/", "", "abs/a.vas"},  // a separator in front is one between the parts
-                        {"\\\\\\\\host\\\\", "", "host/a.vas"}};
+  const std::string refusal = "führt aus dem Verzeichnis der Originaldatei hinaus!   (Fehler-Nr. 75)";
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {"../", "", ""},
+      {"..\\\\", "", ""},
+      {"sub/../../", "", ""},
+      {"sub/.. /", "", ""},
+      {".../", "", ""},
+      {"", "/../../x", ""},
+      {"", "_s", "a_s.vas"},
+      {"sub\\\\", "..", "sub/a...vas"},
+      {"x..", "", "x..a.vas"},
+      {"./p ", "", "p a.vas"},
+      {"/abs/", "", "abs/a.vas"},  // a separator in front is one between the parts
+      {"\\\\\\\\host\\\\", "", "host/a.vas"}};
   for (const auto& [prefix, postfix, result] : cases) {
-    const Names files = NewFilesOf(Save(prefix, postfix), "a.vas");
-    EXPECT_EQ(files, result.empty() ? Names() : Names{result}) << prefix;
+    EXPECT_EQ(NewFilesOf(Save(prefix, postfix), "a.vas"), result.empty() ? Names() : Names{result}) << prefix;
     EXPECT_EQ(outcome_.code, result.empty() ? 1 : 0) << prefix;
-    EXPECT_EQ(
-        outcome_.out.find("führt aus dem Verzeichnis der Originaldatei hinaus!   (Fehler-Nr. 75)") != std::string::npos,
-        result.empty())
-        << outcome_.out;
+    EXPECT_EQ(outcome_.out.find(refusal) != std::string::npos, result.empty()) << outcome_.out;
   }
 }
 

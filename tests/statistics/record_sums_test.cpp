@@ -68,18 +68,6 @@ TEST(RecordSums, AreThoseOfThePlainLoops) {
   compare(60, 43);  // several blocks, the last one incomplete
 }
 
-// The difference of an invalid vector to its one valid neighbour is taken by nobody.
-TEST(RecordSums, RaiseNoFlagBesideALonelyVector) {
-  Pass pass(9, 9, 1, {});
-  for (double& mean : pass.state.meanU.Values()) mean = 0.0;
-  pass.buffer.bufferVelX(4, 1) = 1.7E308;
-  pass.buffer.bufferVelX(5, 1) = -1.7E308;
-  Grid<std::int32_t> status(9, 1);
-  status(5, 1) = 1;
-  pass.state.validBits = PackValidBits(status.Values());
-  EXPECT_FALSE(RaisesFloatError([&] { AddDerivatives(pass.state); }));
-}
-
 // What does not count raises no flag: a huge velocity that is not valid stops no statistic.
 TEST(RecordSums, RaiseFlagsOnlyForWhatCounts) {
   for (const auto add : {AddVelocities, AddSquares, AddProducts, AddFluctuations, AddDerivatives}) {

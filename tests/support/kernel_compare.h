@@ -16,13 +16,7 @@ inline std::string ResultDifference(const VectorField& expected, const VectorFie
   if (const auto x = FirstDifference(expected.velX, actual.velX); !x.empty()) return "velX" + x;
   if (const auto y = FirstDifference(expected.velY, actual.velY); !y.empty()) return "velY" + y;
   if (const auto s = FirstDifference(expected.derivedScalar, actual.derivedScalar); !s.empty()) return "scalar" + s;
-  for (std::int32_t j = 1; j <= expected.rowCount; ++j) {
-    for (std::int32_t i = 1; i <= expected.columnCount; ++i) {
-      if (expected.status(i, j) == actual.status(i, j)) continue;
-      return "status(" + std::to_string(i) + "," + std::to_string(j) + "): expected " +
-             std::to_string(expected.status(i, j)) + ", is " + std::to_string(actual.status(i, j));
-    }
-  }
+  if (!std::ranges::equal(expected.status.Values(), actual.status.Values())) return "status";
   if (expected.validVectorCount != actual.validVectorCount) return "validVectorCount";
   return {};
 }

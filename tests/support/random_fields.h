@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -75,14 +76,10 @@ inline bool SameNumber(double a, double b) {
 
 /// The first difference in words; empty where there is none.
 inline std::string FirstDifference(const Grid<double>& expected, const Grid<double>& actual) {
-  for (std::int32_t i = 1; i <= expected.Columns(); ++i) {
-    for (std::int32_t j = 1; j <= expected.Rows(); ++j) {
-      if (SameNumber(expected(i, j), actual(i, j))) continue;
-      return "(" + std::to_string(i) + "," + std::to_string(j) + "): expected " + std::to_string(expected(i, j)) +
-             ", is " + std::to_string(actual(i, j));
-    }
-  }
-  return {};
+  const auto [e, a] = std::ranges::mismatch(expected.Values(), actual.Values(), SameNumber);
+  if (e == expected.Values().end()) return {};
+  return " at point " + std::to_string(e - expected.Values().begin()) + ": expected " + std::to_string(*e) + ", is " +
+         std::to_string(*a);
 }
 
 /// Calls `check(columns, rows)` for all small grids and some that are longer than a vector register.

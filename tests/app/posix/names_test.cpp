@@ -1,4 +1,4 @@
-// Names of files are bytes.
+// Names of files are bytes, and Qt itself asks how to print.
 #include "app/window_fixture.h"
 
 namespace quiverion::test {
@@ -18,6 +18,24 @@ TEST_F(MainWindow, ANameThatIsNoUtf8CanBeEvaluated) {
   script.Expect<QDialog>("quiverion::frmShowLogFile", [](QDialog& log) { Press(log, "cmdOk"); });
   Click("cmdOk");
   EXPECT_TRUE(place.Has("serie/neu/" + name));
+}
+
+std::string heard;
+
+// Qt complains where something is printed to a file without a name.
+TEST_F(MainWindow, ACancelledPrintDialogPrintsNothing) {
+  Open();
+  SetMacro({40001});
+  Files().selectAll();
+  script.Expect<QDialog>("quiverion::frmShowLogFile", [this](QDialog& log) {
+    script.Expect<QDialog>("QPrintDialog", [](QDialog& dialog) { dialog.reject(); });
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) { heard += FromQt(text); });
+    Press(log, "cmdPrint");
+    qInstallMessageHandler(nullptr);
+    Press(log, "cmdOk");
+  });
+  Click("cmdOk");
+  EXPECT_EQ(heard.find("QPainter"), std::string::npos) << heard;
 }
 
 }  // namespace

@@ -21,22 +21,5 @@ TEST_F(MainWindow, DrivesAreLetters) {
   EXPECT_EQ(FromQt(Get<QComboBox>("Drive").currentText()), root);
 }
 
-TEST_F(MainWindow, ALongPathWithEveryLetterCanBeEvaluated) {
-  std::string directory = "serie";
-  for (int k = 0; k < 6; ++k) directory += "\\" + std::string(50, static_cast<char>('a' + k));
-  const std::string name = "\u0416 \u6F22 \xF0\x9F\x98\x80 ä.vas";
-  place.Write(directory + "/" + name, samples::VasBytes(Sample(3)));
-  Open();
-  ASSERT_TRUE(window->OpenDirectory(place.Path() + directory));
-  SetMacro({40001, 10001});
-  TheSession().macro[1].Set("Prefix", std::string("neu\\"));
-  TheSession().macro[1].Set("Postfix", std::string());
-  Files().selectAll();
-  EXPECT_EQ(Files().SelectedNames(), std::vector<std::string>{name});
-  script.Expect<QDialog>("quiverion::frmShowLogFile", [](QDialog& log) { Press(log, "cmdOk"); });
-  Click("cmdOk");
-  EXPECT_TRUE(place.Has(directory + "/neu/" + name));
-}
-
 }  // namespace
 }  // namespace quiverion::test

@@ -170,12 +170,6 @@ const Obstacle kObstacles[] = {{"a directory at its place",
                                   fs::permissions(target, fs::perms::owner_read);
                                 },
                                 ErrorNumber::pathAccess},
-                               {"a device at its place",
-                                [](const fs::path& target) {
-                                  fs::remove(target);
-                                  fs::create_symlink("/dev/full", target);
-                                },
-                                ErrorNumber::pathAccess},
                                {"a file in place of its directory",
                                 [](const fs::path& target) {
                                   fs::remove_all(target.parent_path());
