@@ -53,7 +53,7 @@ void PresetWith(FileQuestion& question, const std::string& path) {
 
 EditOutcome AskBufferFile(const Editing& editing) {
   FileQuestion question{.title = "Vektorfeld aus Datei in Buffer einladen",
-                        .filters = {"Alle Dateien (*.*)", "Vektorfelder (*.vas *.vec *.dat)"},
+                        .filters = {"Alle Dateien (*.*)", "Vektorfelder (*.vas;*.vec;*.dat)"},
                         .selectedFilter = 1,
                         .directory = editing.services.directory};
   if (!editing.isNew) PresetWith(question, editing.event.Text("FileName"));

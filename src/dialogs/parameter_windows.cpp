@@ -46,6 +46,19 @@ QString ExistingDirectory(const std::string& path) {
   return directory;
 }
 
+// Qt separates patterns by blanks. To be shown with ";" a filter has them twice, and the dialog leaves out the last ones.
+// "*.*" means every file, also one without a point.
+void SetOpenFilters(QFileDialog& dialog, const FileQuestion& question) {
+  QStringList filters;
+  for (const std::string& filter : question.filters) {
+    const QString shown = ToQt(filter);
+    filters.append(shown + " " + shown.section(u'(', -1).prepend(u'(').replace(u';', u' ').replace("*.*", "*"));
+  }
+  dialog.setOption(QFileDialog::HideNameFilterDetails);
+  dialog.setNameFilters(filters);
+  dialog.selectNameFilter(filters.value(static_cast<qsizetype>(question.selectedFilter)));
+}
+
 }  // namespace
 
 std::optional<std::int32_t> ParameterWindows::ChooseCommand() {
@@ -68,14 +81,13 @@ std::optional<std::string> ParameterWindows::AskText(const TextQuestion& questio
 
 std::optional<std::string> ParameterWindows::ChooseFile(const FileQuestion& question) {
   QFileDialog dialog(&parent_, ToQt(question.title), ExistingDirectory(question.directory));
-  QStringList filters;
-  for (const std::string& filter : question.filters) filters.append(ToQt(filter));
   if (question.kind == FileQuestion::Kind::open) {
-    dialog.setNameFilters(filters);
-    dialog.selectNameFilter(filters.value(static_cast<qsizetype>(question.selectedFilter)));
+    SetOpenFilters(dialog, question);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setDefaultSuffix(ToQt(question.extension));
   } else {
+    QStringList filters;
+    for (const std::string& filter : question.filters) filters.append(ToQt(filter));
     SetSaveFilters(dialog, filters);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);

@@ -381,7 +381,7 @@ class Monkey : public QObject {
   void NameFile(QWidget& window) {
     const auto& dialog = static_cast<QFileDialog&>(window);
     // Rather of the kind that is asked for.
-    const QString kind = dialog.nameFilters().value(0).section("*", 1).chopped(1);
+    const QString kind = dialog.nameFilters().value(0).section("*", -1).chopped(1);
     QString path = SomePath();
     for (int k = 0; k < 20 && !path.endsWith(kind) && Chance(80); ++k) path = SomePath();
     Note(window, "file name " + FromQt(path));

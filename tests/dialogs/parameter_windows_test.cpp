@@ -10,6 +10,7 @@
 #include <QGroupBox>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTemporaryDir>
 #include <QTreeWidget>
 
 #include "dialogs/frmEditVector.h"
@@ -284,6 +285,35 @@ TEST(ParameterWindowsTest, EveryControlShowsItsTextAndHasANameForScreenReaders) 
       EXPECT_FALSE(control->accessibleName().isEmpty()) << FromQt(control->objectName());
     }
   }
+}
+
+TEST(FileDialog, ShowsItsFiltersAsTheyAreStatedAndListsWhatTheyName) {
+  const QTemporaryDir place;
+  for (const char* name : {"a.VAS", "b.dat", "c.txt", "ohne"}) {
+    ASSERT_TRUE(QFile(place.filePath(name)).open(QIODevice::WriteOnly));
+  }
+  QWidget parent;
+  test::ScriptedUi ui;
+  ParameterWindows windows(parent, ui);
+  test::ModalScript script;
+  script.Expect<QDialog>("QFileDialog", [](QDialog& dialog) {
+    auto& filters = Find<QComboBox>(dialog, "fileTypeCombo");
+    EXPECT_EQ(FromQt(filters.itemText(0) + "|" + filters.currentText()),
+              "Alle Dateien (*.*)|Vektorfelder (*.vas;*.vec;*.dat)");
+    const auto& list = Find<QAbstractItemView>(dialog, "listView");
+    const auto lists = [&list](int count) {
+      return test::WaitFor([&list, count] { return list.model()->rowCount(list.rootIndex()) == count; });
+    };
+    EXPECT_TRUE(lists(2));
+    filters.setCurrentIndex(0);
+    emit filters.activated(0);
+    EXPECT_TRUE(lists(4));
+    dialog.reject();
+  });
+  test::TestSession session;
+  EditingServices services{session.session.context, windows, PathFromQt(place.path())};
+  MacroEvent event(20002);
+  EXPECT_EQ(AskParameters(services, event, true), EditOutcome::cancelled);
 }
 
 TEST(InputBox, ShowsItsWholeTitle) {
