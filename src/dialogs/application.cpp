@@ -18,6 +18,7 @@ namespace {
 // Keeps shortcuts from acting behind a dialog. Qt lets them pass as long as the dialog is not yet the active window, and
 // presses the button of a mnemonic 100 ms later, when a dialog may have opened: a key that follows another one closely
 // would change what the dialog is about.
+// A mnemonic that a button shares with something else reaches them in turn. Qt would only move the focus to the button.
 class ShortcutRules : public QObject {
  public:
   using QObject::QObject;
@@ -28,7 +29,7 @@ class ShortcutRules : public QObject {
     while (inWindow != nullptr && !inWindow->isWidgetType()) inWindow = inWindow->parent();
     if (inWindow != nullptr && IsBehindDialog(*static_cast<const QWidget*>(inWindow))) return true;
     auto* const button = qobject_cast<QAbstractButton*>(owner);
-    if (button == nullptr || static_cast<QShortcutEvent*>(event)->isAmbiguous()) return false;
+    if (button == nullptr) return false;
     const bool takesFocus = button->isCheckable() && (button->focusPolicy() & Qt::ClickFocus) != 0;
     if (takesFocus) button->setFocus(Qt::ShortcutFocusReason);
     button->click();

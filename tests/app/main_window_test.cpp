@@ -149,6 +149,22 @@ TEST_F(MainWindow, TwoMnemonicsInARowActOneAfterTheOther) {
   EXPECT_EQ(TheSession().macro.size(), 1u) << "behind the window no line is selected";
 }
 
+// Qt gives a mnemonic that two controls share to each in turn, but a button then only took the focus.
+TEST_F(MainWindow, TheMnemonicOfStartAndStatisticActsEachTime) {
+  Open();
+  QMenu& menu = Get<QMenu>("mnuStatistics");
+  for (int turn = 0; turn < 2; ++turn) {
+    script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Sie müssen mindestens eine Datei auswählen!");
+    QTest::keyClick(window.get(), Qt::Key_S, Qt::AltModifier);
+    EXPECT_FALSE(menu.isVisible());
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    QTest::keyClick(window.get(), Qt::Key_S, Qt::AltModifier);
+    EXPECT_TRUE(menu.isVisible());
+    menu.close();
+  }
+}
+
 // A key can come before the window that the key before has opened is the active one: Qt keeps keys from the window behind
 // a dialog, but not its shortcuts.
 TEST_F(MainWindow, ShortcutsOfAWindowBehindADialogDoNothing) {
