@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QGroupBox>
 #include <QLabel>
 #include <QProgressBar>
@@ -50,6 +51,10 @@ TEST(ProgressWindow, ShowsWhereTheRunIs) {
   EXPECT_EQ(shown({4, 0, 0, "", ""}), "||Fortschritt|0/4");
   EXPECT_EQ(shown({4, 3, 2, "<b>.vas", "Interpolation", true}),
             "Aktuelle Datei (3 von 4):  <b>.vas|Interpolation|Fortschritt  (Fehler aufgetreten)|2/4");
+  for (const char* label : {"lblFileName", "lblRunningEvent"}) {
+    auto& shownLabel = Find<QLabel>(window, label);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&shownLabel)->text(QAccessible::Name), shownLabel.text());
+  }
   window.setWindowState(Qt::WindowMinimized);
   shown({4, 4, 3, "c.vas", "Interpolation", true});
   EXPECT_EQ(FromQt(window.windowTitle()), "QuiverionSeries (75%)");
