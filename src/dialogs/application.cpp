@@ -5,7 +5,7 @@
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
-#include <QShortcutEvent>
+#include <QProxyStyle>
 #include <QTranslator>
 
 #include "dialogs/icons.h"
@@ -37,11 +37,22 @@ class ShortcutRules : public QObject {
   }
 };
 
+// The desktop's style, but with words alone on the buttons of every box: it has pictures for some of them only.
+class WindowStyle : public QProxyStyle {
+ public:
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* more) const override {
+    if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
+    return QProxyStyle::styleHint(hint, option, widget, more);
+  }
+};
+
 }  // namespace
 
 void PrepareApplication(QApplication& application) {
   QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
   UseIcons();
+  QApplication::setStyle(new WindowStyle);
   ChooseFonts();
   auto* const german = new QTranslator(&application);
   if (german->load(QStringLiteral("qtbase_de"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {

@@ -4,6 +4,8 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QProgressBar>
+#include <QProxyStyle>
+#include <QStyleFactory>
 
 #include "dialogs/frmShowProgress.h"
 #include "dialogs/message_box.h"
@@ -90,6 +92,26 @@ TEST(MessageBox, OffersItsButtonsAndTakesClosingForTheLeastChange) {
     const Message message{"t", "<i>\r\nzwei", c.buttons, MessageIcon::question, c.preselected};
     EXPECT_EQ(ShowMessageBox(nullptr, message), c.closed) << c.texts;
   }
+}
+
+// Many desktops have pictures for some of the buttons.
+TEST(MessageBox, HasOnlyWordsOnItsButtons) {
+  class Pictures : public QProxyStyle {
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* more) const override {
+      return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 1 : QProxyStyle::styleHint(hint, option, widget, more);
+    }
+  };
+  auto* const style = qobject_cast<QProxyStyle*>(QApplication::style());
+  ASSERT_NE(style, nullptr);
+  style->setBaseStyle(new Pictures);
+  test::ModalScript script;
+  script.Expect<QMessageBox>("QMessageBox", [&](QMessageBox& box) {
+    for (const QAbstractButton* button : box.buttons()) EXPECT_TRUE(button->icon().isNull());
+    box.close();
+  });
+  ShowMessageBox(nullptr, {.title = "t", .text = "?", .buttons = MessageButtons::yesNoCancel});
+  style->setBaseStyle(QStyleFactory::create("fusion"));
 }
 
 }  // namespace
