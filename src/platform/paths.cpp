@@ -45,7 +45,7 @@ std::string WithSeparator(std::string directory) {
 }
 
 std::string WithOwnSeparators(std::string path) {
-  if constexpr (kPathSeparator == '\\') std::replace(path.begin(), path.end(), '/', kPathSeparator);
+  std::replace_if(path.begin(), path.end(), IsPathSeparator, kPathSeparator);
   return path;
 }
 

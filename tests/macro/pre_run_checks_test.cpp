@@ -86,7 +86,7 @@ TEST_F(PreRun, ChecksTheFilesForTheBuffer) {
   EXPECT_FALSE(Check({load("/serie/a.vas"), load("C:\\weg.vec"), Event(40103), load("/auch weg.dat"), load("/nie")}));
   ASSERT_EQ(ui.messages.size(), 3u);
   for (const std::size_t k : {0u, 1u}) {
-    ExpectBox(k, "QuiverionSeries  -  Fehler im Makro", text + "C:\\weg.vec" + kCannotOpen);
+    ExpectBox(k, "QuiverionSeries  -  Fehler im Makro", text + WithOwnSeparators("C:\\weg.vec") + kCannotOpen);
   }
   ExpectBox(2, "QuiverionSeries  -  Fehler im Makro", text + WithOwnSeparators("/auch weg.dat") + kCannotOpen);
 }
