@@ -6,7 +6,9 @@
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QProxyStyle>
+#include <QScreen>
 #include <QTranslator>
+#include <QWidget>
 
 #include "dialogs/icons.h"
 #include "dialogs/native.h"
@@ -37,6 +39,21 @@ class ShortcutRules : public QObject {
   }
 };
 
+// Windows begin no larger than the screen.
+class FirstSize : public QObject {
+ public:
+  using QObject::QObject;
+
+  bool eventFilter(QObject* object, QEvent* event) override {
+    if (event->type() != QEvent::Polish || !object->isWidgetType()) return false;
+    auto* const window = static_cast<QWidget*>(object);
+    if (!window->isWindow() || !window->testAttribute(Qt::WA_Resized)) return false;
+    constexpr QSize frame(12, 40);
+    window->resize(window->size().boundedTo(window->screen()->availableSize() - frame));
+    return false;
+  }
+};
+
 // The desktop's style, but with words alone on the buttons of every box: it has pictures for some of them only.
 class WindowStyle : public QProxyStyle {
  public:
@@ -59,6 +76,7 @@ void PrepareApplication(QApplication& application) {
     QCoreApplication::installTranslator(german);
   }
   application.installEventFilter(new ShortcutRules(&application));
+  application.installEventFilter(new FirstSize(&application));
   QApplication::setWindowIcon(QIcon(":/icons/program.ico"));
   QGuiApplication::setDesktopFileName(QStringLiteral("org.quiverion.QuiverionSeries"));
   QApplication::setApplicationName(QStringLiteral("QuiverionSeries"));

@@ -149,6 +149,21 @@ TEST_F(MainWindow, TwoMnemonicsInARowActOneAfterTheOther) {
   EXPECT_EQ(TheSession().macro.size(), 1u) << "behind the window no line is selected";
 }
 
+TEST_F(MainWindow, FitsASmallScreenWithLargeLetters) {
+  const QFont before = QApplication::font();
+  for (const int points : {9, 14, 16}) {
+    QFont font = before;
+    font.setPointSize(points);
+    QApplication::setFont(font);
+    Open();
+    window->resize(788, 560);  // 800 x 600 without the frame
+    QApplication::processEvents();
+    EXPECT_TRUE(window->size() == QSize(788, 560)) << points << ": " << window->width() << " x " << window->height();
+    ExpectNothingCutOff(*window);
+  }
+  QApplication::setFont(before);
+}
+
 // Qt gives a mnemonic that two controls share to each in turn, but a button then only took the focus.
 TEST_F(MainWindow, TheMnemonicOfStartAndStatisticActsEachTime) {
   Open();

@@ -269,15 +269,35 @@ TEST(EditVector, ReadsItsNumbersAtThePoint) {
   EXPECT_EQ(Stored(window).Number("YComp"), -1.5);
 }
 
-TEST(ParameterWindowsTest, EveryControlShowsItsTextAndHasANameForScreenReaders) {
+class DesktopFont : public testing::TestWithParam<int> {
+ protected:
+  DesktopFont() {
+    QFont font = before_;
+    font.setPointSize(GetParam());
+    QApplication::setFont(font);
+  }
+  ~DesktopFont() override { QApplication::setFont(before_); }
+
+ private:
+  QFont before_ = QApplication::font();
+};
+
+INSTANTIATE_TEST_SUITE_P(Points, DesktopFont, testing::Values(9, 14, 16), testing::PrintToStringParamName());
+
+TEST_P(DesktopFont, LeavesEveryControlItsTextAndANameForScreenReaders) {
   test::ScriptedUi ui;
   frmFaultVectors faultVectors(ui);
   frmXYTrafo trafo(ui);
   frmPrefixPostfix names(ui);
   frmMirrorOptions mirror(ui);
   frmEditVector vector(ui, "Zu subtrahierender Vektor");
+  faultVectors.Load(NewCommand(30001));
+  MacroEvent event = NewCommand(40201);
+  event.Set("XComp", -123456.789);
+  vector.Load(event);
   for (QWidget* window : std::initializer_list<QWidget*>{&faultVectors, &trafo, &names, &mirror, &vector}) {
     window->show();
+    QApplication::processEvents();
     test::ExpectNothingCutOff(*window);
     for (const QWidget* control : window->findChildren<QWidget*>()) {
       const bool named = qobject_cast<const QLineEdit*>(control) || qobject_cast<const QComboBox*>(control);

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStyleOptionFrame>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -40,16 +41,23 @@ inline void Type(QWidget& window, const char* box, const char* text) {
   QTest::keyClicks(&edit, text);
 }
 
-/// Fails the test where a label or a button of a shown window is smaller than its text.
+/// Fails the test where a label, a button or a box of a shown window is smaller than its text.
 inline void ExpectNothingCutOff(const QWidget& window) {
   const auto check = [](const QWidget* control) {
-    const QSize needed = control->minimumSizeHint();
+    QSize needed = control->minimumSizeHint();
+    if (control->hasHeightForWidth()) needed.setHeight(control->heightForWidth(control->width()));
     EXPECT_TRUE(control->width() >= needed.width() && control->height() >= needed.height())
         << FromQt(control->objectName()) << " " << control->width() << " of " << needed.width();
   };
   for (const auto* label : window.findChildren<QLabel*>()) check(label);
   for (const auto* button : window.findChildren<QAbstractButton*>()) {
     if (qobject_cast<const QToolButton*>(button) == nullptr) check(button);  // a part of another control
+  }
+  for (const auto* box : window.findChildren<QLineEdit*>()) {
+    QStyleOptionFrame option;
+    option.initFrom(box);
+    const int room = box->style()->subElementRect(QStyle::SE_LineEditContents, &option, box).width();
+    EXPECT_GE(room, box->fontMetrics().horizontalAdvance(box->text())) << FromQt(box->objectName());
   }
 }
 
