@@ -6,6 +6,7 @@
 
 #include "platform/paths.h"
 #include "window_fixture.h"
+#include "windows/dark_palette.h"
 
 namespace quiverion::test {
 namespace {
@@ -162,6 +163,17 @@ TEST_F(MainWindow, FitsASmallScreenWithLargeLetters) {
     ExpectNothingCutOff(*window);
   }
   QApplication::setFont(before);
+}
+
+TEST_F(MainWindow, ArrowsHaveTheColourOfTexts) {
+  Open();
+  const auto colour = [this] {
+    const QImage arrow = Get<QPushButton>("cmdMoveUp").icon().pixmap(16).toImage();
+    return FromQt(arrow.pixelColor(arrow.width() / 2, arrow.height() / 2).name());
+  };
+  EXPECT_EQ(colour(), FromQt(QApplication::palette().buttonText().color().name()));
+  const DarkPalette dark;
+  EXPECT_EQ(colour(), FromQt(QApplication::palette().buttonText().color().name()));
 }
 
 // Qt gives a mnemonic that two controls share to each in turn, but a button then only took the focus.
