@@ -1,12 +1,15 @@
 #include "dialogs/application.h"
 
 #include <QAbstractButton>
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QPainter>
 #include <QProxyStyle>
 #include <QScreen>
+#include <QStyleOption>
 #include <QTranslator>
 #include <QWidget>
 
@@ -39,6 +42,25 @@ class ShortcutRules : public QObject {
   }
 };
 
+// A window that comes back to somebody who types shows where its focus is. By itself a style shows it only after Tab.
+class FocusCues : public QObject {
+ public:
+  using QObject::QObject;
+
+  bool eventFilter(QObject* object, QEvent* event) override {
+    const QEvent::Type type = event->type();
+    if (type == QEvent::KeyPress || type == QEvent::ShortcutOverride) typing_ = true;
+    if (type == QEvent::MouseButtonPress) typing_ = false;
+    if (type == QEvent::WindowActivate && typing_ && object->isWidgetType()) {
+      static_cast<QWidget*>(object)->window()->setAttribute(Qt::WA_KeyboardFocusChange);
+    }
+    return false;
+  }
+
+ private:
+  bool typing_ = false;
+};
+
 // Windows begin no larger than the screen.
 class FirstSize : public QObject {
  public:
@@ -54,13 +76,25 @@ class FirstSize : public QObject {
   }
 };
 
-// The desktop's style, but with words alone on the buttons of every box: it has pictures for some of them only.
+// The desktop's style, but with words alone on the buttons of every box: it has pictures for some of them only. A list or
+// a text with the focus has a frame that shows it, also if nothing in it is current.
 class WindowStyle : public QProxyStyle {
  public:
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                 QStyleHintReturn* more) const override {
     if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
     return QProxyStyle::styleHint(hint, option, widget, more);
+  }
+
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const bool focused = element == PE_Frame && option->state.testFlag(State_HasFocus);
+    if (!focused || qobject_cast<const QAbstractScrollArea*>(widget) == nullptr) return;
+    painter->save();
+    painter->setPen(option->palette.color(QPalette::Highlight));
+    painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+    painter->restore();
   }
 };
 
@@ -77,6 +111,7 @@ void PrepareApplication(QApplication& application) {
   }
   application.installEventFilter(new ShortcutRules(&application));
   application.installEventFilter(new FirstSize(&application));
+  application.installEventFilter(new FocusCues(&application));
   QApplication::setWindowIcon(QIcon(":/icons/program.ico"));
   QGuiApplication::setDesktopFileName(QStringLiteral("org.quiverion.QuiverionSeries"));
   QApplication::setApplicationName(QStringLiteral("QuiverionSeries"));

@@ -165,6 +165,23 @@ TEST_F(MainWindow, FitsASmallScreenWithLargeLetters) {
   QApplication::setFont(before);
 }
 
+// After a file dialog nothing showed the focus, though keys acted: a list shows it by its current line only, other controls
+// only after Tab.
+TEST_F(MainWindow, ShowsWhereTheFocusIsAfterAFileDialog) {
+  Open();
+  const auto frame = [](QWidget& list) { return list.grab().toImage().pixelColor(0, list.height() / 2); };
+  EXPECT_EQ(frame(MacroList()), QApplication::palette().highlight().color());
+  EXPECT_NE(frame(Files()), frame(MacroList()));
+  auto& drive = Get<QComboBox>("Drive");
+  drive.setFocus();
+  const QImage before = drive.grab().toImage();
+  script.ExpectFile(place.Path() + "m");
+  QTest::keyClick(window.get(), Qt::Key_S, Qt::ControlModifier);
+  EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  EXPECT_TRUE(drive.hasFocus());
+  EXPECT_NE(drive.grab().toImage(), before);
+}
+
 TEST_F(MainWindow, ArrowsHaveTheColourOfTexts) {
   Open();
   const auto colour = [this] {
