@@ -3,6 +3,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QLabel>
 #include <QLayout>
 
 #include "dialogs/frmEditVector.h"
@@ -75,6 +76,7 @@ std::optional<std::string> ParameterWindows::AskText(const TextQuestion& questio
   box.setCancelButtonText(QStringLiteral("&Abbrechen"));
   box.layout()->setSizeConstraint(QLayout::SetDefaultConstraint);  // else it takes the minimum for its own
   box.setMinimumWidth(WidthOfTitle(box));
+  box.findChild<QLabel*>()->setWordWrap(true);  // with large letters it can be wider than the screen
   if (RunModal(box) != QDialog::Accepted) return std::nullopt;
   return FromQt(box.textValue());
 }
@@ -92,6 +94,8 @@ std::optional<std::string> ParameterWindows::ChooseFile(const FileQuestion& ques
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
   }
+  const QFontMetrics letters = dialog.fontMetrics();  // its own size does not grow with them
+  dialog.resize(dialog.sizeHint().expandedTo({100 * letters.averageCharWidth(), 28 * letters.lineSpacing()}));
   if (!question.fileName.empty()) dialog.selectFile(PathToQt(question.fileName));
   if (RunModal(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   const std::string path = PathFromQt(dialog.selectedFiles().front());

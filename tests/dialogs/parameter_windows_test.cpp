@@ -336,16 +336,18 @@ TEST(FileDialog, ShowsItsFiltersAsTheyAreStatedAndListsWhatTheyName) {
   EXPECT_EQ(AskParameters(services, event, true), EditOutcome::cancelled);
 }
 
-TEST(InputBox, ShowsItsWholeTitle) {
+TEST_P(DesktopFont, LeavesAnInputBoxItsTitleAndItsQuestion) {
   QWidget parent;
   test::ScriptedUi ui;
   ParameterWindows windows(parent, ui);
   test::ModalScript script;
   script.Expect<QDialog>("QInputDialog", [](QDialog& box) {
     EXPECT_GE(box.width(), WidthOfTitle(box));
+    test::ExpectNothingCutOff(box);
     box.reject();
   });
-  EXPECT_FALSE(windows.AskText({"QuiverionSeries - Energiedissipationsrate berechnen", "?", "1"}));
+  EXPECT_FALSE(windows.AskText(
+      {"QuiverionSeries - Energiedissipationsrate berechnen", std::string(FindCommand(50104)->editor.text), "1"}));
 }
 
 }  // namespace
