@@ -67,9 +67,11 @@ class FirstSize : public QObject {
   using QObject::QObject;
 
   bool eventFilter(QObject* object, QEvent* event) override {
-    if (event->type() != QEvent::Polish || !object->isWidgetType()) return false;
+    if (event->type() != QEvent::Show || !object->isWidgetType()) return false;
     auto* const window = static_cast<QWidget*>(object);
-    if (!window->isWindow() || !window->testAttribute(Qt::WA_Resized)) return false;
+    constexpr const char* shown = "wasShown";
+    if (!window->isWindow() || !window->testAttribute(Qt::WA_Resized) || window->property(shown).toBool()) return false;
+    window->setProperty(shown, true);
     constexpr QSize frame(12, 40);
     window->resize(window->size().boundedTo(window->screen()->availableSize() - frame));
     return false;
