@@ -1,6 +1,7 @@
 #include "platform/paths.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/text.h"
 
@@ -47,6 +48,10 @@ std::string WithSeparator(std::string directory) {
 std::string WithOwnSeparators(std::string path) {
   std::replace_if(path.begin(), path.end(), IsPathSeparator, kPathSeparator);
   return path;
+}
+
+std::string TypedPath(std::string path) {
+  return kPathSeparator == '\\' ? WithOwnSeparators(std::move(path)) : path;
 }
 
 }  // namespace quiverion

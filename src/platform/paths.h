@@ -43,4 +43,7 @@ std::string WithSeparator(std::string directory);
 /// A path that may come from another system, to be shown: every separator is the system's.
 std::string WithOwnSeparators(std::string path);
 
+/// A path that was typed here: on Windows every separator is "\". Elsewhere "\" may be a character of a name, and stays.
+std::string TypedPath(std::string path);
+
 }  // namespace quiverion
