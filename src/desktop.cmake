@@ -15,14 +15,14 @@ endfunction()
 quiverion_windows(dialogs USES macro SOURCES
   application.cpp frmShowCollection.cpp frmShowLogFile.cpp frmShowProgress.cpp log_text.cpp
   macro_editing.cpp repaint_throttle.cpp
-  help/frmHelp.cpp help/help.cpp help/help_pages.cpp
+  help/frmHelp.cpp help/help.cpp help/help_browser.cpp help/help_pages.cpp
   parameters/fault_vector_rules.cpp parameters/file_choices.cpp parameters/frmChooseMacroEvent.cpp
   parameters/frmEditVector.cpp parameters/frmFaultVectors.cpp
   parameters/frmMirrorOptions.cpp parameters/frmPrefixPostfix.cpp parameters/frmXYTrafo.cpp
   parameters/parameter_editing.cpp parameters/parameter_window.cpp parameters/parameter_windows.cpp
   widgets/elided_label.cpp widgets/filtered_line_edit.cpp
   widgets/guarded.cpp widgets/icons.cpp
-  widgets/key_filter.cpp widgets/message_box.cpp
+  widgets/key_filter.cpp widgets/message_box.cpp widgets/wrapped_label.cpp
   ${QUIVERION_SYSTEM}/native.cpp ${QUIVERION_SYSTEM}/qt_paths.cpp)
 target_sources(quiverion_dialogs PRIVATE dialogs/widgets/icons.qrc)
 target_link_libraries(quiverion_dialogs PUBLIC Qt6::PrintSupport)

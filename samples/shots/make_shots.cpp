@@ -1,4 +1,4 @@
-// Saves a picture of every window, filled from a series: make_shots MAKRO SERIE ZIEL
+// Saves a picture of every window, filled from a series: make_shots MAKRO SERIE ZIEL [PUNKTE] [dunkel]
 #include <QApplication>
 #include <QDir>
 #include <QListWidget>
@@ -195,14 +195,34 @@ class Shots {
 }  // namespace
 }  // namespace quiverion
 
+namespace {
+
+// A desktop with another size of letters or dark colours.
+void UseDesktop(const QStringList& words) {
+  for (const QString& word : words) {
+    if (word == "dunkel") {
+      QPalette dark(QColor("#31363b"));
+      dark.setColor(QPalette::Base, QColor("#1b1e20"));
+      QApplication::setPalette(dark);
+    } else {
+      QFont font = QApplication::font();
+      font.setPointSize(word.toInt());
+      QApplication::setFont(font);
+    }
+  }
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   quiverion::PrepareApplication(application);
   const QStringList words = QApplication::arguments();
-  if (words.size() != 4 || !QDir().mkpath(words[3])) {
-    std::cerr << "Aufruf: make_shots MAKRO SERIE ZIEL\n";
+  if (words.size() < 4 || !QDir().mkpath(words[3])) {
+    std::cerr << "Aufruf: make_shots MAKRO SERIE ZIEL [PUNKTE] [dunkel]\n";
     return 2;
   }
+  UseDesktop(words.mid(4));
   try {
     quiverion::Shots shots(quiverion::PathFromQt(QDir(words[1]).absolutePath()),
                            quiverion::PathFromQt(QDir(words[2]).absolutePath()), words[3]);

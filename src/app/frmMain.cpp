@@ -48,6 +48,7 @@ frmMain::frmMain(const Machine& machine, QWidget* parent)
   log_.Attach(logText_);
   UseIcons();
   ui_->setupUi(this);
+  for (QPushButton* const arrow : {ui_->cmdMoveUp, ui_->cmdMoveDown}) arrow->setIcon(InTextColour(arrow->icon()));
   ConnectMacroControls();
   ConnectFileControls();
   ConnectMenus();

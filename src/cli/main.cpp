@@ -21,7 +21,7 @@ using Action = std::function<int()>;
 
 // A path is shown, and kept, as the system writes it.
 CLI::Option* Shown(CLI::Option* path) {
-  return path->transform([](std::string typed) { return WithOwnSeparators(std::move(typed)); });
+  return path->transform([](std::string typed) { return TypedPath(std::move(typed)); });
 }
 
 CLI::Option* AddPath(CLI::App* command, const std::string& name, std::string& target, const std::string& help) {

@@ -1,12 +1,17 @@
 #include "dialogs/application.h"
 
 #include <QAbstractButton>
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
-#include <QShortcutEvent>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QScreen>
+#include <QStyleOption>
 #include <QTranslator>
+#include <QWidget>
 
 #include "dialogs/widgets/icons.h"
 #include "dialogs/widgets/native.h"
@@ -18,6 +23,7 @@ namespace {
 // Keeps shortcuts from acting behind a dialog. Qt lets them pass as long as the dialog is not yet the active window, and
 // presses the button of a mnemonic 100 ms later, when a dialog may have opened: a key that follows another one closely
 // would change what the dialog is about.
+// A mnemonic that a button shares with something else reaches them in turn. Qt would only move the focus to the button.
 class ShortcutRules : public QObject {
  public:
   using QObject::QObject;
@@ -28,11 +34,69 @@ class ShortcutRules : public QObject {
     while (inWindow != nullptr && !inWindow->isWidgetType()) inWindow = inWindow->parent();
     if (inWindow != nullptr && IsBehindDialog(*static_cast<const QWidget*>(inWindow))) return true;
     auto* const button = qobject_cast<QAbstractButton*>(owner);
-    if (button == nullptr || static_cast<QShortcutEvent*>(event)->isAmbiguous()) return false;
+    if (button == nullptr) return false;
     const bool takesFocus = button->isCheckable() && (button->focusPolicy() & Qt::ClickFocus) != 0;
     if (takesFocus) button->setFocus(Qt::ShortcutFocusReason);
     button->click();
     return true;
+  }
+};
+
+// A window that comes back to somebody who types shows where its focus is. By itself a style shows it only after Tab.
+class FocusCues : public QObject {
+ public:
+  using QObject::QObject;
+
+  bool eventFilter(QObject* object, QEvent* event) override {
+    const QEvent::Type type = event->type();
+    if (type == QEvent::KeyPress || type == QEvent::ShortcutOverride) typing_ = true;
+    if (type == QEvent::MouseButtonPress) typing_ = false;
+    if (type == QEvent::WindowActivate && typing_ && object->isWidgetType()) {
+      static_cast<QWidget*>(object)->window()->setAttribute(Qt::WA_KeyboardFocusChange);
+    }
+    return false;
+  }
+
+ private:
+  bool typing_ = false;
+};
+
+// Windows begin no larger than the screen.
+class FirstSize : public QObject {
+ public:
+  using QObject::QObject;
+
+  bool eventFilter(QObject* object, QEvent* event) override {
+    if (event->type() != QEvent::Show || !object->isWidgetType()) return false;
+    auto* const window = static_cast<QWidget*>(object);
+    constexpr const char* shown = "wasShown";
+    if (!window->isWindow() || !window->testAttribute(Qt::WA_Resized) || window->property(shown).toBool()) return false;
+    window->setProperty(shown, true);
+    constexpr QSize frame(12, 40);
+    window->resize(window->size().boundedTo(window->screen()->availableSize() - frame));
+    return false;
+  }
+};
+
+// The desktop's style, but with words alone on the buttons of every box: it has pictures for some of them only. A list or
+// a text with the focus has a frame that shows it, also if nothing in it is current.
+class WindowStyle : public QProxyStyle {
+ public:
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* more) const override {
+    if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
+    return QProxyStyle::styleHint(hint, option, widget, more);
+  }
+
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const bool focused = element == PE_Frame && option->state.testFlag(State_HasFocus);
+    if (!focused || qobject_cast<const QAbstractScrollArea*>(widget) == nullptr) return;
+    painter->save();
+    painter->setPen(option->palette.color(QPalette::Highlight));
+    painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+    painter->restore();
   }
 };
 
@@ -41,12 +105,15 @@ class ShortcutRules : public QObject {
 void PrepareApplication(QApplication& application) {
   QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
   UseIcons();
+  QApplication::setStyle(new WindowStyle);
   ChooseFonts();
   auto* const german = new QTranslator(&application);
   if (german->load(QStringLiteral("qtbase_de"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
     QCoreApplication::installTranslator(german);
   }
   application.installEventFilter(new ShortcutRules(&application));
+  application.installEventFilter(new FirstSize(&application));
+  application.installEventFilter(new FocusCues(&application));
   QApplication::setWindowIcon(QIcon(":/icons/program.ico"));
   QGuiApplication::setDesktopFileName(QStringLiteral("org.quiverion.QuiverionSeries"));
   QApplication::setApplicationName(QStringLiteral("QuiverionSeries"));

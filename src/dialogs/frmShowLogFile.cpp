@@ -2,11 +2,12 @@
 
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextCursor>
 
+#include "dialogs/widgets/dark_palette.h"
 #include "dialogs/widgets/native.h"
-#include "dialogs/widgets/paper.h"
 #include "dialogs/widgets/qt_text.h"
 #include "dialogs/widgets/run_modal.h"
 #include "log/log_writers.h"
@@ -19,29 +20,27 @@
 namespace quiverion {
 namespace {
 
-QColor ColourOf(LogColour colour) {
-  switch (colour) {
-    case LogColour::red:
-      return {200, 0, 0};
-    case LogColour::green:
-      return {0, 200, 0};
-    case LogColour::black:
-      break;
-  }
-  return {0, 0, 0};
+constexpr LogColours kOnPaper = {qRgb(0, 0, 0), qRgb(200, 0, 0), qRgb(0, 200, 0)};
+
+// The same ones where the ground is light, else lighter ones.
+LogColours OnScreen(const QPalette& palette) {
+  if (!IsDark(palette)) return kOnPaper;
+  return {palette.color(QPalette::Text).rgb(), qRgb(255, 120, 120), qRgb(90, 220, 90)};
 }
 
 // Puts the pieces of a log into a document.
 class DocumentSink : public LogSink {
  public:
-  explicit DocumentSink(QTextDocument* document) : cursor_(document) { cursor_.beginEditBlock(); }
+  DocumentSink(QTextDocument* document, const LogColours& colours) : cursor_(document), colours_(colours) {
+    cursor_.beginEditBlock();
+  }
   ~DocumentSink() override { cursor_.endEditBlock(); }
   DocumentSink(const DocumentSink&) = delete;
   DocumentSink& operator=(const DocumentSink&) = delete;
 
   void Write(std::string_view text, const LogFormat& format) override {
     QTextCharFormat shown;
-    shown.setForeground(ColourOf(format.colour));
+    shown.setForeground(QColor(colours_[static_cast<std::size_t>(format.colour)]));
     shown.setFontWeight(format.bold ? QFont::Bold : QFont::Normal);
     shown.setFontItalic(format.italic);
     shown.setFontPointSize(format.points);
@@ -50,6 +49,7 @@ class DocumentSink : public LogSink {
 
  private:
   QTextCursor cursor_;
+  LogColours colours_;
 };
 
 }  // namespace
@@ -64,11 +64,7 @@ frmShowLogFile::frmShowLogFile(const LogText& log, std::string path, FileSystem&
       ui_(std::make_unique<Ui::frmShowLogFile>()) {
   ui_->setupUi(this);
   setWindowFlag(Qt::WindowMaximizeButtonHint);
-  ShowAsPaper(*ui_->RichTextBox);
-  {
-    DocumentSink document(ui_->RichTextBox->document());
-    log_.ReplayTo(document);
-  }
+  ShowIn(OnScreen(palette()));
   // The verdict stands at the end.
   ui_->RichTextBox->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   ui_->RichTextBox->moveCursor(QTextCursor::End);
@@ -78,6 +74,28 @@ frmShowLogFile::frmShowLogFile(const LogText& log, std::string path, FileSystem&
 }
 
 frmShowLogFile::~frmShowLogFile() = default;
+
+void frmShowLogFile::ShowIn(const LogColours& colours) {
+  if (colours == colours_) return;
+  colours_ = colours;
+  QPlainTextEdit& box = *ui_->RichTextBox;
+  QTextCursor cursor = box.textCursor();
+  const int anchor = cursor.anchor(), position = cursor.position(), place = box.verticalScrollBar()->value();
+  box.clear();
+  {
+    DocumentSink document(box.document(), colours);
+    log_.ReplayTo(document);
+  }
+  cursor.setPosition(anchor);
+  cursor.setPosition(position, QTextCursor::KeepAnchor);
+  box.setTextCursor(cursor);
+  box.verticalScrollBar()->setValue(place);
+}
+
+void frmShowLogFile::changeEvent(QEvent* event) {
+  QDialog::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) ShowIn(OnScreen(palette()));
+}
 
 void frmShowLogFile::Print() {
   QPrinter printer(QPrinter::HighResolution);
@@ -96,7 +114,10 @@ void frmShowLogFile::Print() {
 void frmShowLogFile::PrintTo(QPrinter& printer) {
   const bool selected = ui_->RichTextBox->textCursor().hasSelection();
   printer.setPrintRange(selected ? QPrinter::Selection : QPrinter::AllPages);
+  const LogColours shown = colours_;
+  ShowIn(kOnPaper);
   ui_->RichTextBox->print(&printer);
+  ShowIn(shown);
 }
 
 void frmShowLogFile::Save() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <array>
 #include <memory>
 #include <string>
 
@@ -16,6 +17,8 @@ class frmShowLogFile;
 
 namespace quiverion {
 
+using LogColours = std::array<QRgb, 3>;  // in the order of LogColour
+
 /// The log of the last run: to read, to print, to save as RTF.
 class frmShowLogFile : public QDialog {
   Q_OBJECT
@@ -29,7 +32,11 @@ class frmShowLogFile : public QDialog {
   /// Prints the selected text, or the whole log where nothing is selected.
   void PrintTo(QPrinter& printer);
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
+  void ShowIn(const LogColours& colours);
   void Print();
   void Save();
 
@@ -37,6 +44,7 @@ class frmShowLogFile : public QDialog {
   std::string path_;
   FileSystem& files_;
   UserInterface& messages_;
+  LogColours colours_ = {};  // none of them
   std::unique_ptr<Ui::frmShowLogFile> ui_;
 };
 

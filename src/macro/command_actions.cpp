@@ -51,8 +51,9 @@ FaultyVectorCriteria FaultyVectorCriteriaOf(const MacroEvent& event) {
 std::string OutputPath(const CommandCall& call, std::string_view extension) {
   std::string name = call.event.Text("Prefix");
   name.append(BaseNameOf(call.fileName)).append(call.event.Text("Postfix")).append(extension);
+  name = WithOwnSeparators(name);
   RequireBelow(name);
-  return call.inputDirectory + WithOwnSeparators(name);
+  return call.inputDirectory + name;
 }
 
 void SaveAsVas(const CommandCall& call) {

@@ -1,9 +1,12 @@
 // The help window: from the menu, and by F1 from wherever the user is.
+#include <QScrollBar>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QTreeWidget>
 
 #include "dialogs/help/frmHelp.h"
 #include "window_fixture.h"
+#include "windows/dark_palette.h"
 
 namespace quiverion::test {
 namespace {
@@ -52,6 +55,36 @@ TEST_F(HelpWindow, ShowsTheContents) {
   EXPECT_EQ(tree.currentItem(), chapter);
   Window()->ShowTopic("evtGauss3x3");
   EXPECT_EQ(FromQt(tree.currentItem()->text(0) + " < " + tree.currentItem()->parent()->text(0)), "Gauß (3x3) < Filter");
+}
+
+TEST_F(HelpWindow, FollowsThePalette) {
+  Trigger("mnuShowHelp");
+  Window()->ShowTopic("mnuDissipation");
+  auto& browser = Find<QTextBrowser>(*Window(), "txtPage");
+  // The ground, the colours of the texts, and how dark the darkest of these is.
+  int darkest = 0;
+  const auto colours = [&] {
+    darkest = 255;
+    std::string text = FromQt(browser.document()->rootFrame()->frameFormat().background().color().name());
+    for (QTextBlock block = browser.document()->begin(); block.isValid(); block = block.next()) {
+      for (auto piece = block.begin(); !piece.atEnd(); ++piece) {
+        const QTextCharFormat format = piece.fragment().charFormat();
+        if (!format.hasProperty(QTextFormat::ForegroundBrush)) continue;
+        darkest = std::min(darkest, format.foreground().color().lightness());
+        text += " " + FromQt(format.foreground().color().name());
+      }
+    }
+    return text;
+  };
+  const std::string light = colours();
+  const int scrolled = browser.verticalScrollBar()->value();
+  {
+    const DarkPalette dark;
+    EXPECT_TRUE(colours().starts_with("#202020 "));
+    EXPECT_GT(darkest, 160);
+    EXPECT_EQ(browser.verticalScrollBar()->value(), scrolled);
+  }
+  EXPECT_EQ(colours(), light);
 }
 
 TEST_F(HelpWindow, FindsAKeyword) {

@@ -6,6 +6,7 @@
 #include "platform/files/paths.h"
 #include "support/bytes.h"
 #include "window_fixture.h"
+#include "windows/dark_palette.h"
 
 namespace quiverion::test {
 namespace {
@@ -147,6 +148,66 @@ TEST_F(MainWindow, TwoMnemonicsInARowActOneAfterTheOther) {
   QTest::keyClick(window.get(), Qt::Key_L, Qt::AltModifier);
   QTest::qWait(150);
   EXPECT_EQ(TheSession().macro.size(), 1u) << "behind the window no line is selected";
+}
+
+TEST_F(MainWindow, FitsASmallScreenWithLargeLetters) {
+  const QFont before = QApplication::font();
+  for (const int points : {9, 14, 16}) {
+    QFont font = before;
+    font.setPointSize(points);
+    QApplication::setFont(font);
+    Open();
+    window->resize(788, 560);  // 800 x 600 without the frame
+    QApplication::processEvents();
+    EXPECT_TRUE(window->size() == QSize(788, 560)) << points << ": " << window->width() << " x " << window->height();
+    ExpectReadable(*window);
+  }
+  QApplication::setFont(before);
+}
+
+// After a file dialog nothing showed the focus, though keys acted: a list shows it by its current line only, other controls
+// only after Tab.
+TEST_F(MainWindow, ShowsWhereTheFocusIsAfterAFileDialog) {
+  Open();
+  const auto frame = [](QWidget& list) { return list.grab().toImage().pixelColor(0, list.height() / 2); };
+  EXPECT_EQ(frame(MacroList()), QApplication::palette().highlight().color());
+  EXPECT_NE(frame(Files()), frame(MacroList()));
+  auto& drive = Get<QComboBox>("Drive");
+  drive.setFocus();
+  window->setAttribute(Qt::WA_KeyboardFocusChange, false);  // as after a click
+  const QImage before = drive.grab().toImage();
+  script.ExpectFile(place.Path() + "m");
+  QTest::keyClick(window.get(), Qt::Key_S, Qt::ControlModifier);
+  EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  EXPECT_TRUE(drive.hasFocus());
+  EXPECT_NE(drive.grab().toImage(), before);
+}
+
+TEST_F(MainWindow, ArrowsHaveTheColourOfTexts) {
+  Open();
+  const auto colour = [this] {
+    const QImage arrow = Get<QPushButton>("cmdMoveUp").icon().pixmap(16).toImage();
+    return FromQt(arrow.pixelColor(arrow.width() / 2, arrow.height() / 2).name());
+  };
+  EXPECT_EQ(colour(), FromQt(QApplication::palette().buttonText().color().name()));
+  const DarkPalette dark;
+  EXPECT_EQ(colour(), FromQt(QApplication::palette().buttonText().color().name()));
+}
+
+// Qt gives a mnemonic that two controls share to each in turn, but a button then only took the focus.
+TEST_F(MainWindow, TheMnemonicOfStartAndStatisticActsEachTime) {
+  Open();
+  QMenu& menu = Get<QMenu>("mnuStatistics");
+  for (int turn = 0; turn < 2; ++turn) {
+    script.ExpectBox(QMessageBox::Ok, "QuiverionSeries|Sie müssen mindestens eine Datei auswählen!");
+    QTest::keyClick(window.get(), Qt::Key_S, Qt::AltModifier);
+    EXPECT_FALSE(menu.isVisible());
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    QTest::keyClick(window.get(), Qt::Key_S, Qt::AltModifier);
+    EXPECT_TRUE(menu.isVisible());
+    menu.close();
+  }
 }
 
 // A key can come before the window that the key before has opened is the active one: Qt keeps keys from the window behind

@@ -9,6 +9,7 @@
 #include "dialogs/frmShowLogFile.h"
 #include "support/test_session.h"
 #include "window_fixture.h"
+#include "windows/dark_palette.h"
 
 namespace quiverion::test {
 namespace {
@@ -183,12 +184,22 @@ class LogWindow : public MainWindow {
       run.WriteLogLine(piece);
     }
   }
+  // The bytes of the printout without its time.
+  std::string Printed(frmShowLogFile& shown, const char* name) {
+    QPrinter printer;
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(ToQt(place.Path() + name));
+    shown.PrintTo(printer);
+    std::string bytes = place.Read(name);
+    const std::size_t time = bytes.find("/CreationDate");
+    return bytes.erase(time, bytes.find('\n', time) - time);
+  }
+
   LogText log;
   ScriptedUi ui;
 };
 
-TEST_F(LogWindow, ShowsEveryPieceInItsFormat) {
-  const frmShowLogFile shown(log, place.Path() + "Log.rtf", *files, ui);
+std::string FormatsIn(const frmShowLogFile& shown) {
   QTextDocument* const document = Find<QPlainTextEdit>(shown, "RichTextBox").document();
   std::string formats;
   for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
@@ -199,25 +210,40 @@ TEST_F(LogWindow, ShowsEveryPieceInItsFormat) {
                  std::to_string(static_cast<int>(format.fontPointSize())) + "|";
     }
   }
-  EXPECT_EQ(formats,
+  return formats;
+}
+
+TEST_F(LogWindow, ShowsEveryPieceInItsFormat) {
+  const frmShowLogFile shown(log, place.Path() + "Log.rtf", *files, ui);
+  EXPECT_EQ(FormatsIn(shown),
             "Titel=#000000 bold 10|Laden... =#000000 bold 10|fertig=#00c800 10|    klein=#00c800 italic 8|"
             "!!! FEHLER !!!=#c80000 10|");
 }
 
+// A log that stayed white and black was glaring on a dark desktop; one that is light on paper cannot be read.
+TEST_F(LogWindow, FollowsThePaletteOnTheScreenButNotOnPaper) {
+  frmShowLogFile shown(log, place.Path() + "Log.rtf", *files, ui);
+  shown.show();
+  QTextCursor cursor(Find<QPlainTextEdit>(shown, "RichTextBox").document());
+  cursor.setPosition(7);
+  cursor.setPosition(12, QTextCursor::KeepAnchor);
+  Find<QPlainTextEdit>(shown, "RichTextBox").setTextCursor(cursor);
+  const std::string onPaper = Printed(shown, "light.pdf");
+  const DarkPalette dark;
+  EXPECT_EQ(FormatsIn(shown),
+            "Titel=#f0f0f0 bold 10|Laden... =#f0f0f0 bold 10|fertig=#5adc5a 10|    klein=#5adc5a italic 8|"
+            "!!! FEHLER !!!=#ff7878 10|");
+  EXPECT_EQ(FromQt(Find<QPlainTextEdit>(shown, "RichTextBox").textCursor().selectedText()), "aden.");
+  EXPECT_EQ(Printed(shown, "dark.pdf"), onPaper);
+}
+
 TEST_F(LogWindow, PrintsWhatIsSelectedOrEverything) {
   frmShowLogFile shown(log, place.Path() + "Log.rtf", *files, ui);
-  const auto print = [&](const char* name) {
-    QPrinter printer;
-    printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setOutputFileName(ToQt(place.Path() + name));
-    shown.PrintTo(printer);
-    return place.Read(name).size();
-  };
-  const std::size_t whole = print("a.pdf");
+  const std::size_t whole = Printed(shown, "a.pdf").size();
   QTextCursor cursor(Find<QPlainTextEdit>(shown, "RichTextBox").document());
   cursor.select(QTextCursor::WordUnderCursor);
   Find<QPlainTextEdit>(shown, "RichTextBox").setTextCursor(cursor);
-  const std::size_t word = print("b.pdf");
+  const std::size_t word = Printed(shown, "b.pdf").size();
   EXPECT_TRUE(place.Read("a.pdf").starts_with("%PDF"));
   EXPECT_LT(word, whole);
   EXPECT_GT(word, 0u);

@@ -10,6 +10,7 @@
 #include <QGroupBox>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTemporaryDir>
 #include <QTreeWidget>
 
 #include "dialogs/parameters/frmEditVector.h"
@@ -239,17 +240,80 @@ TEST(XYTrafo, CopiesFactorsAndRefusesZero) {
   EXPECT_EQ(window.result(), QDialog::Accepted);
 }
 
-TEST(ParameterWindowsTest, EveryControlShowsItsTextAndHasANameForScreenReaders) {
+class DesktopFont : public testing::TestWithParam<int> {
+ protected:
+  DesktopFont() {
+    QFont font = before_;
+    font.setPointSize(GetParam());
+    QApplication::setFont(font);
+  }
+  ~DesktopFont() override { QApplication::setFont(before_); }
+
+ private:
+  QFont before_ = QApplication::font();
+};
+
+INSTANTIATE_TEST_SUITE_P(Points, DesktopFont, testing::Values(9, 14, 16), testing::PrintToStringParamName());
+
+TEST_P(DesktopFont, LeavesEveryControlItsTextAndANameForScreenReaders) {
   test::ScriptedUi ui;
   frmFaultVectors faultVectors(ui);
   frmXYTrafo trafo(ui);
   frmPrefixPostfix names(ui);
   frmMirrorOptions mirror(ui);
   frmEditVector vector(ui, "Zu subtrahierender Vektor");
+  faultVectors.Load(NewCommand(30001));
+  MacroEvent event = NewCommand(40201);
+  event.Set("XComp", -123456.789);
+  vector.Load(event);
   for (QWidget* window : std::initializer_list<QWidget*>{&faultVectors, &trafo, &names, &mirror, &vector}) {
     window->show();
+    QApplication::processEvents();
     test::ExpectReadable(*window);
   }
+}
+
+TEST(FileDialog, ShowsItsFiltersAsTheyAreStatedAndListsWhatTheyName) {
+  const QTemporaryDir place;
+  for (const char* name : {"a.VAS", "b.dat", "c.txt", "ohne"}) {
+    ASSERT_TRUE(QFile(place.filePath(name)).open(QIODevice::WriteOnly));
+  }
+  QWidget parent;
+  test::ScriptedUi ui;
+  ParameterWindows windows(parent, ui);
+  test::ModalScript script;
+  script.Expect<QDialog>("QFileDialog", [](QDialog& dialog) {
+    auto& filters = Find<QComboBox>(dialog, "fileTypeCombo");
+    EXPECT_EQ(FromQt(filters.itemText(0) + "|" + filters.currentText()),
+              "Alle Dateien (*.*)|Vektorfelder (*.vas;*.vec;*.dat)");
+    const auto& list = Find<QAbstractItemView>(dialog, "listView");
+    const auto lists = [&list](int count) {
+      return test::WaitFor([&list, count] { return list.model()->rowCount(list.rootIndex()) == count; });
+    };
+    EXPECT_TRUE(lists(2));
+    filters.setCurrentIndex(0);
+    emit filters.activated(0);
+    EXPECT_TRUE(lists(4));
+    dialog.reject();
+  });
+  test::TestSession session;
+  EditingServices services{session.session.context, windows, PathFromQt(place.path())};
+  MacroEvent event(20002);
+  EXPECT_EQ(AskParameters(services, event, true), EditOutcome::cancelled);
+}
+
+TEST_P(DesktopFont, LeavesAnInputBoxItsTitleAndItsQuestion) {
+  QWidget parent;
+  test::ScriptedUi ui;
+  ParameterWindows windows(parent, ui);
+  test::ModalScript script;
+  script.Expect<QDialog>("QInputDialog", [](QDialog& box) {
+    EXPECT_GE(box.width(), WidthOfTitle(box));
+    test::ExpectReadable(box);
+    box.reject();
+  });
+  EXPECT_FALSE(windows.AskText(
+      {"QuiverionSeries - Energiedissipationsrate berechnen", std::string(FindCommand(50104)->editor.text), "1"}));
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QGroupBox>
 #include <QLabel>
 #include <QProgressBar>
+#include <QProxyStyle>
+#include <QStyleFactory>
 
 #include "dialogs/frmShowProgress.h"
 #include "dialogs/repaint_throttle.h"
@@ -51,6 +54,10 @@ TEST(ProgressWindow, ShowsWhereTheRunIs) {
   EXPECT_EQ(shown({4, 0, 0, "", ""}), "||Fortschritt|0/4");
   EXPECT_EQ(shown({4, 3, 2, "<b>.vas", "Interpolation", true}),
             "Aktuelle Datei (3 von 4):  <b>.vas|Interpolation|Fortschritt  (Fehler aufgetreten)|2/4");
+  for (const char* label : {"lblFileName", "lblRunningEvent"}) {
+    auto& shownLabel = Find<QLabel>(window, label);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&shownLabel)->text(QAccessible::Name), shownLabel.text());
+  }
   window.setWindowState(Qt::WindowMinimized);
   shown({4, 4, 3, "c.vas", "Interpolation", true});
   EXPECT_EQ(FromQt(window.windowTitle()), "QuiverionSeries (75%)");
@@ -74,6 +81,26 @@ TEST(MessageBox, OffersItsButtonsAndTakesClosingForTheLeastChange) {
     told += ", closed " + std::to_string(static_cast<int>(ShowMessageBox(nullptr, message))) + "\n";
   }
   test::ExpectApproved("message_boxes.txt", told);
+}
+
+// Many desktops have pictures for some of the buttons.
+TEST(MessageBox, HasOnlyWordsOnItsButtons) {
+  class Pictures : public QProxyStyle {
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* more) const override {
+      return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 1 : QProxyStyle::styleHint(hint, option, widget, more);
+    }
+  };
+  auto* const style = qobject_cast<QProxyStyle*>(QApplication::style());
+  ASSERT_NE(style, nullptr);
+  style->setBaseStyle(new Pictures);
+  test::ModalScript script;
+  script.Expect<QMessageBox>("QMessageBox", [&](QMessageBox& box) {
+    for (const QAbstractButton* button : box.buttons()) EXPECT_TRUE(button->icon().isNull());
+    box.close();
+  });
+  ShowMessageBox(nullptr, {.title = "t", .text = "?", .buttons = MessageButtons::yesNoCancel});
+  style->setBaseStyle(QStyleFactory::create("fusion"));
 }
 
 }  // namespace

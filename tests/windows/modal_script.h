@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStyleOptionFrame>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -40,8 +41,8 @@ inline void Type(QWidget& window, const char* box, const char* text) {
   QTest::keyClicks(&edit, text);
 }
 
-/// Fails the test where a label or a button of a shown window is smaller than its text, or a control that takes the focus
-/// has neither a text nor a name for screen readers.
+/// Fails the test if a label, a button or a box of a shown window is smaller than its text, or if a control that takes
+/// the focus has neither a text nor a name for screen readers.
 inline void ExpectReadable(const QWidget& window) {
   for (const auto* control : window.findChildren<QWidget*>()) {
     const QString name = control->objectName();
@@ -49,13 +50,20 @@ inline void ExpectReadable(const QWidget& window) {
     if (name.isEmpty() || name.startsWith("qt_") || qobject_cast<const QToolButton*>(control) != nullptr) continue;
     const auto* const button = qobject_cast<const QAbstractButton*>(control);
     if (button != nullptr || qobject_cast<const QLabel*>(control) != nullptr) {
-      const QSize needed = control->minimumSizeHint();
+      QSize needed = control->minimumSizeHint();
+      if (control->hasHeightForWidth()) needed.setHeight(control->heightForWidth(control->width()));
       EXPECT_TRUE(control->width() >= needed.width() && control->height() >= needed.height()) << FromQt(name);
     }
     const bool isSilent =
         control->focusPolicy() == Qt::NoFocus || control->inherits("QSplitter") || control->inherits("QTabWidget");
     EXPECT_TRUE(isSilent || (button != nullptr && !button->text().isEmpty()) || !control->accessibleName().isEmpty())
         << control->metaObject()->className() << " " << FromQt(name);
+  }
+  for (const auto* box : window.findChildren<QLineEdit*>()) {
+    QStyleOptionFrame option;
+    option.initFrom(box);
+    const int room = box->style()->subElementRect(QStyle::SE_LineEditContents, &option, box).width();
+    EXPECT_GE(room, box->fontMetrics().horizontalAdvance(box->text())) << FromQt(box->objectName());
   }
 }
 

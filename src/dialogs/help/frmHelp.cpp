@@ -7,7 +7,6 @@
 #include <QTreeWidgetItemIterator>
 #include <algorithm>
 
-#include "dialogs/widgets/paper.h"
 #include "ui_frmHelp.h"
 
 namespace quiverion {
@@ -22,7 +21,6 @@ frmHelp::frmHelp(const QString& directory, QWidget* parent)
   ui_->setupUi(this);
   setWindowFlag(Qt::WindowMaximizeButtonHint);
   ui_->splitter->setSizes({250, 650});
-  ShowAsPaper(*ui_->txtPage);
   ui_->txtPage->setSearchPaths({directory_});
   FillContents();
   for (const HelpEntry& keyword : pages_.Keywords()) {

@@ -24,7 +24,7 @@ struct FileQuestion {
   };
   Kind kind = Kind::open;
   std::string title = {};
-  std::vector<std::string> filters = {};  // "Textdatei (*.txt)"; several patterns are separated by blanks
+  std::vector<std::string> filters = {};  // as shown: "Alle Dateien (*.*)", "Bilder (*.png;*.jpg)"
   std::size_t selectedFilter = 0;         // of a file to be opened
   std::string directory = {};
   std::string fileName = {};   // preset, without directory

@@ -49,10 +49,10 @@ void PresetWith(FileQuestion& question, const std::string& path) {
 
 EditOutcome AskBufferFile(const Editing& editing) {
   FileQuestion question{.title = "Vektorfeld aus Datei in Buffer einladen",
-                        .filters = {"Alle Dateien (*.*)", "Vektorfelder (*.vas *.vec *.dat)"},
+                        .filters = {"Alle Dateien (*.*)", "Vektorfelder (*.vas;*.vec;*.dat)"},
                         .selectedFilter = 1,
                         .directory = editing.services.directory};
-  if (!editing.isNew) PresetWith(question, editing.event.Text("FileName"));
+  if (!editing.isNew) PresetWith(question, editing.event.Path("FileName"));
   const auto path = editing.services.dialogs.ChooseFile(question);
   if (!path) return EditOutcome::cancelled;
   if (!IsSeriesFile(*path)) {
@@ -81,7 +81,7 @@ EditOutcome AskVortexCentres(const Editing& editing) {
                           .filters = {"Textdatei (*.txt)"},
                           .directory = editing.services.directory,
                           .extension = "txt"};
-    if (!editing.isNew) PresetWith(question, editing.event.Text("FileName"));
+    if (!editing.isNew) PresetWith(question, editing.event.Path("FileName"));
     textFile = editing.services.dialogs.ChooseFile(question).value_or("");
   }
   const bool autoTrafo = confirmed(
@@ -149,7 +149,7 @@ EditOutcome AskCollectionFile(const Editing& editing) {
                         .directory = editing.services.directory,
                         .fileName = "Statistics",
                         .extension = "col"};
-  if (!editing.isNew) PresetWith(question, editing.event.Text("FileName"));
+  if (!editing.isNew) PresetWith(question, editing.event.Path("FileName"));
   question.fileName = BaseNameOf(question.fileName);
   const auto path = editing.services.dialogs.ChooseFile(question);
   if (!path) return EditOutcome::cancelled;

@@ -3,6 +3,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QLabel>
 #include <QLayout>
 
 #include "dialogs/parameters/frmEditVector.h"
@@ -46,6 +47,19 @@ QString ExistingDirectory(const std::string& path) {
   return directory;
 }
 
+// Qt separates patterns by blanks. To be shown with ";" a filter has them twice, and the dialog leaves out the last ones.
+// "*.*" means every file, also one without a point.
+void SetOpenFilters(QFileDialog& dialog, const FileQuestion& question) {
+  QStringList filters;
+  for (const std::string& filter : question.filters) {
+    const QString shown = ToQt(filter);
+    filters.append(shown + " " + shown.section(u'(', -1).prepend(u'(').replace(u';', u' ').replace("*.*", "*"));
+  }
+  dialog.setOption(QFileDialog::HideNameFilterDetails);
+  dialog.setNameFilters(filters);
+  dialog.selectNameFilter(filters.value(static_cast<qsizetype>(question.selectedFilter)));
+}
+
 }  // namespace
 
 std::optional<std::int32_t> ParameterWindows::ChooseCommand() {
@@ -62,24 +76,26 @@ std::optional<std::string> ParameterWindows::AskText(const TextQuestion& questio
   box.setCancelButtonText(QStringLiteral("&Abbrechen"));
   box.layout()->setSizeConstraint(QLayout::SetDefaultConstraint);  // else it takes the minimum for its own
   box.setMinimumWidth(WidthOfTitle(box));
+  box.findChild<QLabel*>()->setWordWrap(true);  // with large letters it can be wider than the screen
   if (RunModal(box) != QDialog::Accepted) return std::nullopt;
   return FromQt(box.textValue());
 }
 
 std::optional<std::string> ParameterWindows::ChooseFile(const FileQuestion& question) {
   QFileDialog dialog(&parent_, ToQt(question.title), ExistingDirectory(question.directory));
-  QStringList filters;
-  for (const std::string& filter : question.filters) filters.append(ToQt(filter));
   if (question.kind == FileQuestion::Kind::open) {
-    dialog.setNameFilters(filters);
-    dialog.selectNameFilter(filters.value(static_cast<qsizetype>(question.selectedFilter)));
+    SetOpenFilters(dialog, question);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setDefaultSuffix(ToQt(question.extension));
   } else {
+    QStringList filters;
+    for (const std::string& filter : question.filters) filters.append(ToQt(filter));
     SetSaveFilters(dialog, filters);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
   }
+  const QFontMetrics letters = dialog.fontMetrics();  // its own size does not grow with them
+  dialog.resize(dialog.sizeHint().expandedTo({100 * letters.averageCharWidth(), 28 * letters.lineSpacing()}));
   if (!question.fileName.empty()) dialog.selectFile(PathToQt(question.fileName));
   if (RunModal(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   const std::string path = PathFromQt(dialog.selectedFiles().front());

@@ -52,10 +52,18 @@ FilteredLineEdit::FilteredLineEdit(QWidget* parent) : QLineEdit(parent) {
 void FilteredLineEdit::ShowText(const std::string& text) {
   held_ = ToQt(text);
   setText(held_);
+  updateGeometry();
 }
 
 std::string FilteredLineEdit::Text() const {
   return FromQt(text());
+}
+
+QSize FilteredLineEdit::minimumSizeHint() const {
+  const qsizetype usual = rule_ == KeyRule::digits ? 4 : 7, most = 16;
+  const QSize least = QLineEdit::minimumSizeHint();  // room for one letter
+  const int digits = static_cast<int>(std::clamp(text().size(), usual, most));
+  return {least.width() + digits * fontMetrics().horizontalAdvance(u'0'), least.height()};
 }
 
 void FilteredLineEdit::InsertFiltered(const QString& typed) {

@@ -22,6 +22,9 @@ class FilteredLineEdit : public QLineEdit {
 
   std::string Text() const;
 
+  /// Wide enough for the numbers that are usual, and for one that is shown.
+  QSize minimumSizeHint() const override;
+
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;

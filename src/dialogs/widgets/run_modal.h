@@ -9,7 +9,12 @@ namespace quiverion {
 /// over none, can be read meanwhile.
 inline int RunModal(QDialog& dialog) {
   dialog.setWindowModality(Qt::WindowModal);
-  return dialog.exec();
+  const int result = dialog.exec();
+  // A window manager may give the focus back before Qt has let go of the dialog, or of the names that are proposed over
+  // it: keys would act in a window that does not know that it is active.
+  QWidget* const below = dialog.parentWidget() == nullptr ? nullptr : dialog.parentWidget()->window();
+  if (below != nullptr && below->isVisible() && !below->isMinimized()) below->activateWindow();
+  return result;
 }
 
 /// True while a modal window stands over the window of `widget`, perhaps with others between them.

@@ -1,6 +1,7 @@
 #include "platform/files/paths.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/text/text.h"
 
@@ -45,8 +46,12 @@ std::string WithSeparator(std::string directory) {
 }
 
 std::string WithOwnSeparators(std::string path) {
-  if constexpr (kPathSeparator == '\\') std::replace(path.begin(), path.end(), '/', kPathSeparator);
+  std::replace_if(path.begin(), path.end(), IsPathSeparator, kPathSeparator);
   return path;
+}
+
+std::string TypedPath(std::string path) {
+  return kPathSeparator == '\\' ? WithOwnSeparators(std::move(path)) : path;
 }
 
 }  // namespace quiverion

@@ -40,7 +40,10 @@ bool LeadsUpwards(std::string_view path);
 /// `directory` with the system's separator behind it, unless it ends in a separator already.
 std::string WithSeparator(std::string directory);
 
-/// A path that may come from another system, to be shown: on Windows every separator is "\".
+/// A path that may come from another system, to be shown: every separator is the system's.
 std::string WithOwnSeparators(std::string path);
+
+/// A path that was typed here: on Windows every separator is "\". Elsewhere "\" may be a character of a name, and stays.
+std::string TypedPath(std::string path);
 
 }  // namespace quiverion
