@@ -3,81 +3,29 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <charconv>
 #include <cmath>
-#include <functional>
-#include <memory>
-#include <optional>
 #include <random>
 #include <string>
 
-#include "platform/numbers.h"
-#include "platform/system_error.h"
+#include "support/dat_lines_check.h"
 
 namespace quiverion::test {
 namespace {
 
-// A text with what may be read around it, and not a byte more.
-class PaddedText {
- public:
-  explicit PaddedText(std::string_view text)
-      : size_(text.size()), bytes_(new char[DatLines::kBefore + size_ + DatLines::kBehind]()) {
-    std::copy(text.begin(), text.end(), bytes_.get() + DatLines::kBefore);
-  }
-  std::string_view Get() const { return {bytes_.get() + DatLines::kBefore, size_}; }
-
- private:
-  std::size_t size_;
-  std::unique_ptr<char[]> bytes_;
-};
-
-std::optional<std::array<std::uint64_t, 4>> BitsOrError(const std::function<DatVector()>& read) {
-  try {
-    return std::bit_cast<std::array<std::uint64_t, 4>>(read());
-  } catch (const SystemError&) {
-    return std::nullopt;
-  }
-}
-
-// Takes all lines off the text, by the definition those that are left to it. Each one taken must be a whole line, and
-// its numbers those of the definition. Returns how many are taken.
+// Compares with the definition. Returns how many lines are taken.
 int TakeAndCompare(std::string_view text) {
-  const auto lines = std::make_unique<DatLines>();
-  const PaddedText padded(text);
-  int count = 0;
-  for (std::size_t at = 0; at < text.size();) {
-    std::size_t end = at + lines->Take(padded.Get().substr(at));
-    for (int k = 0; k < lines->Count(); ++k) {
-      const std::string_view rest = text.substr(at);
-      const std::string_view line = rest.substr(0, rest.find_first_of(",\r\n"));
-      if (line.size() == rest.size() || rest[line.size()] == ',' ||
-          line.substr(line.find_first_not_of(' '))[0] == '"') {
-        ADD_FAILURE() << "took what is no line: " << rest;
-        return count;
-      }
-      const auto take = [&]() -> DatVector {
-        return {ReadNumberPrefix(lines->X(k)).value, ReadNumberPrefix(lines->Y(k)).value, lines->U(k), lines->V(k)};
-      };
-      EXPECT_EQ(BitsOrError(take), BitsOrError([&] { return ParseDatLine(line); })) << line;
-      EXPECT_EQ(lines->X(k).data() + lines->X(k).size(), lines->XEnd(k));
-      EXPECT_EQ(lines->Y(k).data() + lines->Y(k).size(), lines->YEnd(k));
-      at += line.size() + (rest.substr(line.size()).starts_with("\r\n") ? 2 : 1);
-      ++count;
-    }
-    EXPECT_EQ(at, end);
-    if (lines->Count() == 0) at = std::min(text.find_first_of(",\r\n\"", at), text.size() - 1) + 1;
-  }
-  return count;
+  const DatLinesCheck check = CheckDatLines(text);
+  EXPECT_EQ(check.wrong, "");
+  return check.taken;
 }
 
 // clang-format off
 constexpr std::string_view kOddNumbers[] = {
     "", ".", "-", "+1", "-.", "--1", "1.2.3", "1e5", "1E-3", "e", "x", "-0", "-0.0", "0", "12a", "nan", "\xFC", "1\xB2",
     "\"1", "0x1", "1.", "-.5", ".5", "1-", "1:2", "1/2", "00000000000000001", "999999999999999", "9999999999999999",
-    "-999999999999999", "0.00000000000001", "1e999", "+0.5", "-+1", "+", "1E-400", "2.2250738585072011e-308", "9007199254740993", "1.0E", "1234567.", "-1234567.", "-123456.7654321", ".1234567", "1.12345678",
-    "12345678.5", "x.5", "-x.5", "1,5", "3.5.", "0.0000001"};
+    "-999999999999999", "0.00000000000001", "1.0E", "1234567.", "-1234567.", "-123456.7654321", ".1234567", "1.12345678",
+    "1e999", "+0.5", "-+1", "+", "1E-400", "2.2250738585072011e-308", "9007199254740993", "12345678.5", "x.5", "-x.5", "1,5", "3.5.", "0.0000001"};
 // clang-format on
 
 TEST(DatLine, ManyLinesAtOnceGiveTheBitsOfTheDefinition) {
@@ -86,15 +34,15 @@ TEST(DatLine, ManyLinesAtOnceGiveTheBitsOfTheDefinition) {
   for (std::size_t column = 0; column < 8; ++column) {
     for (const std::string_view odd : kOddNumbers) {
       for (const char* const blank : {" ", "  ", "\t"}) {
+        std::string text;
         for (const char* const end : ends) {
           std::string line;
           for (std::size_t k = 0; k < 8; ++k) {
             line += (k == 0 ? "" : k == column ? blank : " ") + (k == column ? std::string(odd) : "-12.3456");
           }
-          TakeAndCompare(line + end);
-          TakeAndCompare(line.append(end) + line);
-          TakeAndCompare(usual + line + usual);
+          text += line + end + line + end + usual;
         }
+        TakeAndCompare(text);
       }
     }
   }
@@ -184,6 +132,18 @@ TEST(DatLine, LinesEndAnywhereInAChunk) {
   const std::string lineEnds(2 * DatLines::kChunk, '\n');
   EXPECT_EQ(TakeAndCompare(lineEnds + "1 2\n"), 1);
   EXPECT_EQ(TakeAndCompare(std::string(2 * DatLines::kChunk, ' ') + "1 2\n1 2\n"), 1) << "the first one is too long";
+}
+
+TEST(DatLine, LinesAreTakenBehindWhatTheDefinitionRead) {
+  for (const std::size_t length : {std::size_t{3}, DatLines::kChunk - 20, DatLines::kChunk, 3 * DatLines::kChunk}) {
+    const std::string quoted = '"' + std::string(length, 'a') + "\n\"";
+    const PaddedText text("1 2\n" + quoted + "3 4\n5 6\n");
+    const auto lines = std::make_unique<DatLines>();
+    EXPECT_EQ(lines->Take(text.Get()), 4u);
+    EXPECT_EQ(lines->Take(text.Get().substr(4 + quoted.size(), 7)), 4u) << "the second one has no end";
+    EXPECT_EQ(lines->X(0), "3");
+    EXPECT_EQ(lines->Y(0), "4");
+  }
 }
 
 }  // namespace
