@@ -51,8 +51,8 @@ constexpr auto kPowers = [] {
 }  // namespace
 
 // The product with a reciprocal is too large by less than 2^-126 of itself. What is no double and no half between two
-// doubles differs from them by more than 2^-118, since a double has 53 bits and 5^27 has 63. So what is cut off below
-// the 128 bits never matters.
+// doubles differs from each of them by more than 2^-118 of itself, since these have at most 54 bits and 5^27 has 63. So
+// neither the error nor what is cut off below the 128 bits ever matters.
 double DecimalValue(std::uint64_t digits, std::int64_t exponent) {
   if (digits == 0) return 0.0;
   const Power& power = kPowers[static_cast<std::size_t>(exponent + kLargestPower)];
