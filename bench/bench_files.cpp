@@ -88,6 +88,43 @@ void LoadArguments(benchmark::internal::Benchmark* benchmark) {
 BENCHMARK(PlainRead)->Apply(LoadArguments);
 BENCHMARK(Load)->Apply(LoadArguments);
 
+// The shapes of DAT lines that programs write; bytes per second make them comparable. "%.18e" is numpy.savetxt.
+struct NamedShape {
+  const char* name;
+  samples::DatShape shape;
+};
+const NamedShape kShapes[] = {
+    {"Korvo", {}},
+    {"Korvo_LF", {.lineEnd = "\n"}},
+    {"12_columns", {.columns = 12}},
+    {"20_columns", {.columns = 20}},
+    {"%9.4f", {.width = 9, .positionDecimals = 1, .decimals = 4}},
+    {"%9.4f_LF", {.width = 9, .positionDecimals = 1, .decimals = 4, .lineEnd = "\n"}},
+    {"%13.6f", {.width = 13, .positionDecimals = 6, .decimals = 6}},
+    {"%.10f", {.positionDecimals = 10, .decimals = 10, .lineEnd = "\n"}},
+    {"%.17f", {.decimals = 17}},
+    {"%.6e", {.decimals = 6, .exponents = true}},
+    {"%15.7e", {.width = 15, .decimals = 7, .exponents = true}},
+    {"%.18e", {.decimals = 18, .exponents = true, .lineEnd = "\n"}},
+};
+
+void LoadShape(benchmark::State& state, const samples::DatShape& shape) {
+  Series series(kDat, samples::DatBytes(samples::MakeSampleField({}), shape));
+  BenchSession bench;
+  for (auto _ : state) {
+    LoadOriginalFile(bench.context, series.Next());
+    if (bench.context.abortCurrentFile) state.SkipWithError("load failed");
+  }
+  SetBytes(state, series.FileSize());
+}
+
+const bool kShapesAreMeasured = [] {
+  for (const NamedShape& named : kShapes) {
+    benchmark::RegisterBenchmark(("LoadShape/" + std::string(named.name)).c_str(), LoadShape, named.shape);
+  }
+  return true;
+}();
+
 // A file whose every vector has a status that no VEC file should have: 2 pieces of log a vector.
 std::string WarningBytes() {
   samples::SampleOptions options;

@@ -25,11 +25,14 @@ std::string NameOf(int k) {
   return std::to_string(k) + ".dat";
 }
 
-void WriteSeries(const ScratchDirectory& directory) {
+// range(0) of every benchmark: 1 columns of a fixed width.
+void WriteSeries(const benchmark::State& state, const ScratchDirectory& directory) {
+  samples::DatShape shape;
+  if (state.range(0) == 1) shape = {.width = 9, .positionDecimals = 1, .decimals = 4};
   for (int k = 0; k < kFiles; ++k) {
     samples::SampleOptions options;
     options.index = k;
-    WritePlainly(directory.File(NameOf(k)), samples::DatBytes(samples::MakeSampleField(options)));
+    WritePlainly(directory.File(NameOf(k)), samples::DatBytes(samples::MakeSampleField(options), shape));
   }
 }
 
@@ -74,7 +77,7 @@ void SavePlainly(const VectorField& field, const std::string& path) {
 
 void WholeJobPlain(benchmark::State& state) {
   const ScratchDirectory directory;
-  WriteSeries(directory);
+  WriteSeries(state, directory);
   FaultyVectorCriteria criteria;
   criteria.magnitudeDeviation = true;
   criteria.magnitudePercent = 30.0;
@@ -100,7 +103,7 @@ void WholeJobPlain(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * kFiles);
 }
-BENCHMARK(WholeJobPlain)->Name("WholeJob/plain")->Unit(benchmark::kMillisecond);
+BENCHMARK(WholeJobPlain)->Name("WholeJob/plain")->ArgName("aligned")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 MacroEventList JobMacro(const std::string& collection) {
   MacroEvent search(30001);
@@ -125,7 +128,7 @@ MacroEventList JobMacro(const std::string& collection) {
 
 void WholeJobRun(benchmark::State& state) {
   const ScratchDirectory directory;
-  WriteSeries(directory);
+  WriteSeries(state, directory);
   BenchSession bench;
   for (int k = 0; k < kFiles; ++k) bench.session.selectedFiles.push_back(NameOf(k));
   bench.session.inputDirectory = directory.Path() + "/";
@@ -138,12 +141,12 @@ void WholeJobRun(benchmark::State& state) {
   if (bench.context.runHadError) state.SkipWithError("run failed");
   state.SetItemsProcessed(state.iterations() * kFiles);
 }
-BENCHMARK(WholeJobRun)->Name("WholeJob/run")->Unit(benchmark::kMillisecond);
+BENCHMARK(WholeJobRun)->Name("WholeJob/run")->ArgName("aligned")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 void WholeJobBytes(benchmark::State& state) {
   constexpr std::size_t vasBytes = 20 * 125 * 100 + 8 * (125 + 100) + 600, recordBytes = 128 + 16 * 125 * 100 + 1563;
   const ScratchDirectory directory;
-  WriteSeries(directory);
+  WriteSeries(state, directory);
   std::vector<char> source(std::size_t{1} << 20);
   const std::string result(vasBytes, 'x');
   for (auto _ : state) {
@@ -160,7 +163,12 @@ void WholeJobBytes(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * kFiles);
 }
-BENCHMARK(WholeJobBytes)->Name("WholeJob/plain_bytes")->Unit(benchmark::kMillisecond);
+BENCHMARK(WholeJobBytes)
+    ->Name("WholeJob/plain_bytes")
+    ->ArgName("aligned")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace quiverion::bench

@@ -77,6 +77,8 @@ void WriteFieldSeeds(SeedWriter& seeds) {
   std::erase(lines, '"');
   std::replace(lines.begin(), lines.end(), ',', ';');
   seeds.Put("dat/newlines.dat", lines);
+  seeds.Put("dat/aligned.dat", samples::DatBytes(small, {.width = 9, .positionDecimals = 1, .decimals = 4}));
+  seeds.Put("dat/exponents.dat", samples::DatBytes(small, {.decimals = 18, .exponents = true, .columns = 12}));
   for (const int subType : {1, 2, 3}) {
     const std::string number = std::to_string(subType);
     seeds.Put("vec/small" + number + ".vec", samples::VecBytes(small, subType));

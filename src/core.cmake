@@ -4,7 +4,7 @@ quiverion_library(messages SOURCES
 quiverion_library(platform USES messages SOURCES
   files/file_system.cpp files/paths.cpp files/result_file.cpp files/write_retry.cpp
   numeric/float_errors.cpp
-  text/decimal_digits.cpp text/numbers.cpp text/text.cpp
+  text/decimal_digits.cpp text/decimal_value.cpp text/numbers.cpp text/text.cpp
   ${QUIVERION_SYSTEM}/clock.cpp ${QUIVERION_SYSTEM}/environment.cpp ${QUIVERION_SYSTEM}/file_system.cpp
   ${QUIVERION_SYSTEM}/paths.cpp)
 if(WIN32)

@@ -9,7 +9,7 @@ set -euo pipefail
 core="messages platform log field"
 declare -A allowed=(
   [messages]=""
-  [platform/text]="messages"
+  [platform/text]="messages platform/numeric"
   [platform/numeric]="messages"
   [platform/process]=""
   [platform/files]="platform/text messages"

@@ -141,10 +141,9 @@ double VelocityPerPixel(const SampleField& field) {
   return 10000.0 / field.pixelScale / field.pulseDelay;
 }
 
-std::string Fixed(double value, int decimals) {
+std::string Decimal(double value, int decimals, std::chars_format format) {
   std::array<char, 400> buffer{};  // a double has at most 309 digits before the point
-  const auto result =
-      std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed, decimals);
+  const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format, decimals);
   return {buffer.data(), result.ptr};
 }
 
@@ -175,18 +174,47 @@ std::string DatHeader(const SampleField& field) {
   return text;
 }
 
-std::string DatLine(const SampleField& field, int column, int row) {
+// One data line, or a part of it.
+class DatLine {
+ public:
+  explicit DatLine(const DatShape& shape) : shape_(shape) {}
+
+  void Position(int pixel) { Number(pixel, shape_.positionDecimals); }
+  void Value(double value, int decimals) { Number(value, shape_.decimals < 0 ? decimals : shape_.decimals); }
+
+  std::string Take() { return std::move(text_) + std::string(shape_.lineEnd); }
+
+ private:
+  void Number(double value, int decimals) {
+    const std::string digits = shape_.exponents ? Decimal(value, shape_.decimals, std::chars_format::scientific)
+                                                : Decimal(value, decimals, std::chars_format::fixed);
+    const auto width = static_cast<std::size_t>(shape_.width);
+    if (!text_.empty()) text_ += ' ';
+    if (digits.size() < width) text_.append(width - digits.size(), ' ');
+    text_ += digits;
+  }
+
+  const DatShape& shape_;
+  std::string text_;
+};
+
+std::string DatLineOf(const SampleField& field, const DatShape& shape, int column, int row) {
   const std::size_t point = PointIndex(field, column, row);
   const double u = field.u[point];
   const double v = field.v[point];
   const double speed = std::sqrt(u * u + v * v);
   const double scale = VelocityPerPixel(field);
-  std::string line = std::to_string(field.firstPixelX + (column - 1) * field.gridStep);
-  line += ' ' + std::to_string(field.firstPixelY - (row - 1) * field.gridStep);
-  line += ' ' + Fixed(u / scale, 3) + ' ' + Fixed(v / scale, 3) + ' ' + Fixed(speed / scale, 3);
-  line += ' ' + Fixed(2.0 + static_cast<double>(point % 61) / 10.0, 2);  // some signal-to-noise ratio
-  line += ' ' + Fixed(u, 6) + ' ' + Fixed(v, 6) + ' ' + Fixed(speed, 6);
-  return line + "\r\n";
+  const double signalToNoise = 2.0 + static_cast<double>(point % 61) / 10.0;  // some
+  const std::array<std::pair<double, int>, 7> values = {
+      {{u / scale, 3}, {v / scale, 3}, {speed / scale, 3}, {signalToNoise, 2}, {u, 6}, {v, 6}, {speed, 6}}};
+  DatLine line(shape);
+  line.Position(field.firstPixelX + (column - 1) * field.gridStep);
+  line.Position(field.firstPixelY - (row - 1) * field.gridStep);
+  for (int k = 3; k <= shape.columns; ++k) {
+    const auto& [value, decimals] = values[static_cast<std::size_t>(k - 3) % values.size()];
+    line.Value(value, decimals);
+  }
+  return line.Take();
 }
 
 // The scales of a VEC header. They are stored in single precision, and a reader computes with the stored
@@ -284,11 +312,11 @@ std::string VasBytes(const SampleField& field) {
   return out.Take();
 }
 
-std::string DatBytes(const SampleField& field) {
+std::string DatBytes(const SampleField& field, const DatShape& shape) {
   std::string text = DatHeader(field);
   for (int row = 1; row <= field.rows; ++row) {
     for (int column = 1; column <= field.columns; ++column) {
-      if (field.status[PointIndex(field, column, row)] > 0) text += DatLine(field, column, row);
+      if (field.status[PointIndex(field, column, row)] > 0) text += DatLineOf(field, shape, column, row);
     }
   }
   return text;

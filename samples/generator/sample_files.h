@@ -14,9 +14,20 @@ namespace quiverion::samples {
 /// gives the same bytes.
 std::string VasBytes(const SampleField& field);
 
+/// How the data lines of a DAT file look. By default as Korvo writes them: one blank between columns, positions without
+/// decimals, two to six decimals elsewhere.
+struct DatShape {
+  int width = 0;  ///< a shorter column gets blanks in front
+  int positionDecimals = 0;
+  int decimals = -1;       ///< of every column from the third on; -1: as Korvo
+  bool exponents = false;  ///< 1.6e+01 in every column, with `decimals`
+  int columns = 9;         ///< what goes beyond nine repeats the third and the ones after it
+  std::string_view lineEnd = "\r\n";
+};
+
 /// A DAT file. Only valid vectors have a line; a header text with a comma makes its field a quoted one.
 /// Throws std::invalid_argument for a header text with a double quote or a line end.
-std::string DatBytes(const SampleField& field);
+std::string DatBytes(const SampleField& field, const DatShape& shape = {});
 
 /// A VEC file of sub type 1 (nine frames), 2 (two frames) or 3 (ten frames). Pairs of frames that the status
 /// does not choose hold other displacements. Throws std::invalid_argument for another sub type and for a grid

@@ -1,4 +1,3 @@
-
 #include "field/field_fixture.h"
 
 namespace quiverion::test {

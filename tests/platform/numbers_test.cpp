@@ -57,6 +57,48 @@ TEST(NumberPrefix, IsTheLongestNumberRoundedCorrectly) {
   ExpectApproved("number_prefixes.txt", told);
 }
 
+void ExpectTheLibrarysBits(const std::string& number) {
+  double expected = 0.0;
+  ASSERT_EQ(std::from_chars(number.data(), number.data() + number.size(), expected).ec, std::errc()) << number;
+  // What stands behind the number changes how it is read, not what it is.
+  for (const char* const rest : {"", " ", " 1234567.89", "e", "e-.5"}) {
+    const NumberPrefix found = ReadNumberPrefix(number + rest);
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(found.value), std::bit_cast<std::uint64_t>(expected)) << number << rest;
+    EXPECT_EQ(found.length, number.size()) << number << rest;
+  }
+}
+
+TEST(NumberPrefix, HasTheBitsOfTheLibrary) {
+  std::mt19937_64 random(11);
+  for (int round = 0; round < 30000; ++round) {
+    std::string number = random() % 2 == 0 ? "-" : "";
+    const std::size_t digits = 1 + random() % 24;
+    const std::size_t point = random() % 40;
+    for (std::size_t k = 0; k < digits; ++k) {
+      if (k == point) number += '.';
+      number += static_cast<char>('0' + (random() % 4 == 0 ? 0 : random() % 10));
+    }
+    if (round % 3 != 0) number += "e" + std::to_string(static_cast<int>(random() % 70) - 35);
+    ExpectTheLibrarysBits(number);
+  }
+}
+
+// Halves between two doubles, and their neighbours: an odd number of 54 bits times powers of ten.
+TEST(NumberPrefix, RoundsHalvesToTheEvenNeighbour) {
+  std::mt19937_64 random(12);
+  for (int exponent = -4; exponent <= 22; ++exponent) {
+    std::uint64_t five = 1;
+    for (int k = 0; k < std::abs(exponent); ++k) five *= 5;
+    for (int round = 0; round < 200; ++round) {
+      const std::uint64_t wide = (std::uint64_t{1} << 53) + random() % (std::uint64_t{1} << 53);
+      const std::uint64_t half = exponent < 0 ? (wide | 1) * five : (wide / five) | 1;
+      for (const std::uint64_t digits : {half - 1, half, half + 1}) {
+        ExpectTheLibrarysBits(std::to_string(digits) + "e" + std::to_string(exponent));
+      }
+    }
+  }
+}
+
 TEST(ParameterNumber, IgnoresBlanksTabsAndLineBreaksAnywhere) {
   const std::pair<std::string_view, double> cases[] = {{" 1 2 . 5 ", 12.5}, {"\t-\r\n3", -3}, {"1e 3", 1000},
                                                        {"1,5", 1},          {"", 0},          {"2 m/s", 2},

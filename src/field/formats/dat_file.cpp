@@ -1,6 +1,5 @@
 #include <algorithm>
-#include <array>
-#include <bit>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -9,6 +8,7 @@
 #include "field/formats/field_readers.h"
 #include "messages/failure.h"
 #include "platform/numeric/multi_target.h"
+#include "platform/text/byte_words.h"
 #include "platform/text/numbers.h"
 #include "platform/text/text.h"
 
@@ -113,52 +113,86 @@ QUIVERION_ALWAYS_INLINE void Store(VectorField& field, std::int32_t i, std::int3
   if (i < 1 || i > field.columnCount || j < 1 || j > field.rowCount) {
     throw SystemError(ErrorNumber::indexOutOfRange);
   }
-  field.velX(i, j) = u;
-  field.velY(i, j) = v;
-  field.status(i, j) = 1;
+  const auto point =
+      static_cast<std::size_t>(j - 1) * static_cast<std::size_t>(field.columnCount) + static_cast<std::size_t>(i - 1);
+  field.velX.Values()[point] = u;
+  field.velY.Values()[point] = v;
+  field.status.Values()[point] = 1;
 }
 
-// The same few positions come again in every row (and every column): remembers the grid index of their text. A hash
-// table with linear probing.
+// The same few positions come again in every row (and every column), mostly in the same order: remembers the grid index
+// of their text, with the separator in front of it.
 class IndexMemo {
  public:
-  // `find(value)` tells the index of a position that is not known yet. `text`: as DatLines gives it.
-  template <class Find>
-  std::int32_t Index(std::uint64_t text, Find find) {
-    if (text == last_.text) return last_.index;
-    std::size_t slot = text * 0x9E3779B97F4A7C15 >> (64 - kBits);
-    while (entries_[slot].text != text && entries_[slot].text != 0) slot = (slot + 1) % kSlots;
-    if (entries_[slot].text == 0) Learn(slot, {text, find(ValueOf(text))});
-    last_ = entries_[slot];
-    return last_.index;
+  // `step`: 1 where the next position is mostly the one that followed last time, 0 where it is the same again.
+  explicit IndexMemo(std::ptrdiff_t step) : usual_(step) {}
+
+  // The index of the position that ends at `end`. `text()` is its text, which must stay where it is; `find(value)` tells
+  // the index of a position that is not known yet.
+  template <class Text, class Find>
+  QUIVERION_ALWAYS_INLINE std::int32_t Index(const char* end, Text text, Find find) {
+    const Entry* entry = last_ + usual_;
+    if (!entry->EndsAt(end)) {
+      entry = last_ + (1 - usual_);
+      if (!entry->EndsAt(end)) entry = Search(text(), find);
+    }
+    last_ = entry;
+    return entry->index;
   }
 
  private:
   struct Entry {
-    std::uint64_t text = 0;  // no position has this one
+    Entry() = default;  // no text is like it
+    Entry(std::string_view text, std::int32_t found)
+        : tail(words::Load(text.data() + text.size() - 8)),
+          end(text.data() + text.size()),
+          length(text.size() + 1),
+          unused(length < 8 ? 64 - 8 * length : 0),
+          index(found) {}
+
+    bool EndsAt(const char* other) const {
+      if ((words::Load(other - 8) ^ tail) >> unused != 0) return false;
+      return unused != 0 || BeginsLike(other);
+    }
+    // The same in front of the last eight characters. They overlap at the front.
+    bool BeginsLike(const char* other) const {
+      for (std::size_t k = length; k > 8; k -= std::min<std::size_t>(k - 8, 8)) {
+        if (words::Load(other - k) != words::Load(end - k)) return false;
+      }
+      return true;
+    }
+
+    words::Word tail = 0;
+    const char* end = nullptr;
+    std::size_t length = 0;  // with the separator
+    std::size_t unused = 0;  // bits of the tail
     std::int32_t index = 0;
   };
 
-  // A full table begins anew.
-  void Learn(std::size_t slot, Entry entry) {
-    if (++used_ > kSlots / 2) {
-      std::fill(entries_.begin(), entries_.end(), Entry{});
-      used_ = 1;
+  // A hash table with linear probing: places in `entries_`. A full one begins anew.
+  template <class Find>
+  QUIVERION_NO_INLINE const Entry* Search(std::string_view text, Find find) {
+    const Entry* const first = &entries_[1];
+    for (const Entry* guess : {last_ + 2, first}) {  // behind a gap, in the next row
+      if (guess->EndsAt(text.data() + text.size())) return guess;
     }
-    entries_[slot] = entry;
+    if (count_ == kMost) *this = IndexMemo(usual_);
+    std::size_t slot = std::hash<std::string_view>()(text) % kSlots;
+    while (slots_[slot] != 0 && !entries_[slots_[slot]].EndsAt(text.data() + text.size())) slot = (slot + 1) % kSlots;
+    if (slots_[slot] == 0) {
+      slots_[slot] = ++count_;
+      entries_[count_] = Entry(text, find(ReadNumberPrefix(text).value));
+    }
+    return &entries_[slots_[slot]];
   }
 
-  static double ValueOf(std::uint64_t text) {
-    const auto characters = std::bit_cast<std::array<char, sizeof text>>(text);
-    const std::string_view all(characters.data(), characters.size());
-    return ReadNumberPrefix(all.substr(all.find_first_not_of('\0'))).value;
-  }
-
-  static constexpr int kBits = 11;
-  static constexpr std::size_t kSlots = std::size_t{1} << kBits;
-  std::vector<Entry> entries_ = std::vector<Entry>(kSlots);
-  std::size_t used_ = 0;
-  Entry last_;
+  static constexpr std::size_t kMost = 1024;
+  static constexpr std::size_t kSlots = 2 * kMost;
+  std::vector<Entry> entries_ = std::vector<Entry>(kMost + 3);  // the first one and the last two stay empty
+  std::vector<std::uint16_t> slots_ = std::vector<std::uint16_t>(kSlots);
+  std::uint16_t count_ = 0;
+  const Entry* last_ = entries_.data();
+  std::ptrdiff_t usual_;
 };
 
 class VectorReader {
@@ -167,27 +201,20 @@ class VectorReader {
 
   void Read(DatFields& fields) {
     while (!fields.AtEnd()) {
-      if (!TakeUsualLines(fields)) StoreLine(fields.Next());
+      const std::size_t taken = lines_.Take(fields.Rest());
+      for (int k = 0; k < lines_.Count(); ++k) StoreTakenLine(k);
+      fields.Take(taken);
+      if (taken == 0) StoreLine(fields.Next());
     }
   }
 
  private:
-  // False where the next line has another shape.
-  bool TakeUsualLines(DatFields& fields) {
-    const std::string_view text = fields.Rest();
-    const std::size_t taken = lines_.Take(text);
-    for (int k = 0; k < lines_.Count(); ++k) {
-      if (lines_.IsPlain(k)) {
-        const std::int32_t i = columns_.Index(lines_.XText(k), [this](double x) { return ColumnOf(field_, x); });
-        const std::int32_t j = rows_.Index(lines_.YText(k), [this](double y) { return RowOf(field_, y); });
-        Store(field_, i, j, lines_.Vx(k), lines_.Vy(k));
-      } else {
-        const std::string_view line(lines_.Begin(k), text.data() + taken);
-        StoreLine(line.substr(0, line.find_first_of("\r\n")));
-      }
-    }
-    fields.Take(taken);
-    return taken > 0;
+  QUIVERION_ALWAYS_INLINE void StoreTakenLine(int k) {
+    const std::int32_t i = columns_.Index(
+        lines_.XEnd(k), [&] { return lines_.X(k); }, [this](double x) { return ColumnOf(field_, x); });
+    const std::int32_t j = rows_.Index(
+        lines_.YEnd(k), [&] { return lines_.Y(k); }, [this](double y) { return RowOf(field_, y); });
+    Store(field_, i, j, lines_.U(k), lines_.V(k));
   }
 
   void StoreLine(std::string_view line) {
@@ -196,8 +223,8 @@ class VectorReader {
   }
 
   VectorField& field_;
-  IndexMemo columns_;
-  IndexMemo rows_;
+  IndexMemo columns_{1};
+  IndexMemo rows_{0};
   DatLines lines_;
 };
 

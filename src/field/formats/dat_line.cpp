@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "platform/numeric/bit_select.h"
 #include "platform/numeric/multi_target.h"
 #include "platform/text/byte_words.h"
 #include "platform/text/numbers.h"
@@ -11,6 +12,7 @@ namespace quiverion {
 namespace {
 
 using words::Load;
+using words::NumberOfEightDigits;
 using words::Word;
 
 // One bit for each of the characters that `isMeant` holds for, 64 to a word. The comparison becomes vector
@@ -27,31 +29,58 @@ QUIVERION_ALWAYS_INLINE void FindCharacters(const char* text, Word* found, IsMea
   }
 }
 
-// Stops end a field, or a line of the usual shape (control characters); separators end a column.
-QUIVERION_ALWAYS_INLINE void FindBothEnds(const char* text, Word* separators, Word* stops) {
-  FindCharacters<DatLines::kChunk>(text, stops, [](unsigned char c) { return (c < ' ') | (c == ','); });
-  FindCharacters<DatLines::kChunk>(text, separators, [](unsigned char c) { return (c <= ' ') | (c == ','); });
+// One comparison: of several the compiler makes a search in a set of bits, and no vector instructions.
+QUIVERION_ALWAYS_INLINE bool IsCommaOrQuote(unsigned char c) {
+  return std::min(static_cast<unsigned char>(c ^ ','), static_cast<unsigned char>(c ^ '"')) == 0;
 }
 
-QUIVERION_MULTI_TARGET_CALL(FindEnds, (const char* text, Word* separators, Word* stops), (text, separators, stops),
-                            FindBothEnds(text, separators, stops))
+// Takes the first position out of a set that has one.
+QUIVERION_ALWAYS_INLINE std::size_t TakeFirst(Word& positions) {
+  const int first = __builtin_ctzll(positions);  // std::countr_zero asks whether there is one
+  positions &= positions - 1;
+  return static_cast<std::size_t>(first);
+}
 
-// The bits from position `at`: kWindow of them, or some more.
-constexpr int kWindow = 57;
+constexpr std::size_t kWords = DatLines::kChunk / 64;
+
+// The positions in the chunk, and behind them kChunk twice. There is mostly one line end in a word, or none: two
+// positions are written without asking.
+QUIVERION_ALWAYS_INLINE void ListPositions(const Word* bits, std::uint16_t* list) {
+  for (std::size_t k = 0; k < kWords; ++k) {
+    Word rest = bits[k];
+    const int count = std::popcount(rest);
+    const std::size_t first = 64 * k;
+    for (int n = 0; n < 2; ++n) {
+      list[n] = static_cast<std::uint16_t>(first + static_cast<std::size_t>(std::countr_zero(rest | Word{1} << 63)));
+      rest &= rest - 1;
+    }
+    for (int n = 2; n < count; ++n) list[n] = static_cast<std::uint16_t>(first + TakeFirst(rest));
+    list += count;
+  }
+  std::fill_n(list, 2, std::uint16_t{DatLines::kChunk});
+}
+
+// Stops end a field, or a line that is taken. Separators end a column: blanks, and stops.
+QUIVERION_ALWAYS_INLINE void FindAll(const char* text, std::uint16_t* stopList, Word* separators, Word* columnEnds) {
+  Word stops[kWords];
+  FindCharacters<DatLines::kChunk>(text, stops, [](unsigned char c) { return (c < ' ') | IsCommaOrQuote(c); });
+  FindCharacters<DatLines::kChunk>(text, separators + 1, [](unsigned char c) { return c == ' '; });
+  separators[0] = ~Word{0};  // the text begins behind one
+  for (std::size_t k = 0; k < kWords; ++k) separators[k + 1] |= stops[k];
+  for (std::size_t k = 0; k < kWords; ++k) {
+    columnEnds[k] = separators[k + 1] & ~(separators[k + 1] << 1 | separators[k] >> 63);
+  }
+  ListPositions(stops, stopList);
+}
+
+QUIVERION_MULTI_TARGET_CALL(FindEnds, (const char* text, std::uint16_t* stops, Word* separators, Word* columnEnds),
+                            (text, stops, separators, columnEnds), FindAll(text, stops, separators, columnEnds))
+
+// The bits from position `at`: kWindow of them, and unspecified ones.
+constexpr std::size_t kWindow = 57;
+constexpr Word kUnspecified = ~Word{0} << kWindow;
 QUIVERION_ALWAYS_INLINE Word Window(const Word* bits, std::size_t at) {
   return Load(reinterpret_cast<const char*>(bits) + at / 8) >> at % 8;
-}
-
-// The last `count` (1 to 8) characters that end at `end`, in the highest bytes.
-QUIVERION_ALWAYS_INLINE Word LastCharacters(const char* end, std::size_t count) {
-  return Load(end - count) << (64 - 8 * count);
-}
-
-// The number of eight digits with the first in the lowest byte, each as value 0 to 9.
-QUIVERION_ALWAYS_INLINE Word EightDigits(Word word) {
-  word = word * 10 + (word >> 8);  // pairs
-  return ((word & 0x000000FF000000FF) * 0x000F424000000064 + (word >> 16 & 0x000000FF000000FF) * 0x0000271000000001) >>
-         32;
 }
 
 // Ten to the power of `exponent` (0 to 7), exactly. A table would have to be gathered from, which is slower.
@@ -75,22 +104,27 @@ QUIVERION_ALWAYS_INLINE Word ByteBelow(Word word, Word count) {
 }
 
 // A number that ends with the sixteen characters `head`, `tail`, in front of it a blank. Nonzero where it is of another
-// shape than DatLines::IsPlain says. Branches would stand in the way of vector instructions.
+// shape than an optional sign and digits, at most 7 on either side of an optional point. Branches would stand in the way
+// of vector instructions.
 QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
-  const Word places = BytesAbove(words::BytesBelow<1>(tail ^ words::kOnes * '.'));
+  const Word points = words::BytesBelow<1>(tail ^ words::kOnes * '.');
+  const Word isWhole = MaskOf(points == 0);
+  const Word places = BytesAbove(points) & ~isWhole;
   const Word placeDigits = HighestBytes(tail ^ words::kOnes * '0', places);
-  const Word beforePoint = tail << 8 * places << 8 | head >> (56 - 8 * places);
+  const Word beforePoint = (tail & isWhole) | ((tail << 8 * places << 8 | head >> (56 - 8 * places)) & ~isWhole);
   const Word whole = BytesAbove(words::BytesFrom<10>(beforePoint ^ words::kOnes * '0'));
   const Word wholeDigits = HighestBytes(beforePoint ^ words::kOnes * '0', whole);
   const Word beforeDigits = beforePoint << 8 * whole;
-  const Word negative = ((beforeDigits >> 56 ^ '-') - 1) >> 63;
-  const Word refused = (ByteBelow(tail, places) ^ '.') | words::BytesFrom<10>(placeDigits) |
-                       (whole + places - 1) >> 63 | (ByteBelow(beforeDigits, negative) ^ ' ');
+  const Word sign = beforeDigits >> 56;
+  const Word negative = MaskOf(sign == '-') & 1;
+  const Word hasSign = negative | (MaskOf(sign == '+') & 1);
+  const Word refused =
+      words::BytesFrom<10>(placeDigits) | (whole + places - 1) >> 63 | (ByteBelow(beforeDigits, hasSign) ^ ' ');
 
   // At most fourteen digits: all of this is exact up to the division, which rounds once, to the correctly rounded
   // value.
-  const auto wholeValue = static_cast<double>(static_cast<std::int64_t>(EightDigits(wholeDigits)));
-  const auto placesValue = static_cast<double>(static_cast<std::int64_t>(EightDigits(placeDigits)));
+  const auto wholeValue = static_cast<double>(static_cast<std::int64_t>(NumberOfEightDigits(wholeDigits)));
+  const auto placesValue = static_cast<double>(static_cast<std::int64_t>(NumberOfEightDigits(placeDigits)));
   const double power = PowerOfTen(places);
   const double magnitude = (wholeValue * power + placesValue) / power;
   value = std::bit_cast<double>(std::bit_cast<Word>(magnitude) | negative << 63);
@@ -120,76 +154,102 @@ DatVector ParseDatLine(std::string_view line) {
 }
 
 std::size_t DatLines::Take(std::string_view text) {
-  constexpr std::size_t scannedLines = kChunk - kLongestLine;
-  if (chunk_ == nullptr || static_cast<std::size_t>(text.data() - chunk_) >= scannedLines) {
-    FindEnds(text.data(), separators_.data(), stops_.data());
+  if (chunk_ == nullptr || !HasLine(text.data())) {
+    FindEnds(text.data(), stops_.data(), separators_.data(), columnEnds_.data());
+    nextStop_ = 0;
     chunk_ = text.data();
   }
   const auto begin = static_cast<std::size_t>(text.data() - chunk_);
-  const std::size_t end = CutSimilarLines(begin, std::min(begin + text.size(), scannedLines));
-  ReadAll(2 * static_cast<std::size_t>(count_), heads_.data(), tails_.data(), values_.data(), refused_.data());
+  const std::size_t end = CutLines(begin, begin + text.size());
+  ReadAll(2 * count_, heads_.data(), tails_.data(), values_.data(), refused_.data());
   return end - begin;
 }
 
-// Up to the next stop, or the length of two windows.
-std::size_t DatLines::LengthOfLine(std::size_t at) const {
-  const Word near = Window(stops_.data(), at);
-  if (near != 0) return static_cast<std::size_t>(std::countr_zero(near));
-  return kWindow + static_cast<std::size_t>(std::countr_zero(Window(stops_.data(), at + kWindow)));
+// True where the chunk has the end of the line that begins with `text`.
+bool DatLines::HasLine(const char* text) {
+  const auto begin = static_cast<std::size_t>(text - chunk_);
+  if (begin >= kChunk) return false;
+  while (stops_[nextStop_] < begin) ++nextStop_;
+  return stops_[nextStop_] < kChunk;
 }
 
-// Takes the first position out of a set. 64 where it is empty.
-QUIVERION_ALWAYS_INLINE std::size_t TakeFirst(Word& positions) {
-  const int first = std::countr_zero(positions);
-  positions &= positions - 1;
-  return static_cast<std::size_t>(first);
+double DatLines::ReadAlone(int line, std::size_t component) const {
+  const std::size_t end = component == 0 ? EndsOf(line).u : EndsOf(line).v;
+  const std::size_t begin = BeginOfColumn(end);
+  // What is behind the column belongs to no number; with it eight characters can be looked at together.
+  return ReadNumberPrefix({chunk_ + begin, end - begin + 8}).value;
 }
 
-// Lines are found one after the other, so the way to the next line is kept short: its end is looked for where the first
-// line's length lets expect it, without a look at what is between. The first two columns lie within one window, and all
-// that is of interest behind them within the next.
-QUIVERION_MULTI_TARGET std::size_t DatLines::CutSimilarLines(std::size_t at, std::size_t end) {
-  constexpr std::size_t margin = 32;
-  const std::size_t firstLength = LengthOfLine(at);
-  const std::size_t skipped = firstLength < margin ? 0 : std::min<std::size_t>(firstLength - margin, kWindow);
-  std::size_t count = 0;
-  while (at < end) {
-    const char* const line = chunk_ + at;
-    const Word stops = Window(stops_.data(), at + skipped);
-    const Word earlierStops = Window(stops_.data(), at) & ~(~Word{0} << skipped);
-    const std::size_t lineEnd = skipped + static_cast<std::size_t>(std::countr_zero(stops));
-    if (stops == 0 || earlierStops != 0 || (line[lineEnd] != '\r' && line[lineEnd] != '\n')) break;
+std::size_t DatLines::BeginOfColumn(std::size_t end) const {
+  std::size_t width = 0;
+  do {
+    end -= width;
+    const Word separators = Window(separators_.data(), 64 + end - kWindow) << (64 - kWindow);
+    width = std::min(static_cast<std::size_t>(std::countl_zero(separators)), kWindow);
+  } while (width == kWindow);
+  return end - width;
+}
 
-    const Word separators = Window(separators_.data(), at);
-    Word starts = ~separators & (separators << 1 | 1);
-    Word ends = separators & ~(separators << 1 | 1);  // behind something else
-    const std::size_t xStart = TakeFirst(starts);
-    const std::size_t xEnd = TakeFirst(ends);
-    const std::size_t yStart = TakeFirst(starts);
-    const std::size_t yEnd = TakeFirst(ends);
-    if (yEnd > 63) break;
-    const Word restSeparators = Window(separators_.data(), at + yEnd);
-    Word restEnds = restSeparators & ~(restSeparators << 1 | 1);
-    for (int column = 3; column <= 6; ++column) restEnds &= restEnds - 1;
-    if (restEnds == 0) break;
-    const std::size_t uEnd = yEnd + TakeFirst(restEnds);
-    if (restEnds == 0) break;
-    const std::size_t vEnd = yEnd + TakeFirst(restEnds);
-    if (vEnd > lineEnd || xEnd - xStart > 8 || yEnd - yStart > 8 || line[xStart] == '"') break;
-
-    begins_[count] = line;
-    x_[count] = LastCharacters(line + xEnd, xEnd - xStart);
-    y_[count] = LastCharacters(line + yEnd, yEnd - yStart);
-    heads_[2 * count] = Load(line + uEnd - 16);
-    tails_[2 * count] = Load(line + uEnd - 8);
-    heads_[2 * count + 1] = Load(line + vEnd - 16);
-    tails_[2 * count + 1] = Load(line + vEnd - 8);
-    ++count;
-    at += lineEnd + 1;
-    if (line[lineEnd] == '\r' && line[lineEnd + 1] == '\n') ++at;
+// Where the first, second or so on column from `at` on ends. kChunk where there are not so many.
+std::size_t DatLines::EndOfColumn(std::size_t at, int column) const {
+  for (; at < kChunk; at += kWindow) {
+    for (Word ends = Window(columnEnds_.data(), at) & ~kUnspecified; ends != 0; ends &= ends - 1) {
+      if (--column == 0) return at + static_cast<std::size_t>(std::countr_zero(ends));
+    }
   }
-  count_ = static_cast<int>(count);
+  return kChunk;
+}
+
+// What is read where a column is missing.
+constexpr std::string_view kMissing = "               0";
+
+// Lines between `at` and `limit`. Returns the end of the last one.
+QUIVERION_MULTI_TARGET std::size_t DatLines::CutLines(std::size_t at, std::size_t limit) {
+  count_ = 0;
+  while (count_ < kLines) {
+    const std::size_t end = stops_[nextStop_];
+    if (end >= std::min(limit, kChunk) || !CutLine(at, end)) break;
+    const bool hasTwo = chunk_[end] == '\r' && chunk_[end + 1] == '\n';
+    nextStop_ += hasTwo ? 2 : 1;
+    at = end + (hasTwo ? 2 : 1);
+  }
   return at;
+}
+
+// Mostly the first two columns lie within one word, and the next six within another.
+QUIVERION_ALWAYS_INLINE bool DatLines::CutLine(std::size_t at, std::size_t end) {
+  if (chunk_[end] != '\r' && chunk_[end] != '\n') return false;
+  Word columns = Window(columnEnds_.data(), at) | kUnspecified;  // seven ends beyond the window at least
+  std::size_t x = at + TakeFirst(columns);
+  std::size_t y = at + TakeFirst(columns);
+  if (y >= at + kWindow) {
+    x = EndOfColumn(at, 1);
+    y = EndOfColumn(x + 1, 1);
+  }
+  if (y > end) return false;
+  const std::size_t rest = y + 1;
+  columns = Window(columnEnds_.data(), rest) | kUnspecified;
+  for (int column = 3; column <= 6; ++column) columns &= columns - 1;
+  std::size_t u = rest + TakeFirst(columns);
+  std::size_t v = rest + TakeFirst(columns);
+  if (v >= rest + kWindow) {
+    u = EndOfColumn(rest, 5);
+    v = EndOfColumn(u + 1, 1);
+  }
+  ends_[count_] = {static_cast<std::uint16_t>(x), static_cast<std::uint16_t>(y), static_cast<std::uint16_t>(u),
+                   static_cast<std::uint16_t>(v)};
+  const char* uEnd = chunk_ + u;
+  const char* vEnd = chunk_ + v;
+  if (v > end) {
+    vEnd = kMissing.data() + kMissing.size();
+    if (u > end) uEnd = vEnd;
+  }
+  heads_[2 * count_] = Load(uEnd - 16);
+  tails_[2 * count_] = Load(uEnd - 8);
+  heads_[2 * count_ + 1] = Load(vEnd - 16);
+  tails_[2 * count_ + 1] = Load(vEnd - 8);
+  ++count_;
+  return true;
 }
 
 }  // namespace quiverion

@@ -19,11 +19,12 @@ struct DatVector {
 /// definition.
 DatVector ParseDatLine(std::string_view line);
 
-/// Many data lines of the usual shape at once: at least 8 columns between blanks, positions of at most 8 characters,
-/// nothing but visible characters and blanks up to the line end, no comma, no quotation mark in front.
+/// Many data lines at once: two columns or more between blanks, up to a line end. It takes no line with a comma, a
+/// quotation mark or a control character (tabs are such); those are for the definition.
 ///
-/// Cutting finds blanks and line ends of a whole chunk of text as bit masks, and keeps the characters of the numbers;
-/// reading turns all of them into numbers by loops that the compiler makes vector instructions of.
+/// Cutting finds blanks and line ends of a whole chunk of text as bit masks. The velocities, columns 7 and 8, become
+/// numbers in a loop that the compiler makes vector instructions of: decimals of up to 7 digits on either side of the
+/// point. Numbers of another shape are read one by one when they are asked for.
 class DatLines {
  public:
   /// The text that is looked at in one go.
@@ -32,45 +33,54 @@ class DatLines {
   static constexpr std::size_t kBefore = 16;
   static constexpr std::size_t kBehind = kChunk;
 
-  /// Takes the lines of the usual shape that `text` begins with, as many as fit, and reads their numbers. Returns the
-  /// bytes taken, line ends included. The next call goes on behind them, or farther behind, in the same memory: what
-  /// has been looked at is not looked at again.
+  /// Takes the lines that `text`, the beginning of a field, begins with, as many as fit. Returns the bytes taken, line
+  /// ends included. The next call goes on behind them, or farther behind, in the same memory: what has been looked at is
+  /// not looked at again.
   std::size_t Take(std::string_view text);
 
-  int Count() const { return count_; }
+  int Count() const { return static_cast<int>(count_); }
 
-  /// The characters of a position, 1 to 8 of them; the last one is the highest byte, zeros fill the others.
-  std::uint64_t XText(int line) const { return x_[static_cast<std::size_t>(line)]; }
-  std::uint64_t YText(int line) const { return y_[static_cast<std::size_t>(line)]; }
+  /// Columns 1 and 2. There is a separator in front of every column, where the text itself does not begin.
+  std::string_view X(int line) const { return TextOf(EndsOf(line).x); }
+  std::string_view Y(int line) const { return TextOf(EndsOf(line).y); }
+  const char* XEnd(int line) const { return chunk_ + EndsOf(line).x; }
+  const char* YEnd(int line) const { return chunk_ + EndsOf(line).y; }
 
-  /// False where a velocity is not of the usual shape (an optional minus, digits with a point among or around them,
-  /// at most 7 on each side): then the definition has to read the line.
-  bool IsPlain(int line) const { return (refused_[U(line)] | refused_[V(line)]) == 0; }
-
-  /// The bits of the definition, where IsPlain.
-  double Vx(int line) const { return values_[U(line)]; }
-  double Vy(int line) const { return values_[V(line)]; }
-
-  /// Where the line begins.
-  const char* Begin(int line) const { return begins_[static_cast<std::size_t>(line)]; }
+  /// Columns 7 and 8, 0 where they are missing: the bits of the definition. Throws SystemError 6 as it does.
+  double U(int line) const { return Velocity(line, 0); }
+  double V(int line) const { return Velocity(line, 1); }
 
  private:
-  static constexpr std::size_t kLines = kChunk / 16;  // eight columns and their ends are sixteen bytes
-  static constexpr std::size_t U(int line) { return 2 * static_cast<std::size_t>(line); }
-  static constexpr std::size_t V(int line) { return U(line) + 1; }
+  static constexpr std::size_t kLines = 512;  // taken by one call
+  // Where columns end in the chunk.
+  struct Ends {
+    std::uint16_t x, y, u, v;
+  };
 
-  static constexpr std::size_t kLongestLine = 128;
+  const Ends& EndsOf(int line) const { return ends_[static_cast<std::size_t>(line)]; }
+  std::string_view TextOf(std::size_t end) const {
+    const std::size_t begin = BeginOfColumn(end);
+    return {chunk_ + begin, end - begin};
+  }
+  double Velocity(int line, std::size_t component) const {
+    const std::size_t number = 2 * static_cast<std::size_t>(line) + component;
+    return refused_[number] == 0 ? values_[number] : ReadAlone(line, component);
+  }
 
-  std::size_t LengthOfLine(std::size_t at) const;
-  std::size_t CutSimilarLines(std::size_t at, std::size_t end);
+  double ReadAlone(int line, std::size_t component) const;
+  std::size_t BeginOfColumn(std::size_t end) const;
+  std::size_t EndOfColumn(std::size_t at, int column) const;
+  bool HasLine(const char* text);
+  std::size_t CutLines(std::size_t at, std::size_t limit);
+  bool CutLine(std::size_t at, std::size_t end);
 
   const char* chunk_ = nullptr;  // where the masks begin
-  int count_ = 0;
-  std::array<std::uint64_t, kChunk / 64> separators_;  // one bit for each character of the chunk
-  std::array<std::uint64_t, kChunk / 64> stops_;
-  std::array<const char*, kLines> begins_;
-  std::array<std::uint64_t, kLines> x_;
-  std::array<std::uint64_t, kLines> y_;
+  std::size_t count_ = 0;
+  std::size_t nextStop_ = 0;
+  std::array<std::uint16_t, kChunk + 2> stops_;              // positions in the chunk; behind the last one kChunk twice
+  std::array<std::uint64_t, 1 + kChunk / 64> separators_;    // one word in front
+  std::array<std::uint64_t, kChunk / 64 + 1> columnEnds_{};  // one word behind
+  std::array<Ends, kLines> ends_;
   std::array<std::uint64_t, 2 * kLines> tails_;  // the last eight characters of a velocity
   std::array<std::uint64_t, 2 * kLines> heads_;  // the eight before them
   std::array<std::uint64_t, 2 * kLines> refused_;

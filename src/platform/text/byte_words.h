@@ -46,4 +46,11 @@ constexpr Word FirstBytesEqual(Word word) {
   return (difference - kOnes) & ~difference & kHighs;
 }
 
+/// The number of eight digits, each as value 0 to 9.
+constexpr Word NumberOfEightDigits(Word word) {
+  word = word * 10 + (word >> 8);  // pairs
+  return ((word & 0x000000FF000000FF) * 0x000F424000000064 + (word >> 16 & 0x000000FF000000FF) * 0x0000271000000001) >>
+         32;
+}
+
 }  // namespace quiverion::words

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "platform/text/byte_words.h"
+#include "platform/text/wide_product.h"
 
 namespace quiverion {
 namespace {
@@ -28,19 +29,6 @@ constexpr std::array<std::uint64_t, 25> PowersOfFive() {
 }
 constexpr auto kPowersOfFive = PowersOfFive();
 
-struct Product {
-  std::uint64_t high, low;
-};
-
-// All 128 bits of a * b, for a below 2^53 and b below 2^56.
-constexpr Product Multiply(std::uint64_t a, std::uint64_t b) {
-  constexpr std::uint64_t lowHalf = 0xFFFFFFFF;
-  const std::uint64_t low = (a & lowHalf) * (b & lowHalf);
-  const std::uint64_t first = (a >> 32) * (b & lowHalf) + (low >> 32);
-  const std::uint64_t second = (a & lowHalf) * (b >> 32) + (first & lowHalf);
-  return {(a >> 32) * (b >> 32) + (first >> 32) + (second >> 32), second << 32 | (low & lowHalf)};
-}
-
 // The eight digits of a number below 10^8 as values 0 to 9, the first in the lowest byte: the number is split into two
 // numbers of four digits, these into four of two digits and these into digits, all of a step at once.
 constexpr Word EightDigits(std::uint64_t value) {
@@ -60,7 +48,7 @@ DecimalDigits FastDigits(double magnitude) {
   if (magnitude >= kPowersOfTen[exponent + 1 - kSmallestExponent]) ++exponent;
   const int scale = kAllDigits - 1 - exponent;
   const std::uint64_t significand = (bits & ((std::uint64_t{1} << 52) - 1)) | std::uint64_t{1} << 52;
-  const Product product = Multiply(significand, kPowersOfFive[static_cast<std::size_t>(scale)]);
+  const WideProduct product = Multiply(significand, kPowersOfFive[static_cast<std::size_t>(scale)]);
   const int shift = 52 - binaryExponent - scale;
   std::uint64_t number = product.high << (64 - shift) | product.low >> shift;
   const std::uint64_t rest = product.low << (64 - shift);  // of what was cut off, left-aligned

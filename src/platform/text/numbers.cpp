@@ -1,6 +1,7 @@
 #include "platform/text/numbers.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -8,7 +9,10 @@
 #include <limits>
 
 #include "messages/system_error.h"
+#include "platform/numeric/multi_target.h"
+#include "platform/text/byte_words.h"
 #include "platform/text/decimal_digits.h"
+#include "platform/text/decimal_value.h"
 
 namespace quiverion {
 namespace {
@@ -17,28 +21,85 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// Length of the number that `text` begins with, its sign included; 0 where there is none.
-std::size_t NumberLength(std::string_view text) {
-  std::size_t at = 0;
-  const auto skipDigits = [&] {
-    const std::size_t first = at;
-    while (at < text.size() && IsDigit(text[at])) ++at;
-    return at - first;
+constexpr std::uint64_t kWholePowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000};
+constexpr double kPowersOfTen[] = {1E0,  1E1,  1E2,  1E3,  1E4,  1E5,  1E6,  1E7,  1E8,  1E9,  1E10, 1E11,
+                                   1E12, 1E13, 1E14, 1E15, 1E16, 1E17, 1E18, 1E19, 1E20, 1E21, 1E22};
+
+// The number that a text begins with: `digits` times 10^`exponent`.
+struct ScannedNumber {
+  std::size_t length = 0;  // 0 where there is none
+  bool negative = false;
+  std::uint64_t digits = 0;
+  std::int64_t exponent = 0;
+  bool isWhole = true;  // false where digits or exponent have too many digits for their variables
+};
+
+// Append the digits at `at` to `value` (modulo 2^64), and tell how many there are. One by one: for a few.
+QUIVERION_ALWAYS_INLINE std::ptrdiff_t TakeDigits(const char*& at, const char* end, std::uint64_t& value) {
+  const char* const first = at;
+  for (; at != end && IsDigit(*at); ++at) value = 10 * value + static_cast<std::uint64_t>(*at - '0');
+  return at - first;
+}
+
+// Eight characters at a time, however many of them are digits.
+QUIVERION_ALWAYS_INLINE std::ptrdiff_t TakeManyDigits(const char*& at, const char* end, std::uint64_t& value) {
+  const char* const first = at;
+  for (; end - at >= 8; at += 8) {
+    const words::Word characters = words::Load(at) ^ words::kOnes * '0';
+    const words::Word others = words::BytesFrom<10>(characters);
+    if (others != 0) {
+      const int count = std::countr_zero(others) / 8;
+      value = value * kWholePowers[count] + words::NumberOfEightDigits(characters << 8 << (56 - 8 * count));
+      at += count;
+      return at - first;
+    }
+    value = value * 100000000 + words::NumberOfEightDigits(characters);
+  }
+  TakeDigits(at, end, value);
+  return at - first;
+}
+
+QUIVERION_ALWAYS_INLINE ScannedNumber ScanNumber(std::string_view text) {
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  const auto takeSign = [&] {
+    const bool negative = at != end && *at == '-';
+    if (negative || (at != end && *at == '+')) ++at;
+    return negative;
   };
-  if (at < text.size() && (text[at] == '+' || text[at] == '-')) ++at;
-  std::size_t digits = skipDigits();
-  if (at < text.size() && text[at] == '.') {
+  ScannedNumber number;
+  number.negative = takeSign();
+  std::ptrdiff_t count = TakeDigits(at, end, number.digits);
+  if (at != end && *at == '.') {
     ++at;
-    digits += skipDigits();
+    const std::ptrdiff_t places = TakeManyDigits(at, end, number.digits);
+    number.exponent = -places;
+    count += places;
   }
-  if (digits == 0) return 0;
-  const std::size_t mantissaEnd = at;
-  if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
+  if (count == 0) return {};
+  number.isWhole = count <= 19;
+  number.length = static_cast<std::size_t>(at - text.data());
+  if (at != end && (*at == 'e' || *at == 'E')) {
     ++at;
-    if (at < text.size() && (text[at] == '+' || text[at] == '-')) ++at;
-    if (skipDigits() == 0) at = mantissaEnd;
+    const bool negative = takeSign();
+    std::uint64_t exponent = 0;
+    const std::ptrdiff_t exponentDigits = TakeDigits(at, end, exponent);
+    if (exponentDigits == 0) return number;
+    number.length = static_cast<std::size_t>(at - text.data());
+    number.isWhole = number.isWhole && exponentDigits <= 6;
+    number.exponent += static_cast<std::int64_t>(negative ? 0 - exponent : exponent);
   }
-  return at;
+  return number;
+}
+
+// True where digits and power of ten are doubles, so that one operation gives the correctly rounded value.
+bool IsExact(const ScannedNumber& number) {
+  return number.digits <= std::uint64_t{1} << 53 && number.exponent >= -22 && number.exponent <= 22;
+}
+
+double ExactValue(const ScannedNumber& number) {
+  const auto digits = static_cast<double>(number.digits);
+  return number.exponent < 0 ? digits / kPowersOfTen[-number.exponent] : digits * kPowersOfTen[number.exponent];
 }
 
 // from_chars tells "too large" and "too small" alike. The decimal exponent of the first non-zero digit
@@ -64,6 +125,16 @@ bool IsTooLarge(std::string_view number) {
     if (negative) exponent = -exponent;
   }
   return significant && exponent + scale > 0;
+}
+
+// For numbers that are too long for anything quicker.
+QUIVERION_NO_INLINE double LibraryValue(std::string_view number) {
+  if (number.front() == '+') number.remove_prefix(1);  // from_chars knows no plus sign
+  double value = 0.0;
+  const auto read = std::from_chars(number.data(), number.data() + number.size(), value);
+  if (read.ec != std::errc::result_out_of_range) return value;
+  if (IsTooLarge(number)) throw SystemError(ErrorNumber::overflow);
+  return 0.0;
 }
 
 template <class Real>
@@ -111,16 +182,12 @@ char* WriteScientific(char* buffer, const DecimalDigits& number, char decimalSep
 }  // namespace
 
 NumberPrefix ReadNumberPrefix(std::string_view text) {
-  NumberPrefix result;
-  result.length = NumberLength(text);
-  std::string_view number = text.substr(0, result.length);
-  if (!number.empty() && number.front() == '+') number.remove_prefix(1);  // from_chars knows no plus sign
-  const auto read = std::from_chars(number.data(), number.data() + number.size(), result.value);
-  if (read.ec == std::errc::result_out_of_range) {
-    if (IsTooLarge(number)) throw SystemError(ErrorNumber::overflow);
-    result.value = 0.0;
+  const ScannedNumber number = ScanNumber(text);
+  if (!number.isWhole || std::abs(number.exponent) > kLargestPower) {
+    return {LibraryValue(text.substr(0, number.length)), number.length};
   }
-  return result;
+  const double magnitude = IsExact(number) ? ExactValue(number) : DecimalValue(number.digits, number.exponent);
+  return {number.negative ? -magnitude : magnitude, number.length};
 }
 
 double ReadParameterNumber(std::string_view text) {
