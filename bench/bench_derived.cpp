@@ -1,4 +1,4 @@
-// Vorticity and swirling strength: the plain loops of the definition beside the fast kernels.
+// Vorticity and swirling strength: the plain loops of the definition compared with the fast kernels.
 #include <benchmark/benchmark.h>
 
 #include "operations/kernels/derived_scalar.h"

@@ -1,4 +1,4 @@
-// Text exports beside snprintf, line by line. The files are new in every round.
+// Text exports compared with snprintf, line by line. The files are new in every round.
 #include <benchmark/benchmark.h>
 
 #include <cmath>

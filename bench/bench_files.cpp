@@ -1,4 +1,4 @@
-// Loading and saving beside one plain read or write of the same bytes. The page cache is warm.
+// Loading and saving compared with one plain read or write of the same bytes. The page cache is warm.
 #include <benchmark/benchmark.h>
 
 #include "bench_support.h"
@@ -40,8 +40,8 @@ void SetBytes(benchmark::State& state, std::size_t bytes) {
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(bytes));
 }
 
-// The files of a series: together larger than the processor's caches, so that they lie in the page cache and nowhere
-// nearer, as the files of a real series do.
+// The files of a series. Together they are larger than the processor's caches, so that they are only in the page cache,
+// like those of a real series.
 class Series {
  public:
   Series(std::int64_t kind, const std::string& bytes) : size_(bytes.size()) {
@@ -125,7 +125,7 @@ const bool kShapesAreMeasured = [] {
   return true;
 }();
 
-// A file whose every vector has a status that no VEC file should have: 2 pieces of log a vector.
+// A file in which every vector has a status that a VEC file should not have: 2 log pieces per vector.
 std::string WarningBytes() {
   samples::SampleOptions options;
   options.columns = options.rows = 128;
@@ -170,7 +170,7 @@ void LoadWithWarnings(benchmark::State& state) {
 }
 BENCHMARK(LoadWithWarnings)->ArgName("log")->Arg(0)->Arg(1)->Arg(2);
 
-// Fresh files in both: every iteration writes a name that was not there.
+// New files in both: every iteration writes a name that did not exist.
 void PlainSave(benchmark::State& state) {
   const ScratchDirectory directory;
   const std::string bytes = BytesOf(kVas, SampleOf(state));

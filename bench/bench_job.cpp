@@ -1,6 +1,6 @@
 // A whole evaluation over a series of DAT files: median 5x5, interpolation, Gauss 3x3, save, collect. The run driver
-// beside plain loops from end to end (lines and numbers one by one, the definitions of the operations, values one by
-// one, and nothing collected), and beside reading, creating and appending the same bytes.
+// compared with plain loops from end to end (lines and numbers one by one, the definitions of the operations, values
+// one by one, and nothing collected), and with reading, creating and appending the same bytes.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -36,7 +36,7 @@ void WriteSeries(const benchmark::State& state, const ScratchDirectory& director
   }
 }
 
-// Results are new files in every round: what replaces a file is synced to the disk.
+// Results are new files in every round, because a file that replaces another is synced to the disk.
 void RemoveResults(benchmark::State& state, const ScratchDirectory& directory) {
   state.PauseTiming();
   std::filesystem::remove_all(directory.File("out"));

@@ -1,4 +1,4 @@
-// The numerical commands: the plain loops of the definition beside the fast forms, over the same fields.
+// The numerical commands: the plain loops of the definition compared with the fast forms, over the same fields.
 #include <benchmark/benchmark.h>
 
 #include "operations/commands/filters.h"
@@ -17,7 +17,7 @@
 namespace quiverion::bench {
 namespace {
 
-// Args: columns, rows, window width (0 where there is none). Every iteration works on a fresh copy; copying is not
+// Args: columns, rows, window width (0 if there is none). Every iteration works on a fresh copy; the copying is not
 // measured.
 template <class Action>
 void OnField(benchmark::State& state, const VectorField& original, Action action) {

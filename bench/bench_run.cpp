@@ -1,5 +1,5 @@
-// The run driver over many small files: ten view commands and a save each, beside plainly reading and
-// creating the same files.
+// The run driver over many small files: ten view commands and a save each, compared with plainly reading and creating
+// the same files.
 #include <benchmark/benchmark.h>
 
 #include "bench_support.h"

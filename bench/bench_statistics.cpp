@@ -1,4 +1,4 @@
-// Collections and statistics beside plain reads and writes of the same bytes. The page cache is warm.
+// Collections and statistics compared with plain reads and writes of the same bytes. The page cache is warm.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -43,7 +43,7 @@ void Sizes(benchmark::internal::Benchmark* benchmark) {
   benchmark->Args({500, 125, 100})->Args({40, 400, 400});
 }
 
-// The yardstick of a pass: each record once into the same memory.
+// The yardstick of a pass: reads each record once into the same memory.
 void PlainPass(benchmark::State& state) {
   const ScratchDirectory directory;
   const Series series(state);
@@ -71,7 +71,7 @@ void Compute(benchmark::State& state) {
     bench.ui.computation.clear();
     ComputeStatistic(bench.context, kind, directory.File("c.col"), directory.File("r.vas"), 15E-6);
     state.PauseTiming();
-    std::filesystem::remove(directory.File("r.vas"));  // what replaces a file is synced to the disk
+    std::filesystem::remove(directory.File("r.vas"));  // a file that replaces another is synced to the disk
     state.ResumeTiming();
   }
   if (bench.context.runHadError || !bench.ui.messages.empty()) state.SkipWithError("statistic failed");
@@ -82,7 +82,7 @@ BENCHMARK(Compute<StatisticKind::fluctuationProduct>)->Name("Statistic/product")
 BENCHMARK(Compute<StatisticKind::turbulence>)->Name("Statistic/turbulence")->Apply(Sizes);
 BENCHMARK(Compute<StatisticKind::dissipation>)->Name("Statistic/dissipation")->Apply(Sizes);
 
-// Changes `path` within a pause: what it was before a round of appends or a removal.
+// Restores `path`, with the timer paused, to its state before a round of appends or a removal.
 template <class Restore>
 void Pause(benchmark::State& state, const std::string& path, Restore restore) {
   state.PauseTiming();
@@ -92,7 +92,7 @@ void Pause(benchmark::State& state, const std::string& path, Restore restore) {
   state.ResumeTiming();
 }
 
-// range(0): records in the file before. After so many appends the file gets its old length and count.
+// range(0): records in the file before. After as many appends, the file gets its old length and count.
 constexpr int kAppends = 100;
 
 void AppendSizes(benchmark::internal::Benchmark* benchmark) {
@@ -135,7 +135,7 @@ void AppendField(Context& context, const std::string& path, const std::string& /
 BENCHMARK(Append<AppendPlainly>)->Name("Append/plain_write")->Apply(AppendSizes);
 BENCHMARK(Append<AppendField>)->Name("Append/collect")->Apply(AppendSizes);
 
-// The first range(3) records go: so many move from the end, then the file is cut.
+// Removes the first range(3) records: as many move from the end, then the file is truncated.
 void RemovalSizes(benchmark::internal::Benchmark* benchmark) {
   benchmark->ArgNames({"fields", "columns", "rows", "removed"})->Unit(benchmark::kMicrosecond)->Iterations(10);
   benchmark->Args({200, 125, 100, 1})->Args({200, 125, 100, 90})->Args({2000, 64, 64, 100});
@@ -154,7 +154,7 @@ void Removal(benchmark::State& state) {
     state.PauseTiming();
     std::filesystem::copy_file(whole, path, std::filesystem::copy_options::overwrite_existing);
     state.ResumeTiming();
-    // On the disk: shortening a file whose blocks have no place there yet waits for it.
+    // Sync first: truncating a file whose blocks are not allocated on the disk yet waits for the allocation.
     Pause(state, path, [](int descriptor) { ::fsync(descriptor); });
     remove(bench.context, path, series, static_cast<int>(state.range(3)));
   }

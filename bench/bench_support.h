@@ -15,7 +15,7 @@
 
 namespace quiverion::bench {
 
-/// A directory of its own for the files of one benchmark; removed at the end.
+/// A temporary directory for the files of one benchmark; removed at the end.
 class ScratchDirectory {
  public:
   ScratchDirectory() {
@@ -34,7 +34,7 @@ class ScratchDirectory {
   std::string path_;
 };
 
-/// The real files of this machine under a session without a window.
+/// A session without windows on the real files of this machine.
 struct BenchSession {
   std::unique_ptr<FileSystem> files = MakeSystemFileSystem();
   test::ScriptedUi ui;
@@ -50,7 +50,7 @@ inline void WritePlainly(const std::string& path, std::string_view bytes) {
   ::close(descriptor);
 }
 
-/// One open, one read into memory that is there already, one close: the yardstick of loading.
+/// One open, one read into existing memory, one close: the yardstick of loading.
 inline std::size_t ReadPlainly(const std::string& path, std::vector<char>& target) {
   const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   const ssize_t count = ::read(descriptor, target.data(), target.size());

@@ -1,5 +1,5 @@
-// The windows beside the command line, without a display unless one is asked for: a program of its own, because it needs an
-// application.
+// The windows compared with the command line, without a display by default. A separate program, because it needs a
+// QApplication.
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
@@ -40,7 +40,7 @@ void ListDirectory(benchmark::State& state) {
 }
 BENCHMARK(ListDirectory)->Arg(1000)->Arg(20000)->Unit(benchmark::kMillisecond);
 
-// A log of so many lines: opened, and scrolled from end to end.
+// Opens a log of as many lines and scrolls from end to end.
 void OpenLog(benchmark::State& state) {
   LogText text;
   RunLog log;
@@ -82,8 +82,8 @@ MacroEventList JobMacro() {
   return {search, MacroEvent(40001), MacroEvent(40103), MacroEvent(50103), MacroEvent(50106), save};
 }
 
-// The same macro over the same files: `windows` runs it in the window, with its progress and its log up to where the log
-// window would open, else with the log as the command line writes it.
+// The same macro over the same files: `windows` runs it in the window, with progress and log up to the point at which
+// the log window would open; otherwise with the log as the command line writes it.
 void RunSeries(benchmark::State& state, bool windows) {
   const ScratchDirectory directory;
   std::vector<std::string> names;
@@ -105,7 +105,7 @@ void RunSeries(benchmark::State& state, bool windows) {
   session.inputDirectory = directory.File("");
   for (auto _ : state) {
     state.PauseTiming();
-    std::filesystem::remove_all(directory.File("out"));  // a result that replaces one is synced to the disk
+    std::filesystem::remove_all(directory.File("out"));  // a result that replaces a file is synced to the disk
     state.ResumeTiming();
     RunMacro(session);
     silent.progress.clear();
@@ -116,7 +116,7 @@ void RunSeries(benchmark::State& state, bool windows) {
 BENCHMARK_CAPTURE(RunSeries, windows, true)->Unit(benchmark::kMillisecond)->MinTime(2);
 BENCHMARK_CAPTURE(RunSeries, command_line, false)->Unit(benchmark::kMillisecond)->MinTime(2);
 
-// A collection of `count` fields, as generated: index 0 to 9 over and over.
+// A collection of `count` fields, as generated: index 0 to 9 repeatedly.
 std::string CollectionOf(int count, int columns, int rows) {
   std::vector<samples::SampleField> fields;
   for (int k = 0; k < count; ++k) {

@@ -10,15 +10,15 @@
 
 namespace quiverion::test {
 
-/// Damages files as disks, transfers and people do: bits, numbers, cuts, repetitions, pieces of other files. Seeded; the
-/// same everywhere.
+/// Damages files as disks, transfers and people do: bits, numbers, cuts, repetitions, pieces of other files. Seeded,
+/// and the same on all systems.
 class Damage {
  public:
   explicit Damage(std::uint32_t seed) : random_(seed) {}
 
   std::size_t Below(std::size_t limit) { return random_() % limit; }
 
-  /// `bytes` with one to four damages; `other` is where pieces come from.
+  /// `bytes` with one to four damages; `other` is the source of pieces.
   std::string operator()(std::string bytes, const std::string& other) {
     for (std::size_t k = 0, times = 1 + Below(4); k < times; ++k) Once(bytes, other);
     return bytes;
@@ -29,7 +29,7 @@ class Damage {
       0, -1, 1, 2, 50, 51, 255, 20000, 32767, -32768, 65535, 1000000, 1 << 30, 2147483647, -2147483647 - 1};
 
   void Once(std::string& bytes, const std::string& other) {
-    // Heads, where the counts are, are hit as often as all the rest.
+    // Headers, which contain the counts, are hit as often as all the rest.
     const std::size_t at = Below((Below(2) == 0 ? std::min<std::size_t>(bytes.size(), 300) : bytes.size()) + 1);
     const std::size_t length = std::min(bytes.size() - at, 1 + Below(64));
     const std::size_t number = std::min<std::size_t>(bytes.size() - at, 4);

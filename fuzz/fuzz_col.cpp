@@ -16,7 +16,7 @@ namespace {
 class Collection {
  public:
   explicit Collection(std::string bytes) : bytes_(std::move(bytes)) {
-    program_.files.freeBytes = {1 << 20};  // a damaged count must not fill the memory
+    program_.files.freeBytes = {1 << 20};  // a damaged count must not fill memory
     Restore();
   }
 
@@ -32,7 +32,7 @@ class Collection {
  private:
   static constexpr std::uint64_t enoughPoints = 1 << 12;
 
-  // As the header claims, whatever else is wrong with it: the statistics take any version.
+  // The size that the header claims, whatever else is wrong with it: the statistics accept any version.
   bool HasLargeGrid() const {
     CollectionHeader header;
     if (bytes_.size() < collection::kHeaderBytes) return false;
@@ -48,7 +48,7 @@ class Collection {
     context_.runHadError = false;
   }
 
-  // What fails says so once and saves nothing.
+  // A failure is reported once and saves nothing.
   void CheckStatistics() {
     Restore();
     const auto kind = static_cast<StatisticKind>(bytes_.size() % 6);
@@ -75,7 +75,7 @@ class Collection {
     Demand(now.compare(35, end - 35, bytes_, 35, end - 35) == 0, "what was there before");
   }
 
-  // Which records go is taken from the last bytes.
+  // The last bytes determine which records are removed.
   void CheckRemoval(const CollectionContents& contents) {
     Restore();
     std::vector<std::int32_t> numbers;

@@ -1,4 +1,4 @@
-// Writes small valid files to begin with: make_fuzz_seeds DIR makes a directory per reader in DIR, such as DIR/vas.
+// Writes small valid seed files: make_fuzz_seeds DIR creates a directory per reader in DIR, such as DIR/vas.
 #include <algorithm>
 #include <cstdio>
 #include <exception>

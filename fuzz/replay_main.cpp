@@ -1,5 +1,5 @@
-// Runs every file of the given directories through a fuzz target, with any compiler. With --mutate N also N seeded
-// random changes of them.
+// Runs every file of the given directories through a fuzz target, with any compiler. With --mutate N, also N seeded
+// random mutations of each.
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -20,7 +20,7 @@ namespace {
 using Input = std::string;
 
 void Run(const Input& input) {
-  const std::vector<std::uint8_t> exact(input.begin(), input.end());  // no spare bytes behind it
+  const std::vector<std::uint8_t> exact(input.begin(), input.end());  // no spare bytes after it
   LLVMFuzzerTestOneInput(exact.data(), exact.size());
 }
 

@@ -11,7 +11,7 @@
 
 namespace quiverion::fuzz {
 
-/// Ends the program: for a fuzzer a finding.
+/// Ends the program, which is a finding for a fuzzer.
 [[noreturn]] inline void Fail(const std::string& reason) {
   std::fprintf(stderr, "fuzz: %s\n", reason.c_str());
   std::abort();
@@ -21,7 +21,7 @@ inline void Demand(bool holds, const std::string& reason) {
   if (!holds) Fail(reason);
 }
 
-/// Loads the bytes as a file of that name. Returns true where the field was loaded; the log must say the same.
+/// Loads the bytes as a file of that name. Returns true if the field was loaded; the log must agree.
 inline bool LoadBytes(test::TestSession& program, const std::string& name, std::string bytes) {
   program.files.files[name] = std::move(bytes);
   program.context.abortCurrentFile = false;
@@ -33,8 +33,8 @@ inline bool LoadBytes(test::TestSession& program, const std::string& name, std::
   return loaded;
 }
 
-/// Loads the file; what loads must come through a VAS file unchanged, and the second copy be the first one's twin.
-/// Returns true where the file was loaded.
+/// Loads the file. If that succeeds, saving it as VAS and loading it again must not change it, and a second save must
+/// give the same bytes. Returns true if the file was loaded.
 inline bool CheckFieldRoundTrip(const std::string& name, const std::string& bytes) {
   constexpr std::size_t enoughPoints = 1 << 16;  // a larger grid shows nothing new
   test::TestSession program;

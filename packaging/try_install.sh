@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the package on a fresh Debian without anything else, uses both programs, and removes it: try_install.sh DEB DIRECTORY
+# Installs the package on a minimal fresh Debian, uses both programs, and removes it: try_install.sh DEB DIRECTORY
 set -euo pipefail
 package=$1 root=$2
 mirror=$(apt-get indextargets --format '$(SITE) $(RELEASE)' "Created-By: Packages" | sort -u | awk '$2 !~ /-/ {print $1; exit}')

@@ -1,4 +1,4 @@
-# The core: standard C++, no window. Each folder uses only what is listed above it.
+# The core: standard C++, no window. Each folder uses only folders listed above it.
 quiverion_library(messages SOURCES
   failure.cpp system_error.cpp)
 quiverion_library(platform USES messages SOURCES

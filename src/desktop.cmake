@@ -4,11 +4,11 @@ if(WIN32)
   quiverion_lay_out_runtime()
 endif()
 
-# A library with windows: its forms lie beside the sources.
+# A library with windows; its forms are next to the sources.
 function(quiverion_windows name)
   quiverion_library(${name} ${ARGN})
   set_target_properties(quiverion_${name} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON
-    AUTORCC_OPTIONS --no-zstd)  # not every Qt can unpack that
+    AUTORCC_OPTIONS --no-zstd)  # not every Qt can decompress that
   target_link_libraries(quiverion_${name} PUBLIC Qt6::Widgets)
 endfunction()
 

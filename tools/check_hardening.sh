@@ -1,18 +1,18 @@
 #!/usr/bin/env bash
-# No shell, no unbounded copies, no format strings in the sources; programs are built to resist what slips through.
-#   check_hardening.sh sources SRC       prints calls that this program must not make; exit code 1 where there is one
+# No shell, no unbounded copies, no format strings in the sources; programs are built with hardening.
+#   check_hardening.sh sources SRC       prints calls that this program must not make; exit code 1 if there are any
 #   check_hardening.sh programs FILE...  prints what a program lacks of PIE, full RELRO, stack protector, fortified calls
 #   check_hardening.sh --self-test
 set -euo pipefail
 
-# A shell or another program; functions whose first text is a pattern; copies without an end; guessable temporary names.
+# Shells and other programs; functions with format strings; unbounded copies; guessable temporary names.
 forbidden='\b(system|popen|exec[lv]+[pe]*|posix_spawnp?|v?[fs]?n?printf|v?asprintf|dprintf|syslog|strcpy|strcat|gets|alloca|mktemp|tmpnam|tempnam|tmpfile)[[:space:]]*\(|QProcess'
 
 check_sources() {
   ! grep -rnE --include='*.h' --include='*.cpp' "$forbidden" "$1"
 }
 
-# The unresolved dynamic symbols tell whether the compiler's checks are in.
+# The unresolved dynamic symbols show whether the compiler's checks are enabled.
 check_program() {
   local file=$1 broken=0
   lacks() { echo "$file: $1"; broken=1; }
@@ -28,7 +28,7 @@ check_programs() {
   local file broken=0 fortified=0
   for file in "$@"; do
     check_program "$file" || broken=1
-    # A program may have no call that can be fortified; of those that are built together one has.
+    # A program may have no call that can be fortified, but one of those built together has.
     if readelf --dyn-syms -W "$file" | grep -E '__(mem|str|read|fd|vs?n?printf|pread)[a-z]*_chk' >/dev/null; then fortified=1; fi
   done
   [ $fortified = 1 ] || { echo "$*: no fortified calls"; broken=1; }

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# The include rule: which folder of src/ may include which other, and no Qt in the core.
-#   check_includes.sh SRC        prints every include that breaks the rule; exit code 1 where there is one
+# Checks the include rules: which folder of src/ may include which others, and no Qt in the core.
+#   check_includes.sh SRC        prints every include that breaks the rules; exit code 1 if there are any
 #   check_includes.sh --self-test
 set -euo pipefail
 
-# Room by room. A folder stands for its rooms as well, except those of one system, which are private to the
-# rooms that name them.
+# One line per folder or subfolder. A folder in a list includes its subfolders, except those of one system, which must
+# be listed themselves.
 core="messages platform log field"
 declare -A allowed=(
   [messages]=""
@@ -35,7 +35,7 @@ declare -A allowed=(
   [app]="dialogs macro statistics export operations $core Qt"
 )
 
-# May a file of `room` include the file `target`, whose room is `home`?
+# Whether a file of the folder `room` may include the file `target` in the folder `home`.
 may_include() {
   local room=$1 target=$2 home=$3 entry
   for entry in ${allowed[$room]}; do
@@ -60,7 +60,7 @@ check() {
     target=${line#*[\"<]}
     target=${target%%[\">]*}
     home=${target%/*}
-    # "Qt" stands for its headers and for what its compiler makes of a form.
+    # "Qt" means its headers and the headers generated from forms.
     if [[ " ${allowed[$room]} " == *" Qt "* && $target =~ ^(Q[A-Za-z]+|ui_[A-Za-z]+\.h)$ ]]; then continue; fi
     case $line in
       *'"'*) [ "$home" = "$room" ] && continue ;;

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# The sample series and its macro here and on Windows, which the emulator stands in for, in the prefix that the environment
-# names: compare_systems.sh MACRO PROGRAMS WINDOWS_PROGRAMS DIRECTORY. Every file must have the same bytes but for the time
-# of day and, in the log and the collection, for where the series lies; and each system reads what the other one wrote.
+# Runs the sample series and its macro on Linux and in wine (with the WINEPREFIX of the environment): compare_systems.sh
+# MACRO PROGRAMS WINDOWS_PROGRAMS DIRECTORY. Every file must have the same bytes, except for the time of day and, in the
+# log and the collection, the path of the series. Each system must read what the other one wrote.
 set -euo pipefail
 macro=$(realpath "$1") posix=$(realpath "$2") windows=$(realpath "$3") directory=$4
 rm -rf "$directory" && mkdir -p "$directory"/{posix,windows}
 cd "$directory"
 
-# on SYSTEM PROGRAM ARGUMENT...: runs it there, in the directory of that system.
+# on SYSTEM PROGRAM ARGUMENT...: runs the program on that system, in its directory.
 on() {
   local system=$1 program=$2
   shift 2
@@ -30,7 +30,7 @@ job() {
   done
 }
 
-# Everything the program says about the files that lie in the directory.
+# Everything that the program prints about the files in the directory.
 tell() {
   local file
   on "$1" quiverionseries-cli macro export macro.mak
@@ -41,12 +41,12 @@ tell() {
   on "$1" quiverionseries-cli statistics mean build/sample/Serie.col again.vas
 }
 
-# A file without times, and where paths may be, with one way of writing them and without the blanks behind them.
+# A file without times, and with paths in a uniform notation and without the blanks after them.
 plain() {
   local here=${PWD//\//[\\\\/]+}
   PLAIN_PATHS=$([[ $1 =~ \.(rtf|txt|col)$ ]] && echo yes) HERE=$here perl -pe '
     s/\d\d\.\d\d\.\d{4} \d\d:\d\d:\d\d/TIME/g;
-    s{(?:der Kollektion: |"filePath": ")[^\r\n"]*}{$& =~ tr|\\/|/|sr}ge;  # as the path was given
+    s{(?:der Kollektion: |"filePath": ")[^\r\n"]*}{$& =~ tr|\\/|/|sr}ge;  # the path as given
     next unless $ENV{PLAIN_PATHS};
     s/Dauer: [\d.]+/DURATION/;
     s{(?:Z:)?(?:$ENV{HERE})[\\/]+(?:posix|windows)([^\x27 ]*) *|(?<=\x27)([^\x27 ]*)(?=\x27)}{
@@ -71,7 +71,7 @@ compare() {
   echo "$(wc -l <<<"$files") files of the same bytes: $1"
 }
 
-# Dates as the other system writes them.
+# Dates in the format of the other system.
 wine reg add 'HKCU\Control Panel\International' /v sShortDate /d dd.MM.yyyy /f >/dev/null
 wine reg add 'HKCU\Control Panel\International' /v sTimeFormat /d HH:mm:ss /f >/dev/null
 job posix

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Draws src/dialogs/widgets/icons/*.svg into the .ico files that the programs hold, and the picture of the installer. Needs librsvg2-bin,
-# icoutils and imagemagick.
+# Renders src/dialogs/widgets/icons/*.svg to the .ico files of the programs, and the picture of the installer. Needs
+# librsvg2-bin, icoutils and imagemagick.
 set -euo pipefail
 cd "$(dirname "$0")/../src/dialogs/widgets/icons"
 work=$(mktemp -d)
@@ -12,7 +12,7 @@ for drawing in *.svg; do
     rsvg-convert -w $size -h $size "$drawing" -o "$work/$size.png"
     pictures+=("$work/$size.png")
   done
-  if [ "$name" = program ]; then  # Windows shows it large, and takes only this size as a PNG everywhere
+  if [ "$name" = program ]; then  # Windows shows it large; only for this size is PNG supported everywhere
     rsvg-convert -w 256 -h 256 "$drawing" -o "$work/256.png"
     pictures+=("--raw=$work/256.png")
   else

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Cross-builds Qt for Windows from Debian's source packages into the directory given, which must lie outside the tree: half
-# an hour on two cores, once. The host's own tools (moc, rcc, uic) of the same version do the generating.
+# Cross-builds Qt for Windows from Debian's source packages into the given directory, which must be outside the tree.
+# Takes half an hour on two cores, once. The tools of the host (moc, rcc, uic) must have the same version.
 set -euo pipefail
 prefix=$(realpath -m "$1")
 [ ! -f "$prefix/complete" ] || exit 0
@@ -12,7 +12,7 @@ mkdir -p "$work/apt/parts" "$work/apt/lists/partial" "$work/source"
 trap '[ $? = 0 ] || { tail -n 40 "$log" >&2; echo "Qt für Windows ließ sich nicht bauen: $log" >&2; }' EXIT
 exec 3>&1 >"$log" 2>&1
 
-# The registries as configured, for source packages, in lists of their own.
+# The configured package sources, for source packages, in separate lists.
 for list in /etc/apt/sources.list /etc/apt/sources.list.d/*.list /etc/apt/sources.list.d/*.sources; do
   [ -f "$list" ] || continue
   sed -E 's/^Types:.*/Types: deb-src/; s/^deb /deb-src /' "$list" >"$work/apt/parts/${list##*/}"

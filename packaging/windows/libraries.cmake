@@ -1,7 +1,7 @@
-# The libraries that Debian has for its own system only, for Windows: of headers alone, or built from their source.
+# Libraries for Windows that Debian packages only for Linux: header-only, or built from source.
 function(header_library target folder)
   find_path(root_of_${folder} ${folder} PATHS /usr/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
-  # A directory of its own: beside the folder lie the headers of the other system.
+  # A separate directory, because the headers of Linux are next to the original folder.
   file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/headers)
   file(CREATE_LINK ${root_of_${folder}}/${folder} ${CMAKE_BINARY_DIR}/headers/${folder} SYMBOLIC)
   add_library(${target} INTERFACE IMPORTED GLOBAL)

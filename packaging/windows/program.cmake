@@ -1,4 +1,4 @@
-# What the system shows of a program, and what the program tells it about itself.
+# The properties of a program that Windows shows, and its manifest.
 enable_language(RC)
 
 function(quiverion_describe program program_description)

@@ -1,18 +1,19 @@
-# What the windows of the program need beside them on Windows. Include it behind find_package(Qt6).
+# The runtime files that the desktop program needs in its directory on Windows. Include this after find_package(Qt6).
 #
-# quiverion_runtime_files(<libraries> <plugins>) sets both variables: the libraries go beside the program, and each plugin
-# (platforms/qwindows.dll) lies in a folder of that name beside the program, below QUIVERION_QT_PLUGINS.
-# quiverion_lay_out_runtime() copies all of it, and what only the tests need, to where the programs are built.
+# quiverion_runtime_files(<libraries> <plugins>) sets both variables. The libraries belong in the directory of the
+# program, and each plugin (platforms/qwindows.dll, below QUIVERION_QT_PLUGINS) in a folder of that name there.
+# quiverion_lay_out_runtime() copies all of them, and the files that only tests need, to the build directory of the
+# programs.
 get_filename_component(quiverion_qt "${Qt6_DIR}/../../.." ABSOLUTE)
 set(QUIVERION_QT_PLUGINS ${quiverion_qt}/plugins)
-# Its German texts, below "translations" beside the program.
+# The German texts of Qt, in "translations" in the directory of the program.
 set(QUIVERION_QT_TEXTS /usr/share/qt6/translations/qtbase_de.qm)
 
 function(quiverion_runtime_files libraries plugins)
   foreach(name Core Gui Widgets PrintSupport)
     list(APPEND found ${quiverion_qt}/bin/Qt6${name}.dll)
   endforeach()
-  # The compiler's own, which the program shares with those of Qt.
+  # The runtime libraries of the compiler, which the program shares with Qt.
   foreach(name libgcc_s_seh-1 libssp-0 libstdc++-6 libwinpthread-1)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}.dll OUTPUT_VARIABLE file
       OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
@@ -33,7 +34,7 @@ function(quiverion_lay_out_runtime)
   if(QUIVERION_TESTS)
     list(APPEND libraries ${quiverion_qt}/bin/Qt6Test.dll)
     list(APPEND plugins platforms/qoffscreen.dll)
-    # Without a display only these fonts are known.
+    # Without a display, only these fonts are available.
     file(COPY /usr/share/fonts/truetype/dejavu/DejaVuSans.ttf /usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf
       DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/lib/fonts)
   endif()

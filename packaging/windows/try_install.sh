@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the programs in a fresh wine, for one user and for all, uses them, and removes them; then the ZIP. Whatever a
-# removal leaves behind, and whatever it takes that is not its own, is an error: try_install.sh BUILD_DIRECTORY
+# Installs the programs in a fresh wine, for one user and for all, uses them, and removes them; then the ZIP. It is an
+# error if a removal leaves anything behind or removes anything else: try_install.sh BUILD_DIRECTORY
 set -euo pipefail
 build=$(realpath "$1") macro=$(realpath samples/macros/sample.json)
 root=$build/try_install user=$(id -un)
@@ -17,14 +17,14 @@ installer() { timeout 120 wine "$@" </dev/null; }
 value() { run reg query "$1" "${@:2}" | sed -nE 's/^    .*    REG_[A-Z_]+    //p'; }
 # The type and the bytes of the search path below the key.
 path_of() { run reg query "$1" /v Path | grep REG_; }
-# Files and registry as they are now, without times, what wine writes of its own, and the copy of the uninstaller that Windows
-# deletes at its next start.
+# The current files and registry, except for times, what wine itself writes, and the copy of the uninstaller that
+# Windows deletes at its next start.
 snapshot() {
   wineserver -w
   (cd wine && find drive_c -not -path '*/Temp/~nsu*' | sort && sed -E 's/^(\[.*\]) [0-9]+$/\1/' system.reg user.reg |
     grep -vE '^(#time|"DriverDateData"|@=hex\(ffff1003\)|"PendingFileRenameOperations")') >"$1"
 }
-# Runs the command line $1 over a series, and starts the window by the command behind it.
+# Runs the command line $1 over a series, and starts the window with the remaining arguments as the command.
 use() {
   rm -rf series && run "$build/bin/make_sample_series.exe" series --count 3 >/dev/null
   sed "s|build/sample/|series/|" "$macro" | timeout 60 wine "$1" macro import - sample.mak
@@ -47,7 +47,7 @@ echo "== A fresh Windows 10"
 Xvfb -displayfd 3 -screen 0 1280x960x24 3>display >/dev/null 2>&1 &
 run wineboot -i >/dev/null 2>&1
 run winecfg -v win10
-run reg add "HKCU\\${uninstall%\\*}" /f >/dev/null  # there on every Windows in use
+run reg add "HKCU\\${uninstall%\\*}" /f >/dev/null  # exists on every Windows in use
 mkdir -p "wine/drive_c/users/$user/AppData/Local/Programs"
 DISPLAY=:$(cat display)
 export DISPLAY
@@ -91,7 +91,7 @@ try_scope() {
   use "$cli" start /unix "$root/$start"
   code=0 && installer "$setup" /S "/$scope" || code=$?
   expect "installing over a running program" "$code" 2
-  # "_?=" makes the uninstaller stay where it is, so its verdict comes back; it must not be quoted.
+  # "_?=" makes the uninstaller stay where it is, so that its exit code is returned; it must not be quoted.
   printf '@"%s\\Entfernen.exe" /S _?=%s\r\n' "$directory" "$directory" >remove.bat
   code=0 && installer cmd /c remove.bat || code=$?
   expect "removing a running program" "$code" 2
@@ -114,7 +114,8 @@ try_scope CurrentUser HKCU 'HKCU\Environment' "C:\\${home//\//\\}\\Local\\Progra
   "$home/Roaming/Microsoft/Windows/Start Menu/Programs" 250 \
   "C:\\${home//\//\\}\\Local\\Programs\\QuiverionSeries\\cli\\quiverionseries-cli.exe" \
   "wine/drive_c/$home/Roaming/Microsoft/Windows/Start Menu/Programs/QuiverionSeries.lnk"
-# By search path and file type themselves: wine takes no path of more than 1000 characters, and the file types of the machine only.
+# Uses the search path and the file types themselves, which wine does not allow for a single user: it accepts no search
+# path longer than 1000 characters, and only the file types of the machine.
 try_scope AllUsers HKLM 'HKLM\SYSTEM\CurrentControlSet\Control\Session Manager\Environment' 'C:\Program Files\QuiverionSeries' \
   'ProgramData/Microsoft/Windows/Start Menu/Programs' 3 quiverionseries-cli.exe series/run01.vas
 

@@ -82,8 +82,7 @@ std::string ReadArguments(const std::vector<std::string>& words, Arguments& argu
   return {};
 }
 
-// All numbers of a series have the same width, so that the order of the names is the order of the
-// measurements.
+// All numbers of a series have the same width, so that the names sort in the order of the measurements.
 std::string FileName(int number, int count, std::string_view extension) {
   const std::string digits = std::to_string(number);
   const std::size_t width = std::max<std::size_t>(2, std::to_string(count).size());
@@ -95,7 +94,7 @@ struct SampleFile {
   std::string bytes;
 };
 
-// The kinds take turns.
+// The formats alternate.
 SampleFile MakeFile(const SampleField& field, int index) {
   switch (index % 5) {
     case 0:

@@ -17,7 +17,7 @@ constexpr int kScale = 80;       // px/cm: one grid step is 1 mm
 constexpr int kPulseDelay = 50;  // µs: one pixel of displacement is 2.5 m/s
 constexpr int kVortexCount = 4;
 
-// The distributions of <random> differ between libraries, the raw numbers of the engine do not.
+// The distributions of <random> differ between libraries; the raw numbers of the engine do not.
 class RandomSource {
  public:
   explicit RandomSource(std::uint64_t seed) : engine_(seed) {}
@@ -60,8 +60,8 @@ struct Flow {
   std::array<Vortex, kVortexCount> vortices;
 };
 
-// The vortices belong to the series (they depend on the seed alone) and move on by a fixed distance per file.
-// They leave the image downstream and come back upstream, half a spacing outside on either side.
+// The vortices belong to the series (they depend only on the seed) and move by a fixed distance per file. They leave
+// the image downstream and re-enter upstream, half a spacing outside on either side.
 Flow MakeFlow(const SampleOptions& options, const SampleField& field) {
   Flow flow;
   flow.width = 10.0 * field.imageWidth / field.pixelScale;
@@ -77,12 +77,12 @@ Flow MakeFlow(const SampleOptions& options, const SampleField& field) {
     vortex.x = std::fmod(start + 0.057 * flow.width * options.index, period) - 0.5 * spacing;
     vortex.y = flow.centreY + 0.08 * extent * (random.Uniform() - 0.5);
     vortex.core = extent * (0.045 + 0.02 * random.Uniform());
-    vortex.peak = -(3.5 + 2.0 * random.Uniform());  // the sense of the layer's own vorticity
+    vortex.peak = -(3.5 + 2.0 * random.Uniform());  // the same sense as the vorticity of the layer
   }
   return flow;
 }
 
-// Swirl velocity of a Lamb-Oseen vortex divided by the radius, so that the centre needs no special direction.
+// Swirl velocity of a Lamb-Oseen vortex divided by the radius, so that the centre needs no special case.
 double SwirlRate(const Vortex& vortex, double radius2) {
   constexpr double kAlpha = 1.2564312086;  // puts the largest velocity at the core radius
   const double core2 = vortex.core * vortex.core;
@@ -114,13 +114,13 @@ bool InBody(const Flow& flow, double x, double y) {
   return dx * dx + dy * dy <= radius * radius;
 }
 
-// Also takes away the last-bit differences between mathematical libraries. The sum turns -0 into 0.
+// Also removes the last-bit differences between mathematical libraries. The sum turns -0 into 0.
 double RoundVelocity(double value) {
   return std::round(value * 1e6) / 1e6 + 0.0;
 }
 
-// Every point uses up the same random numbers whatever becomes of it, so that switching the holes, the
-// outliers or the body off leaves all other vectors as they are.
+// Every point consumes the same random numbers in any case, so that switching off the holes, the outliers or the body
+// does not change any other vector.
 void FillPoint(const SampleOptions& options, const Flow& flow, RandomSource& random, SampleField& field, int column,
                int row) {
   const std::array<double, 2> noise = random.Normal();
@@ -145,8 +145,8 @@ void FillPoint(const SampleOptions& options, const Flow& flow, RandomSource& ran
   field.status[point] = 1;
 }
 
-// The image is exactly as large as the outermost interrogation windows need: a reader that places the grid
-// from image, window and step then finds the wanted number of columns and rows.
+// The image is exactly as large as the outermost interrogation windows need: a reader that places the grid from image,
+// window and step then finds the intended number of columns and rows.
 void SetGeometry(const SampleOptions& options, SampleField& field) {
   field.columns = options.columns;
   field.rows = options.rows;

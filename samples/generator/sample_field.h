@@ -15,13 +15,13 @@ struct SampleOptions {
   int columns = 125;
   int rows = 100;
   double noise = 0.15;         ///< standard deviation of each velocity component, m/s
-  double outlierShare = 0.02;  ///< share of the points with a gross wrong vector that counts as valid
+  double outlierShare = 0.02;  ///< share of the points with a grossly wrong vector that counts as valid
   double holeShare = 0.015;    ///< share of the points without a vector
   bool maskedBody = true;      ///< a circular body in the light sheet, its points are masked
 };
 
-/// One synthetic measurement. Columns and rows are counted from 1; vector (i,j) stands at
-/// (j-1)*columns + (i-1). All texts are UTF-8.
+/// One synthetic measurement. Columns and rows are counted from 1; vector (i,j) is at (j-1)*columns + (i-1). All texts
+/// are UTF-8.
 struct SampleField {
   int columns = 0;
   int rows = 0;
@@ -45,7 +45,7 @@ struct SampleField {
   std::string time;                        ///< HH:MM:SS
   std::array<std::string, 2> commentLines;
 
-  /// What only a VAS file carries. The values differ from each other so that swapped items show.
+  /// Items that only a VAS file has. The values differ from each other, so that swapped items are noticed.
   double offsetX = 0;  ///< mm
   double offsetY = 0;
   bool galileiPointSet = false;
@@ -53,7 +53,7 @@ struct SampleField {
   double galileiPointY = 0;
   double galileiVelX = 0;  ///< m/s
   double galileiVelY = 0;
-  std::vector<std::array<double, 4>> streamlines;  ///< x and y of the start point in mm, two carried values
+  std::vector<std::array<double, 4>> streamlines;  ///< x and y of the start point in mm, two values that are only kept
   std::int32_t streamlineSetting = 0;
   double scaleFactor = 1;
   double paletteMin = 0;
@@ -68,9 +68,9 @@ struct SampleField {
   std::int32_t background = 0;  ///< 0 none, 1 squared swirling strength, 2 vorticity
 };
 
-/// A shear layer with Lamb-Oseen vortices that drift downstream. Throws std::invalid_argument when a count is
-/// below 1 or above 30000, the grid has more than 2^26 points, the index is negative, the noise is negative
-/// or not finite, or the shares are no part of 1.
+/// A shear layer with Lamb-Oseen vortices that drift downstream. Throws std::invalid_argument when a count is below 1
+/// or above 30000, the grid has more than 2^26 points, the index is negative, the noise is negative or not finite, or
+/// the shares are not between 0 and 1.
 SampleField MakeSampleField(const SampleOptions& options);
 
 /// Position of vector (column,row) in the arrays; both are counted from 1.

@@ -30,7 +30,7 @@ class ByteWriter {
     bytes_ += text;
   }
 
-  /// Exactly `size` bytes, cut or filled up with zeros.
+  /// Exactly `size` bytes, truncated or padded with zeros.
   void FixedText(std::string_view utf8, std::size_t size) {
     std::string text = Windows1252Bytes(utf8);
     text.resize(size, '\0');
@@ -47,14 +47,13 @@ class ByteWriter {
   std::string bytes_;
 };
 
-// Characters of the bytes 80 to 9F; the five bytes without a character of their own stand for U+0081 and so
-// on.
+// Characters of the bytes 80 to 9F. The five bytes without a character represent U+0081 and so on.
 constexpr std::array<char32_t, 32> kUpperControlZone = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                                         0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
                                                         0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                                         0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-// Takes one character off the front of a text of well-formed UTF-8.
+// Removes the first character of a well-formed UTF-8 text.
 char32_t TakeCodePoint(std::string_view& text) {
   const auto lead = static_cast<unsigned char>(text.front());
   const std::size_t size = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
@@ -117,7 +116,7 @@ constexpr std::int32_t Rgb(std::int32_t red, std::int32_t green, std::int32_t bl
 }
 
 void WriteVasView(const SampleField& field, ByteWriter& out) {
-  // The viewer's own colours.
+  // The default colours of the viewer.
   constexpr std::array<std::int32_t, 9> kColours = {Rgb(0, 0, 255), Rgb(255, 0, 0),     Rgb(0, 200, 0),
                                                     Rgb(0, 0, 0),   Rgb(0, 150, 0),     Rgb(255, 255, 255),
                                                     Rgb(255, 0, 0), Rgb(255, 255, 255), Rgb(0, 255, 0)};
@@ -136,7 +135,7 @@ void WriteVasView(const SampleField& field, ByteWriter& out) {
   out.Int32(-1);
 }
 
-// m/s that one pixel of displacement stands for: 1 cm / pixelScale in pulseDelay µs.
+// m/s per pixel of displacement: 1 cm / pixelScale in pulseDelay µs.
 double VelocityPerPixel(const SampleField& field) {
   return 10000.0 / field.pixelScale / field.pulseDelay;
 }
@@ -233,7 +232,7 @@ VecScales MakeVecScales(const SampleField& field) {
   VecScales scales;
   scales.x = static_cast<float>(perPixel);
   scales.y = static_cast<float>(-perPixel);
-  // The offset is the edge of the first cell, the vector stands in its middle.
+  // The offset is the edge of the first cell; the vector is in its middle.
   scales.xOffset = static_cast<float>(PositionX(field, 1) - halfStep);
   scales.yOffset = static_cast<float>(PositionY(field, 1) + halfStep);
   scales.velocity = static_cast<float>(VelocityPerPixel(field));
@@ -251,7 +250,7 @@ void WriteVecHeader(const SampleField& field, int subType, int frames, ByteWrite
   const VecScales scales = MakeVecScales(field);
   out.Int16(20);  // floating-point data
   out.Zeros(4);
-  out.Int32(field.rows * field.columns);  // meaningless to readers, as the two after the sub type
+  out.Int32(field.rows * field.columns);  // not used by readers, like the two after the sub type
   out.Int16(static_cast<std::int16_t>(frames * field.rows));
   out.Int16(static_cast<std::int16_t>(field.columns));
   out.Int16(static_cast<std::int16_t>(subType));
@@ -291,7 +290,7 @@ float VecValue(const SampleField& field, const VecScales& scales, int subType, i
   const int peak = frame / 2;
   const int component = frame % 2;
   if (peak == status) return Displacement(field, scales, component, point);
-  const float other = static_cast<float>(peak) + 1.5F;  // a peak that was found, but not chosen
+  const float other = static_cast<float>(peak) + 1.5F;  // a peak that was found but not selected
   return component == 0 ? other : -other;
 }
 

@@ -54,7 +54,7 @@ class Shots {
     Save(widget, name);
     widget.hide();
   }
-  // What `open` shows modally, photographed and closed.
+  // Takes a picture of what `open` shows modally, and closes it.
   void Modal(const QString& name, const std::function<void()>& open) {
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] {
@@ -112,7 +112,7 @@ class Shots {
     Show(tree, "frmChooseMacroEvent");
   }
 
-  // What the run has collected.
+  // The collection of the run.
   void Collection() {
     frmShowCollection collection(main_.TheSession().context, series_ + "/Serie.col");
     collection.FillListBox();

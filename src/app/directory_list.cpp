@@ -14,7 +14,7 @@ constexpr int kPath = Qt::UserRole;
 constexpr int kIndent = 10;  // pixels for each level
 constexpr int kIconSize = 16;
 
-// The picture behind the indent of a line.
+// The picture after the indent of a line.
 QIcon IndentedIcon(const QIcon& icon, int depth, qreal scale) {
   const int width = depth * kIndent + kIconSize;
   QPixmap picture((QSizeF(width, kIconSize) * scale).toSize());
@@ -39,7 +39,7 @@ void DirectoryList::SetPath(const std::string& path) {
   const std::vector<DirectoryLine> lines = DirectoryLines(path, files_->ListDirectories(path));
   path_ = path;
   clear();
-  setIconSize({static_cast<int>(lines.size()) * kIndent + kIconSize, kIconSize});  // room for the deepest
+  setIconSize({static_cast<int>(lines.size()) * kIndent + kIconSize, kIconSize});  // enough for the deepest line
   const QIcon open(":/icons/directory-open.ico"), closed(":/icons/directory.ico");
   int current = 0;
   for (const DirectoryLine& line : lines) {
@@ -51,7 +51,7 @@ void DirectoryList::SetPath(const std::string& path) {
   setCurrentRow(current);
 }
 
-// A click beside the lines leaves the current directory marked.
+// A click outside the lines keeps the current directory selected.
 QItemSelectionModel::SelectionFlags DirectoryList::selectionCommand(const QModelIndex& index,
                                                                     const QEvent* event) const {
   return index.isValid() ? QListWidget::selectionCommand(index, event) : QItemSelectionModel::NoUpdate;

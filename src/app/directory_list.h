@@ -7,21 +7,21 @@
 
 namespace quiverion {
 
-/// The directories from the root down to the current one and those in it. Double-click or Enter opens one, Backspace goes
-/// up.
+/// The directories from the root down to the current one, and the directories in it. A double-click or Enter opens one,
+/// Backspace goes up.
 class DirectoryList : public QListWidget {
   Q_OBJECT
 
  public:
   explicit DirectoryList(QWidget* parent = nullptr);
 
-  /// The file system must outlive the widget. Called before everything else.
+  /// The file system must outlive the widget. Call this first.
   void Use(FileSystem& files) { files_ = &files; }
 
-  /// The current directory, without a separator behind it unless it is a root.
+  /// The current directory, without a separator at the end unless it is a root.
   const std::string& Path() const { return path_; }
 
-  /// Opens a directory. Throws SystemError where it cannot be listed: the list stays as it was.
+  /// Opens a directory. Throws SystemError if it cannot be listed; the list then stays as it was.
   void SetPath(const std::string& path);
 
  signals:

@@ -5,7 +5,7 @@
 
 namespace quiverion {
 
-/// The mounted volumes, sorted; the root is always among them.
+/// The mounted volumes, sorted; always including the root.
 std::vector<std::string> MountedDrives();
 
 }  // namespace quiverion

@@ -8,7 +8,7 @@
 
 namespace quiverion {
 
-/// The names of a file list; large directories need no item of their own for each.
+/// The names of a file list. A model, because one item per file would be slow for large directories.
 class FileListModel : public QAbstractListModel {
   Q_OBJECT
 
@@ -32,11 +32,11 @@ class FileList : public QListView {
  public:
   explicit FileList(QWidget* parent = nullptr);
 
-  /// The file system must outlive the widget. Called before everything else.
+  /// The file system must outlive the widget. Call this first.
   void Use(FileSystem& files) { files_ = &files; }
 
-  /// Lists a directory; one that cannot be read has no files. The selection of names that are still there stays where the
-  /// directory is the same.
+  /// Lists a directory; one that cannot be read has no files. If the directory is the same as before, names that still
+  /// exist stay selected.
   void ShowDirectory(const std::string& directory);
 
   /// Selected names in the order of the list.

@@ -28,9 +28,9 @@ namespace quiverion {
 namespace {
 
 constexpr const char* kCollectionTitle = "QuiverionSeries - Inhalt der Kollektion einsehen und bearbeiten";
-constexpr qint64 kPlacementTime = 300;  // ms that a window manager gets to show the window again
+constexpr qint64 kPlacementTime = 300;  // ms to wait for the window manager to show the window again
 
-// Files are read where they are: were the drop taken as a move, its source would delete them.
+// Files are read where they are. If the drop were accepted as a move, its source would delete them.
 void CopyOnly(QDropEvent& event) {
   if (!event.possibleActions().testFlag(Qt::CopyAction)) return event.ignore();
   event.setDropAction(Qt::CopyAction);
@@ -141,7 +141,7 @@ void frmMain::ShowMacro(int selected) {
   const int current = std::max(list->currentRow(), 0);
   list->clear();
   for (const MacroEvent& event : session_.macro) list->addItem(ToQt(MacroEventDescription(event.EventId(), true)));
-  // The keyboard goes on where it was, also where no line is selected.
+  // The keyboard focus continues from its position, even if no line is selected.
   const int line = selected >= 0 ? selected : std::min(current, list->count() - 1);
   list->setCurrentRow(line, selected >= 0 ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate);
 }
@@ -241,12 +241,12 @@ bool frmMain::OpenDirectory(const std::string& path) {
 void frmMain::ReadLists() {
   const std::string path = ui_->Directory->Path();
   if (OpenDirectory(path)) return;
-  ReadDrives();  // its drive may have gone, too
+  ReadDrives();  // its drive may be gone, too
   OpenDirectory(NearestDirectory(machine_.files, path, drives_));
 }
 
 void frmMain::Start() {
-  if (session_.context.busy) return;  // what runs keeps its files and its log
+  if (session_.context.busy) return;  // the running operation keeps its files and its log
   const QPoint place = pos();
   Guarded("pruefungen", [this, place] {
     session_.selectedFiles = ui_->Files->SelectedNames();
@@ -259,7 +259,7 @@ void frmMain::Start() {
     ReadLists();
   });
   if (isVisible() || quitting_) return;
-  messages_.RunEnded();  // an error has ended the run: the window must not stay hidden
+  messages_.RunEnded();  // an error ended the run: the window must not stay hidden
   ShowAt(place);
 }
 
@@ -298,7 +298,7 @@ void frmMain::RunStatistic(const StatisticTexts& texts) {
     logText_.Clear();
     session_.context.runHadError = false;
     const bool begun = StatisticsCommandFlow(session_.context, dialogs_, texts, ui_->Directory->Path());
-    // The result is saved as in a run: what went wrong stands in the log.
+    // The result is saved as in a run, so errors are in the log.
     if (begun && session_.context.runHadError) {
       messages_.Ask({.title = std::string(texts.title), .text = logText_.Text()});
     }
@@ -382,7 +382,7 @@ void frmMain::dropEvent(QDropEvent* event) {
     if (url.isLocalFile()) paths.push_back(PathFromQt(url.toLocalFile()));
   }
   CopyOnly(*event);
-  // Not inside the drop: its source waits for the end. A run or a dialog may have begun by then.
+  // Not inside the drop handler, because the source waits until it ends. A run or a dialog may have begun by then.
   const auto open = [this, paths] {
     if (isVisible() && !IsBehindDialog(*this)) OpenPaths(paths);
   };
@@ -390,7 +390,7 @@ void frmMain::dropEvent(QDropEvent* event) {
 }
 
 void frmMain::OpenPaths(const std::vector<std::string>& paths) {
-  WaitUntilPlaced();  // what opens stands over the window
+  WaitUntilPlaced();  // so that dialogs open over the window
   Guarded("mnuOpenMacroList", [&] {
     const auto first = [&paths](std::string_view extension) {
       return std::ranges::find_if(

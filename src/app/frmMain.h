@@ -22,7 +22,7 @@ class frmMain;
 
 namespace quiverion {
 
-/// What the program needs of the machine it runs on. The references must outlive the window.
+/// What the program needs from the machine it runs on. The references must outlive the window.
 struct Machine {
   FileSystem& files;
   const Clock& clock;
@@ -32,8 +32,8 @@ struct Machine {
   std::string helpFile = {};
 };
 
-/// The main window: the macro, the files of the series, Start. It holds the session; everything runs in its event
-/// handlers, and the progress of a run or a computation lets further events through.
+/// The main window: the macro, the files of the series, Start. It owns the session. Everything runs in its event
+/// handlers; a run or a computation processes further events when it yields.
 class frmMain : public QMainWindow, public MainWindow {
   Q_OBJECT
 
@@ -43,12 +43,12 @@ class frmMain : public QMainWindow, public MainWindow {
 
   Session& TheSession() { return session_; }
 
-  /// What dropped files ask for: the first macro is loaded, the first collection shown; a
-  /// directory opens with all its files selected, vector fields are selected in their directory. Where one of them is
-  /// missing, that is said and nothing is opened.
+  /// Opens dropped files: loads the first macro, shows the first collection, opens a directory with all its files
+  /// selected, and selects vector fields in their directory. If one of the files is missing, shows a message and opens
+  /// nothing.
   void OpenPaths(const std::vector<std::string>& paths);
 
-  /// Opens a directory and lists its files. One that cannot be read is reported and nothing changes.
+  /// Opens a directory and lists its files. If it cannot be read, shows a message and changes nothing.
   bool OpenDirectory(const std::string& path);
 
   /// Shows the macro of the session; `selected` is the selected line, -1 for none.
@@ -73,7 +73,7 @@ class frmMain : public QMainWindow, public MainWindow {
   void AddShortcut(const QKeySequence& keys, QWidget* where, Qt::ShortcutContext context,
                    const std::function<void()>& action);
 
-  // Runs what an event asks for: whatever it throws ends in a message box. `topic` is what F1 in its boxes leads to.
+  // Runs the reaction to an event; shows whatever it throws in a message box. `topic` is the help topic of its dialogs.
   void Guarded(std::string_view topic, const std::function<void()>& action);
 
   int SelectedLine() const;
@@ -97,12 +97,12 @@ class frmMain : public QMainWindow, public MainWindow {
   void EditCollection();
   void ShowCollection(const std::string& path);
 
-  // During a statistic a second entry point is refused with a message. True where it was.
+  // During a statistic, refuses a second entry point with a message. True if it was refused.
   bool RefuseWhileBusy(std::string_view title);
 
   void ShowLog();
 
-  // Shows the hidden window where it was: the window manager would place it anew.
+  // Shows the hidden window at its old position; the window manager would choose a new one.
   void ShowAt(QPoint place);
   void WaitUntilPlaced();
 

@@ -18,7 +18,7 @@ class MainWindow {
   virtual void ShowComputation(std::int64_t done, std::int64_t total) = 0;
   virtual void ComputationEnded() = 0;
 
-  /// True once the window is closed for good: what is going on is to end.
+  /// True once the window is closed for good: a run or computation in progress must end.
   virtual bool IsQuitting() const = 0;
 };
 

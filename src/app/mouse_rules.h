@@ -7,7 +7,7 @@
 
 namespace quiverion {
 
-/// Calls `action` when the right mouse button is released over a list. The button selects nothing: what is selected stays.
+/// Calls `action` when the right mouse button is released over a list. The button does not change the selection.
 class RightButton : public QObject {
  public:
   RightButton(QAbstractItemView& list, std::function<void()> action) : QObject(&list), action_(std::move(action)) {
@@ -27,7 +27,7 @@ class RightButton : public QObject {
   std::function<void()> action_;
 };
 
-/// Keeps the wheel from changing a closed box that the mouse happens to be over.
+/// Keeps the wheel from changing a closed combo box that the mouse happens to be over.
 class NoWheel : public QObject {
  public:
   using QObject::QObject;

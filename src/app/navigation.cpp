@@ -10,7 +10,7 @@
 namespace quiverion {
 namespace {
 
-// The end of what nothing lies above: "/", "C:\", "\\server\share".
+// The length of the root of a path: "/", "C:\", "\\server\share".
 std::size_t EndOfRoot(const std::string& path) {
   if (path.starts_with("\\\\")) {
     const std::size_t server = std::min(path.find('\\', 2), path.size());
@@ -20,7 +20,7 @@ std::size_t EndOfRoot(const std::string& path) {
   return first == std::string::npos ? path.size() : first + 1;
 }
 
-// The ends of "/", "/a", "/a/b" or of "C:\", "C:\a": each names a directory on the way.
+// The ends of "/", "/a", "/a/b" or of "C:\", "C:\a": the directories along the path.
 std::vector<std::size_t> EndsOfParts(const std::string& path) {
   std::vector<std::size_t> ends = {EndOfRoot(path)};
   for (std::size_t k = ends.front() + 1; k < path.size(); ++k) {

@@ -6,7 +6,7 @@
 
 #include "platform/files/file_system.h"
 
-/// What the drive, directory and file lists decide. Paths are the bytes the system uses.
+/// The decisions of the drive, directory and file lists. Paths are the bytes that the system uses.
 namespace quiverion {
 
 /// A line of the directory list.
@@ -20,27 +20,28 @@ struct DirectoryLine {
 /// The directories from the root ("/", "C:\", "\\server\share") down to `path`, then those in it, sorted by name.
 std::vector<DirectoryLine> DirectoryLines(const std::string& path, std::vector<std::string> subdirectories);
 
-/// The directory that holds `path`; an empty text for a root and for a name alone.
+/// The directory that contains `path`; empty for a root and for a name without a directory.
 std::string ParentDirectory(const std::string& path);
 
-/// The drive that holds `directory`: the longest of `drives` that it begins with; an empty text where there is none.
+/// The drive that contains `directory`: the longest of `drives` that it begins with; empty if there is none.
 std::string DriveOf(const std::vector<std::string>& drives, const std::string& directory);
 
-/// `directory` or the nearest one above it that can be listed, else the first such drive; the root where none can.
+/// `directory` or the nearest directory above it that can be listed, else the first drive that can; the root if none
+/// can.
 std::string NearestDirectory(FileSystem& files, const std::string& directory, const std::vector<std::string>& drives);
 
-/// What files or a directory dropped on the window select.
+/// The selection that results from files or a directory dropped on the window.
 struct DroppedSelection {
-  std::string directory;           // empty: nothing of it can be selected
-  std::vector<std::string> names;  // all files of the directory where `everything`
+  std::string directory;           // empty: nothing can be selected
+  std::vector<std::string> names;  // ignored if `everything`
   bool everything = false;
 };
 
-/// A directory selects all its files; else the files that lie in the directory of the first one are selected.
+/// A directory selects all its files; otherwise the files in the directory of the first one are selected.
 DroppedSelection SelectionOf(FileSystem& files, const std::vector<std::string>& paths);
 
-/// The help file beside the program; none (an empty text) where the program was started as a development environment
-/// starts it, with exactly "::IDESTART". Nothing else on the command line means anything.
+/// The help file in the program's directory; empty if the command line is exactly "::IDESTART", as when started from a
+/// development environment. Everything else on the command line is ignored.
 std::string HelpFileOf(std::string_view commandLine, const std::string& programDirectory);
 
 }  // namespace quiverion

@@ -13,7 +13,7 @@ constexpr qint64 kBetweenEvents = 1000000;  // ns
 
 MessageAnswer QtUserInterface::Ask(const Message& box) {
   if (progressWindow_) progressWindow_->Show(progress_);
-  QWidget* parent = QApplication::activeModalWidget();  // never the help, which moves over the box by itself
+  QWidget* parent = QApplication::activeModalWidget();  // never the help, which may be moved over the box
   if (parent == nullptr && progressWindow_) parent = progressWindow_.get();
   if (parent == nullptr && window_.Widget().isVisible()) parent = &window_.Widget();
   return ShowMessageBox(parent, box);
@@ -61,7 +61,7 @@ void QtUserInterface::ComputationEnded() {
 }
 
 bool QtUserInterface::Yield() {
-  // To look for events takes as long as to add a small field.
+  // Processing events takes as long as adding a small field to the sums.
   const qint64 now = time_.nsecsElapsed();
   if (!progressWindow_ && now < eventsDue_) return false;
   QCoreApplication::processEvents();

@@ -11,8 +11,8 @@
 
 namespace quiverion {
 
-/// The core's user interface as windows: message boxes over the window in use, the progress window in place of the main
-/// window during a run, the main window's progress bar during a computation.
+/// The user interface of the core with windows: message boxes over the active window, the progress window instead of
+/// the main window during a run, the progress bar of the main window during a computation.
 class QtUserInterface : public UserInterface {
  public:
   /// The window must outlive the object.
@@ -36,7 +36,7 @@ class QtUserInterface : public UserInterface {
   RunProgress progress_;                             // the last one, shown or not
   RepaintThrottle throttle_;
   QElapsedTimer time_;
-  qint64 eventsDue_ = 0;  // ns of `time_`: when a computation lets events through again
+  qint64 eventsDue_ = 0;  // ns of `time_`: when a computation next processes events
 };
 
 }  // namespace quiverion

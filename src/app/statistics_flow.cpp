@@ -32,7 +32,7 @@ void Inform(Context& context, std::string_view title, std::string text) {
   context.ui.Ask({.title = std::string(title), .text = std::move(text), .icon = MessageIcon::information});
 }
 
-// The viscosity in m²/s; none where the user cancels or the answer is refused.
+// The viscosity in m²/s; none if the user cancels or the answer is refused.
 std::optional<double> AskViscosity(Context& context, ParameterDialogs& dialogs, const StatisticTexts& texts) {
   const auto answer =
       dialogs.AskText({std::string(texts.title), "Bitte geben Sie die kinematische Viskosität [m/s²] an:", "15E-6"});

@@ -54,7 +54,7 @@ int RemoveFromCollection(const std::string& path, const std::vector<std::int32_t
                                  std::to_string(contents->header.fieldCount) + ".\n");
     return kFailed;
   }
-  CatchAbortRequests();  // a removal that has begun is finished
+  CatchAbortRequests();  // a removal that has begun runs to its end
   const RemovalOutcome outcome = RemoveRecords(context, path, numbers, contents->sourcePaths);
   const bool done = outcome == RemovalOutcome::removed || outcome == RemovalOutcome::collectionDeleted;
   return done ? services.Done() : services.FailedOn(path);

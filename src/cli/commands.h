@@ -8,8 +8,8 @@
 #include "cli/terminal.h"
 #include "statistics/compute_statistic.h"
 
-/// The commands of quiverionseries-cli. Each prints its result on standard output, what went wrong on
-/// standard error, and returns the exit code of the contract.
+/// The commands of quiverionseries-cli. Each prints its result on standard output and errors on standard error, and
+/// returns an ExitCode.
 namespace quiverion::cli {
 
 struct RunOptions {
@@ -30,7 +30,7 @@ int RunStatistic(StatisticKind kind, const std::string& collectionPath, const st
                  double viscosity);
 
 int ListCollection(const std::string& path, bool json);
-/// `numbers`: from 1 on, none twice.
+/// `numbers`: record numbers counted from 1, without duplicates.
 int RemoveFromCollection(const std::string& path, const std::vector<std::int32_t>& numbers);
 
 int ShowInfo(const std::string& path, bool json);

@@ -2,7 +2,7 @@
 
 namespace quiverion::cli {
 
-/// The contract with scripts.
+/// Scripts depend on these values.
 enum ExitCode : int {
   kDone = 0,
   kFailed = 1,   // the run had errors, or the command failed

@@ -9,8 +9,8 @@
 
 namespace quiverion::cli {
 
-/// Keeps the first lines of a log, for commands that show it only where something went wrong: a file may warn about
-/// every vector.
+/// Keeps the first lines of a log, for commands that show it only if something went wrong. The log may contain a
+/// warning for every vector.
 class FirstLines : public LogSink {
  public:
   void Write(std::string_view text, const LogFormat& /*format*/) override {

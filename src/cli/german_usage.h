@@ -43,7 +43,7 @@ class GermanHelp : public CLI::Formatter {
   }
 };
 
-/// CLI11 words its errors in English; the kind and the names in it are enough for a German sentence.
+/// CLI11 reports errors in English. Their kind and the names in them are enough to build a German sentence.
 inline std::string UsageMessage(const CLI::App& app, const CLI::ParseError& error) {
   const std::string what = error.what();
   const std::string name = what.substr(0, what.find_first_of(": "));

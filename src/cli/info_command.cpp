@@ -87,7 +87,7 @@ std::string AsText(const VectorField& field, const Summary& summary) {
 }
 
 Json RangeJson(const Range& range) {
-  // JSON knows neither NaN nor infinity.
+  // JSON has neither NaN nor infinity.
   const auto number = [](double value) { return std::isfinite(value) ? Json(value) : Json(); };
   return {{"min", number(range.min)}, {"max", number(range.max)}};
 }
@@ -116,7 +116,7 @@ std::string AsJson(const VectorField& field, const Summary& summary) {
                        {"pulseDelay", field.pulseDelay},
                        {"headerLines", field.headerLines},
                        {"infoText", field.infoText}};
-  // A file name may hold bytes that are no UTF-8.
+  // A file name may contain bytes that are not UTF-8.
   return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

@@ -9,7 +9,7 @@
 namespace quiverion::cli {
 namespace {
 
-// The load error's box has been shown; this says which file it was about.
+// The message box of the load error has been shown; this adds the name of the file.
 bool Load(Services& services, const std::string& path) {
   if (LoadMacroFile(services.session, path)) return true;
   services.terminal.PrintError("Makrodatei: '" + path + "'\n");

@@ -17,7 +17,7 @@ std::string Place(std::size_t position) {
   return "Befehl " + std::to_string(position) + ": ";
 }
 
-// One command on its way from JSON: the position is for the messages.
+// One command while it is read from JSON. The position is for the messages.
 class CommandReader {
  public:
   CommandReader(const Json& object, std::size_t position) : object_(object), position_(position) {
@@ -92,7 +92,7 @@ class CommandReader {
     }
     if (!value.is_number()) FailKind(parameter.key, "eine Zahl");
     const double number = value.get<double>();
-    // What is rounded to 32 bits in the file must fit after the rounding.
+    // A number that the file stores as a 32-bit integer must fit after rounding.
     const bool fits = parameter.encoding != FileEncoding::int32 || (number >= -2147483648.5 && number < 2147483647.5);
     if (!std::isfinite(number) || !fits) FailKind(parameter.key, "eine Zahl, die in die Makrodatei passt");
     return number;
@@ -131,7 +131,7 @@ std::string CommandToJson(const MacroEvent& event, std::size_t position) {
   return line + "}";
 }
 
-// The parser itself would keep one of two values and say nothing.
+// The parser itself would silently keep one of two values.
 Json ParseJson(std::string_view text) {
   std::vector<std::set<std::string>> keys;
   std::size_t position = 0;

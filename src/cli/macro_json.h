@@ -8,19 +8,18 @@
 
 namespace quiverion::cli {
 
-/// What is wrong with the JSON form of a macro: a German sentence that names the command's position and the
-/// key.
+/// An error in the JSON form of a macro: a German sentence that names the position of the command and the key.
 class MacroJsonError : public FormatError {
  public:
   using FormatError::FormatError;
 };
 
-/// The macro as an array of objects, one per line, in list order. Throws MacroJsonError where a value has no
-/// JSON form and SystemError where a command lacks one.
+/// The macro as an array of objects, one per line, in list order. Throws MacroJsonError if a value has no JSON form,
+/// SystemError if a command lacks a value.
 std::string MacroToJson(const MacroEventList& macro);
 
-/// The macro of a JSON text. Every key of a command must be there, of the right kind, and none else; the case
-/// of a key does not matter. Throws MacroJsonError.
+/// The macro of a JSON text. Every command must have exactly its keys, with values of the right kind. The case of a key
+/// does not matter. Throws MacroJsonError.
 MacroEventList MacroFromJson(std::string_view text);
 
 }  // namespace quiverion::cli

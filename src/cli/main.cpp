@@ -16,10 +16,10 @@
 namespace quiverion::cli {
 namespace {
 
-// What to do once everything was understood.
+// The action to run once the command line has been parsed.
 using Action = std::function<int()>;
 
-// A path is shown, and kept, as the system writes it.
+// A path is stored and shown in the form of the system.
 CLI::Option* Shown(CLI::Option* path) {
   return path->transform([](std::string typed) { return TypedPath(std::move(typed)); });
 }
@@ -112,7 +112,7 @@ constexpr std::pair<std::string_view, StatisticKind> kKinds[] = {
     {"dissipation", StatisticKind::dissipation},
 };
 
-// The whole text must be a number above 0: what a leading number would leave unread ("1,5E-5") is not to be guessed at.
+// The whole text must be a number above 0. Reading only a leading number ("1,5E-5") would be guessing.
 double ViscosityOf(const StatisticsArguments& arguments, StatisticKind kind) {
   const std::string& text = arguments.viscosity;
   if (text.empty()) {
@@ -159,7 +159,7 @@ struct CollectionArguments {
   bool json = false;
 };
 
-// Record numbers count from 1; one that is given twice is a slip that must not remove another record.
+// Record numbers count from 1. A number that is given twice is a mistake and must not remove another record.
 std::vector<std::int32_t> RecordNumbersOf(const std::vector<std::string>& texts) {
   std::vector<std::int32_t> numbers;
   for (const std::string& text : texts) {
@@ -210,7 +210,7 @@ int Main(int argc, char** argv) {
   CLI::App app("QuiverionSeries " QUIVERION_VERSION ": Serienauswertung von PIV-Daten", "quiverionseries-cli");
   app.set_version_flag("--version", "QuiverionSeries " QUIVERION_VERSION, "Version zeigen");
   app.require_subcommand(1);
-  app.allow_windows_style_options(false);  // "/data" is a path on every system
+  app.allow_windows_style_options(false);  // "/data" is a path, on every system
   Action action;
   RunArguments runArguments;
   FileArguments fileArguments;
@@ -226,7 +226,7 @@ int Main(int argc, char** argv) {
   Terminal terminal;
   try {
     std::vector<std::string> arguments = CommandLineArguments(argc, argv);
-    std::ranges::reverse(arguments);  // as the parser takes them
+    std::ranges::reverse(arguments);  // the order the parser expects
     app.parse(std::move(arguments));
     return action();
   } catch (const CLI::CallForHelp&) {

@@ -18,7 +18,7 @@
 namespace quiverion::cli {
 namespace {
 
-// The log as a file beside standard output. A failure is kept until the end: the run itself goes on.
+// The log as a file, in addition to standard output. A failure is kept until the end, and the run continues.
 class LogFile {
  public:
   LogFile(FileSystem& files, RunLog& log, const std::string& path) : log_(log), file_(files, nullptr, path) {
@@ -59,7 +59,7 @@ class LogFile {
   std::optional<Failure> failure_;
 };
 
-// Adds what one INPUT stands for; `known` are the keys of those before. False where it lies in another directory.
+// Adds the files of one INPUT; `known` are the keys of the files before. False if it is in another directory.
 bool AddInput(Session& session, std::unordered_set<std::string>& known, const std::string& input) {
   const std::string path = AbsolutePath(input);
   const bool isDirectory = session.context.files.IsDirectory(path);
@@ -73,13 +73,13 @@ bool AddInput(Session& session, std::unordered_set<std::string>& known, const st
     names.emplace_back(FileNameOf(path));
   }
   for (std::string& name : names) {
-    // A file named twice is one file of the series.
+    // A file that is named twice counts once.
     if (known.insert(FileNameKey(name)).second) session.selectedFiles.push_back(std::move(name));
   }
   return true;
 }
 
-// Adds all inputs. Says what is wrong with one, and returns the exit code.
+// Adds all inputs. Reports an input that is wrong and returns the exit code.
 int AddInputs(Services& services, const std::vector<std::string>& inputs) {
   std::unordered_set<std::string> known;
   for (const std::string& input : inputs) {
@@ -95,7 +95,7 @@ int AddInputs(Services& services, const std::vector<std::string>& inputs) {
   return kDone;
 }
 
-// What the run reads or writes under the name of its log: it would be lost when the log takes its place.
+// A file that the run reads or writes and that has the name of the log: the log would replace it.
 std::optional<std::string> FileUnderLog(const RunOptions& options, const Session& session) {
   std::vector<std::string> paths = {options.macro};
   for (const MacroEvent& event : session.macro) {
@@ -131,8 +131,8 @@ int RunSeries(const RunOptions& options) {
                         IsTerminal(StandardStream::output));
   services.log.Attach(output);
   std::optional<LogFile> logFile;
-  // Opened before the first file is touched: a log that cannot be written must not be noticed after hours. Opened after
-  // the checks: a run that they refuse writes nothing.
+  // Opened before the first file is processed, so that a log that cannot be written is noticed at once and not after
+  // hours. Opened after the checks, because a run that they refuse must write nothing.
   const auto openLog = [&] {
     if (!options.log.empty()) logFile.emplace(*services.files, services.log, options.log);
     CatchAbortRequests();

@@ -22,13 +22,14 @@ struct Services {
   /// The exit code of a command that has printed its result.
   int Done() const { return terminal.OutputFailed() ? kFailed : kDone; }
 
-  /// The exit code of a command that has failed with a message, which did not say on which collection.
+  /// The exit code of a command that has failed with a message. Adds the name of the collection, which the message
+  /// lacks.
   int FailedOn(const std::string& collectionPath) {
     terminal.PrintError("Kollektion: '" + collectionPath + "'\n");
     return kFailed;
   }
 
-  /// The exit code of operations that set the flags of the context.
+  /// The exit code after operations that report through the flags of the context.
   int Outcome() const {
     if (session.context.userAbortRequested) return kAborted;
     return session.context.runHadError ? kFailed : Done();

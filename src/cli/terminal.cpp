@@ -16,7 +16,7 @@ std::string WithNewlines(std::string_view text) {
   return lines;
 }
 
-// True where the text leaves the terminal at the beginning of a line; what ends the colour may stand behind the break.
+// True if the text leaves the terminal at the beginning of a line; the end of the colour may follow the line break.
 bool EndsLine(std::string_view text) {
   constexpr std::string_view plainAgain = "\x1b[0m";
   if (text.ends_with(plainAgain)) text.remove_suffix(plainAgain.size());
@@ -63,7 +63,7 @@ void Terminal::Print(std::string_view text) {
 void Terminal::PrintError(std::string_view text) {
   EraseProgress();
   std::string shown(text);
-  if (showProgress_) ReplaceControls(shown, "\n\t");  // a terminal would obey them
+  if (showProgress_) ReplaceControls(shown, "\n\t");  // a terminal would execute them
   WriteToStream(StandardStream::error, shown);
 }
 

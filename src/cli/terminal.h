@@ -8,8 +8,8 @@
 
 namespace quiverion::cli {
 
-/// The user interface of the command line: results on standard output, messages and progress on standard
-/// error. A message box is answered by the rule of the contract.
+/// The user interface of the command line: results on standard output, messages and progress on standard error. Message
+/// boxes are answered without asking: those of the pre-run checks as `onProblem` says, others with OK, Cancel or No.
 class Terminal : public UserInterface {
  public:
   /// `onProblem`: the answer to the boxes of the pre-run checks, abort or ignore.
@@ -27,7 +27,7 @@ class Terminal : public UserInterface {
   void Print(std::string_view text);
   void PrintError(std::string_view text);
 
-  /// True where standard output could not take everything (a closed pipe, a full disk).
+  /// True if not everything could be written to standard output (a closed pipe, a full disk).
   bool OutputFailed() const { return outputFailed_; }
 
  private:
@@ -42,7 +42,7 @@ class Terminal : public UserInterface {
   bool outputIsTerminal_;
   bool showProgress_;
   bool progressShown_ = false;
-  bool insideLine_ = false;  // the log has begun a line on the same terminal: the progress must not erase it
+  bool insideLine_ = false;  // the log has an unfinished line on the same terminal, which the progress must not erase
   bool outputFailed_ = false;
   Time start_;
   Time lastShown_;

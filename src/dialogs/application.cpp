@@ -20,10 +20,10 @@
 namespace quiverion {
 namespace {
 
-// Keeps shortcuts from acting behind a dialog. Qt lets them pass as long as the dialog is not yet the active window, and
-// presses the button of a mnemonic 100 ms later, when a dialog may have opened: a key that follows another one closely
-// would change what the dialog is about.
-// A mnemonic that a button shares with something else reaches them in turn. Qt would only move the focus to the button.
+// Keeps shortcuts from acting in a window behind a dialog. Qt lets them through until the dialog is the active window,
+// and presses the button of a mnemonic 100 ms late, when a dialog may have opened. With quick typing, a key could
+// change what the dialog is about. A mnemonic that a button shares with something else reaches them in turn. Qt would
+// only move the focus to the button.
 class ShortcutRules : public QObject {
  public:
   using QObject::QObject;
@@ -117,7 +117,7 @@ void PrepareApplication(QApplication& application) {
   QApplication::setWindowIcon(QIcon(":/icons/program.ico"));
   QGuiApplication::setDesktopFileName(QStringLiteral("org.quiverion.QuiverionSeries"));
   QApplication::setApplicationName(QStringLiteral("QuiverionSeries"));
-  // The main window is hidden during a run: its end is not the program's.
+  // The main window is hidden during a run, which must not end the program.
   QApplication::setQuitOnLastWindowClosed(false);
 }
 

@@ -4,7 +4,7 @@ class QApplication;
 
 namespace quiverion {
 
-/// What every window needs of the application: its name and icon, German texts of the widgets, German numbers.
+/// Prepares what all windows share: name and icon of the application, German texts of the widgets, German numbers.
 void PrepareApplication(QApplication& application);
 
 }  // namespace quiverion

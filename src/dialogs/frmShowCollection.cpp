@@ -14,7 +14,7 @@
 namespace quiverion {
 namespace {
 
-// True where the user wants `count` records of the collection removed and the file can be changed.
+// True if the user confirms that `count` records be removed and the file can be changed.
 bool ConfirmRemoval(Context& context, const std::string& path, std::size_t count) {
   constexpr const char* title = "QuiverionSeries - Vektorfelder entfernen";
   if (!MakeCollectionWritable(context.files, context.ui, path, "der aktuellen Kollektion")) return false;
@@ -51,7 +51,7 @@ frmShowCollection::frmShowCollection(Context& context, std::string collectionPat
 frmShowCollection::~frmShowCollection() = default;
 
 bool frmShowCollection::FillListBox() {
-  if (reading_) return true;  // the message box of a failure is up
+  if (reading_) return true;  // the message box of a failure is open
   reading_ = true;
   const int place = ui_->lstCollectedFiles->verticalScrollBar()->value();
   setCursor(Qt::WaitCursor);
@@ -59,7 +59,7 @@ bool frmShowCollection::FillListBox() {
   ui_->lstCollectedFiles->clear();
   const auto contents = ReadCollectionContents(context_, path_, [this](const CollectionHeader& header) {
     ui_->lblCollectionInfo->setText(ToQt(DescribeCollection(path_, header)));
-    ui_->lblCollectionInfo->repaint();  // the list may take its time
+    ui_->lblCollectionInfo->repaint();  // filling the list may take long
   });
   unsetCursor();
   reading_ = false;
@@ -94,7 +94,7 @@ std::vector<std::int32_t> frmShowCollection::SelectedRecords() const {
 }
 
 void frmShowCollection::RemoveSelected() {
-  // What the user sees now: the list may be read again while he is asked.
+  // What the user sees now. The list may be read again while the question is open.
   const std::vector<std::int32_t> numbers = SelectedRecords();
   const std::vector<std::string> listed = listed_;
   if (!ConfirmRemoval(context_, path_, numbers.size())) return;
@@ -104,7 +104,7 @@ void frmShowCollection::RemoveSelected() {
   if (outcome == RemovalOutcome::collectionDeleted) return accept();
   programMustEnd_ = outcome == RemovalOutcome::lengthNotSet;
   if (programMustEnd_) return reject();
-  if (FillListBox()) ui_->lstCollectedFiles->setFocus();  // the button was disabled meanwhile
+  if (FillListBox()) ui_->lstCollectedFiles->setFocus();  // the button has been disabled and lost the focus
 }
 
 }  // namespace quiverion

@@ -13,20 +13,21 @@ class frmShowCollection;
 
 namespace quiverion {
 
-/// Which fields a collection holds; removes selected ones. Entry k of the list is record k of the file.
+/// Lists the fields of a collection and removes selected ones. Entry k of the list is record k of the file.
 class frmShowCollection : public QDialog {
   Q_OBJECT
 
  public:
-  /// The context must outlive the window. Nothing is read before FillListBox.
+  /// The context must outlive the window. The collection is not read before FillListBox.
   frmShowCollection(Context& context, std::string collectionPath, QWidget* parent = nullptr);
   ~frmShowCollection() override;
 
-  /// Reads the collection (anew) into list and label; nothing is selected then. False where that fails: a message box has
-  /// said why, and the window closes. Called before the window is shown and, by itself, when it is resized.
+  /// Reads the collection (again) into list and label; no line is selected then. False if that fails: a message box has
+  /// given the reason, and the window closes. Called before the window is shown, and by the window itself when it is
+  /// resized.
   bool FillListBox();
 
-  /// True once a removal has failed in a way after which the program has to end. A message box has said so.
+  /// True once a removal has failed in a way after which the program has to end. A message box has been shown.
   bool ProgramMustEnd() const { return programMustEnd_; }
 
  protected:

@@ -28,7 +28,7 @@ LogColours OnScreen(const QPalette& palette) {
   return {palette.color(QPalette::Text).rgb(), qRgb(255, 120, 120), qRgb(90, 220, 90)};
 }
 
-// Puts the pieces of a log into a document.
+// Writes the pieces of a log into a document.
 class DocumentSink : public LogSink {
  public:
   DocumentSink(QTextDocument* document, const LogColours& colours) : cursor_(document), colours_(colours) {
@@ -65,7 +65,7 @@ frmShowLogFile::frmShowLogFile(const LogText& log, std::string path, FileSystem&
   ui_->setupUi(this);
   setWindowFlag(Qt::WindowMaximizeButtonHint);
   ShowIn(OnScreen(palette()));
-  // The verdict stands at the end.
+  // The verdict is at the end.
   ui_->RichTextBox->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   ui_->RichTextBox->moveCursor(QTextCursor::End);
   connect(ui_->cmdOk, &QPushButton::clicked, this, &QDialog::accept);

@@ -24,12 +24,12 @@ class frmShowLogFile : public QDialog {
   Q_OBJECT
 
  public:
-  /// `path` is where Save writes the log. The references must outlive the window.
+  /// Save writes the log to `path`. The references must outlive the window.
   frmShowLogFile(const LogText& log, std::string path, FileSystem& files, UserInterface& messages,
                  QWidget* parent = nullptr);
   ~frmShowLogFile() override;
 
-  /// Prints the selected text, or the whole log where nothing is selected.
+  /// Prints the selected text, or the whole log if nothing is selected.
   void PrintTo(QPrinter& printer);
 
  protected:

@@ -42,7 +42,7 @@ void frmShowProgress::reject() {
 }
 
 void frmShowProgress::closeEvent(QCloseEvent* event) {
-  if (asking_ || abortRequested_) return event->setAccepted(abortRequested_);  // closed again under the question
+  if (asking_ || abortRequested_) return event->setAccepted(abortRequested_);  // closed again during the question
   asking_ = true;
   const MessageAnswer answer =
       messages_.Ask({.title = "QuiverionSeries  -  Makro-Ausführung abbrechen",

@@ -11,7 +11,7 @@ class frmShowProgress;
 
 namespace quiverion {
 
-/// How far a run is. Closing it asks whether the run is to be aborted.
+/// Shows the progress of a run. Closing it asks whether to abort the run.
 class frmShowProgress : public QDialog {
   Q_OBJECT
 
@@ -22,10 +22,10 @@ class frmShowProgress : public QDialog {
 
   void Show(const RunProgress& progress);
 
-  /// True once the user has closed the window and confirmed it.
+  /// True once the user has closed the window and confirmed the question.
   bool AbortRequested() const { return abortRequested_; }
 
-  void reject() override;  // Escape is closing
+  void reject() override;  // Escape closes the window
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -38,7 +38,7 @@ class frmShowProgress : public QDialog {
   bool abortRequested_ = false;
 };
 
-/// The caption of the window behind a file: a minimised one shows the progress in the task bar.
+/// The caption after a file: it shows the progress in the task bar when the window is minimised.
 std::string ProgressCaption(bool minimised, std::int32_t filesDone, std::int32_t fileCount);
 
 }  // namespace quiverion

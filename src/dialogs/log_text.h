@@ -8,7 +8,7 @@
 
 namespace quiverion {
 
-/// Keeps the log of a run until its window is closed: one text and where its format changes.
+/// Keeps the log of a run until its window is closed: one text, and the positions where the format changes.
 class LogText : public LogSink {
  public:
   void Write(std::string_view text, const LogFormat& format) override;
@@ -16,7 +16,8 @@ class LogText : public LogSink {
   void Clear();
   const std::string& Text() const { return text_; }
 
-  /// Hands the log to `target`, neighbouring pieces of one format together: it comes out as if it had been written there.
+  /// Passes the log to `target`, adjacent pieces of the same format together. The result is the same as if it had been
+  /// written there directly.
   void ReplayTo(LogSink& target) const;
 
  private:

@@ -5,8 +5,8 @@
 #include "dialogs/parameters/parameter_dialogs.h"
 #include "macro/session.h"
 
-/// The five actions on the macro list, without the list itself. `selected` is the index of its selected line, -1 where
-/// there is none; line k shows command k of the macro. Each leaves the macro unchanged where the user cancels.
+/// The five actions on the macro list, without the list itself. `selected` is the index of the selected line, -1 if
+/// there is none; line k shows command k of the macro. Each leaves the macro unchanged if the user cancels.
 namespace quiverion {
 
 class MacroEditing {
@@ -14,17 +14,17 @@ class MacroEditing {
   /// Both must outlive the object.
   MacroEditing(Session& session, ParameterDialogs& dialogs) : session_(session), dialogs_(dialogs) {}
 
-  /// A new command before the selected one, or at the end. `directory` is where file dialogs begin. Returns the index of
-  /// the new command, -1 where there is none.
+  /// Inserts a command before the selected one, or at the end. File dialogs begin in `directory`. Returns the index of
+  /// the new command, -1 if none was inserted.
   int Insert(int selected, const std::string& directory);
 
-  /// New parameters for the selected command. Returns true where the macro changed.
+  /// Asks for new parameters of the selected command. Returns true if the macro changed.
   bool Edit(int selected, const std::string& directory);
 
-  /// Returns true where the macro changed.
+  /// Returns true if the macro changed.
   bool Delete(int selected);
 
-  /// Moves the selected command by -1 (up) or 1 (down). Returns its new index, `selected` where it cannot move.
+  /// Moves the selected command by -1 (up) or 1 (down). Returns its new index, or `selected` if it cannot move.
   int Move(int selected, int by);
 
  private:

@@ -29,8 +29,8 @@ class PrintedNumbers {
 };
 
 /// Writes lines of texts and numbers into a result file: numbers in print style with the user's decimal separator,
-/// texts as they are, lines ended by CR LF. Items are gathered in a block of its own, nothing allocates per item.
-/// Throws SystemError as ResultFile does.
+/// texts as they are, lines ended by CR LF. Items are gathered in one block; nothing is allocated per item. Throws
+/// SystemError as ResultFile does.
 class TableWriter {
  public:
   TableWriter(ResultFile& file, char decimalSeparator);
@@ -63,7 +63,7 @@ class TableWriter {
   }
   void EndLine() { *this << std::string_view("\r\n"); }
 
-  /// Hands over what is left.
+  /// Passes the rest to the file.
   void Finish();
 
   static constexpr std::size_t kMaxText = 64;

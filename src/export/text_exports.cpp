@@ -19,7 +19,7 @@ constexpr SaveWording kWording = {
     .openFailed =
         "    Die aktuelle Datei kann nicht gespeichert werden, da folgender Fehler beim Öffnen aufgetreten ist:"};
 
-// The grid's positions as they stand in the table.
+// The positions of the grid as they appear in the table.
 struct Positions {
   PrintedNumbers x, y;
 
@@ -68,7 +68,7 @@ void WriteStanfordVectors(const VectorField& field, TableWriter& table) {
   }
 }
 
-// A line of the rows' positions, then a line per column; the last row stands first.
+// A line with the positions of the rows, then a line per column; the last row comes first.
 void WriteGrid(const VectorField& field, TableWriter& table, std::string_view corner, char separator) {
   const Positions at(field, table);
   table << corner;
@@ -119,7 +119,7 @@ void WriteTriples(const VectorField& field, TableWriter& table, ValueOf valueOf)
   }
 }
 
-// The root keeps the sense of rotation.
+// The root keeps the sign, which is the sense of rotation.
 void WriteSwirlTriples(const VectorField& field, TableWriter& table) {
   WriteTriples(field, table, [](double s) { return s < 0.0 ? -std::sqrt(-s) : std::sqrt(s); });
 }

@@ -7,10 +7,10 @@
 
 namespace quiverion {
 
-/// The second field, which commands combine with the current one. Positions, header and the rest of a field are not
-/// kept. Grids as in VectorField; a buffer without columns and rows is empty.
+/// The second field, which commands combine with the current one. It has no positions, header or other parts of a
+/// field. Grids as in VectorField. A buffer without columns and rows is empty.
 struct BufferField {
-  std::string bufferFileName;  // path of the field that was copied; empty behind a load from a file
+  std::string bufferFileName;  // path of the copied field; empty after a load; a statistic keeps it
   std::int32_t bufferColumnCount = 0;
   std::int32_t bufferRowCount = 0;
   Grid<double> bufferVelX;  // m/s

@@ -9,8 +9,8 @@
 
 namespace quiverion {
 
-/// What operations work on: the one current field, the buffer field, the flags of the run and the services. Plain data;
-/// a function that takes a Context may log, ask, fail and set flags, a function that takes a VectorField only computes.
+/// What operations work on: the current field, the buffer field, the flags of the run and the services. Plain data. A
+/// function that takes a Context may log, ask, fail and set flags; a function that takes a VectorField only computes.
 struct Context {
   Context(FileSystem& fileSystem, UserInterface& userInterface, RunLog& runLog, const Clock& systemClock)
       : files(fileSystem), ui(userInterface), log(runLog), clock(systemClock) {}
@@ -24,15 +24,15 @@ struct Context {
   VectorField field;
   BufferField buffer;  // outlives the files of a run, and the run
 
-  bool abortCurrentFile = false;    // skip the rest of the commands for this file
+  bool abortCurrentFile = false;    // skip the remaining commands for this file
   bool runHadError = false;         // the run has seen an error or a warning
   bool userAbortRequested = false;  // end the run before the next command
 
   bool busy = false;  // an entry point is running; see BusyGuard
 };
 
-/// Keeps a yield from starting a second entry point: each takes a guard first and leaves where it did not get
-/// in.
+/// Keeps a second entry point from starting during a yield: each creates a guard first, and returns if it has not
+/// entered.
 class BusyGuard {
  public:
   explicit BusyGuard(Context& context) : context_(context), entered_(!context.busy) { context.busy = true; }

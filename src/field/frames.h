@@ -10,15 +10,15 @@
 #include "messages/failure.h"
 #include "platform/files/result_file.h"
 
-/// The frames of loading and saving own the sequence open / body / close / "fertig", every failure text and the fate of
-/// an incomplete file. A reader or writer supplies only the body. The announcement has been logged by the caller;
-/// nothing is thrown.
+/// The frames for loading and saving are responsible for the sequence open, body, close, "fertig", for every failure
+/// text and for an incomplete file. A reader or writer supplies only the body. The announcement has been logged by the
+/// caller; nothing is thrown.
 namespace quiverion {
 
-/// Logs the warning mark and the lines and sets runHadError.
+/// Logs the warning mark and the lines, and sets `runHadError`.
 void LogWarning(Context& context, std::initializer_list<std::string_view> lines);
 
-/// Logs that characters of `text` which Windows-1252 lacks were written as "?", a warning.
+/// Warns that characters of `text` that are not in Windows-1252 were written as "?".
 void WarnLostCharacters(Context& context, std::string_view text);
 
 /// Logs the error mark, the lines and that the current file is given up; sets `abortCurrentFile`.

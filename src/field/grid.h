@@ -9,7 +9,7 @@
 
 namespace quiverion {
 
-/// Leaves new elements of trivial types as they are, for memory that is overwritten at once.
+/// Leaves new elements of trivial types uninitialised, for memory that is overwritten at once.
 template <class T>
 class UninitialisedAllocator : public std::allocator<T> {
  public:
@@ -40,7 +40,7 @@ class Grid {
   /// New size, elements unspecified: the caller overwrites all of them.
   void ResetUninitialised(std::int32_t columns, std::int32_t rows) {
     const std::size_t count = SetSize(columns, rows);
-    if (count > elements_.capacity()) elements_.clear();  // nothing worth moving
+    if (count > elements_.capacity()) elements_.clear();  // the old elements need not be moved
     elements_.resize(count);
   }
 

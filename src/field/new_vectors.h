@@ -6,8 +6,8 @@
 
 namespace quiverion {
 
-/// Velocities that a kernel writes beside those of a field, for the field to take once nothing has gone wrong. The
-/// elements are unspecified at first.
+/// New velocities for a field, in scratch memory: a kernel writes them, and the field takes them if nothing went wrong.
+/// The elements are unspecified at first.
 struct NewVelocities {
   Grid<double> velX, velY;  // m/s
 
@@ -21,7 +21,7 @@ struct NewVelocities {
   }
 };
 
-/// The same with statuses, and how many vectors are valid more than before.
+/// The same with statuses, and by how much the number of valid vectors grows.
 struct NewVectors : NewVelocities {
   Grid<std::int32_t> status;
   std::int64_t gained = 0;

@@ -8,7 +8,7 @@
 namespace quiverion {
 namespace {
 
-// `reset` sets the size of one grid.
+// `reset` resizes one grid.
 template <class ResetGrid>
 void CreateArraysWith(VectorField& field, std::int32_t columns, std::int32_t rows, ResetGrid reset) {
   if (columns < 1 || rows < 1) throw SystemError(ErrorNumber::indexOutOfRange);

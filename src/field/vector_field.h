@@ -11,7 +11,7 @@
 
 namespace quiverion {
 
-/// A flag as it is stored: -1 true, 0 false; other values are carried as they are and count as true.
+/// A flag as it is stored: -1 true, 0 false; other values are kept and count as true.
 using Flag16 = std::int16_t;
 inline constexpr Flag16 kFlagTrue = -1;
 inline constexpr Flag16 kFlagFalse = 0;
@@ -58,7 +58,7 @@ struct Recording {
   std::int32_t validVectorCount = 0;
 };
 
-/// Start x and y (mm), then two values that are only carried.
+/// Start x and y (mm), then two values that are only kept.
 using Streamline = std::array<double, 4>;
 
 /// Streamlines that the viewer draws.
@@ -108,8 +108,7 @@ struct CarriedSettings {
 /// One PIV vector field with everything a VAS file carries, composed of what is reset or kept together.
 struct VectorField : GridVectors, Source, Recording, Streamlines, Transformation, ViewSettings, CarriedSettings {};
 
-/// Adds `change` to `validVectorCount`. The count comes from a file and may be anything: it stays at the end of its
-/// range.
+/// Adds `change` to `validVectorCount`. The count comes from a file and may be anything, so it saturates.
 inline void ChangeValidCount(VectorField& field, std::int64_t change) {
   using Limits = std::numeric_limits<std::int32_t>;
   field.validVectorCount = static_cast<std::int32_t>(
@@ -119,20 +118,20 @@ inline void ChangeValidCount(VectorField& field, std::int64_t change) {
 /// Empties the streamline table.
 void ResetStreamlines(VectorField& field);
 
-/// Everything takes its default except the arrays and grid size, the paths, and `paletteSetting` and `viewerSettings`,
-/// which keep the values of the field before.
+/// Sets everything to its default except the arrays, the grid size, the paths, `paletteSetting` and `viewerSettings`.
 void ResetHeader(VectorField& field);
 
-/// What a load does before it opens `path`: resets the header and sets the paths. The reader sets arrays and grid size
-/// (CreateArrays).
+/// What a load does before that separator opens `path`: resets the header and sets the paths. The reader sets arrays
+/// and grid size (CreateArrays).
 void ResetForLoad(VectorField& field, const std::string& path);
 
-/// For formats that do not hold every point of their grid, whose header alone could ask for any amount of memory: a
-/// file may have 2^20 points and one more for each of its bytes. Throws SystemError 7 for more; counts below 1 pass.
+/// For formats that need not contain every point of their grid, so that the header alone could demand any amount of
+/// memory. Allows 2^20 points plus one for each byte of the file; throws SystemError 7 for more. Counts below 1 are not
+/// checked.
 void CheckSparseGrid(std::int64_t columns, std::int64_t rows, std::uint64_t fileSize);
 
-/// Creates all six arrays with the given size, zero-filled. Throws SystemError 9 for counts below 1 and 7
-/// where the memory is not there.
+/// Creates all six arrays with the given size, zero-filled. Throws SystemError 9 for counts below 1 and 7 if there is
+/// not enough memory.
 void CreateArrays(VectorField& field, std::int32_t columns, std::int32_t rows);
 
 /// The same for a reader that overwrites positions, velocities and statuses at once: only derivedScalar is

@@ -15,7 +15,7 @@ bool IsPlainInRtf(char c) {
   return c >= 0x20 && c < 0x7F && c != '\\' && c != '{' && c != '}';
 }
 
-// Length of the characters at the beginning that stand for themselves in RTF, eight at a time.
+// Number of characters at the beginning that need no escape in RTF; checks eight at a time.
 std::size_t PlainPrefix(std::string_view text) {
   std::size_t length = 0;
   for (; length + 8 <= text.size(); length += 8) {
@@ -29,7 +29,7 @@ std::size_t PlainPrefix(std::string_view text) {
   return length;
 }
 
-// "\r\n" becomes "\n"; for a terminal control characters become "?".
+// "\r\n" becomes "\n"; for a terminal, control characters become "?".
 void AppendLines(std::string& target, std::string_view text, bool forTerminal) {
   const std::size_t start = target.size();
   while (!text.empty()) {
@@ -109,7 +109,7 @@ void TerminalWriter::Write(std::string_view text, const LogFormat& format) {
   if (colour_) {
     buffer_.append(format.bold ? "\x1b[1m" : "");
     buffer_.append(format.italic ? "\x1b[3m" : "");
-    // Black is the terminal's own colour: it may be a dark one.
+    // Black means the default colour of the terminal, whose background may be dark.
     buffer_.append(format.colour == LogColour::red ? "\x1b[31m" : format.colour == LogColour::green ? "\x1b[32m" : "");
   }
   AppendLines(buffer_, text, colour_);

@@ -9,10 +9,10 @@
 
 namespace quiverion {
 
-/// Takes the bytes that a log writer makes.
+/// Receives the bytes that a log writer produces.
 using ByteConsumer = std::function<void(std::string_view)>;
 
-/// Gathers what a writer makes and hands it over in large blocks.
+/// Gathers the output of a writer and passes it on in large blocks.
 class BufferedLogWriter : public LogSink {
  public:
   explicit BufferedLogWriter(ByteConsumer consumer) : consumer_(std::move(consumer)) {}
@@ -27,15 +27,15 @@ class BufferedLogWriter : public LogSink {
   ByteConsumer consumer_;
 };
 
-/// Plain UTF-8 text, line breaks as they come ("\r\n").
+/// Plain UTF-8 text, line breaks unchanged ("\r\n").
 class PlainTextWriter : public BufferedLogWriter {
  public:
   using BufferedLogWriter::BufferedLogWriter;
   void Write(std::string_view text, const LogFormat& format) override;
 };
 
-/// UTF-8 text with "\n" line ends for standard output, in colour where asked. On a terminal control
-/// characters in file names are shown as "?": they must not steer it.
+/// UTF-8 text with "\n" line ends for standard output, optionally in colour. On a terminal, control characters in file
+/// names are shown as "?", because they must not control it.
 class TerminalWriter : public BufferedLogWriter {
  public:
   TerminalWriter(ByteConsumer consumer, bool colour) : BufferedLogWriter(std::move(consumer)), colour_(colour) {}
@@ -46,7 +46,7 @@ class TerminalWriter : public BufferedLogWriter {
   bool colour_;
 };
 
-/// The formatted log as RTF (Windows-1252 with \u escapes for what that lacks). Finish closes the document.
+/// The formatted log as RTF (Windows-1252, with \u escapes for other characters). Finish closes the document.
 class RtfWriter : public BufferedLogWriter {
  public:
   explicit RtfWriter(ByteConsumer consumer);
@@ -57,7 +57,7 @@ class RtfWriter : public BufferedLogWriter {
   void ChangeFormat(const LogFormat& format);
   void AppendEscaped(std::string_view text);
 
-  // A file can warn about every vector: the same two pieces many thousand times. Their RTF is kept.
+  // A file can cause a warning for every vector, the same two pieces many thousand times. So their RTF is cached.
   struct Remembered {
     std::string text;
     LogFormat before;

@@ -26,22 +26,21 @@ class LogSink {
   /// Appends a piece (UTF-8, line breaks "\r\n").
   virtual void Write(std::string_view text, const LogFormat& format) = 0;
 
-  /// What has been written should be seen now: something longer follows.
+  /// Makes everything written so far visible, before something that takes longer.
   virtual void Flush() {}
 };
 
-/// The log of a run: decides the format of every piece by its content and hands it to the sinks. Holds no
-/// text.
+/// The log of a run: decides the format of every piece by its content and hands it to the sinks. Stores no text.
 class RunLog {
  public:
-  /// The sink must live as long as it is attached.
+  /// The sink must outlive its attachment.
   void Attach(LogSink& sink) { sinks_.push_back(&sink); }
   void Detach(LogSink& sink) { std::erase(sinks_, &sink); }
 
-  /// Appends one piece; the caller supplies the line breaks. A piece that contains "FEHLER" is red, else one
-  /// that contains "fertig" green, else one that is not indented by four blanks bold and black; an indented
-  /// piece keeps the colour of the piece before and is small and slanted. A piece without a closing line
-  /// break announces something: it is flushed at once.
+  /// Appends one piece; the caller supplies the line breaks. A piece that contains "FEHLER" is red, else one that
+  /// contains "fertig" green, else one that is not indented by four blanks bold and black; an indented piece keeps the
+  /// colour of the previous piece and is small and slanted. A piece without a closing line break is an announcement and
+  /// is flushed at once.
   void WriteLogLine(std::string_view text);
 
   void Flush();

@@ -17,7 +17,7 @@ bool IsChecked(const MacroEvent& event, std::string_view key) {
   return event.Integer(key) > 0;
 }
 
-// The number that the text of a parameter box begins with.
+// The number at the beginning of the text of a parameter box.
 double NumberOfText(const MacroEvent& event, std::string_view key) {
   return ReadParameterNumber(event.Text(key));
 }

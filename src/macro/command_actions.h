@@ -4,13 +4,13 @@
 #include "operations/commands/view_settings.h"
 #include "operations/kernels/faulty_vectors.h"
 
-/// What the rows of the catalogue run: each takes its parameters from the event and calls the operation.
+/// The functions of the catalogue rows. Each takes its parameters from the event and calls the operation.
 namespace quiverion::actions {
 
 /// `inputDirectory` + Prefix + base name of the file + Postfix + `extension`.
 std::string OutputPath(const CommandCall& call, std::string_view extension);
 
-/// What the search for faulty vectors takes from its command. Throws SystemError where a value is missing.
+/// The criteria of the search for faulty vectors, from its command. Throws SystemError if a value is missing.
 FaultyVectorCriteria FaultyVectorCriteriaOf(const MacroEvent& event);
 
 /// A command without parameters.
@@ -42,7 +42,7 @@ void Components(const CommandCall& call) {
   operation(call.context, call.event.Number("XComp"), call.event.Number("YComp"));
 }
 
-/// An export into a text file beside the input.
+/// An export to a text file next to the input.
 template <void (*operation)(Context&, const std::string&)>
 void TextExport(const CommandCall& call) {
   operation(call.context, OutputPath(call, ".txt"));

@@ -32,7 +32,7 @@ constexpr Parameter Number(std::string_view key, std::string_view preset) {
 constexpr Parameter HalfWidth(std::string_view key) {
   return Integer(key, "2", 0, kLargestHalfWidth);
 }
-// A double in memory, rounded to an integer in the file: a macro file has always lost the fraction here.
+// A double in memory, rounded to an integer in the file: macro files have always lost the fraction here.
 constexpr Parameter Component(std::string_view key) {
   return {key, ParameterKind::number, FileEncoding::int32, "0"};
 }

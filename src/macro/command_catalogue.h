@@ -23,7 +23,7 @@ enum class ParameterKind {
   number,
 };
 
-/// How it lies in a macro file.
+/// Its type in a macro file.
 enum class FileEncoding { text, bool16, int32, float64 };
 
 /// What a command does with the file that a value names.
@@ -69,7 +69,7 @@ struct ParameterEditor {
   std::string_view text = {};   // question or prompt
 };
 
-/// What a running command gets.
+/// The arguments of a running command.
 struct CommandCall {
   Context& context;
   const MacroEvent& event;
@@ -84,7 +84,7 @@ struct CommandRow {
   std::string_view shortText;
   std::string_view longText;
   std::span<const Parameter> parameters;  // in the order of the macro file
-  std::int32_t outputKilobytes;           // estimated size of what it writes per input file
+  std::int32_t outputKilobytes;           // estimated size of its output per input file
   void (*run)(const CommandCall& call);   // null: a menu
   ParameterEditor editor = {};
 
@@ -97,10 +97,10 @@ inline constexpr std::int32_t kLargestHalfWidth = 199;
 /// All rows in the order of the command tree.
 std::span<const CommandRow> CommandCatalogue();
 
-/// The row of an id; null where there is none.
+/// The row of an id; null if there is none.
 const CommandRow* FindCommand(std::int32_t eventId);
 
-/// The row of a constant name, without regard to case; null where there is none.
+/// The row of a constant name, without regard to case; null if there is none.
 const CommandRow* FindCommand(std::string_view constantName);
 
 /// The parameters of an id, empty for unknown ones.

@@ -10,7 +10,7 @@ namespace quiverion {
 
 inline constexpr std::string_view kSaveLogTitle = "Log-Datei speichern";
 
-/// What is shown where the log of a run cannot be saved.
+/// The message box for a log that cannot be saved.
 inline Message LogNotSaved(const std::string& path, const SystemError& error) {
   return {.title = std::string(kSaveLogTitle),
           .text = "Die Log-Datei kann nicht gespeichert werden unter '" + path + "'!\r\n" + ErrorText(error)};

@@ -12,9 +12,9 @@ namespace quiverion {
 /// A value of a command: 32-bit integer, double, flag or text (UTF-8).
 using MacroValue = std::variant<std::int32_t, double, bool, std::string>;
 
-/// One command of a macro: named values, always with `EventId`. Names are compared without regard to case.
-/// Which kind a value holds depends on where it came from; the readers below convert. They throw SystemError
-/// 5 where the value is missing or cannot be converted, and 6 where a number does not fit.
+/// One command of a macro: named values, always with `EventId`. Names are compared without regard to case. The type of
+/// a value depends on its origin; the readers below convert. They throw SystemError 5 if the value is missing or cannot
+/// be converted, and 6 if a number does not fit.
 class MacroEvent {
  public:
   MacroEvent() : MacroEvent(0) {}

@@ -65,7 +65,7 @@ MacroEvent ReadRecord(BinaryReader& reader) {
   return event;
 }
 
-// A text that is to be written and that a macro file cannot hold.
+// A text of the macro that a macro file cannot represent.
 std::optional<std::string> FindLostText(const MacroEventList& macro) {
   for (const MacroEvent& event : macro) {
     for (const Parameter& parameter : ParametersOf(event.EventId())) {

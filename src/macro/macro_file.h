@@ -7,20 +7,20 @@
 
 namespace quiverion {
 
-/// The commands of a macro file; bytes behind the last record are ignored. Throws SystemError where the file
-/// is damaged (negative count or length, or it ends early).
+/// The commands of a macro file; bytes after the last record are ignored. Throws SystemError if the file is damaged
+/// (negative count or length, or it ends early).
 MacroEventList ReadMacro(InputFile& file);
 
-/// Writes the macro in the form of a macro file. Throws SystemError, also where a command lacks a parameter.
+/// Writes the macro in the form of a macro file. Throws SystemError, also if a command lacks a parameter.
 void WriteMacro(ResultFile& file, const MacroEventList& macro);
 
-/// Replaces the session's macro by the file's. A failure shows a message and leaves the macro unchanged.
-/// Returns true where it was loaded.
+/// Replaces the session's macro by the file's. A failure shows a message and leaves the macro unchanged. Returns true
+/// if it was loaded.
 bool LoadMacroFile(Session& session, const std::string& path);
 
-/// Saves the session's macro; missing directories are created. A failure shows a message and leaves an old
-/// file as it was, also where Windows-1252 lacks a character of a text (they are file names: none may change
-/// silently). Returns true where it was saved.
+/// Saves the session's macro; missing directories are created. A failure shows a message and leaves an old file as it
+/// was. It is also a failure if a text has a character that is not in Windows-1252: texts are file names, which must
+/// not change silently. Returns true if it was saved.
 bool SaveMacroFile(Session& session, const std::string& path);
 
 }  // namespace quiverion

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view kMacroErrorTitle = "QuiverionSeries  -  Fehler im Makro";
 
-// Asks until the file can be opened or the user gives up on it. False: abort.
+// Asks until the file can be opened or the user ignores it. False: abort.
 bool CheckReadable(Context& context, const std::string& path, std::string_view beforePath) {
   while (!FileExists(context.files, path)) {
     Message box;
@@ -32,7 +32,7 @@ bool CheckCommands(Session& session, std::int64_t& kilobytesPerFile) {
     if (row == nullptr) continue;
     kilobytesPerFile += row->outputKilobytes;
     for (const Parameter& parameter : row->parameters) {
-      // A damaged macro may lack the name: the command itself reports that.
+      // A damaged macro may lack the name; the command itself reports that.
       if (parameter.role != FileRole::reads || event.Find(parameter.key) == nullptr) continue;
       if (!CheckReadable(session.context, event.Path(parameter.key), "Die in den Buffer einzuladende Datei '")) {
         return false;

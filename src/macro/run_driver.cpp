@@ -66,7 +66,7 @@ class Run {
     if (context_.abortCurrentFile) context_.runHadError = true;
   }
 
-  // False: the user has asked for the abort, the command was not started.
+  // False if the user has asked to abort: the command was not started.
   bool RunCommand(const MacroEvent& currentMacroEvent, const std::string& name) {
     const CommandRow* row = nullptr;
     Guarded([&] {

@@ -12,8 +12,7 @@ namespace quiverion {
 /// command, logged, and ends the file. The flags of the context tell the outcome.
 void RunMacro(Session& session);
 
-/// "\r\nDauer: ..." with minutes where there are any; empty for a duration that is not positive (a run across
-/// midnight).
+/// "\r\nDauer: ..." with minutes if there are any; empty for a duration that is not positive (a run across midnight).
 std::string DurationText(float seconds);
 
 }  // namespace quiverion

@@ -15,7 +15,7 @@ bool IsSeriesFile(const std::string& name) {
 
 std::vector<std::string> ListSeriesFiles(FileSystem& files, const std::string& directory) {
   std::vector<std::string> names = files.ListFiles(directory);
-  // A name with a separator (some systems allow one of the two) would lead to another file.
+  // A name that contains a separator (some systems allow one of the two) would lead to another file.
   std::erase_if(names, [](const std::string& name) { return !IsSeriesFile(name) || FileNameOf(name) != name; });
   std::sort(names.begin(), names.end(), FileNameLess);
   return names;

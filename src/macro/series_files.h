@@ -7,11 +7,11 @@
 
 namespace quiverion {
 
-/// True for a name with the extension of a file that can be loaded: VAS, VEC, DAT, any case.
+/// True for a name with the extension of a file that can be loaded: VAS, VEC or DAT, in upper or lower case.
 bool IsSeriesFile(const std::string& name);
 
-/// The files of a directory that can be loaded, in the order of the file list: by name without regard to case. Without
-/// names that hold a path separator. Throws SystemError.
+/// The files of a directory that can be loaded, in the order of the file list: by name without regard to case. Names
+/// that contain a path separator are left out. Throws SystemError.
 std::vector<std::string> ListSeriesFiles(FileSystem& files, const std::string& directory);
 
 }  // namespace quiverion

@@ -9,8 +9,8 @@
 
 namespace quiverion {
 
-/// All state of the program: the context of the operations, the macro and the inputs of a run. One per
-/// process, made in main; a test makes as many as it likes.
+/// All state of the program: the context of the operations, the macro and the inputs of a run. The program creates one,
+/// a test as many as it needs.
 struct Session {
   Session(FileSystem& files, UserInterface& ui, RunLog& log, const Clock& clock) : context(files, ui, log, clock) {}
 

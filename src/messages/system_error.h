@@ -6,7 +6,7 @@
 
 namespace quiverion {
 
-/// Numbers of the errors that the log and the message boxes show.
+/// The error numbers shown in the log and in message boxes.
 enum class ErrorNumber : int {
   invalidCall = 5,
   overflow = 6,
@@ -26,15 +26,15 @@ enum class ErrorNumber : int {
 /// The German description of an error number.
 std::string_view ErrorDescription(ErrorNumber number);
 
-/// The one error type below an operation: a number and its German description, UTF-8.
+/// The only error type inside operations: a number and its German description, UTF-8.
 class SystemError : public std::exception {
  public:
   explicit SystemError(ErrorNumber number) : SystemError(number, {}) {}
 
-  /// `detail` stands behind the description in parentheses where it is not empty.
+  /// If `detail` is not empty, it is added to the description in parentheses.
   SystemError(ErrorNumber number, std::string_view detail);
 
-  /// An error with a description of its own in place of the number's.
+  /// An error with the given description instead of that of the number.
   static SystemError Saying(ErrorNumber number, std::string description);
 
   ErrorNumber Number() const { return number_; }
@@ -46,11 +46,11 @@ class SystemError : public std::exception {
   std::string description_;
 };
 
-/// "<description>   (Fehler-Nr. <number>)": how an error is written in the log and in message boxes.
+/// "<description>   (Fehler-Nr. <number>)": the form of an error in the log and in message boxes.
 std::string ErrorText(const SystemError& error);
 
-/// The SystemError that stands for any exception an operation may raise: a SystemError is itself, a failed
-/// allocation (std::bad_alloc, std::length_error) is error 7, anything else is error 5 with its own text.
+/// The SystemError for any exception that an operation may throw: a SystemError itself, error 7 for a failed allocation
+/// (std::bad_alloc, std::length_error), error 5 with its text for anything else.
 SystemError AsSystemError(const std::exception& error);
 
 }  // namespace quiverion

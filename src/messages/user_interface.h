@@ -17,10 +17,10 @@ struct Message {
   std::string text;
   MessageButtons buttons = MessageButtons::ok;
   MessageIcon icon = MessageIcon::warning;
-  std::optional<MessageAnswer> preselected = {};  // the button that Enter presses; none: the first one
+  std::optional<MessageAnswer> preselected = {};  // the button that Enter presses; default: the first one
 };
 
-/// Where a run is, for a progress window or line.
+/// The progress of a run, for a progress window or line.
 struct RunProgress {
   std::int32_t fileCount = 0;
   std::int32_t currentFile = 0;  // counted from 1
@@ -30,20 +30,19 @@ struct RunProgress {
   bool errorOccurred = false;  // shown from the first command that runs after the error
 };
 
-/// The only way the core asks, shows progress and lets window events through. The implementations are a
-/// terminal, a window and a script of answers for tests. Only the core sets the run's flags.
+/// The only way for the core to ask, show progress and let window events be processed. Implementations: a terminal,
+/// windows, and a script of answers for tests. Only the core sets the flags of the run.
 class UserInterface {
  public:
   virtual ~UserInterface() = default;
 
-  /// Shows a message box and returns the answer. Answers that the box does not offer count as its last
-  /// button.
+  /// Shows a message box and returns the answer. An answer that the box does not offer counts as its last button.
   virtual MessageAnswer Ask(const Message& box) = 0;
 
   /// A run begins; until RunEnded no other entry point of the core may be called from a yield.
   virtual void RunStarted(const RunProgress& progress) = 0;
 
-  /// Something about the progress has changed.
+  /// The progress has changed.
   virtual void ShowProgress(const RunProgress& progress) = 0;
 
   virtual void RunEnded() = 0;
@@ -51,13 +50,13 @@ class UserInterface {
   /// A computation outside a run begins: no other entry point of the core may be called until ComputationEnded.
   virtual void ComputationStarted() = 0;
 
-  /// `done` of `total` (at least 1) steps of the computation are behind it.
+  /// `done` of `total` (at least 1) steps of the computation are complete.
   virtual void ShowComputation(std::int64_t done, std::int64_t total) = 0;
 
   virtual void ComputationEnded() = 0;
 
-  /// Lets pending events through. Returns true where the user has asked (and confirmed) that the run be
-  /// aborted, once or at every further call.
+  /// Processes pending events. Returns true if the user has requested and confirmed an abort; it may do so once or at
+  /// every further call.
   virtual bool Yield() = 0;
 };
 

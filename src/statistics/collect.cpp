@@ -17,7 +17,7 @@
 namespace quiverion {
 namespace {
 
-// The path as it stands in a record: a longer one keeps its end.
+// The path as stored in a record: of a path that is too long, the end.
 Windows1252Text StoredPath(std::string_view path) {
   constexpr std::string_view mark = "...";
   std::string_view kept = path;
@@ -49,7 +49,7 @@ class Record {
 };
 
 CollectionHeader HeaderOf(const VectorField& field) {
-  if (field.posX.empty() || field.posY.empty()) throw SystemError(ErrorNumber::indexOutOfRange);  // nothing loaded yet
+  if (field.posX.empty() || field.posY.empty()) throw SystemError(ErrorNumber::indexOutOfRange);  // nothing loaded
   CollectionHeader header;
   header.columnCount = field.columnCount;
   header.rowCount = field.rowCount;
@@ -60,7 +60,7 @@ CollectionHeader HeaderOf(const VectorField& field) {
   return header;
 }
 
-// A new collection appears whole, with its first record: the beginning of a header would be none that can be read.
+// A new collection appears complete, with its first record: an incomplete header would be unreadable.
 void WriteNew(const VectorField& field, const Record& record, ResultFile& file) {
   CollectionHeader header = HeaderOf(field);
   header.fieldCount = 1;
@@ -82,12 +82,12 @@ CollectionHeader ReadHeaderFor(const VectorField& field, UpdatedFile& file) {
     throw FormatError("    Anzahl der Vektoren stimmt nicht überein!");
   }
   if (header.fieldCount < 0) throw SystemError(ErrorNumber::invalidCall);
-  reader.Require(collection::kHeaderBytes - reader.Position());  // without its positions nothing could be told of it
+  reader.Require(collection::kHeaderBytes - reader.Position());  // a header without positions is incomplete
   return header;
 }
 
-// Where the new record goes. What a file lacks of its counted records becomes zeros, vectors that are not valid; the
-// drive must have room for them, because no count of a damaged header may make a file of any length.
+// The position of the new record. If counted records are missing in the file, they become zeros (invalid vectors). The
+// drive must have room for them, so that the count in a damaged header cannot create a huge file.
 std::uint64_t EndOfRecords(Context& context, const CollectionHeader& header, UpdatedFile& file) {
   const std::uint64_t largest = std::numeric_limits<std::int64_t>::max() / 2;
   if (static_cast<std::uint64_t>(header.fieldCount) > largest / collection::RecordBytes(header.VectorCount())) {
@@ -113,7 +113,7 @@ std::int32_t AppendTo(Context& context, const Record& record, UpdatedFile& file,
   return newCount;
 }
 
-// The file to append to; null where there is none.
+// The file to append to; null if there is none.
 std::unique_ptr<UpdatedFile> OpenExisting(FileSystem& files, const std::string& path) {
   std::unique_ptr<UpdatedFile> file;
   const auto failure = Attempt([&] { file = files.OpenForUpdating(path); });
@@ -146,7 +146,7 @@ class Collecting {
     if (new_) {
       const auto failure = Attempt([&] { WriteNew(context_.field, record, *new_); });
       if (!failure) return 1;
-      // Another process may have begun the same collection meanwhile.
+      // Another process may have created the same collection meanwhile.
       existing_ = new_->Cancelled() ? nullptr : OpenExisting(context_.files, path_);
       if (!existing_) throw failure->error;
     }

@@ -38,7 +38,7 @@ CollectionContents ReadContents(InputFile& file, const std::function<void(const 
   return contents;
 }
 
-// Moves records inside a file and gives it its new count.
+// Moves records inside a file and writes its new count.
 class Removal {
  public:
   explicit Removal(UpdatedFile& file) : file_(file) {
@@ -68,7 +68,7 @@ class Removal {
   }
 
  private:
-  // Records may have been appended since; a place in the list is still the place in the file.
+  // Records may have been appended since. A position in the list is still the position in the file.
   void CheckListed(const std::vector<std::string>& listed) {
     bool same = listed.size() <= static_cast<std::size_t>(header_.fieldCount);
     for (std::size_t k = 0; same && k < listed.size(); ++k) {
@@ -79,8 +79,8 @@ class Removal {
         "Die Kollektion wurde inzwischen von einem anderen Programm verändert. Es wurde nichts entfernt!");
   }
 
-  // Record numbers are counted from 1. A program that ends in the middle leaves a record of which no vector is valid,
-  // not one of two fields: the bits that make them so go first and come last.
+  // Record numbers are counted from 1. The valid bits are cleared first and written last. So a program that is killed
+  // in between leaves a record without valid vectors, not a mixture of two fields.
   void CopyCollectionRecord(std::int32_t source, std::int32_t target) {
     const std::uint64_t record = collection::RecordBytes(header_.VectorCount());
     const std::uint64_t bits = collection::ValidBitsPosition(header_.VectorCount());
@@ -108,11 +108,11 @@ class Removal {
   UpdatedFile& file_;
   CollectionHeader header_;
   std::string block_;
-  WriteRetry retry_{nullptr};  // nothing here takes room on the disk
+  WriteRetry retry_{nullptr};  // nothing here needs more disk space
 };
 
-// Open from the first move to the last step: no other process comes between them. `failedStep` is what went wrong where
-// the length could not be set. Throws FormatError and SystemError.
+// The file is open from the first move to the last step, so that no other process can interfere. `failedStep` gets the
+// error if the length could not be set. Throws FormatError and SystemError.
 RemovalOutcome RemoveFromFile(FileSystem& files, const std::string& path, const std::vector<std::int32_t>& numbers,
                               const std::vector<std::string>& listed, std::string& failedStep) {
   const auto file = files.OpenForUpdating(path);
@@ -120,7 +120,7 @@ RemovalOutcome RemoveFromFile(FileSystem& files, const std::string& path, const 
   RemovalOutcome outcome = RemovalOutcome::removed;
   if (header.fieldCount < 1) {
     files.RemoveFileQuietly(path);
-    if (FileExists(files, path)) throw SystemError(ErrorNumber::accessDenied);  // without a record, but still there
+    if (FileExists(files, path)) throw SystemError(ErrorNumber::accessDenied);  // without records, but it still exists
     outcome = RemovalOutcome::collectionDeleted;
   } else {
     const auto failure = Attempt([&] { files.SetFileSize(path, RecordPosition(header, header.fieldCount)); });

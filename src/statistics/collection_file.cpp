@@ -18,7 +18,7 @@ void ReadCountsAndPositions(BinaryReader& reader, CollectionHeader& header) {
   if (header.columnCount < 1 || header.rowCount < 1) throw SystemError(ErrorNumber::indexOutOfRange);
   collection::Positions(reader, header);
   if (header.fieldCount == 0) return;
-  // Every vector takes more than a byte: beyond this the size of a record could leave the range of 64 bits.
+  // Every vector takes more than a byte: beyond this the size of a record could exceed 64 bits.
   reader.Require(header.VectorCount());
   if (static_cast<std::uint64_t>(header.fieldCount) >
       reader.Remaining() / collection::RecordBytes(header.VectorCount())) {

@@ -8,11 +8,10 @@
 
 namespace quiverion {
 
-/// Magic word and version, which is not checked. False where the magic word differs, as it does in a file shorter than
-/// it.
+/// Magic word and version, which is not checked. False if the magic word differs, or if the file is shorter than it.
 bool ReadIdentity(BinaryReader& reader, CollectionHeader& header);
 
-/// The rest of the header. Throws SystemError 62 where the file ends before its last counted record, 5 for a negative
+/// The rest of the header. Throws SystemError 62 if the file ends before its last counted record, 5 for a negative
 /// number of fields and 9 for a grid without columns or rows.
 void ReadCountsAndPositions(BinaryReader& reader, CollectionHeader& header);
 
@@ -23,7 +22,7 @@ std::uint64_t RecordPosition(const CollectionHeader& header, std::int32_t index)
 /// Throws SystemError.
 std::string ReadSourcePath(InputFile& file, const CollectionHeader& header, std::int32_t index);
 
-/// The step that makes an append or a removal count.
+/// Writes the number of fields, the step that makes an append or a removal count.
 void WriteFieldCount(UpdatedFile& file, std::int32_t fieldCount, WriteRetry& retry);
 
 }  // namespace quiverion

@@ -9,7 +9,7 @@ namespace quiverion {
 
 struct CollectionHeader {
   std::int16_t formatVersion = 1;
-  std::int32_t fieldCount = 0;  // records that count; bytes behind them mean nothing
+  std::int32_t fieldCount = 0;  // records that count; bytes after them have no meaning
   std::int32_t columnCount = 0;
   std::int32_t rowCount = 0;
   double firstPosX = 0.0;  // mm, of column 1 of the field that created the file
@@ -28,7 +28,7 @@ namespace collection {
 inline constexpr std::string_view kMagic = "QuiverionStatisticsCollection";
 inline constexpr std::uint64_t kFieldCountAt = 31;
 inline constexpr std::uint64_t kHeaderBytes = 75;
-inline constexpr std::uint64_t kPathBytes = 128;  // characters of a record's source path, filled up with blanks
+inline constexpr std::uint64_t kPathBytes = 128;  // characters of a record's source path, padded with blanks
 
 /// Where the bits begin in a record of `vectors` vectors: after the source path and the x and y velocities.
 constexpr std::uint64_t ValidBitsPosition(std::uint64_t vectors) {
@@ -40,7 +40,7 @@ constexpr std::uint64_t RecordBytes(std::uint64_t vectors) {
   return ValidBitsPosition(vectors) + vectors / 8 + 1;
 }
 
-/// Magic word and version. False where the magic word differs.
+/// Magic word and version. False if the magic word differs.
 template <class Archive, class Header>
 bool Identity(Archive& archive, Header& header) {
   if (!archive.Magic(kMagic)) return false;

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::string_view kErrorTitle = "QuiverionSeries - Fehler";
 
-// Between its beginning and its end a computation is shown, whatever the end is.
+// Shows a computation from its start until it ends, however it ends.
 class ShownComputation {
  public:
   explicit ShownComputation(UserInterface& ui) : ui_(ui) { ui_.ComputationStarted(); }
@@ -30,7 +30,7 @@ class ShownComputation {
   UserInterface& ui_;
 };
 
-// Positions between the first and the last, which are there already, at equal distances.
+// Computes equally spaced positions between the first and the last, which must be set.
 template <class PositionList>
 void ReconstructPositions(PositionList& positions) {
   const std::size_t count = positions.size();
@@ -116,7 +116,7 @@ class Computation {
   std::int64_t total_ = 1;
 };
 
-// What a result says of itself. `paletteSetting`, `viewerSettings` and the paths stay.
+// The header and info text of a result. `paletteSetting`, `viewerSettings` and the paths stay.
 void SetResultHeader(Context& context, StatisticKind kind, std::string_view collectionPath) {
   VectorField& field = context.field;
   ResetHeader(field);

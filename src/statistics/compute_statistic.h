@@ -6,21 +6,21 @@
 
 namespace quiverion {
 
-/// What the x and y components of the result are. For each vector the n fields count in which it is valid: u and v are
-/// its velocity components there (m/s), <> is the mean over them, u' and v' are the deviations from it.
+/// The x and y components of the result. For each vector, only the n fields count in which it is valid: u and v are its
+/// velocity components there (m/s), <> is the mean over these fields, u' and v' are the deviations from the mean.
 enum class StatisticKind {
   mean,                // <u>, <v>
   standardDeviation,   // of u and of v, n - 1 in the denominator; valid for n >= 2, as are the following
   fluctuationSquares,  // <u'²>, <v'²>
   fluctuationProduct,  // <u'v'>, 0
-  turbulence,   // sqrt((<u'²> + <v'²>) / 2) / length of the mean; <u'v'> d<u>/dy (m²/s³). Needs a row beside it
-  dissipation,  // 15 nu <(du'/dx)² + (du'/dy)² + dv'/dy du'/dx> (m²/s³), 0. Valid from one sample on
+  turbulence,   // sqrt((<u'²> + <v'²>) / 2) / length of the mean; <u'v'> d<u>/dy (m²/s³). Needs a row next to it
+  dissipation,  // 15 nu <(du'/dx)² + (du'/dy)² + dv'/dy du'/dx> (m²/s³), 0. Valid for one sample or more
 };
 
-/// Computes one statistic over a collection, which becomes the current field and is saved as a VAS file. `viscosity`: nu
-/// in m²/s, only for the dissipation (isotropic turbulence). Where rounding leaves a variance below 0, the standard
-/// deviation is 0. Where the mean velocity is 0 the degree of turbulence is 0 and the vector invalid. Vectors that end
-/// invalid hold what their sums had got to.
+/// Computes one statistic over a collection, which becomes the current field and is saved as a VAS file. `viscosity`:
+/// nu in m²/s, only for the dissipation (isotropic turbulence). If rounding leaves a variance below 0, the standard
+/// deviation is 0. If the mean velocity is 0, the degree of turbulence is 0 and the vector invalid. Invalid vectors of
+/// the result contain intermediate sums.
 ///
 /// One record is in memory at a time, in the buffer field. The last one stays there (for the dissipation its
 /// fluctuations), under the name that the buffer had before: a load of that file would not read it again. Two passes

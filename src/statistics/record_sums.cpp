@@ -15,18 +15,18 @@ namespace {
 constexpr std::size_t kBlock = 512;
 using Masks = std::array<Mask, kBlock + 8>;
 
-// Everything a block of neighbouring vectors needs. What is not valid adds +0.0, and none of the sums is ever -0.0 in
-// the end: they begin at +0.0, or a square is added to them.
+// Everything that a block of neighbouring vectors needs. Invalid vectors add +0.0, which changes nothing because no sum
+// is ever -0.0 in the end: each begins at +0.0, or a square is added to it.
 struct Block {
   std::size_t count;
   const Mask* valid;
   const double *u, *v;
-  const double *meanU, *meanV;  // null where there are none
+  const double *meanU, *meanV;  // null if there are none
   double *x, *y;
   std::int32_t* status;
 };
 
-// Bits of the next vectors as masks, whole bytes of them.
+// Expands the bits of the next vectors to masks, a whole number of bytes.
 QUIVERION_MULTI_TARGET void ExpandMasks(const unsigned char* bits, std::size_t count, Mask* masks) {
   for (std::size_t byte = 0; byte < (count + 7) / 8; ++byte) {
     const Mask all = bits[byte];
@@ -75,7 +75,7 @@ QUIVERION_MULTI_TARGET void AddFluctuationBlock(const Block& block) {
   }
 }
 
-// `u`, `v`: the velocities, which become fluctuations where the vector is valid.
+// `u`, `v`: the velocities, which become fluctuations for valid vectors.
 QUIVERION_MULTI_TARGET void SubtractMeanBlock(const Block& block, double* u, double* v) {
   const Block b = block;
   QUIVERION_INDEPENDENT_STEPS
@@ -104,8 +104,8 @@ void ForEachBlock(StatisticState& s, Visit visit) {
   }
 }
 
-// The points between the first and the last column of a row. A point without a sample adds 0 / 1 = +0.0; `samples` are
-// masks of those that have one. No two positions are equal.
+// The points between the first and the last column of a row. A point without a sample adds 0 / 1 = +0.0; `samples` has
+// a mask for each point. No two positions may be equal.
 QUIVERION_MULTI_TARGET void AddInnerDerivatives(const RowInput& row, double* sums, Mask* samples,
                                                 std::int32_t* counts) {
   double* const __restrict target = sums;
@@ -123,7 +123,7 @@ QUIVERION_MULTI_TARGET void AddInnerDerivatives(const RowInput& row, double* sum
   for (std::int32_t i = 1; i < last; ++i) counts[i] += static_cast<std::int32_t>(samples[i] & 1);
 }
 
-// Fluctuations are in the buffer.
+// The buffer contains the fluctuations.
 void AddDerivativesOfRows(StatisticState& state) {
   VectorField& field = state.field;
   const BufferField& buffer = state.buffer;
@@ -132,7 +132,7 @@ void AddDerivativesOfRows(StatisticState& state) {
                   [&](std::int32_t j, const RowInput& row) {
                     AddInnerDerivatives(row, field.velX.Row(j), samples.data(), field.status.Row(j));
                     plain::AddDerivativesAt(state, 1, j);
-                    plain::AddDerivativesAt(state, field.columnCount, j);  // nothing where it is the first again
+                    plain::AddDerivativesAt(state, field.columnCount, j);  // no effect if it is also the first
                   });
 }
 

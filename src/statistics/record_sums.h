@@ -2,8 +2,9 @@
 
 #include "statistics/statistic_state.h"
 
-/// What each pass of a statistic does with the record just read. The same bits as the functions of record_sums_plain.h,
-/// which define them; overflows and divisions by zero leave their mark in the floating-point status and nothing stops.
+/// What each pass of a statistic does with the record just read. Gives the same bits as the functions of
+/// record_sums_plain.h, which define the results. Overflows and divisions by zero only set the floating-point flags;
+/// nothing stops.
 namespace quiverion {
 
 /// velX, velY: sums of the velocities; status: number of fields in which the vector is valid.
@@ -12,14 +13,14 @@ void AddVelocities(StatisticState& state);
 /// Adds the squares of the velocities to velX and velY.
 void AddSquares(StatisticState& state);
 
-/// Adds u v to velY.
+/// Adds u * v to velY.
 void AddProducts(StatisticState& state);
 
 /// Adds u'² + v'² to velX and u' v' to velY.
 void AddFluctuations(StatisticState& state);
 
-/// Turns the record into fluctuations and adds (du'/dx)² + (du'/dy)² + dv'/dy du'/dx (1/s²) to velX, and the samples to
-/// status.
+/// Turns the record into fluctuations and adds (du'/dx)² + (du'/dy)² + dv'/dy du'/dx (1/s²) to velX, and the number of
+/// samples (0 or 1) to status.
 void AddDerivatives(StatisticState& state);
 
 }  // namespace quiverion

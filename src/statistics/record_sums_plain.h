@@ -4,7 +4,7 @@
 #include "statistics/statistic_state.h"
 
 /// What each pass of a statistic does with a record: the definition, as plain loops in visiting order. A vector that is
-/// not valid in the record does not enter its sums at all.
+/// invalid in the record does not contribute to its sums at all.
 namespace quiverion::plain {
 
 /// Calls add(i, j) for every vector that is valid in the record.
@@ -40,7 +40,7 @@ inline void AddProducts(StatisticState& s) {
   });
 }
 
-/// Squares of the fluctuations into velX, their product into velY.
+/// Adds the squares of the fluctuations to velX and their product to velY.
 inline void AddFluctuations(StatisticState& s) {
   ForEachValid(s, [&s](std::int32_t i, std::int32_t j) {
     const double u = s.buffer.bufferVelX(i, j) - s.meanU(i, j);
@@ -60,7 +60,7 @@ inline void TurnIntoFluctuations(StatisticState& s) {
   });
 }
 
-/// Adds the squared derivatives of the fluctuations at (i, j) to velX and 1 to status, where the point has usable
+/// Adds the squared derivatives of the fluctuations at (i, j) to velX and 1 to status, if the point has usable
 /// neighbours along both axes at different positions.
 inline void AddDerivativesAt(StatisticState& s, std::int32_t i, std::int32_t j) {
   const Grid<double>& u = s.buffer.bufferVelX;

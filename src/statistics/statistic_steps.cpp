@@ -27,7 +27,7 @@ void FinishMean(StatisticState& s) {
   });
 }
 
-// velX = -(sum of u)²/n, likewise velY: what is still missing are the sums of squares.
+// velX = -(sum of u)²/n, likewise velY: the second pass adds the sums of squares.
 void BeginSquares(StatisticState& s) {
   VectorField& f = s.field;
   ForEachPoint(f, [&f](std::int32_t i, std::int32_t j) {
@@ -38,7 +38,7 @@ void BeginSquares(StatisticState& s) {
   });
 }
 
-// finish(i, j, n) where two fields or more count; the other vectors are invalid.
+// Calls finish(i, j, n) for vectors that are valid in n >= 2 fields; the others become invalid.
 template <class Finish>
 void FinishWhereTwoCount(VectorField& f, Finish finish) {
   ForEachPoint(f, [&](std::int32_t i, std::int32_t j) {
@@ -48,7 +48,7 @@ void FinishWhereTwoCount(VectorField& f, Finish finish) {
   });
 }
 
-// Rounding can leave a little less than 0 where all fields have the same velocity.
+// Rounding can leave slightly less than 0 if all fields have the same velocity.
 double RootOrZero(double value) {
   return value < 0.0 ? 0.0 : std::sqrt(value);
 }
@@ -88,7 +88,7 @@ void FinishProduct(StatisticState& s) {
   });
 }
 
-// The sums become means, and begin anew; the counts stay.
+// Stores the means and resets the sums; the counts stay.
 void TakeMeans(StatisticState& s) {
   VectorField& f = s.field;
   s.meanU.Reset(f.columnCount, f.rowCount);
@@ -102,8 +102,8 @@ void TakeMeans(StatisticState& s) {
   f.velY.Reset(f.columnCount, f.rowCount);
 }
 
-// The counts of the rows below are final already (1 or 0), those of the rows above are not: there a vector with one
-// field passes as a neighbour, with the mean 0.
+// The counts of the rows below are final already (1 or 0), those of the rows above are not: there, a vector with only
+// one field counts as a neighbour, with the mean 0.
 void FinishTurbulenceAt(StatisticState& s, std::int32_t i, std::int32_t j) {
   VectorField& f = s.field;
   if (f.status(i, j) < 2) {

@@ -5,8 +5,8 @@
 
 namespace quiverion {
 
-/// The steps of a kind of statistic behind its first pass, which adds velocities and counts (AddVelocities). Where
-/// there is no second pass, the first two are null.
+/// The steps of a kind of statistic after its first pass, which adds velocities and counts (AddVelocities). If there is
+/// no second pass, the first two are null.
 struct StatisticSteps {
   void (*betweenPasses)(StatisticState& state);
   void (*addRecord)(StatisticState& state);

@@ -10,7 +10,7 @@ namespace quiverion {
 
 using ValidBits = std::vector<unsigned char>;
 
-/// Bits that say where `status` is above 0; those behind the last vector are 0.
+/// Sets the bits of vectors whose `status` is above 0; the bits after the last vector are 0.
 ValidBits PackValidBits(std::span<const std::int32_t> status);
 
 inline bool IsValid(const ValidBits& bits, std::size_t k) {

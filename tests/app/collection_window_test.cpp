@@ -22,7 +22,7 @@ class CollectionWindow : public MainWindow {
     }
     return samples::CollectionBytes(fields, names);
   }
-  // Opens the window of s.col; `action` uses it, and whatever opens meanwhile has to be expected before.
+  // Opens the window of s.col for `action`. Expect what opens meanwhile before calling this.
   void Use(std::function<void(QDialog&)> action) {
     place.Write("s.dat", "");
     script.ExpectFile(place.Path() + "s.dat");  // the extension is replaced
@@ -140,8 +140,8 @@ TEST_F(CollectionWindow, ReadsTheFileAgainWhenItIsResized) {
   });
 }
 
-// What counts is the list at the question: where another program has moved the records since, nothing is removed, also
-// where the window has been resized meanwhile and shows them.
+// The list at the time of the question counts: if another program has moved the records since, nothing is removed, even
+// if the window has been resized meanwhile and shows them.
 TEST_F(CollectionWindow, RemovesNothingFromACollectionThatHasChanged) {
   place.Write("s.col", Collection(3));
   Open();

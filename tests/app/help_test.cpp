@@ -115,7 +115,7 @@ TEST_F(HelpWindow, F1LeadsToThePageOfTheDialog) {
     for (QTreeWidgetItemIterator item(&tree); *item != nullptr; ++item) {
       if ((*item)->data(0, Qt::UserRole) == "K40103") tree.setCurrentItem(*item);
     }
-    // The key "*" made an open directory of its picture.
+    // The key "*" once changed its picture to an open directory.
     const qint64 picture = tree.currentItem()->icon(0).cacheKey();
     tree.currentItem()->setExpanded(true);
     emit tree.itemExpanded(tree.currentItem());

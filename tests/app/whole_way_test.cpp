@@ -1,5 +1,5 @@
-// One user's whole way through the program, by clicks and keys: a macro is composed, saved, loaded and run, a run is
-// aborted, the log read and saved. The command line does the same, bit for bit.
+// The whole way of a user through the program, with clicks and keys: compose, save, load and run a macro, abort a run,
+// read and save the log. The command line gives the same results, bit for bit.
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPrinter>
@@ -14,7 +14,7 @@
 namespace quiverion::test {
 namespace {
 
-// Up to the verdict: how long a run took differs.
+// Up to the verdict, because the duration of a run varies.
 std::string UpToVerdict(const std::string& log) {
   return log.substr(0, log.find('\n', log.rfind("Makro-Ausf")) + 1);
 }
@@ -136,7 +136,7 @@ TEST_F(WholeWay, AFileDeletedBeforeStartIsAskedAbout) {
   Files().selectAll();
   std::remove((place.Path() + "serie/b.vas").c_str());
   script.Expect<QMessageBox>("QMessageBox", [](QMessageBox& box) {
-    // Whatever order the system has for such buttons.
+    // Independent of the system's order for such buttons.
     const auto left = [&box](QMessageBox::StandardButton button) { return box.button(button)->x(); };
     EXPECT_LT(left(QMessageBox::Abort), left(QMessageBox::Retry));
     EXPECT_LT(left(QMessageBox::Retry), left(QMessageBox::Ignore));
@@ -146,7 +146,7 @@ TEST_F(WholeWay, AFileDeletedBeforeStartIsAskedAbout) {
   ExpectLog(&log);
   window->move(70, 50);
   Click("cmdOk");
-  EXPECT_EQ(window->pos(), QPoint(70, 50));  // where the user has put it
+  EXPECT_EQ(window->pos(), QPoint(70, 50));  // the position chosen by the user
   EXPECT_NE(log.find("(Fehler-Nr. 53)"), std::string::npos);
 }
 

@@ -18,7 +18,7 @@
 
 namespace quiverion::test {
 
-/// The main window on a directory of its own with a small series: a.dat, b.vas, c.vec.
+/// The main window in a temporary directory with a small series: a.dat, b.vas, c.vec.
 class MainWindow : public testing::Test {
  protected:
   MainWindow() {
@@ -29,11 +29,12 @@ class MainWindow : public testing::Test {
     place.Write("leer/x.txt", "");
   }
 
-  /// A window that is closed ends the program. For the next test it begins again: nothing modal would be shown.
+  /// Closing the window ends the program. It must be restarted for the next test, which could not show modal windows
+  /// otherwise.
   ~MainWindow() override {
     const std::string test = testing::UnitTest::GetInstance()->current_test_info()->name();
     if (!script.said.empty()) cli::ExpectApproved(place, "boxes_" + test + ".txt", script.said);
-    script.idle = nullptr;  // it looks at what the test has had on its stack
+    script.idle = nullptr;  // it refers to the stack of the test
     window.reset();
     QMetaObject::invokeMethod(
         qApp, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
@@ -68,7 +69,7 @@ class MainWindow : public testing::Test {
   QListWidget& MacroList() { return Get<QListWidget>("lstMacroList"); }
   Session& TheSession() { return window->TheSession(); }
 
-  /// The lines of a list, with a "|" behind each.
+  /// The lines of a list, with a "|" after each.
   static std::string Lines(const QAbstractItemView& list) {
     std::string text;
     for (int row = 0; row < list.model()->rowCount(); ++row) {

@@ -14,7 +14,7 @@ MacroEvent Event(std::int32_t eventId, std::initializer_list<std::pair<const cha
   return event;
 }
 
-// One command of every kind of parameter, and what it looks like.
+// One command for every kind of parameter, and its JSON.
 const std::pair<MacroEvent, std::string> kCommands[] = {
     {Event(40103), R"({"EventId": "evtGauss3x3"})"},
     {Event(40201, {{"XComp", 2.5}, {"YComp", -1.0}}),

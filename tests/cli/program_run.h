@@ -24,7 +24,7 @@ class ProgramRun : public testing::Test {
     place.Write("serie/b.vas", samples::VasBytes(Sample(0)));
   }
 
-  // Runs over one file of that name, in a directory of its own.
+  // Runs over one file of that name, in a temporary directory.
   void TakesFile(const std::string& name) const {
     place.Write("Reihe ä/" + name + ".vas", samples::VasBytes(Sample(0)));
     EXPECT_EQ(RunProgram(place, {"run", "--macro", "s.mak", "Reihe ä/" + name + ".vas"}).code, 0) << name;

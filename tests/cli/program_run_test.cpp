@@ -10,7 +10,7 @@ namespace {
 
 using test::Bytes;
 
-// The log up to its verdict: how long the run took, and whether that is said, differs from run to run.
+// The log up to its verdict. The duration varies from run to run, and a very short one is not logged.
 std::string UpToVerdict(const std::string& log) {
   return log.substr(0, log.find('\n', log.rfind("Makro-Ausf")) + 1);
 }
@@ -56,7 +56,7 @@ TEST_F(ProgramRun, SaysWhatIsWrongWithADamagedFile) {
   const std::string vas = samples::VasBytes(Sample(0)), dat = samples::DatBytes(Sample(0));
   std::string vec = samples::VecBytes(Sample(0), 1);
   vec.replace(256, 4, Bytes().F32(7).Get());
-  const std::size_t window = dat.find('\n', dat.find("x")) + 1;  // the line behind the image size
+  const std::size_t window = dat.find('\n', dat.find("x")) + 1;  // the line after the image size
   const std::pair<std::string, std::string> damaged[] = {
       {"Magie.vas", "quiverion" + vas.substr(9)},
       {"kurz.vas", vas.substr(0, 400)},
@@ -87,7 +87,7 @@ TEST_F(ProgramRun, TakesFileNamesOfAnyKind) {
   EXPECT_EQ(place.Files().size(), 2 + 4 * 3 + 1u) << "every file and its result have a result";
 }
 
-// A connection that is dropped (SIGHUP) cost the log and left temporary files.
+// A dropped connection (SIGHUP) lost the log and left temporary files.
 TEST_F(ProgramSignals, EndTheRunBehindTheRunningCommand) {
   for (const int signal : AbortSignals()) {
     StalledProgram program(place, {"run", "--macro", "s.mak", "--log", "log.txt", "viele"});

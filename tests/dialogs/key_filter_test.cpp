@@ -19,7 +19,7 @@ TEST(KeyFilter, TakesTheCharactersOfItsRule) {
       {signedNumber, u"", u"-1.5E3", u"", u"-1.53"},
       {signedNumber, u"1", u"-", u"", u""},
       {signedNumber, u"", u"-", u"-1", u""},
-      {signedNumber, u"", u".", u"-1", u""},  // a point in front of the sign
+      {signedNumber, u"", u".", u"-1", u""},  // a point before the sign
       {signedNumber, u"-", u".", u"1", u"."},
       {signedNumber, u"", u"1,2.3,4", u"", u"1.234"},
       {factor, u"1", u"-.", u"", u"-."},

@@ -16,7 +16,7 @@ using test::TestSession;
 
 class MacroEditingTest : public testing::Test {
  protected:
-  // Asks for the parameters of a new command, or of `event` as one of the macro.
+  // Asks for the parameters of a new command, or of `event` as a command of the macro.
   EditOutcome Ask(std::int32_t eventId) { return Ask(MacroEvent(eventId), true); }
   EditOutcome Ask(MacroEvent event, bool isNew) {
     EditingServices services{program.context, dialogs, "/mess"};
@@ -166,7 +166,7 @@ TEST_F(MacroEditingTest, ACommandWithoutAnyOptionGoes) {
   EXPECT_EQ(Macro(), Ids{40001});
 }
 
-// No file is replaced unasked; No leads back to the dialog.
+// Replacing a file requires a question; No leads back to the dialog.
 TEST_F(MacroEditingTest, TheExtensionOfAFileIsForced) {
   std::string told;
   for (const char* path : {"/a/serie", "/a/serie.txt", "/a/a.b.c", "/a.b/serie", "C:\\a.b\\serie"}) {

@@ -1,4 +1,4 @@
-// The parameter windows as the user handles them, by keys and clicks.
+// The parameter windows as the user operates them, with keys and clicks.
 #include "dialogs/parameters/parameter_windows.h"
 
 #include <gtest/gtest.h>
@@ -19,6 +19,7 @@
 #include "dialogs/parameters/frmPrefixPostfix.h"
 #include "dialogs/parameters/frmXYTrafo.h"
 #include "dialogs/parameters/parameter_editing.h"
+#include "dialogs/widgets/message_box.h"
 #include "support/approved.h"
 #include "support/test_session.h"
 #include "windows/modal_script.h"
@@ -52,7 +53,7 @@ TEST(ParameterWindowsTest, GiveBackWhatTheyWereGiven) {
   QWidget parent;
   ParameterWindows windows(parent, ui);
   std::int32_t before = 0;
-  // Twice each, with every mark set the other way round.
+  // Twice each, the second time with every check mark inverted.
   for (const std::int32_t id : {10101, 30001, 30001, 30002, 30002, 30003, 40201}) {
     const bool marked = id != before;
     before = id;
@@ -142,13 +143,13 @@ TEST(PrefixPostfix, FiltersWhatIsTypedAndPasted) {
   QTest::keyClick(&postfix, Qt::Key_Delete);
   EXPECT_EQ(Stored(window).Text("Postfix"), "ab12x");
   for (int k = 0; k < 20 && postfix.isUndoAvailable(); ++k) QTest::keyClick(&postfix, Qt::Key_Z, Qt::ControlModifier);
-  EXPECT_EQ(FromQt(postfix.text()), "");  // what was filtered can be undone too
+  EXPECT_EQ(FromQt(postfix.text()), "");  // filtered input can be undone, too
   window.Load([] {
     MacroEvent stored = NewCommand(10001);
     stored.Set("Prefix", std::string("a.b?"));
     return stored;
   }());
-  EXPECT_EQ(TextOf(window, "txtPrefix"), "a.b?");  // what a macro holds is shown as it is
+  EXPECT_EQ(TextOf(window, "txtPrefix"), "a.b?");  // a text of the macro is shown unchanged
 }
 
 TEST(NumberBoxes, SelectTheirTextAndKeepSignAndPointInPlace) {
@@ -288,7 +289,7 @@ TEST(FileDialog, ShowsItsFiltersAsTheyAreStatedAndListsWhatTheyName) {
               "Alle Dateien (*.*)|Vektorfelder (*.vas;*.vec;*.dat)");
     const auto& list = Find<QAbstractItemView>(dialog, "listView");
     const auto lists = [&list](int count) {
-      return test::WaitFor([&list, count] { return list.model()->rowCount(list.rootIndex()) == count; });
+      return QTest::qWaitFor([&list, count] { return list.model()->rowCount(list.rootIndex()) == count; }, 10000);
     };
     EXPECT_TRUE(lists(2));
     filters.setCurrentIndex(0);

@@ -27,10 +27,10 @@ TEST(RepaintThrottle, PaintsNewAndSlowStepsAlwaysAndQuickOnesNowAndThen) {
     bool painted;
   } steps[] = {
       {"laden", 0.000, true},    {"median", 0.001, true},   {"sichern", 0.101, true},  // the first file
-      {"laden", 0.103, false},   {"median", 0.105, true},  // it took 0.1 s in the file before
-      {"sichern", 0.108, false}, {"laden", 0.109, false},  // now all are quick
+      {"laden", 0.103, false},   {"median", 0.105, true},  // it took 0.1 s in the previous file
+      {"sichern", 0.108, false}, {"laden", 0.109, false},  // now all steps are quick
       {"median", 0.110, false},  {"sichern", 0.144, false}, {"laden", 0.146, false},  // the median took the most time:
-      {"median", 0.147, true},   {"sichern", 0.148, false}, {"laden", 0.229, true},   // it is the one that is shown
+      {"median", 0.147, true},   {"sichern", 0.148, false}, {"laden", 0.229, true},   // so it is shown
   };
   for (const auto& s : steps) EXPECT_EQ(throttle.IsDue(s.step, s.begins), s.painted) << s.step << " at " << s.begins;
 }

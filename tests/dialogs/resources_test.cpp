@@ -1,4 +1,4 @@
-// What the program brings along, wherever it runs.
+// Resources that the program contains, wherever it runs.
 #include <gtest/gtest.h>
 
 #include <QDialogButtonBox>

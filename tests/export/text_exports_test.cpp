@@ -60,7 +60,7 @@ TEST_F(TextExports, WriteTheirLinesAndSayWhatTheyDo) {
   EXPECT_FALSE(context.runHadError);
 }
 
-// Longer than any block that is written at once, with numbers of every length.
+// Longer than any block written at once, with numbers of every length.
 TEST_F(TextExports, LoseNothingOfALongFile) {
   VectorField& field = context.field;
   field = RandomField(3, 71, 67, {.invalid = 100, .special = 200, .notFinite = 50});

@@ -47,7 +47,7 @@ class BufferCommands : public FieldTest {
   BufferField& buffer_ = program_.context.buffer;
 };
 
-// The buffer holds the field's velocities, some of them negative, and its statuses from the other end.
+// The buffer contains the velocities of the field, some negated, and its statuses in reverse order.
 TEST_F(BufferCommands, GiveTheBitsOfThePlainLoopsAndStopWhereTheyStop) {
   const auto fillBufferFor = [this](const VectorField& field) {
     VectorField source = field;

@@ -96,7 +96,7 @@ TEST_F(DatFile, PutsEachLineAtItsGridPoint) {
   for (const std::string line : {"16 48 0 0 0 0 1 2",
                                  "48 16 0 0 0 0 1 2 9 9 9",
                                  "30.5 32.5 0 0 0 0 1 2",  // 14.5 is 14, 32.5 is 32
-                                 "0.6 63.4 0 0 0 0 1 2",   // less than a step outside belongs to the edge
+                                 "0.6 63.4 0 0 0 0 1 2",   // less than one step outside counts as the edge
                                  "3.2E1 4.8e+1 0 0 0 0 15e-1 -25E-2",
                                  "+32 48. 0 0 0 0 +.5 -.5",
                                  "32px 48px 0 0 0 0 1.5m/s x",

@@ -101,7 +101,7 @@ TEST(DatLine, LinesOfEveryUsualShapeAreTakenTogether) {
   }
 }
 
-// Line ends and commas where a line is expected to go on, columns missing, blanks anywhere.
+// Line ends and commas where a line is expected to continue, missing columns, blanks anywhere.
 TEST(DatLine, RandomTextsGiveTheBitsOfTheDefinition) {
   std::mt19937 random(20);
   const std::string_view alphabet = "          0123456789....--+eE\r\n\t,x\"";

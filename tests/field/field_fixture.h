@@ -42,7 +42,7 @@ inline samples::SampleField Sample(int columns, int rows) {
   return samples::MakeSampleField({.columns = columns, .rows = rows, .maskedBody = false});
 }
 
-/// Loads and saves in a file system in memory and returns what was logged. A load sees only its own flags.
+/// Loads and saves in an in-memory file system and returns the log. The flags are reset before each load.
 class FieldTest : public testing::Test {
  protected:
   std::string LoadExisting(const std::string& path) {

@@ -9,7 +9,7 @@
 namespace quiverion::test {
 namespace {
 
-// What a writer makes of the pieces of a log.
+// The output of a writer for the pieces of a log.
 struct Output {
   std::string bytes;
   ByteConsumer Consumer() {

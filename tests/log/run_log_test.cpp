@@ -17,7 +17,7 @@ TEST(RunLog, FormatsEachPieceByItsContent) {
     std::string_view text;
     LogFormat format;  // colour, bold, italic, points
   };
-  // In this order: an indented piece takes over the colour before it.
+  // In this order: an indented piece keeps the colour of the previous one.
   const Case cases[] = {{"    indented\r\n", {kBlack, false, true, 8}},
                         {"Titel\r\n", {kBlack, true, false, 10}},
                         {"!!! FEHLER !!!\r\n", {kRed, false, false, 10}},

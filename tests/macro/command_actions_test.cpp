@@ -1,4 +1,4 @@
-// What commands pass on of their parameters.
+// How commands pass on their parameters.
 #include "macro/command_actions.h"
 
 #include <gtest/gtest.h>

@@ -26,7 +26,7 @@ class RunDriver : public RunTest {
 TEST_F(RunDriver, EndsAtTheYieldWhereTheAbortWasAskedFor) {
   AddTwoFiles(SmallSample(0), SmallSample(1));
   struct Case {
-    int abortAt, yields;  // an abort behind a title is noticed at the first command only
+    int abortAt, yields;  // an abort requested after a title takes effect at the first command
     std::int32_t filesDone;
   };
   std::string told;

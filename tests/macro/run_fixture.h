@@ -36,7 +36,7 @@ class RunTest : public testing::Test {
   }
   void Select(const std::string& name) { session.selectedFiles.push_back(name); }
 
-  /// Runs the macro with a clock that stands still, so that there is no duration, and gives the log.
+  /// Runs the macro with a stopped clock, so that there is no duration, and returns the log.
   std::string RunLogOf(const MacroEventList& macro) {
     session.macro = macro;
     RunMacro(session);

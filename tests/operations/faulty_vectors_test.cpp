@@ -51,7 +51,7 @@ TEST(FaultyVectors, EveryCompareVectorDecidesAsThePlainLoops) {
   }
 }
 
-// So many ranks that they are counted by blocks, and windows that are sparse in them.
+// Enough ranks to be counted by blocks, and windows with few of them.
 TEST(FaultyVectors, RanksOfALargeField) {
   const VectorField field = RandomField(5, 530, 510, {.invalid = 50, .special = 20});
   const Magnitudes magnitudes = MagnitudesOf(field);
@@ -68,7 +68,7 @@ TEST(FaultyVectors, RanksOfALargeField) {
   }
 }
 
-// All criteria on a few vectors whose answer is plain to see. The compare vector is (2, 0).
+// All criteria on a few vectors with obvious results. The compare vector is (2, 0).
 TEST(FaultyVectors, Criteria) {
   using C = FaultyVectorCriteria;
   const auto deviation = [](bool C::*which, double C::*limit, double allowed) {
@@ -126,7 +126,7 @@ TEST(FaultyVectors, Criteria) {
   }
 }
 
-// Angles so close to the allowed one that only the stated formula tells.
+// Angles so close to the allowed one that only the specified formula decides.
 TEST(FaultyVectors, DirectionsAtTheLimitTakeTheFormula) {
   std::mt19937_64 random(11);
   for (int round = 0; round < 300; ++round) {

@@ -15,7 +15,7 @@ WeightMatrix RandomWeights(std::uint64_t seed, std::int32_t k0, std::int32_t k1,
   std::mt19937_64 random(seed);
   WeightMatrix weights(k0, k1, l0, l1, 0.0);
   for (std::int32_t k = k0; k <= k1; ++k) {
-    // Whole numbers of both signs, so that weights cancel to 0 now and then.
+    // Integers of both signs, so that weights sometimes cancel to 0.
     for (std::int32_t l = l0; l <= l1; ++l) weights(k, l) = static_cast<double>(random() % 5) - 1.0;
   }
   return weights;
@@ -51,7 +51,7 @@ TEST(FilterKernel, VelocityProfileHasTheSumsOfThePlainLoops) {
   }
 }
 
-// A field at rest but for 1 m/s at (1, 1), with (2, 1) masked and (2, 2) invalid.
+// A field at rest, except for 1 m/s at (1, 1), with (2, 1) masked and (2, 2) invalid.
 TEST(Filters, WeighFillAndLeaveMaskedVectorsAlone) {
   struct Case {
     void (*filter)(Context&);

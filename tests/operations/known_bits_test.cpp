@@ -1,5 +1,5 @@
-// Golden checksums of random fields: any compiler option that changes values changes these. They were computed by
-// another program.
+// Golden checksums of random fields: they detect any compiler option that changes values. They were computed by another
+// program.
 #include <gtest/gtest.h>
 
 #include "operations/commands/filters.h"

@@ -1,4 +1,4 @@
-// What the commands do to the field. Their log texts are in tests/approved.
+// The effect of the commands on the field. Their log texts are in tests/approved.
 #include "operations/commands/view_settings.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ namespace {
 
 class ViewSettings : public testing::Test {
  protected:
-  // Two rigid rotations (rates in 1/s) side by side, parted by a column without vectors.
+  // Two rigid rotations (rates in 1/s) side by side, separated by a column without vectors.
   void SetRotations(double left, double right) {
     field = MakeField(7, 3);
     for (double& x : field.posX) x *= 1000;

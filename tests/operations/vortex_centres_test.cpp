@@ -127,8 +127,7 @@ TEST_F(VortexCentres, CancelEndsTheSeriesOfCopies) {
 }
 
 TEST_F(VortexCentres, AnOverflowBetweenTheCopiesLeavesTheInfoAsItWas) {
-  // Two rotations and a lone column. The second rotation moves so fast that the velocities of the column leave the
-  // range.
+  // Two rotations and a lone column. The second rotation moves so fast that the velocities of the column overflow.
   field = MakeField(7, 2);
   for (double& x : field.posX) x *= 1e300;
   for (double& y : field.posY) y *= 1e300;

@@ -54,7 +54,7 @@ TEST_F(SystemFiles, WhatWasAppendedStaysOnlyWithACommit) {
   EXPECT_EQ(Get("new.txt"), "more lines ");
 }
 
-// What another process had appended meanwhile was cut off with what had failed.
+// Truncating a failed append also removed what another process had appended meanwhile.
 TEST_F(SystemFiles, AFailedAppendTakesBackOnlyItsOwn) {
   Put("w.txt", "old ");
   auto failing = files_->OpenForAppending(At("w.txt"));
@@ -130,7 +130,7 @@ TEST_F(SystemFiles, AFileIsUpdatedByOneAtATime) {
   }
 }
 
-// Where two begin the same file, the second must find it.
+// If two processes create the same file, the second must find it.
 TEST_F(SystemFiles, AResultDoesNotReplaceWhatAppearedMeanwhile) {
   const auto file = files_->CreateResultFile(At("c.col"), ExistingFile::keep);
   WriteAll(*file, "second");

@@ -132,8 +132,8 @@ TEST(FormatNumber, WritesFixedAndExponentNotation) {
   ExpectApproved("formatted_numbers.txt", told);
 }
 
-// Every exponent, ties between two 15-digit numbers, powers of ten and their neighbours: digits as the C library has
-// them.
+// Every exponent, ties between two 15-digit numbers, powers of ten and their neighbours: the same digits as from the C
+// library.
 TEST(FormatNumber, RoundsCorrectlyWhateverTheMagnitude) {
   std::mt19937_64 random(7);
   const auto digit = [&random](std::uint64_t below) { return static_cast<double>(random() % below); };

@@ -15,7 +15,7 @@ namespace quiverion::test {
 
 namespace fs = std::filesystem;
 
-/// The files of this machine, in a directory of their own.
+/// Real files in a temporary directory.
 class SystemFiles : public testing::Test {
  protected:
   SystemFiles() {
@@ -40,7 +40,7 @@ class SystemFiles : public testing::Test {
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
-  // Everything in the directory, the temporary files included.
+  // Everything in the directory, including temporary files.
   std::vector<std::string> Names() const {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(root_)) names.push_back(entry.path().filename().string());

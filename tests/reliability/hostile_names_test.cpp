@@ -10,10 +10,10 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-/// Macros and series of strangers, in texts/serie: what they write stays there.
+/// Macros and series from strangers, in texts/serie: what they write must stay there.
 class HostileNames : public testing::Test {
  protected:
-  // Runs one command over serie/<name> and gives what has come new, below the directory of the series.
+  // Runs one command over serie/<name> and returns the new files, relative to the directory of the series.
   Names NewFilesOf(const std::string& command, const std::string& name) {
     place_.Write("texts/serie/" + name, samples::VasBytes(samples::MakeSampleField({.columns = 30, .rows = 24})));
     EXPECT_EQ(RunProgram(place_, {"macro", "import", "-", "m.mak"}, "[" + command + "]").code, 0);
@@ -49,7 +49,7 @@ TEST_F(HostileNames, APrefixDoesNotLeadOutOfTheDirectory) {
       {"sub\\\\", "..", "sub/a...vas"},
       {"x..", "", "x..a.vas"},
       {"./p ", "", "p a.vas"},
-      {"/abs/", "", "abs/a.vas"},  // a separator in front is one between the parts
+      {"/abs/", "", "abs/a.vas"},  // a leading separator only separates
       {"\\\\\\\\host\\\\", "", "host/a.vas"}};
   for (const auto& [prefix, postfix, result] : cases) {
     EXPECT_EQ(NewFilesOf(Save(prefix, postfix), "a.vas"), result.empty() ? Names() : Names{result}) << prefix;
@@ -58,7 +58,7 @@ TEST_F(HostileNames, APrefixDoesNotLeadOutOfTheDirectory) {
   }
 }
 
-// The copies of a field lie in a directory of its name: of "...vas" that was the directory above.
+// The copies of a field are in a directory with its name. For "...vas" that was the parent directory.
 TEST_F(HostileNames, AFileOfPointsDoesNotLeadItsCopiesOutOfTheDirectory) {
   const std::string command = R"({"EventId": "evtVortexCentres", "FileName": "", "AutoTrafo": true})";
   EXPECT_GT(NewFilesOf(command, "a.vas").size(), 0u);
@@ -66,7 +66,7 @@ TEST_F(HostileNames, AFileOfPointsDoesNotLeadItsCopiesOutOfTheDirectory) {
   EXPECT_EQ(outcome_.code, 1) << outcome_.out;
 }
 
-// What the log replaces at the end was lost: the run's macro, its vortices, its collection.
+// The log replaced other files of the run at the end: its macro, its vortices, its collection.
 TEST_F(HostileNames, TheLogIsNoOtherFileOfTheRun) {
   NewFilesOf(R"({"EventId": "evtVortexCentres", "FileName": "texts/serie/w.txt", "AutoTrafo": false},
                 {"EventId": "evtCollectStatistics", "FileName": "texts/serie/c.txt"})",
@@ -78,7 +78,7 @@ TEST_F(HostileNames, TheLogIsNoOtherFileOfTheRun) {
     EXPECT_EQ(outcome.code, 2) << outcome.err;
     EXPECT_NE(outcome.err.find("Die Log-Datei ist eine Datei des Laufs selbst"), std::string::npos) << outcome.err;
   }
-  // Neither do they have to be there already.
+  // These files need not exist before the run.
   place_.Write("new.json", R"([{"EventId": "evtVortexCentres", "FileName": "new.txt", "AutoTrafo": false}])");
   EXPECT_EQ(RunProgram(place_, {"macro", "import", "new.json", "new.mak"}).code, 0);
   const std::vector<std::string> over = {"run", "--macro", "new.mak", "texts/serie/a.vas", "--log", "texts/../new.txt"};

@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace test;
 
-/// The command line with more than anybody measures.
+/// The command line with more data than anybody measures.
 class Load : public testing::Test {
  protected:
   void Import(const std::string& json) const {
@@ -53,7 +53,7 @@ TEST_F(Load, ManyFilesTakeNoMoreMemory) {
   EXPECT_TRUE(kSanitized || second.peakKilobytes - first.peakKilobytes < (many - few) / 4 + 4096) << "256 bytes a file";
 }
 
-// Offsets behind 4 GB: the file has holes, so it takes no room.
+// Offsets beyond 4 GB. The file is sparse, so it needs no disk space.
 TEST_F(Load, ACollectionOfMoreThan4GigabytesIsListedAppendedToAndShortened) {
   constexpr int side = 1000;
   constexpr std::int64_t header = 75, record = 128 + 16 * side * side + side * side / 8 + 1, count = 290;
@@ -78,8 +78,8 @@ TEST_F(Load, ACollectionOfMoreThan4GigabytesIsListedAppendedToAndShortened) {
 }
 
 TEST_F(Load, APathOf4000CharactersOfEveryKindIsAPath) {
-  // Made and removed step by step: no call of the system takes such a path much longer than this.
-  const std::string odd = kPathSeparator == '/' ? "\nzweite Zeile \"b\"" : "";  // not everywhere part of a name
+  // Created and removed step by step, because system calls accept paths hardly longer than this.
+  const std::string odd = kPathSeparator == '/' ? "\nzweite Zeile \"b\"" : "";  // not allowed in names everywhere
   const std::string part = "Düse  3, Wirbel 🌀; 'a' $(x) %s%n " + odd + std::string(170, 'x');
   std::string directory = place_.Path();
   while (directory.size() + part.size() + 1 < 3950) directory += part + kPathSeparator;
@@ -91,14 +91,14 @@ TEST_F(Load, APathOf4000CharactersOfEveryKindIsAPath) {
   Import(R"([{"EventId": "evtSaveVas", "Prefix": "neu %s%n ", "Postfix": ""},
              {"EventId": "evtCollectStatistics", "FileName": "serie.col"}])");
   ASSERT_GT(directory.size() + name.size(), 3960u);
-  // A collection cannot hold the emoji of the name: a warning.
+  // A collection cannot represent the emoji of the name: a warning.
   const Outcome run =
       Run({"run", "--macro", "m.mak", "--log", directory + "Log.rtf", directory + name}, "long paths", 1);
   EXPECT_EQ(run.out.find("!!! FEHLER !!!"), std::string::npos);
   EXPECT_TRUE(fs::exists(PathOf(directory + "neu %s%n " + name)));
   EXPECT_TRUE(fs::exists(PathOf(directory + "Log.rtf")));
   EXPECT_NE(run.out.find("neu %s%n Lauf"), std::string::npos);
-  // Longer than the system takes: refused, nothing else.
+  // Longer than the system allows: refused, nothing else.
   const Outcome refused = RunProgram(place_, {"run", "--macro", "m.mak", directory + directory + name});
   EXPECT_EQ(refused.code, 4) << refused.err;
 }

@@ -40,7 +40,7 @@ void WriteSeries(const Workplace& place) {
   }
 }
 
-// The sample macro, its paths in the current directory.
+// The sample macro, with paths in the current directory.
 std::string SampleMacro() {
   std::ifstream file(SAMPLE_MACRO, std::ios::binary);
   std::string json(std::istreambuf_iterator<char>(file), {});
@@ -56,7 +56,7 @@ std::string SumLine(const std::string& name, std::string_view bytes) {
   return line.str();
 }
 
-// Relative paths only: those of the machine stand in collections and results.
+// Relative paths only, because collections and results contain paths.
 class SampleJob : public testing::Test {
  protected:
   SampleJob() { fs::current_path(place_.Path()); }
@@ -66,7 +66,7 @@ class SampleJob : public testing::Test {
   const Workplace place_;
 };
 
-// Every bit that the job makes, whatever compiler, optimisation and instructions have made the program.
+// Every bit of the output of the job, independent of compiler, optimisation and instructions.
 TEST_F(SampleJob, GivesTheSameBytesEverywhere) {
   WriteSeries(place_);
   place_.Write("sample.json", SampleMacro());

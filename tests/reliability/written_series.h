@@ -13,7 +13,7 @@
 /// Series on the real file system whose macro writes one kind of file, for tests that disturb the writing.
 namespace quiverion::test {
 
-/// Every file below a directory, by its path there; directories without files are left out.
+/// Every file below a directory, by its relative path. Directories without files are left out.
 using Tree = std::map<std::string, std::string>;
 Tree ReadTree(const std::string& directory);
 
@@ -24,7 +24,7 @@ bool IsTemporary(const std::string& path);
 struct Fault {
   int code;
   ErrorNumber number;
-  bool once = false;                        // else every call from there on, as long as the command takes
+  bool once = false;                        // otherwise every later call of the command as well
   std::vector<MessageAnswer> answers = {};  // to its questions; then Cancel
 };
 extern const std::vector<Fault> kFaults;
@@ -33,8 +33,8 @@ extern const std::vector<Fault> kFaults;
 struct WrittenKind {
   std::string name;
   MacroEvent command;
-  std::string target;  // what the first file of the series writes to, below the directory
-  Tree before = {};    // what is there already, beside the series
+  std::string target;  // output of the first file of the series, relative to the directory
+  Tree before = {};    // files that exist before, besides the series
   bool isCollection = false;
   bool appended = false;  // a text that grows
 };
@@ -47,7 +47,7 @@ class WrittenSeries {
  public:
   WrittenSeries(const WrittenKind& kind, const std::string& directory);
 
-  /// Lays all files anew.
+  /// Writes all files again.
   void Restore() const;
 
   struct Step {

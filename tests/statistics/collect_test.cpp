@@ -47,7 +47,7 @@ TEST_F(Collecting, KeepsTheEndOfALongPath) {
   const std::pair<std::string, std::string> cases[] = {
       {longest, "/\xE4" + std::string(126, 'x')},
       {longest + "y", "..." + std::string(124, 'x') + "y"},
-      {"Ω" + longest, "..." + std::string(125, 'x')},  // what is cut off cannot be lost
+      {"Ω" + longest, "..." + std::string(125, 'x')},  // a character that is cut off is not reported as lost
       {"/Ω.vas", "/?.vas" + std::string(122, ' ')}};
   for (const auto& [path, stored] : cases) {
     field.filePath = path;
@@ -86,7 +86,7 @@ TEST_F(Collecting, RefusesWhatIsNotItsCollection) {
   ExpectApproved("refused_appends.txt", told);
 }
 
-// The version is the viewer's concern, and missing records become zeros, which count nowhere.
+// An append does not check the version, and missing records become zeros, which do not count.
 TEST_F(Collecting, GoesOnBehindTheCountedRecords) {
   CollectNumbered(3);
   const std::string good = Content();
@@ -104,7 +104,7 @@ TEST_F(Collecting, GoesOnBehindTheCountedRecords) {
 
 TEST_F(Collecting, DoesNotReplaceWhatAnotherProcessHasBegun) {
   EXPECT_EQ(Collect(NumberedField(1)), Collected(1));
-  // It begins the same collection between the look and the commit.
+  // Another process creates the same collection between the check and the commit.
   const std::string first = Content();
   program.files.files.erase("C.col");
   program.files.faults.diskSize = 10;

@@ -14,7 +14,7 @@ namespace quiverion::test {
 /// Collections in memory.
 class CollectionTest : public testing::Test {
  protected:
-  /// Appends a field to C.col and gives the log. The flags are those of this append.
+  /// Appends a field to C.col and returns the log. The flags are those of this append.
   std::string Collect(const VectorField& field) {
     context.runHadError = context.userAbortRequested = false;
     context.field = field;
@@ -38,7 +38,7 @@ class CollectionTest : public testing::Test {
     return field;
   }
 
-  /// The bytes of C.col; an empty file where there was none.
+  /// The bytes of C.col; an empty file if there was none.
   std::string& Content() { return program.files.files["C.col"]; }
 
   TestSession program;

@@ -51,7 +51,7 @@ void ExpectValid(const VectorField& result, std::int32_t i, std::int32_t j, doub
   EXPECT_NEAR(result.velY(i, j), y, 1e-11 * (1 + std::fabs(y))) << i << " " << j;
 }
 
-// Every sum in its order, what stays at invalid vectors included; computed by another program.
+// Every sum in its order, including the values left at invalid vectors; computed by another program.
 TEST_F(Statistics, HaveTheseBits) {
   for (std::uint64_t seed = 1; seed <= 5; ++seed) {
     VectorField field = KnownField(seed, 23, 17);
@@ -88,7 +88,7 @@ TEST_F(Statistics, CarryOnWhereAFormulaHasNoValue) {
   EXPECT_EQ(std::pair(still.velX(2, 2), still.velY(2, 2)), std::pair(0.0, 0.0));
 }
 
-// What a single row or column has: means, but no gradient.
+// A single row or column has means, but no gradient.
 TEST_F(Statistics, OfTheSmallestGrids) {
   for (const auto& [columns, rows] : {std::pair{1, 1}, {1, 3}, {3, 1}}) {
     program.files.files.erase("C.col");
@@ -113,7 +113,7 @@ struct Overflow {
   std::pair<double, double> first, second;  // u, v in two fields
 };
 
-// Each in another step: first pass, between the passes, second pass, end.
+// Each in a different step: first pass, between the passes, second pass, end.
 TEST_F(Statistics, EndWhereAnyStepOverflows) {
   constexpr Overflow overflows[] = {{mean, {1.5E308, 0}, {1.5E308, 0}},
                                     {standardDeviation, {1E154, 0}, {1E154, 0}},
@@ -227,7 +227,7 @@ TEST_F(Statistics, SayWhyTheyFailAndSaveNothing) {
   ExpectApproved("failed_statistics.txt", told);
 }
 
-// A yield that starts another computation must not come through.
+// A yield must not be able to start another computation.
 TEST_F(Statistics, AreNotStartedTwice) {
   CollectNumbered(1);
   context.busy = true;

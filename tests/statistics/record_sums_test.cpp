@@ -1,4 +1,4 @@
-// The fast sums beside the plain loops of their definition.
+// The fast sums compared with the plain loops of their definition.
 #include "statistics/record_sums.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ struct Sums {
   void (*plain)(StatisticState&);
 };
 
-// A state in the middle of a pass: a record, means, and sums that have begun.
+// A state in the middle of a pass: a record, means and incomplete sums.
 struct Pass {
   VectorField field;
   BufferField buffer;
@@ -68,7 +68,7 @@ TEST(RecordSums, AreThoseOfThePlainLoops) {
   compare(60, 43);  // several blocks, the last one incomplete
 }
 
-// What does not count raises no flag: a huge velocity that is not valid stops no statistic.
+// Operands that do not count raise no flag: a huge velocity of an invalid vector does not stop a statistic.
 TEST(RecordSums, RaiseFlagsOnlyForWhatCounts) {
   for (const auto add : {AddVelocities, AddSquares, AddProducts, AddFluctuations, AddDerivatives}) {
     for (const bool counts : {false, true}) {

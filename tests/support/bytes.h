@@ -7,7 +7,7 @@
 
 namespace quiverion::test {
 
-/// Composes a file by hand, independently of the program's writers.
+/// Composes a file by hand, independent of the writers of the program.
 class Bytes {
  public:
   Bytes& I16(int value) { return Value(static_cast<std::int16_t>(value)); }

@@ -6,7 +6,7 @@
 
 #include "support/bytes.h"
 
-/// The bytes of collections, and what can be wrong with them.
+/// The bytes of collections, and ways to damage them.
 namespace quiverion::test {
 
 inline constexpr std::size_t kCountAt = 31, kColumnsAt = 35, kRowsAt = 39, kHeader = 75;
@@ -17,7 +17,7 @@ inline std::string With(std::string bytes, std::size_t at, std::int32_t value) {
   return bytes.replace(at, 4, Bytes().I32(value).Get());
 }
 
-/// The file as far as its count tells.
+/// The file up to its last counted record.
 inline std::string CountedRecords(const std::string& bytes) {
   const auto at = [&bytes](std::size_t position) {
     std::int32_t value = 0;
@@ -28,8 +28,8 @@ inline std::string CountedRecords(const std::string& bytes) {
   return bytes.substr(0, kHeader + at(kCountAt) * (128 + 16 * vectors + vectors / 8 + 1));
 }
 
-/// Collections that no reader takes, with the number of the read error; 0: no collection at all. `good` has 3 x 2
-/// vectors in several fields.
+/// Collections that every reader refuses, with the number of the read error; 0: not a collection at all. `good` has 3 x
+/// 2 vectors in several fields.
 inline std::vector<std::pair<std::string, int>> Damaged(const std::string& good) {
   const auto sized = [&good](std::int32_t columns, std::int32_t rows) {
     return With(With(good, kColumnsAt, columns), kRowsAt, rows);

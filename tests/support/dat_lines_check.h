@@ -14,7 +14,7 @@
 
 namespace quiverion::test {
 
-/// A text with what may be read around it, and not a byte more.
+/// A text with exactly the bytes around it that may be read.
 class PaddedText {
  public:
   explicit PaddedText(std::string_view text)

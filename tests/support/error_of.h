@@ -4,7 +4,7 @@
 
 namespace quiverion::test {
 
-/// The number of the SystemError that `action` throws; 0 where it throws none.
+/// The number of the SystemError that `action` throws; 0 if it throws none.
 template <class Action>
 int ErrorOf(Action action) {
   try {

@@ -17,7 +17,7 @@ inline VectorField MakeField(std::int32_t columns, std::int32_t rows) {
   return field;
 }
 
-/// Sets every velocity from the position: `u(x, y)` and `v(x, y)` take mm and give m/s.
+/// Sets every velocity from the position: `u(x, y)` and `v(x, y)` take mm and return m/s.
 template <class U, class V>
 void SetVelocities(VectorField& field, U u, V v) {
   for (std::int32_t j = 1; j <= field.rowCount; ++j) {

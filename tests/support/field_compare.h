@@ -11,7 +11,7 @@
 
 namespace quiverion::test {
 
-/// True where both hold the same bits: NaN equals itself, and -0 is not 0.
+/// True if both have the same bits: NaN equals itself, and -0 is not 0.
 inline bool SameBits(std::span<const double> a, std::span<const double> b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](double x, double y) {
     return std::bit_cast<std::uint64_t>(x) == std::bit_cast<std::uint64_t>(y);
@@ -31,7 +31,7 @@ bool SameItem(const Value& a, const Value& b) {
   }
 }
 
-/// Names the items of two fields that differ; empty where they are the same but for the path.
+/// Names the items in which two fields differ; empty if they are the same except for the path.
 inline std::string FirstDifference(const VectorField& a, const VectorField& b) {
   using F = VectorField;
   std::string different;

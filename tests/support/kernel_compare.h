@@ -8,10 +8,10 @@
 #include "support/error_of.h"
 #include "support/random_fields.h"
 
-/// Fast operations beside the plain loops of their definition: the same bits, the same stop.
+/// Compares fast operations with the plain loops of their definition: the same bits, the same stop.
 namespace quiverion::test {
 
-/// Where two fields differ in what operations change; empty where they do not.
+/// The difference between two fields in what operations change; empty if there is none.
 inline std::string ResultDifference(const VectorField& expected, const VectorField& actual) {
   if (const auto x = FirstDifference(expected.velX, actual.velX); !x.empty()) return "velX" + x;
   if (const auto y = FirstDifference(expected.velY, actual.velY); !y.empty()) return "velY" + y;
@@ -33,7 +33,7 @@ inline constexpr Mix kTiedMixes[] = {{.invalid = 100, .quantised = 1000},
                                      {.invalid = 50, .special = 300, .quantised = 700},
                                      {.invalid = 50, .special = 200, .notFinite = 60, .quantised = 600}};
 
-/// Runs a command on `field` in place of the current one; what it throws goes on.
+/// Runs a command on `field` instead of the current field and lets exceptions through.
 template <class Command>
 void RunOn(Context& context, VectorField& field, Command command) {
   std::swap(context.field, field);

@@ -6,7 +6,7 @@
 
 #include "support/field_builder.h"
 
-/// Fields that another program can make as well, and checksums to compare with what it computed from them.
+/// Fields that another program can generate as well, and checksums for comparison with its results.
 namespace quiverion::test {
 
 /// FNV-1a over all elements, eight bytes each.

@@ -40,7 +40,7 @@ class MemoryReadableFile : public Base {
   std::uint64_t failsAt_;
 };
 
-// Takes `size` bytes off the disk, or as many as there are.
+// Allocates `size` bytes of the disk, or as many as are left.
 std::size_t TakeDiskSpace(MemoryFileSystem::Faults& faults, std::size_t size) {
   if (faults.diskSize == 0) throw SystemError(faults.write);
   const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(size, faults.diskSize));
@@ -82,7 +82,7 @@ class MemoryUpdatedFile : public MemoryReadableFile<UpdatedFile> {
 
 class MemoryOutputFile : public OutputFile {
  public:
-  // An appended file begins with the content that is there.
+  // An appended file begins with the existing content.
   MemoryOutputFile(MemoryFileSystem& system, std::string path, ExistingFile existing, std::string content = {})
       : system_(system),
         path_(std::move(path)),

@@ -14,7 +14,7 @@
 namespace quiverion::test {
 
 /// Files in memory, with "/" and "\" as separators, and with faults on request. The directories "" and "/" exist;
-/// others exist where they were created or where a file lies in them.
+/// others exist if they were created or if they contain a file.
 class MemoryFileSystem : public FileSystem {
  public:
   std::map<std::string, std::string> files;
@@ -23,16 +23,16 @@ class MemoryFileSystem : public FileSystem {
   DriveKind drive = DriveKind::other;
   std::vector<std::uint64_t> freeBytes = {std::uint64_t{1} << 40};  // one answer per question, the last one stays
 
-  /// What goes wrong with the files that are written. Counted over all of them.
+  /// Faults of written files, counted over all of them.
   struct Faults {
-    std::optional<ErrorNumber> open = {};                                // of every file to be written
+    std::optional<ErrorNumber> open = {};                                // for every file to be written
     std::uint64_t diskSize = std::numeric_limits<std::uint64_t>::max();  // bytes until a write fails ...
     ErrorNumber write = ErrorNumber::diskFull;                           // ... with this
     bool setFileSize = false;
   };
   Faults faults;
 
-  std::map<std::string, ErrorNumber> openErrors;     // of files that are there but cannot be opened
+  std::map<std::string, ErrorNumber> openErrors;     // for files that exist but cannot be opened
   std::map<std::string, std::uint64_t> readFailsAt;  // byte at which reading fails with error 57
 
   int openWrittenFiles = 0;

@@ -2,7 +2,7 @@
 
 namespace quiverion::test {
 
-/// Kilobytes of memory that the process has needed at most.
+/// Peak memory of the process in kilobytes.
 long PeakMemory();
 
 }  // namespace quiverion::test

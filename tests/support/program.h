@@ -9,14 +9,14 @@
 namespace quiverion::cli {
 
 struct Outcome {
-  int code = -1;   // exit code; -1 where a signal (Ctrl+C) ended the program
+  int code = -1;   // exit code; -1 if a signal (Ctrl+C) ended the program
   int signal = 0;  // that signal
   std::string out;
   std::string err;
-  long peakKilobytes = 0;  // of its memory
+  long peakKilobytes = 0;  // of memory
 };
 
-/// What a program finds itself in, beside its files.
+/// The environment of a program, besides its files.
 struct Surroundings {
   std::vector<int> closed = {};  // standard streams
   long largestFile = -1;         // bytes, as the limits below; -1: no limit
@@ -24,7 +24,7 @@ struct Surroundings {
   long openFiles = -1;
 };
 
-/// Runs the program to its end. Its standard output goes to the file `output` where one is given.
+/// Runs the program to its end. Its standard output goes to the file `output` if one is given.
 Outcome RunProgram(const Workplace& place, const std::vector<std::string>& arguments, const std::string& input = {},
                    const std::string& output = {}, const Surroundings& surroundings = {});
 

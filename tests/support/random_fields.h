@@ -17,10 +17,10 @@ namespace quiverion::test {
 inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
 inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-/// What a random field holds besides ordinary vectors; the shares are per mille of the points.
+/// The contents of a random field besides ordinary vectors; the shares are per mille of the points.
 struct Mix {
   unsigned invalid = 0;
-  unsigned special = 0;  // zero, -0.0, equal to the vector before, tiny
+  unsigned special = 0;  // zero, -0.0, equal to the previous vector, tiny
   unsigned notFinite = 0;
   unsigned huge = 0;  // differences and squares overflow
   bool equalPositions = false;
@@ -46,7 +46,7 @@ inline double RandomVelocity(std::mt19937_64& random, const Mix& mix, double bef
   return choices[random() % 5];
 }
 
-/// Positions 0.05 to 2 mm apart, velocities below 20 m/s but for the mix, every derivedScalar different.
+/// Positions 0.05 to 2 mm apart, velocities below 20 m/s except for the mix, every derivedScalar different.
 inline VectorField RandomField(std::uint64_t seed, std::int32_t columns, std::int32_t rows, const Mix& mix) {
   std::mt19937_64 random(seed);
   VectorField field = MakeField(columns, rows);
@@ -74,7 +74,7 @@ inline bool SameNumber(double a, double b) {
   return (std::isnan(a) && std::isnan(b)) || std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
 }
 
-/// The first difference in words; empty where there is none.
+/// Describes the first difference; empty if there is none.
 inline std::string FirstDifference(const Grid<double>& expected, const Grid<double>& actual) {
   const auto [e, a] = std::ranges::mismatch(expected.Values(), actual.Values(), SameNumber);
   if (e == expected.Values().end()) return {};
@@ -92,7 +92,7 @@ void ForEverySize(Check check) {
   for (const auto& [columns, rows] : others) check(columns, rows);
 }
 
-/// Mixes without an arithmetic error: NaN and infinity are carried.
+/// Mixes without an arithmetic error: NaN and infinity propagate.
 inline constexpr Mix kCarriedMixes[] = {{},
                                         {.invalid = 150},
                                         {.invalid = 500, .special = 300},

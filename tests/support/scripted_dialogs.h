@@ -11,8 +11,7 @@
 
 namespace quiverion::test {
 
-/// Answers the dialogs of macro editing from a script and records what they were preset with. Without an answer the user
-/// cancels.
+/// Answers the dialogs of macro editing from a script and records their presets. Without an answer the user cancels.
 class ScriptedDialogs : public ParameterDialogs {
  public:
   std::deque<std::int32_t> commands;
@@ -22,7 +21,7 @@ class ScriptedDialogs : public ParameterDialogs {
 
   std::vector<TextQuestion> textQuestions;
   std::vector<FileQuestion> fileQuestions;
-  std::vector<MacroEvent> edited;  // as the windows got them
+  std::vector<MacroEvent> edited;  // as passed to the windows
 
   std::string topic;
 

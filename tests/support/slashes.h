@@ -7,7 +7,7 @@
 
 namespace quiverion::test {
 
-/// A text of the program whose paths are written with "/" on every system, for comparisons.
+/// A text of the program with "/" in paths on every system, for comparisons.
 inline std::string WithSlashes(std::string text) {
   std::replace(text.begin(), text.end(), kPathSeparator, '/');
   return text;

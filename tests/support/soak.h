@@ -2,15 +2,15 @@
 
 #include <cstdlib>
 
-/// Tests that are worth hours have two lengths: the short one of every build, and the long one of `./dev soak`, which
-/// sets QUIVERION_SOAK.
+/// Tests that can use hours have two forms: the short one runs in every build, the long one in `./dev soak`, which sets
+/// QUIVERION_SOAK.
 namespace quiverion::test {
 
 inline bool IsSoak() {
   return std::getenv("QUIVERION_SOAK") != nullptr;
 }
 
-/// Time and memory of a sanitized program say nothing about the one that is used.
+/// Time and memory of a sanitized program say nothing about the normal build.
 #ifdef __SANITIZE_ADDRESS__
 inline constexpr bool kSanitized = true;
 #else

@@ -6,10 +6,10 @@
 
 namespace quiverion::cli {
 
-/// The signals that ask the program to stop. On Windows SIGINT stands for Ctrl+C in its console.
+/// The signals that ask the program to stop. On Windows, SIGINT represents Ctrl+C in its console.
 std::vector<int> AbortSignals();
 
-/// A running program whose standard output nobody takes: once the pipe is full, it stands still.
+/// A running program whose standard output nobody reads: once the pipe is full, it stalls.
 class StalledProgram {
  public:
   StalledProgram(const Workplace& place, const std::vector<std::string>& arguments);
@@ -17,13 +17,13 @@ class StalledProgram {
   StalledProgram(const StalledProgram&) = delete;
   StalledProgram& operator=(const StalledProgram&) = delete;
 
-  /// Waits until it stands still in its output. False where it did not within a minute.
+  /// Waits until it stalls in its output. False if it does not within a minute.
   bool WaitUntilStalled() const;
 
   /// Sends a signal and waits until it has been delivered.
   void Signal(int number) const;
 
-  /// Takes all output and waits for the end.
+  /// Reads all output and waits for the end.
   Outcome Finish();
 
  private:

@@ -7,17 +7,17 @@
 
 namespace quiverion::test {
 
-/// A call by which the program changes a file, or reads one that it changes in place.
+/// A call that changes a file, or reads one that is changed in place.
 struct SystemCall {
   enum class Kind { open, read, write, sync, close, rename, resize, remove, makeDirectory };
   Kind kind;
-  std::string path;  // of a rename the new one
-  int flags = 0;     // of an open
+  std::string path;  // for a rename, the new one
+  int flags = 0;     // for an open
 };
 
-/// Steps between the program's code and the system while it lives, for all files whose path begins with `directory`:
-/// the faults of disks, permissions and other processes happen at the exact call where they are wanted. Only calls of
-/// code that is linked with the library `system_calls` pass here, and only one object may live at a time.
+/// While it lives, intercepts the system calls of the program for all files whose path begins with `directory`. So
+/// faults of disks, permissions and other processes can be made to happen at an exact call. Only code that is linked
+/// with the library `system_calls` is intercepted, and only one object may live at a time.
 class SystemCalls {
  public:
   explicit SystemCalls(std::string directory);
@@ -25,14 +25,14 @@ class SystemCalls {
   SystemCalls(const SystemCalls&) = delete;
   SystemCalls& operator=(const SystemCalls&) = delete;
 
-  /// Asked before each call: the errno with which it fails, or 0. A close that fails closes all the same, and nothing is
-  /// done by the others. May change the world beforehand, or end the process.
+  /// Called before each call; returns the errno with which it fails, or 0. A failing close still closes the file; other
+  /// failing calls do nothing. The function may change files first, or end the process.
   std::function<int(const SystemCall&)> before;
 
-  /// So many bytes go to the system with one call; the rest is a short write.
+  /// At most so many bytes are written by one call; larger writes become short ones.
   std::size_t largestWrite = std::numeric_limits<std::size_t>::max();
 
-  /// What a file or a directory was opened for, made, renamed or removed outside `directory`: the first such call's path.
+  /// The path of the first call that changed something outside `directory`.
   std::string strayed;
 
   int Ask(const SystemCall& call);

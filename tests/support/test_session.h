@@ -11,12 +11,12 @@
 
 namespace quiverion::test {
 
-/// Answers message boxes from a script and records what it was shown.
+/// Answers message boxes from a script and records what was shown.
 class ScriptedUi : public UserInterface {
  public:
   std::deque<MessageAnswer> answers;  // without one, a box gets `defaultAnswer`
   MessageAnswer defaultAnswer = MessageAnswer::cancel;
-  std::function<void(const Message&)> onAsk;  // before the answer: mends the fault, say
+  std::function<void(const Message&)> onAsk;  // called before the answer, for example to remove the fault
   int abortAtYield = 0;                       // counted from 1; 0: never
 
   std::vector<Message> messages;
@@ -52,7 +52,7 @@ class ScriptedUi : public UserInterface {
   bool Yield() override { return ++yields == abortAtYield; }
 };
 
-/// Keeps the pieces of a log.
+/// Records the pieces of a log.
 class LogRecorder : public LogSink {
  public:
   struct Piece {
@@ -70,7 +70,7 @@ class LogRecorder : public LogSink {
   }
 };
 
-/// Tells the given times one after the other; the last one stays.
+/// Returns the given times one after the other; the last one repeats.
 class ScriptedClock : public Clock {
  public:
   mutable std::deque<float> times = {0.0f};
@@ -82,7 +82,7 @@ class ScriptedClock : public Clock {
   std::string DateAndTime() const override { return "01.02.2003 04:05:06"; }
 };
 
-/// A session on the given files, all other services faked.
+/// A session on the given files, with fakes for all other services.
 struct ScriptedProgram {
   explicit ScriptedProgram(FileSystem& fileSystem) : session(fileSystem, ui, log, clock) { log.Attach(recorder); }
 
@@ -93,7 +93,7 @@ struct ScriptedProgram {
   Session session;
   Context& context = session.context;
 
-  /// Takes what has been logged since the last call.
+  /// Returns what has been logged since the last call.
   std::string TakeLog() {
     std::string text = recorder.Text();
     recorder.pieces.clear();
@@ -105,7 +105,7 @@ struct FilesInMemory {
   MemoryFileSystem files;
 };
 
-/// A program in memory.
+/// A session on files in memory.
 struct TestSession : FilesInMemory, ScriptedProgram {
   TestSession() : ScriptedProgram(files) {}
 };

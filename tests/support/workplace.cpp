@@ -26,7 +26,7 @@ std::string TextOf(const fs::path& path) {
   return {text.begin(), text.end()};
 }
 
-// Longer than 260 characters from a drive on needs a mark in front.
+// Paths longer than 260 characters need a prefix.
 fs::path ForLongPaths(const fs::path& path) {
   return path.has_root_name() ? fs::path("\\\\?\\") += path : path;
 }

@@ -6,13 +6,13 @@
 
 namespace quiverion::cli {
 
-/// The path that a UTF-8 text names, with the separators of the system.
+/// The path for a UTF-8 text, with the separators of the system.
 std::filesystem::path PathOf(const std::string& utf8);
 
-/// Removes a file or a directory with everything in it, also what is read-only. Where that fails, what is left is left.
+/// Removes a file or a directory with everything in it, including read-only files. Failures are ignored.
 void RemoveTree(const std::filesystem::path& path);
 
-/// A directory of its own for a test, removed with everything in it. The program runs in it.
+/// A temporary directory for a test, removed at the end. The program runs in it.
 class Workplace {
  public:
   Workplace();
@@ -25,12 +25,12 @@ class Workplace {
   /// The path of a file, with the separators of the system.
   std::string At(const std::string& name) const;
 
-  /// Creates or replaces a file; directories on the way are created.
+  /// Creates or replaces a file, with missing directories.
   void Write(const std::string& name, const std::string& content) const;
-  /// The content; an empty text and a test failure where the file is missing.
+  /// The content; an empty text and a test failure if the file is missing.
   std::string Read(const std::string& name) const;
   bool Has(const std::string& name) const;
-  /// Names of all files below, sorted, with the directories before them.
+  /// Relative paths of all files below, sorted.
   std::vector<std::string> Files() const;
 
  private:

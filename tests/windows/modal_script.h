@@ -21,7 +21,7 @@
 
 namespace quiverion::test {
 
-/// A control of a window by its object name. Fails the test where there is none of that kind.
+/// A control of a window by its object name. Fails the test if there is none of that type.
 template <class Control>
 Control& Find(const QWidget& window, const char* name) {
   auto* const control = window.findChild<Control*>(name);
@@ -33,7 +33,7 @@ inline void Press(const QWidget& window, const char* button) {
   Find<QAbstractButton>(window, button).click();
 }
 
-/// Replaces the text of a box by typing, as a user does who has moved into it.
+/// Replaces the text of a box by typing, like a user who has moved into it.
 inline void Type(QWidget& window, const char* box, const char* text) {
   auto& edit = Find<QLineEdit>(window, box);
   edit.setFocus();
@@ -46,7 +46,7 @@ inline void Type(QWidget& window, const char* box, const char* text) {
 inline void ExpectReadable(const QWidget& window) {
   for (const auto* control : window.findChildren<QWidget*>()) {
     const QString name = control->objectName();
-    // Parts that the widgets make for themselves have no name.
+    // Parts that the widgets create themselves have no name.
     if (name.isEmpty() || name.startsWith("qt_") || qobject_cast<const QToolButton*>(control) != nullptr) continue;
     const auto* const button = qobject_cast<const QAbstractButton*>(control);
     if (button != nullptr || qobject_cast<const QLabel*>(control) != nullptr) {
@@ -67,8 +67,8 @@ inline void ExpectReadable(const QWidget& window) {
   }
 }
 
-/// Answers modal windows while the code under test waits for them: each step handles the modal window that is up, in
-/// turn. A window that no step expects is closed and fails the test; so does a step that was not needed.
+/// Answers modal windows while the code under test waits for them: each step handles the next modal window. A window
+/// that no step expects is closed and fails the test, and so does an unused step.
 class ModalScript {
  public:
   ModalScript() {
@@ -104,7 +104,7 @@ class ModalScript {
   /// What the message boxes have said so far: "title|text" and the button that Enter presses, a line for each.
   std::string said;
 
-  /// Called at every tick while no modal window is up.
+  /// Called at every tick while no modal window is open.
   std::function<void()> idle;
 
  private:
@@ -121,7 +121,7 @@ class ModalScript {
     }
     const std::string expected = steps_.empty() ? "nothing" : steps_.front().className;
     if (expected != window->metaObject()->className()) {
-      // The window of the step before is still closing, or the wrong one has come.
+      // The window of the previous step is still closing, or the wrong one has opened.
       if (++patience_ < 400) return;
       ADD_FAILURE() << window->metaObject()->className() << " '" << FromQt(window->windowTitle()) << "' in place of "
                     << expected;
@@ -133,7 +133,7 @@ class ModalScript {
     if (const auto* const box = qobject_cast<QMessageBox*>(window)) {
       said += FromQt(box->windowTitle() + "|" + box->text() + "|" + box->defaultButton()->text()) + "\n";
     }
-    // Not in the timer's own event: a timer does not tick in a window that its event opens.
+    // Not in the timer's own event, because the timer does not fire in the event loop of a window opened there.
     QMetaObject::invokeMethod(
         window, [window, step = std::move(steps_.front())] { Run(step, *window); }, Qt::QueuedConnection);
     steps_.pop_front();

@@ -11,7 +11,7 @@ namespace quiverion {
 std::vector<std::string> MountedDrives() {
   std::vector<std::string> drives = {PathFromQt(QDir::rootPath())};
   for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
-    // A single file can be a mount point too.
+    // A mount point can also be a single file.
     if (QFileInfo(volume.rootPath()).isDir()) drives.push_back(PathFromQt(volume.rootPath()));
   }
   std::ranges::sort(drives);

@@ -38,7 +38,7 @@ frmHelp::frmHelp(const QString& directory, QWidget* parent)
   connect(ui_->lstKeywords, &QListWidget::itemClicked, this, openLine);
   connect(ui_->lstKeywords, &QListWidget::itemActivated, this, openLine);
   ui_->txtKeyword->installEventFilter(this);
-  // By its access key or the mouse; the arrow keys go on to the next tab.
+  // By its access key or the mouse; the arrow keys move on to the next tab.
   connect(ui_->tabs, &QTabWidget::currentChanged, this, [this] {
     if (ui_->tabs->currentWidget() == ui_->tabIndex && !ui_->tabs->tabBar()->hasFocus()) ui_->txtKeyword->setFocus();
   });
@@ -105,7 +105,7 @@ bool frmHelp::eventFilter(QObject* /*watched*/, QEvent* event) {
   return true;
 }
 
-// Keywords that hold the text, wherever; the first one is chosen.
+// Keywords that contain the text anywhere; the first one is selected.
 void frmHelp::FilterKeywords(const QString& text) {
   QListWidgetItem* first = nullptr;
   for (int row = 0; row < ui_->lstKeywords->count(); ++row) {
@@ -117,7 +117,7 @@ void frmHelp::FilterKeywords(const QString& text) {
   ui_->lstKeywords->setCurrentItem(first);
 }
 
-// The contents follow the page.
+// The table of contents follows the page.
 void frmHelp::PageChanged(const QUrl& url) {
   const QString target = url.toString();
   setWindowTitle("QuiverionSeries - Hilfe: " + ui_->txtPage->documentTitle());

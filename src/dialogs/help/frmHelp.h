@@ -12,25 +12,25 @@ class QTreeWidgetItem;
 
 namespace quiverion {
 
-/// The manual: its contents and its keywords beside the page.
+/// The manual: the page, with contents and keywords next to it.
 class frmHelp : public QDialog {
   Q_OBJECT
 
  public:
-  /// `directory` holds the pages (":/..." for a resource).
+  /// `directory` contains the pages (":/..." for a resource).
   explicit frmHelp(const QString& directory, QWidget* parent = nullptr);
   ~frmHelp() override;
 
   void ShowContents();
   void ShowIndex();
 
-  /// The page of a topic, or the contents where it has none.
+  /// Shows the page of a topic, or the contents if it has none.
   void ShowTopic(const QString& topic);
 
   const HelpPages& Pages() const { return pages_; }
 
  protected:
-  /// Moves through the keywords from the box above them.
+  /// Moves through the keywords with keys pressed in the box above them.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:

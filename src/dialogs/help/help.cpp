@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char* kRoot = "/hilfe";
 
-// The topics that a window itself names, the best first.
+// The topics that a window itself provides, the best one first.
 QStringList NamesOf(const QWidget& window) {
   const auto* const menu = qobject_cast<const QMenu*>(&window);
   if (menu != nullptr && menu->activeAction() != nullptr) return {menu->activeAction()->objectName()};

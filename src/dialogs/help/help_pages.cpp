@@ -6,7 +6,7 @@
 namespace quiverion {
 namespace {
 
-// Calls `onElement` at every start tag of a page; a page ends where it is no XML any more.
+// Calls `onElement` at every start tag of a page. Reading stops at the first XML error.
 template <class OnElement>
 void ReadPage(const QString& path, const OnElement& onElement) {
   QFile file(path);
@@ -22,7 +22,7 @@ void ReadPage(const QString& path, const OnElement& onElement) {
   }
 }
 
-// The links inside lists.
+// Only the links inside lists.
 std::vector<HelpEntry> ReadLinks(const QString& path) {
   std::vector<HelpEntry> links;
   ReadPage(path, [&links](QXmlStreamReader& xml, int lists) {

@@ -13,16 +13,17 @@ struct HelpEntry {
   int depth = 0;   // 0 for a chapter
 };
 
-/// The manual: XHTML pages in one directory. `inhalt.html` links every page, `stichworte.html` holds the keywords.
+/// The manual: XHTML pages in one directory. `inhalt.html` links every page, `stichworte.html` has the keywords.
 class HelpPages {
  public:
-  /// Reads the pages of a directory (":/..." for one in a resource). Pages that cannot be read are as if they were empty.
+  /// Reads the pages of a directory (":/..." for one in a resource). Pages that cannot be read count as empty.
   explicit HelpPages(const QString& directory);
 
   const std::vector<HelpEntry>& Contents() const { return contents_; }
   const std::vector<HelpEntry>& Keywords() const { return keywords_; }
 
-  /// Where a topic stands: the command, menu item or window whose name is the id of a heading. Empty for an unknown one.
+  /// The target of a topic: the name of a command, menu item or window, which is the id of a heading. Empty if it is
+  /// unknown.
   QString TargetOf(const QString& topic) const { return targets_.value(topic); }
 
  private:

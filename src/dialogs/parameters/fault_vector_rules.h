@@ -4,10 +4,10 @@
 
 #include "operations/kernels/faulty_vectors.h"
 
-/// What the window for faulty vectors decides.
+/// The decisions of the window for faulty vectors.
 namespace quiverion {
 
-/// What is marked in it.
+/// What is checked in it.
 struct FaultVectorChoices {
   bool absDeviation = false;
   bool absInterval = false;
@@ -17,7 +17,7 @@ struct FaultVectorChoices {
   CompareVectorType compareWith = CompareVectorType::localMean;
 };
 
-/// Which of its controls are enabled; those of a criterion are enabled where it is marked.
+/// Which of its controls are enabled; those of a criterion are enabled if it is checked.
 struct FaultVectorControls {
   bool compareWith = false;   // the frame and its four options
   bool localMiddle = false;   // the sizes of its window
@@ -31,7 +31,7 @@ struct FaultVectorControls {
 
 FaultVectorControls EnabledControls(const FaultVectorChoices& choices);
 
-/// Exchanges the texts of two bounds where the lower one is the greater number. Throws SystemError 6 for a number that is
+/// Swaps the texts of two bounds if the lower bound is the greater number. Throws SystemError 6 for a number that is
 /// too large.
 void OrderBounds(std::string& lower, std::string& upper);
 

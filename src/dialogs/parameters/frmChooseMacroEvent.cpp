@@ -12,7 +12,7 @@
 namespace quiverion {
 namespace {
 
-constexpr int kKey = Qt::UserRole;  // of a node: "K" and the id
+constexpr int kKey = Qt::UserRole;  // "K" and the id of a node
 
 std::int32_t EventIdOf(const QTreeWidgetItem& node) {
   return node.data(0, kKey).toString().mid(1).toInt();
@@ -52,7 +52,7 @@ void frmChooseMacroEvent::FillTree() {
     node->setData(0, kKey, QStringLiteral("K%1").arg(row.eventId));
     node->setIcon(0, row.IsMenu() ? closedMenu : command);
   }
-  // The key "*" expands commands, too.
+  // The key "*" would expand commands, too.
   const auto showIcon = [](const QIcon& icon) {
     return [icon](QTreeWidgetItem* node) {
       if (node->childCount() > 0) node->setIcon(0, icon);

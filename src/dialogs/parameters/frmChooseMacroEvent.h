@@ -13,7 +13,8 @@ class frmChooseMacroEvent;
 
 namespace quiverion {
 
-/// The tree of all commands. Hidden, not destroyed, after use: it keeps its expanded menus and its selection.
+/// The tree of all commands. After use it is hidden, not destroyed, so that it keeps its expanded menus and its
+/// selection.
 class frmChooseMacroEvent : public QDialog {
   Q_OBJECT
 
@@ -21,7 +22,7 @@ class frmChooseMacroEvent : public QDialog {
   explicit frmChooseMacroEvent(QWidget* parent = nullptr);
   ~frmChooseMacroEvent() override;
 
-  /// Shows the window; the chosen command, none where the user cancels.
+  /// Shows the window and returns the chosen command; none if the user cancels.
   std::optional<std::int32_t> Choose();
 
  private:

@@ -7,10 +7,10 @@ namespace {
 
 struct Box {
   FilteredLineEdit* edit;
-  const char* refusedZero;  // what is said where the number is 0; null: it may be
+  const char* refusedZero;  // message if the number is 0; null: 0 is allowed
 };
 
-// In the order in which they are checked.
+// In the order of the checks.
 std::array<Box, 6> BoxesOf(const Ui::frmXYTrafo& ui) {
   constexpr const char* kVectors = "Bitte geben sie als Faktor bei der Vektorskalierung keine Null an!";
   return {{{ui.txtFakX, "Bitte geben sie als Faktor bei der x-Koordinate keine Null an!"},
@@ -27,7 +27,7 @@ frmXYTrafo::frmXYTrafo(UserInterface& messages, QWidget* parent)
     : ParameterWindow(messages, parent), ui_(std::make_unique<Ui::frmXYTrafo>()) {
   ui_->setupUi(this);
   for (const Box& box : BoxesOf(*ui_)) box.edit->SetRule(KeyRule::factor);
-  // A new scale of the coordinates is one of the vectors too, until that is typed over.
+  // A new scale of the coordinates also becomes that of the vectors, until the user types another one there.
   connect(ui_->txtFakX, &QLineEdit::textEdited, this, [this] { ui_->txtFakVecX->ShowText(ui_->txtFakX->Text()); });
   connect(ui_->txtFakY, &QLineEdit::textEdited, this, [this] { ui_->txtFakVecY->ShowText(ui_->txtFakY->Text()); });
   connect(ui_->cmdOk, &QPushButton::clicked, this, &QDialog::accept);

@@ -16,41 +16,41 @@ struct TextQuestion {
   std::string preset;
 };
 
-/// A file dialog. Paths are the bytes the system uses.
+/// A file dialog. Paths are the bytes that the system uses.
 struct FileQuestion {
   enum class Kind {
     open,  // the file must exist
-    save,  // it may exist; nothing is asked about it
+    save,  // it may exist; the dialog does not ask
   };
   Kind kind = Kind::open;
   std::string title = {};
   std::vector<std::string> filters = {};  // as shown: "Alle Dateien (*.*)", "Bilder (*.png;*.jpg)"
-  std::size_t selectedFilter = 0;         // of a file to be opened
+  std::size_t selectedFilter = 0;         // when opening
   std::string directory = {};
   std::string fileName = {};   // preset, without directory
-  std::string extension = {};  // appended to a name without one, "txt"; none where empty
+  std::string extension = {};  // appended to a name without one ("txt"); empty: none
 };
 
-/// What editing a macro shows beyond message boxes: windows in the program, a script in tests. Nothing here changes a
-/// macro.
+/// The dialogs that editing a macro needs besides message boxes: windows in the program, a script in tests. They do not
+/// change the macro.
 class ParameterDialogs {
  public:
   virtual ~ParameterDialogs() = default;
 
-  /// What the dialogs that follow are about, for the help: the name of a command or menu item, empty for nothing.
+  /// Sets the topic of the following dialogs for the help: the name of a command or menu item, or empty.
   virtual void SetTopic(std::string_view topic) = 0;
 
-  /// The command chosen in the command tree; none where the user cancels.
+  /// The command chosen in the command tree; none if the user cancels.
   virtual std::optional<std::int32_t> ChooseCommand() = 0;
 
-  /// The answer to an input box; none where the user cancels.
+  /// The answer to an input box; none if the user cancels.
   virtual std::optional<std::string> AskText(const TextQuestion& question) = 0;
 
-  /// The chosen path; none where the user cancels or the dialog fails.
+  /// The chosen path; none if the user cancels or the dialog fails.
   virtual std::optional<std::string> ChooseFile(const FileQuestion& question) = 0;
 
-  /// Shows the parameter window of a command with the values of `event`, which are all there, and stores what the user
-  /// confirms. False where the user cancels: the event is unchanged.
+  /// Shows the parameter window of a command with the values of `event`, which must be complete, and stores what the
+  /// user confirms. False if the user cancels; the event is then unchanged.
   virtual bool EditInWindow(const CommandRow& command, MacroEvent& event) = 0;
 };
 

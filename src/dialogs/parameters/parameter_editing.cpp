@@ -12,7 +12,7 @@
 namespace quiverion {
 namespace {
 
-// Asking for one command: the parameters of all steps.
+// Asks for the parameters of one command; the members are what all steps need.
 struct Editing {
   EditingServices& services;
   const CommandRow& command;
@@ -40,7 +40,7 @@ EditOutcome AskComment(const Editing& editing) {
   return EditOutcome::stored;
 }
 
-// The directory and the name of the file that a command has already.
+// Directory and name of the file that the command already has.
 void PresetWith(FileQuestion& question, const std::string& path) {
   if (path.empty()) return;
   question.fileName = FileNameOf(path);

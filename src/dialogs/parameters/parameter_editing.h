@@ -6,11 +6,12 @@
 #include "dialogs/parameters/parameter_dialogs.h"
 #include "field/context.h"
 
-/// Asking for the parameters of a command, without any window: which dialog, its presets, and what an answer means.
+/// Asks for the parameters of a command, without any window code: decides which dialog to show, its presets, and what
+/// an answer means.
 namespace quiverion {
 
-/// What the questions need: message boxes and files of the context, the dialogs, and the directory that the main window
-/// shows.
+/// What the questions need: message boxes and files (from the context), the dialogs, and the current directory of the
+/// main window.
 struct EditingServices {
   Context& context;
   ParameterDialogs& dialogs;
@@ -19,14 +20,14 @@ struct EditingServices {
 
 enum class EditOutcome {
   cancelled,      // the event is unchanged
-  stored,         // also for a new command without parameters
-  removeCommand,  // what the user chose leaves nothing to do: the command goes
+  stored,         // also used for a new command without parameters
+  removeCommand,  // the user's choice leaves nothing to do: the command is to be removed
 };
 
-/// Asks for the parameters of the command `event`, a new one or one of the macro, and stores them in it.
+/// Asks for the parameters of the command `event`, new or already in the macro, and stores them in it.
 EditOutcome AskParameters(EditingServices& services, MacroEvent& event, bool isNew);
 
-/// Adds the parameters that `event` lacks, with the values a new command begins with.
+/// Adds the parameters that `event` lacks, with the values of a new command.
 void AddDefaultParameters(MacroEvent& event);
 
 /// Shows that a typed number is too large for the program.

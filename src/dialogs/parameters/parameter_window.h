@@ -19,7 +19,8 @@ class ParameterWindow : public QDialog {
   /// `messages` must outlive the window.
   explicit ParameterWindow(UserInterface& messages, QWidget* parent = nullptr) : QDialog(parent), messages_(messages) {}
 
-  /// Shows the values of `event`, which are all there. A macro file may hold numbers out of bounds: the nearest is shown.
+  /// Shows the values of `event`, which must be complete. A macro file may hold numbers out of bounds: the nearest is
+  /// shown.
   virtual void Load(const MacroEvent& event);
 
   /// Puts what the window shows of the loaded command into `event`.

@@ -37,7 +37,8 @@ std::unique_ptr<ParameterWindow> MakeWindow(const ParameterEditor& editor, UserI
   }
 }
 
-// `path` or the nearest directory above it that exists: of one that has gone the dialog would take the end for a file name.
+// `path` or the nearest existing directory above it. If the directory is gone, the dialog would take its last part for
+// a file name.
 QString ExistingDirectory(const std::string& path) {
   QString directory = PathToQt(path);
   for (QString above; !QFileInfo(directory).isDir(); directory = above) {
@@ -74,7 +75,7 @@ std::optional<std::string> ParameterWindows::AskText(const TextQuestion& questio
   box.setTextValue(ToQt(question.preset));
   box.setOkButtonText(QStringLiteral("&Ok"));
   box.setCancelButtonText(QStringLiteral("&Abbrechen"));
-  box.layout()->setSizeConstraint(QLayout::SetDefaultConstraint);  // else it takes the minimum for its own
+  box.layout()->setSizeConstraint(QLayout::SetDefaultConstraint);  // otherwise the minimum size of the layout wins
   box.setMinimumWidth(WidthOfTitle(box));
   box.findChild<QLabel*>()->setWordWrap(true);  // with large letters it can be wider than the screen
   if (RunModal(box) != QDialog::Accepted) return std::nullopt;

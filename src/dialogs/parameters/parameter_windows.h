@@ -9,7 +9,7 @@
 
 namespace quiverion {
 
-/// The dialogs as windows over `parent`.
+/// ParameterDialogs with windows over `parent`.
 class ParameterWindows : public ParameterDialogs {
  public:
   /// Both must outlive the object.

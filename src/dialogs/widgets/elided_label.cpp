@@ -31,7 +31,7 @@ bool ElidedLabel::event(QEvent* event) {
   if (event->type() != QEvent::ToolTip) return QLabel::event(event);
   const QString whole = text();
   if (Shown() == whole) return false;
-  // Not as rich text, whatever a file name looks like.
+  // Never as rich text, even if a file name looks like it.
   QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), whole.toHtmlEscaped(), this);
   return true;
 }

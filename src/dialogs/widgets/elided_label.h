@@ -4,8 +4,8 @@
 
 namespace quiverion {
 
-/// A label that shows of each line too long for it the beginning and the end, and the whole text as tooltip. Its text has
-/// no say in the width of the window.
+/// A label that shows the beginning and the end of lines that are too long, and the whole text as a tooltip. Its text
+/// does not affect the width of the window.
 class ElidedLabel : public QLabel {
   Q_OBJECT
 

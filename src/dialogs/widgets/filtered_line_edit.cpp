@@ -17,13 +17,13 @@ std::u16string_view View(QStringView text) {
 
 }  // namespace
 
-// Sees every change of the text, wherever it comes from (a drop, an input method), and takes out of it what the rule
-// refuses. What is typed and pasted by keys was filtered before: a change that is mended here cannot be undone.
+// Sees every change of the text, including drops and input methods, and removes what the rule refuses. Typed and pasted
+// text has been filtered before, because a change that is corrected here cannot be undone.
 class FilteredLineEdit::Filter : public QValidator {
  public:
   explicit Filter(FilteredLineEdit& box) : QValidator(&box), box_(box) {}
 
-  // What was put in ends at the caret: what stands behind it was there, and so was the beginning that both texts share.
+  // The inserted text ends at the caret. The text after it is old, and so is the common beginning of both texts.
   State validate(QString& text, int& caret) const override {
     if (text == box_.held_) return Acceptable;
     const QStringView right = QStringView(text).mid(caret);
@@ -33,7 +33,7 @@ class FilteredLineEdit::Filter : public QValidator {
     const QStringView left = QStringView(text).left(kept);
     const QStringView typed = QStringView(text).mid(kept, caret - kept);
     const std::u16string accepted = FilterKeys(box_.rule_, View(left), View(typed), View(right));
-    if (accepted.empty() && !typed.isEmpty()) return Invalid;  // nothing of it: the box takes the change back
+    if (accepted.empty() && !typed.isEmpty()) return Invalid;  // nothing is left: the box undoes the change
     const QString filtered = left.toString() + QString::fromStdU16String(accepted) + right.toString();
     caret = static_cast<int>(kept + static_cast<qsizetype>(accepted.size()));
     text = filtered;

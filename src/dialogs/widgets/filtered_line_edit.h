@@ -7,8 +7,8 @@
 
 namespace quiverion {
 
-/// A text box that takes only the characters of its rule, typed, pasted or dropped, and that is wholly selected when it
-/// receives the focus.
+/// A text box that accepts only the characters of its rule, whether typed, pasted or dropped. Its whole text is
+/// selected when it receives the focus.
 class FilteredLineEdit : public QLineEdit {
   Q_OBJECT
 
@@ -17,7 +17,7 @@ class FilteredLineEdit : public QLineEdit {
 
   void SetRule(KeyRule rule) { rule_ = rule; }
 
-  /// Shows a stored text as it is, whatever the rule says.
+  /// Shows a stored text unchanged, without applying the rule.
   void ShowText(const std::string& text);
 
   std::string Text() const;
@@ -37,7 +37,7 @@ class FilteredLineEdit : public QLineEdit {
 
   KeyRule rule_ = KeyRule::signedNumber;
   QString held_;            // the text before the change that is being filtered
-  bool selectAll_ = false;  // the focus came by the click that is going on
+  bool selectAll_ = false;  // the click in progress has set the focus
 };
 
 }  // namespace quiverion

@@ -6,7 +6,7 @@
 
 namespace quiverion {
 
-/// Runs what an event asks for: whatever it throws ends in a message box, never in the event loop.
+/// Runs the reaction to an event. Whatever it throws is shown in a message box and never reaches the event loop.
 void Guarded(UserInterface& messages, const std::function<void()>& action);
 
 }  // namespace quiverion

@@ -5,7 +5,7 @@
 #include <QPainter>
 #include <QPalette>
 
-// Outside of any namespace, where the macro has to stand.
+// Outside any namespace, as the macro requires.
 void UseIcons() {
   Q_INIT_RESOURCE(icons);
 }

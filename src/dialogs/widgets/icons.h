@@ -2,7 +2,7 @@
 
 #include <QIcon>
 
-/// Makes the pictures under ":/icons" known. Called before a form that shows them is built; more than once does no harm.
+/// Registers the pictures under ":/icons". Call it before building a form that shows them; it may be called repeatedly.
 void UseIcons();
 
 namespace quiverion {

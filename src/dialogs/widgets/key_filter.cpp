@@ -9,7 +9,7 @@ bool Contains(std::u16string_view text, char16_t c) {
   return text.find(c) != std::u16string_view::npos;
 }
 
-// What a number box makes of a character; 0 where it drops it.
+// The character that a number box accepts for `c`; 0 if it drops it.
 char16_t NumberKey(KeyRule rule, std::u16string_view left, char16_t key, std::u16string_view right) {
   if (key >= u'0' && key <= u'9') return key;
   if (rule == KeyRule::digits) return 0;

@@ -5,7 +5,7 @@
 
 namespace quiverion {
 
-/// Which characters a text box takes.
+/// Which characters a text box accepts.
 enum class KeyRule {
   digits,
   unsignedNumber,  // and one point
@@ -15,9 +15,9 @@ enum class KeyRule {
   postfix,         // of a file name
 };
 
-/// The characters of `typed` that the box takes, one after the other, between what stands to the left and to the right of
-/// them (a selection that they replace stands in neither). A comma in a number becomes a point, a slash in a prefix a
-/// backslash. Control characters are dropped: a text box has no use for them.
+/// The characters of `typed` that the box accepts, one after the other, between the text to the left and the text to
+/// the right of them (neither includes a selection that they replace). A comma in a number becomes a point, a slash in
+/// a prefix a backslash. Control characters are dropped.
 std::u16string FilterKeys(KeyRule rule, std::u16string_view left, std::u16string_view typed, std::u16string_view right);
 
 }  // namespace quiverion

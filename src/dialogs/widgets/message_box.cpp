@@ -34,8 +34,8 @@ constexpr Answer kAnswers[] = {
 struct ButtonSet {
   MessageButtons kind;
   QMessageBox::StandardButtons buttons;
-  Button first;   // what Enter presses where nothing else is said
-  Button escape;  // what closing the box means
+  Button first;   // what Enter presses by default
+  Button escape;  // the answer if the box is closed
 };
 
 constexpr ButtonSet kButtonSets[] = {
@@ -63,13 +63,13 @@ QMessageBox::Icon IconOf(MessageIcon icon) {
   return QMessageBox::Warning;
 }
 
-// Abort, Retry, Ignore are asked in this order; where a system puts what refuses last, it would come last.
+// The order is Abort, Retry, Ignore, even on systems that would put the refusing button last.
 void PutFirst(QMessageBox& box, Button first) {
   auto* const row = qobject_cast<QBoxLayout*>(box.findChild<QDialogButtonBox*>()->layout());
   QAbstractButton* const button = box.button(first);
   if (row == nullptr || button == nullptr) return;
   int place = 0;
-  while (row->itemAt(place)->widget() == nullptr) ++place;  // what aligns them
+  while (row->itemAt(place)->widget() == nullptr) ++place;  // the stretch that aligns them
   QWidget* const before = row->itemAt(place)->widget();
   if (before == button) return;
   row->removeWidget(button);
@@ -80,7 +80,7 @@ void PutFirst(QMessageBox& box, Button first) {
 }  // namespace
 
 int WidthOfTitle(const QWidget& window) {
-  constexpr int besideTitle = 140;  // the picture and the buttons of the window's frame
+  constexpr int besideTitle = 140;  // icon and buttons of the window frame
   return window.fontMetrics().horizontalAdvance(window.windowTitle()) + besideTitle;
 }
 
@@ -97,12 +97,12 @@ MessageAnswer ShowMessageBox(QWidget* parent, const Message& message) {
     if (message.preselected == answer.answer) box.setDefaultButton(answer.button);
   }
   if (message.buttons == MessageButtons::abortRetryIgnore) PutFirst(box, QMessageBox::Abort);
-  // The box has a fixed size: only what lies in its layout widens it.
+  // The box has a fixed size: only an item in its layout can make it wider.
   if (auto* const grid = qobject_cast<QGridLayout*>(box.layout())) {
     grid->addItem(new QSpacerItem(WidthOfTitle(box), 0), grid->rowCount(), 0, 1, grid->columnCount());
   }
   int pressed = RunModal(box);
-  // An application that ends closes the box without a button.
+  // The box is closed without a button when the application ends.
   if (!set.buttons.testFlag(static_cast<Button>(pressed))) pressed = set.escape;
   return std::ranges::find(kAnswers, pressed, [](const Answer& answer) { return int{answer.button}; })->answer;
 }

@@ -3,18 +3,17 @@
 #include <QFileDialog>
 #include <QPrinter>
 
-/// What the dialogs and fonts of the system want, each system in its own way.
+/// The parts of dialogs and fonts that differ between the systems.
 namespace quiverion {
 
-/// Gives the dialog the name filters ("Textdatei (*.txt)") for a file that is saved. The dialog is to leave the name as it
-/// was typed: extensions are the program's matter.
+/// Gives the dialog the name filters ("Textdatei (*.txt)") for saving a file. The dialog must leave the name as typed,
+/// because the program adds extensions itself.
 void SetSaveFilters(QFileDialog& dialog, const QStringList& filters);
 
-/// Whether the print dialog has anything to offer for a new printer. On Windows that takes a printer, elsewhere there is
-/// always a file to print to.
+/// Whether the print dialog can be used. On Windows it needs a printer; elsewhere it can always print to a file.
 bool CanAskHowToPrint(const QPrinter& printer);
 
-/// Names the fonts to be taken where the one of the system is not installed.
+/// Sets the fonts to use if that of the system is not installed.
 void ChooseFonts();
 
 }  // namespace quiverion

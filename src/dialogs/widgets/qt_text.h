@@ -20,11 +20,11 @@ inline std::string FromQt(const QString& text) {
   return text.toStdString();
 }
 
-/// A path of the core for the calls of Qt, and to be shown: with the separators that the system shows. Of a name that is
-/// no text something is lost only where the system has names of bytes.
+/// A path of the core for calls to Qt and for display, with the separators that the system shows. A name that is not
+/// valid text loses information only on systems where names are bytes.
 QString PathToQt(std::string_view path);
 
-/// A path that Qt has given, as the core takes it.
+/// A path from Qt in the form of the core.
 std::string PathFromQt(const QString& path);
 
 }  // namespace quiverion

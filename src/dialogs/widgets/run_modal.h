@@ -5,8 +5,8 @@
 
 namespace quiverion {
 
-/// Shows a dialog until it is done and returns its result. It blocks the windows it stands over; the help, which stands
-/// over none, can be read meanwhile.
+/// Shows a dialog until it is done and returns its result. It blocks the windows below it. The help can be read
+/// meanwhile, because no dialog is above it.
 inline int RunModal(QDialog& dialog) {
   dialog.setWindowModality(Qt::WindowModal);
   const int result = dialog.exec();
@@ -17,7 +17,7 @@ inline int RunModal(QDialog& dialog) {
   return result;
 }
 
-/// True while a modal window stands over the window of `widget`, perhaps with others between them.
+/// True while a modal window is over the window of `widget`, possibly with others between them.
 inline bool IsBehindDialog(const QWidget& widget) {
   for (const QWidget* const modal : QApplication::topLevelWidgets()) {
     if (!modal->isModal() || !modal->isVisible()) continue;

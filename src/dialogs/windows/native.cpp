@@ -6,8 +6,8 @@
 
 namespace quiverion {
 
-// Where Qt finds "*.txt" in a filter it makes "txt" the extension that the system appends to a name with another one.
-// "Textdatei (.txt) (*txt)" is shown without the last part.
+// If Qt finds "*.txt" in a filter, the system appends "txt" even to a name with another extension. "Textdatei (.txt)
+// (*txt)" avoids that, and is shown without the last part.
 void SetSaveFilters(QFileDialog& dialog, const QStringList& filters) {
   QStringList quiet;
   for (const QString& filter : filters) {
@@ -22,15 +22,15 @@ bool CanAskHowToPrint(const QPrinter& printer) {
   return printer.outputFormat() == QPrinter::NativeFormat;  // without a printer it falls back to files
 }
 
-// wine names a font that it lacks. Qt would take any, and without smoothing small letters of most are so coarse that an "I"
-// is not to be seen.
+// wine names a font that it lacks. Qt would take any font, and without smoothing most are so coarse at small sizes that
+// an "I" is invisible.
 void ChooseFonts() {
   QFont font = QApplication::font();
   QFont::insertSubstitutions(font.family(), {"Segoe UI", "Tahoma", "Arial", "Liberation Sans", "DejaVu Sans"});
   if (QFontInfo(font).family().compare(font.family(), Qt::CaseInsensitive) == 0) return;
   font.setStyleStrategy(QFont::PreferAntialias);
   QApplication::setFont(font);
-  // Those that have a font of their own.
+  // These widgets have a font of their own.
   for (const char* const kind : {"QMenu", "QMenuBar", "QMessageBox", "QTabBar", "QTipLabel", "QHeaderView"}) {
     QFont own = QApplication::font(kind);
     own.setStyleStrategy(QFont::PreferAntialias);

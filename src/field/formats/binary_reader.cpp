@@ -53,7 +53,7 @@ void BinaryReader::ReadBlocks(std::vector<std::span<char>> blocks) {
   }
   if (missing == 0) return;
   if (unread_ < missing) throw SystemError(ErrorNumber::endOfFile);
-  // The buffer is empty: what follows the blocks fills it in the same call.
+  // The buffer is empty, so the same call fills it with what follows the blocks.
   buffer_.resize(kBufferSize);
   const auto ahead = static_cast<std::size_t>(std::min<std::uint64_t>(unread_ - missing, kBufferSize));
   blocks.push_back(std::span(buffer_).first(ahead));

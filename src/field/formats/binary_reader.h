@@ -14,18 +14,18 @@ namespace quiverion {
 
 static_assert(std::endian::native == std::endian::little, "binary files are read and written as they lie in memory");
 
-/// Reads little-endian values from a file through one buffer; large arrays go straight into their place.
-/// Every verb has its counterpart in BinaryWriter, so that one template describes a layout for both. Throws
-/// SystemError 62 where the file ends early and 5 for a negative length.
+/// Reads little-endian values from a file through one buffer; large arrays go straight into their place. Every verb has
+/// its counterpart in BinaryWriter, so that one template describes a layout for both. Throws SystemError 62 if the file
+/// ends early and 5 for a negative length.
 class BinaryReader {
  public:
   explicit BinaryReader(InputFile& file) : file_(file), unread_(file.Size()) {}
 
-  /// Bytes between the current position and the end of the file. Sizes are checked against it before memory
-  /// is taken.
+  /// Bytes between the current position and the end of the file. Sizes are checked against it before memory is
+  /// allocated.
   std::uint64_t Remaining() const { return unread_ + (end_ - at_); }
 
-  /// Throws SystemError 62 unless `bytes` more bytes are there.
+  /// Throws SystemError 62 if fewer than `bytes` bytes are left.
   void Require(std::uint64_t bytes) const;
 
   void Int16(std::int16_t& value) { Bytes(&value, sizeof value); }
@@ -54,7 +54,7 @@ class BinaryReader {
   /// Bytes from the beginning of the file to the current position.
   std::uint64_t Position() const { return file_.Size() - Remaining(); }
 
-  /// Goes on at this byte of the file. Throws SystemError 62 where it lies behind the end.
+  /// Continues at this byte of the file. Throws SystemError 62 if it is beyond the end.
   void MoveTo(std::uint64_t position);
 
   void Bytes(void* target, std::size_t size);
@@ -69,7 +69,7 @@ class BinaryReader {
   void Refill();
 
   InputFile& file_;
-  std::uint64_t unread_;  // bytes that have not come into the buffer
+  std::uint64_t unread_;  // bytes not yet read into the buffer
   std::vector<char> buffer_;
   std::size_t at_ = 0;
   std::size_t end_ = 0;

@@ -11,7 +11,7 @@
 
 namespace quiverion {
 
-/// The bytes of an array as they lie in memory and in files.
+/// The bytes of an array, which are the same in memory and in files.
 template <class Array>
 std::string_view BytesOf(const Array& array) {
   const auto bytes = std::as_bytes(std::span(array));
@@ -35,7 +35,7 @@ class BinaryWriter {
     (file_.WriteKept(BytesOf(arrays)), ...);
   }
 
-  /// int32 count and the characters in Windows-1252; "?" for one that it lacks, see LostText.
+  /// int32 count and the characters in Windows-1252; "?" for one that is not in it, see LostText.
   void Text(const std::string& value) {
     const Windows1252Text text = Windows1252FromUtf8(value);
     Int32(static_cast<std::int32_t>(text.bytes.size()));
@@ -51,7 +51,7 @@ class BinaryWriter {
   void Reserved16(std::int16_t value) { Int16(value); }
   void Reserved32(std::int32_t value) { Int32(value); }
 
-  /// The first text that Windows-1252 could not hold.
+  /// The first text with a character that is not in Windows-1252.
   const std::optional<std::string>& LostText() const { return lostText_; }
 
  private:

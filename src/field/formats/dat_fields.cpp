@@ -8,7 +8,7 @@ namespace quiverion {
 
 DatFields::DatFields(InputFile& file) {
   const auto size = static_cast<std::size_t>(file.Size());
-  text_.reset(new char[size + kPadding]);  // not zeroed: the file is read over it
+  text_.reset(new char[size + kPadding]);  // not zeroed: the file overwrites it
   end_ = file.Read(text_.get(), size);
   std::fill_n(text_.get() + end_, kPadding, '\0');
 }

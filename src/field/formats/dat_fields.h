@@ -9,12 +9,11 @@
 
 namespace quiverion {
 
-/// The whole text of a DAT file, cut into fields one after the other. A field begins behind leading blanks
-/// and ends at the next comma or line end (CR LF, LF or CR); one that begins with a double quote ends at the
-/// closing quote.
+/// The whole text of a DAT file, cut into fields one after the other. A field begins after leading blanks and ends at
+/// the next comma or line end (CR LF, LF or CR); one that begins with a double quote ends at the closing quote.
 class DatFields {
  public:
-  /// Bytes that may be read behind `Rest` (zeros): parsers may look at a whole chunk of text at once.
+  /// Bytes after `Rest` that may be read (zeros), because parsers look at a whole chunk of text at once.
   static constexpr std::size_t kPadding = DatLines::kBehind;
 
   /// Reads the file. Throws SystemError.
@@ -25,10 +24,10 @@ class DatFields {
   /// The next field. Throws SystemError 62 at the end of the file.
   std::string_view Next();
 
-  /// The text that has not been taken.
+  /// The text that has not been taken yet.
   std::string_view Rest() const { return {text_.get() + at_, end_ - at_}; }
 
-  /// Takes the next `count` bytes, which end behind a line end or at the end of the file.
+  /// Takes the next `count` bytes, which end after a line end or at the end of the file.
   void Take(std::size_t count) { at_ += count; }
 
  private:

@@ -19,7 +19,7 @@ class HeaderReader {
  public:
   HeaderReader(DatFields& fields, LoadTarget target) : fields_(fields), target_(target) {}
 
-  // The text behind the first ":" of the next field, without blanks around it.
+  // The text after the first ":" of the next field, without blanks around it.
   std::string_view Value() { return ValueOf(fields_.Next()); }
 
   std::string_view FirstValue() {
@@ -72,10 +72,10 @@ void ReadHeader(VectorField& field, DatFields& fields, LoadTarget target) {
   for (int k = 14; k <= 16; ++k) fields.Next();
 }
 
-// Distance of the first column (row) from the image's edge: the smallest multiple of `step`, at least one,
-// that leaves room for half a window on this side. `limit` is the greatest distance that leaves room on the
-// other side; it only counts where the distance had to grow. Steps are taken one by one in the definition; a
-// step below zero never gets there and runs out of the integer range.
+// Distance of the first column (row) from the image's edge: the smallest multiple of `step`, at least one, that leaves
+// room for half a window on this side. `limit` is the greatest distance that leaves room on the other side; it counts
+// only if the distance had to grow. The format defines this as a loop over steps, in which a negative step never
+// arrives and leaves the integer range.
 std::int64_t FirstDistance(std::int64_t step, std::int64_t half, std::int64_t limit, const char* tooLarge) {
   if (step >= half) return step;
   const std::int64_t grown = step > 0 ? (half + step - 1) / step * step : 2 * step;
@@ -100,7 +100,7 @@ void PlaceGrid(VectorField& field, std::uint64_t fileSize) {
   CreateArrays(field, CheckedInt32(columns), CheckedInt32(rows));
 }
 
-// Where on the grid a position lies, along one axis.
+// The grid index of a position along one axis.
 std::int32_t ColumnOf(const VectorField& field, double x) {
   return CheckedInt32(std::int64_t{RoundToInt32(x - field.firstPixelX)} / field.gridStepX + 1);
 }

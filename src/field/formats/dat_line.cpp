@@ -15,8 +15,8 @@ using words::Load;
 using words::NumberOfEightDigits;
 using words::Word;
 
-// One bit for each of the characters that `isMeant` holds for, 64 to a word. The comparison becomes vector
-// instructions; eight of its bytes at a time become bits.
+// One bit for each character for which `isMeant` is true, 64 to a word. The comparison compiles to vector instructions;
+// eight of its bytes at a time become bits.
 template <std::size_t size, class IsMeant>
 QUIVERION_ALWAYS_INLINE void FindCharacters(const char* text, Word* found, IsMeant isMeant) {
   constexpr std::size_t kPart = 1024;
@@ -88,7 +88,7 @@ QUIVERION_ALWAYS_INLINE double PowerOfTen(Word exponent) {
   return ((exponent & 1) != 0 ? 1E1 : 1E0) * ((exponent & 2) != 0 ? 1E2 : 1E0) * ((exponent & 4) != 0 ? 1E4 : 1E0);
 }
 
-// How many bytes above the highest one meant: 7 where none is.
+// How many bytes are above the highest marked one: 7 if none is marked.
 QUIVERION_ALWAYS_INLINE Word BytesAbove(Word highBits) {
   return static_cast<Word>(std::countl_zero(highBits | 1)) / 8;
 }

@@ -27,15 +27,15 @@ DatVector ParseDatLine(std::string_view line);
 /// point. Numbers of another shape are read one by one when they are asked for.
 class DatLines {
  public:
-  /// The text that is looked at in one go.
+  /// The size of the text that is processed at once.
   static constexpr std::size_t kChunk = 8192;
-  /// What must be readable around the text that is passed to Take.
+  /// Bytes before and after the text passed to Take that must be readable.
   static constexpr std::size_t kBefore = 16;
   static constexpr std::size_t kBehind = kChunk;
 
   /// Takes the lines that `text`, the beginning of a field, begins with, as many as fit. Returns the bytes taken, line
-  /// ends included. The next call goes on behind them, or farther behind, in the same memory: what has been looked at is
-  /// not looked at again.
+  /// ends included. The next call must continue after them, or further on, in the same memory, because masks are
+  /// computed only once.
   std::size_t Take(std::string_view text);
 
   int Count() const { return static_cast<int>(count_); }

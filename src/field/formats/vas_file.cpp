@@ -20,7 +20,7 @@ void ReadArrays(VectorField& field, BinaryReader& reader) {
   const std::int32_t columns = field.columnCount;
   const std::int32_t rows = field.rowCount;
   if (columns < 1 || rows < 1) throw SystemError(ErrorNumber::indexOutOfRange);
-  // Both counts are below 2^31, so only the product of the two can leave the range of 64 bits.
+  // Both counts are below 2^31, so only their product can exceed 64 bits.
   if (static_cast<std::uint64_t>(columns) * static_cast<std::uint64_t>(rows) > reader.Remaining()) {
     throw SystemError(ErrorNumber::endOfFile);
   }

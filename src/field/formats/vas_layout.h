@@ -4,11 +4,11 @@
 
 #include "field/vector_field.h"
 
-/// The VAS layout, item by item, for BinaryReader and BinaryWriter alike. It is split where a reader stops or
-/// decides: behind the grid (all that a buffer needs), and behind the streamline count.
+/// The VAS layout, item by item, for BinaryReader and BinaryWriter alike. It is split where a reader stops or decides:
+/// after the grid (all that the buffer needs) and after the streamline count.
 namespace quiverion::vas {
 
-/// Magic word and version. False where the magic word differs.
+/// Magic word and version. False if the magic word differs.
 template <class Archive>
 bool Identity(Archive& archive) {
   if (!archive.Magic("Quiverion")) return false;
@@ -40,13 +40,13 @@ constexpr std::uint64_t GridBytes(std::uint64_t columns, std::uint64_t rows) {
   return 8 * (columns + rows) + 20 * columns * rows;
 }
 
-/// Positions, velocities and statuses, row by row; the arrays have their size already.
+/// Positions, velocities and statuses, row by row; the arrays must have their sizes already.
 template <class Archive, class Field>
 void Arrays(Archive& archive, Field& field) {
   archive.Blocks(field.posX, field.posY, field.velX.Values(), field.velY.Values(), field.status.Values());
 }
 
-/// Transformation bookkeeping and the streamline count.
+/// The record of past transformations and the streamline count.
 template <class Archive, class Field>
 void Bookkeeping(Archive& archive, Field& field) {
   archive.Reserved32(0);
@@ -60,7 +60,7 @@ void Bookkeeping(Archive& archive, Field& field) {
   archive.Int32(field.streamlineCount);
 }
 
-/// The records in use.
+/// The streamlines in use.
 template <class Archive, class Field>
 void Streamlines(Archive& archive, Field& field) {
   for (std::int32_t k = 0; k < field.streamlineCount; ++k) {

@@ -30,7 +30,7 @@ constexpr std::string_view kWrongSubType =
     "       2: simple vector format\r\n"
     "       3: extended vector format with peak ratio";
 
-// The header's bytes; offsets are those of the format.
+// The bytes of the header; offsets are those of the format.
 class VecHeader {
  public:
   explicit VecHeader(InputFile& file) : size_(file.Read(bytes_, kHeaderSize)) {}
@@ -116,7 +116,7 @@ void WarnOfStatus(Context& context, std::int32_t status) {
   char line[text.size() + 16];
   char* end = std::copy(text.begin(), text.end(), line);
   end = std::to_chars(end, line + sizeof line, status).ptr;
-  // Every vector of a file may come here: two pieces without an allocation, the same as LogWarning writes.
+  // May be called for every vector of a file, so it writes the two pieces of LogWarning without allocating.
   *end++ = '\r';
   *end++ = '\n';
   context.log.WriteLogLine("!!! WARNUNG !!!\r\n");
@@ -124,8 +124,8 @@ void WarnOfStatus(Context& context, std::int32_t status) {
   context.runHadError = true;
 }
 
-// True where every value is 0 to 4.5 (and not -0): seen as integers, floats of one sign keep their order, and the loop
-// has no branch.
+// True if every value is 0 to 4.5 (and not -0): as integers, floats of one sign have the same order, and the loop needs
+// no branch.
 QUIVERION_MULTI_TARGET bool AreUsualStatuses(const float* values, std::size_t count) {
   constexpr auto limit = std::bit_cast<std::int32_t>(4.5f);
   std::int32_t signs = 0;
@@ -142,7 +142,8 @@ QUIVERION_MULTI_TARGET void RoundUsualStatuses(const float* values, std::size_t 
   }
 }
 
-// The statuses of the first frame, rounded; whatever is not 0 to 4 is warned of. The usual frame takes the quick way.
+// The statuses of the first frame, rounded; warns of each that is not 0 to 4. A frame without such values takes the
+// fast path.
 void ConvertStatus(Context& context, std::span<std::int32_t> status, const float* values) {
   if (AreUsualStatuses(values, status.size())) return RoundUsualStatuses(values, status.size(), status.data());
   for (std::size_t p = 0; p < status.size(); ++p) {
@@ -151,7 +152,7 @@ void ConvertStatus(Context& context, std::span<std::int32_t> status, const float
   }
 }
 
-// `frames` are the nine frames of `count` values each. Only the displacement of the chosen peak is looked at.
+// `frames` are the nine frames of `count` values each. Only the displacement of the selected peak is read.
 QUIVERION_MULTI_TARGET void ConvertExtended(const float* frames, std::size_t count, const std::int32_t* status,
                                             VelocityScale scale, double* velX, double* velY) {
   for (std::size_t p = 0; p < count; ++p) {
@@ -165,8 +166,8 @@ QUIVERION_MULTI_TARGET void ConvertExtended(const float* frames, std::size_t cou
   }
 }
 
-// One pass, so each value is touched once; all operands are plain pointers, so the compiler can go several vectors
-// wide.
+// One pass, so that each value is read once. All operands are plain pointers, so that the compiler can process several
+// vectors at once.
 QUIVERION_MULTI_TARGET void ConvertSimple(const float* frames, std::size_t count, VelocityScale scale, double* velX,
                                           double* velY, std::int32_t* status) {
   for (std::size_t p = 0; p < count; ++p) {
@@ -211,14 +212,14 @@ void ReadVec(Context& context, VectorField& field, InputFile& file, LoadTarget t
   if (rows < 1 || columns < 1) throw SystemError(ErrorNumber::indexOutOfRange);
   header.Require(kHeaderSize);
 
-  const auto framesRead = static_cast<std::size_t>(std::min<std::int16_t>(frameCount, 9));  // the peak ratio is not
+  const auto framesRead = static_cast<std::size_t>(std::min<std::int16_t>(frameCount, 9));  // without the peak ratio
   const std::size_t values =
       framesRead * static_cast<std::size_t>(rows / frameCount) * static_cast<std::size_t>(columns);
   if (file.Size() < kHeaderSize + values * sizeof(float)) throw SystemError(ErrorNumber::endOfFile);
   CreateArraysForReading(field, columns, rows / frameCount);
   const VelocityScale scale = ApplyHeader(field, header);
 
-  const std::unique_ptr<float[]> frames(new float[values]);  // not zeroed: read over at once
+  const std::unique_ptr<float[]> frames(new float[values]);  // not zeroed: overwritten at once
   if (file.Read(frames.get(), values * sizeof(float)) < values * sizeof(float)) {
     throw SystemError(ErrorNumber::endOfFile);
   }

@@ -52,7 +52,7 @@ void CopyFieldToBuffer(Context& context) {
   context.log.WriteLogLine("Vektorfeld in Buffer kopieren... ");
   const VectorField& field = context.field;
   BufferField& buffer = context.buffer;
-  buffer.bufferColumnCount = buffer.bufferRowCount = 0;  // until all is there
+  buffer.bufferColumnCount = buffer.bufferRowCount = 0;  // until everything has been copied
   buffer.bufferFileName = field.filePath;
   buffer.bufferVelX = field.velX;
   buffer.bufferVelY = field.velY;

@@ -47,7 +47,7 @@ void ReverseRows(Grid<T>& grid) {
   }
 }
 
-// Adds to the valid vectors. A difference has the bits of the sum with the negative number.
+// Adds to the valid vectors. Also used to subtract: adding the negative number gives the same bits.
 void ShiftField(Context& context, double x, double y) {
   VectorField& field = context.field;
   ShiftVelocities(field, x, y);

@@ -21,7 +21,7 @@ void LogSwitch(Context& context, std::string_view name, bool on) {
   context.log.WriteLogLine(SwitchedTo(name, on));
 }
 
-// `other` is switched on where neither is shown any more.
+// Switches `other` on if neither is shown any more.
 void KeepOneDisplay(Context& context, bool& other, std::string_view nameOfOther) {
   if (context.field.showTable || context.field.showVectorField) return;
   other = true;

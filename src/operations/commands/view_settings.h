@@ -4,19 +4,18 @@
 
 #include "field/context.h"
 
-/// The commands that change what a VAS file tells the viewer, and the info text. They take stored values as
-/// they are and report in the log; none of them fails, except the palette search at an arithmetic error.
+/// The commands that change the view settings in a VAS file, and the info text. They use stored values without checks
+/// and report in the log. None of them fails, except the palette search at an arithmetic error.
 namespace quiverion {
 
-/// Appends `comment` to the info text on a line of its own.
+/// Appends `comment` to the info text as a new line.
 void InsertInfoComment(Context& context, std::string_view comment);
 
 void SetShowHeader(Context& context, bool on);
 void SetShowCoordSystem(Context& context, bool on);
 void SetAspectRatio(Context& context, bool on);
 
-/// The viewer must show at least the table or the vector plot: what these two switch off may switch the other
-/// on.
+/// The viewer must show at least the table or the vector plot, so switching one of them off may switch the other on.
 void SetShowTable(Context& context, bool on);
 void SetShowVectorField(Context& context, bool on);
 
@@ -25,7 +24,7 @@ void SetScaleFactor(Context& context, double value);
 /// Chooses what is drawn behind the vectors; a quantity comes with its usual palette.
 void SetBackground(Context& context, Background background);
 
-/// The palette's lower end never lies above its upper end: the other end follows where it must.
+/// The lower end of the palette is never above its upper end: if necessary, the other end follows.
 void SetPaletteMin(Context& context, double value);
 void SetPaletteMax(Context& context, double value);
 

@@ -41,7 +41,7 @@ Centre CentreAt(const VectorField& field, std::int32_t i, std::int32_t j) {
           field.derivedScalar(i, j)};
 }
 
-// Row by row, as long as `visit` says true.
+// Row by row, as long as `visit` returns true.
 template <class Visit>
 void ForEachMark(const Marks& marks, Visit visit) {
   for (std::int32_t j = 1; j <= marks.Rows(); ++j) {
@@ -67,7 +67,7 @@ void WriteMaxima(const Context& context, const Marks& marks, ResultFile& file) {
   });
 }
 
-// Nothing of a failed or cancelled append stays in the file.
+// A failed or cancelled append leaves nothing in the file.
 SaveOutcome AppendMaxima(Context& context, const std::string& path, const Marks& marks) {
   constexpr SaveWording wording = {
       .openFailed =
@@ -83,7 +83,7 @@ SaveOutcome AppendMaxima(Context& context, const std::string& path, const Marks&
       wording, Opening::append);
 }
 
-// A peak whose neighbours carry on average less than a quarter of it is no vortex.
+// A peak is not a vortex if the mean of its neighbours is less than a quarter of it.
 bool IsAccepted(const Grid<double>& strength, std::int32_t i, std::int32_t j) {
   CheckedReal sum = 0.0;
   int count = 0;
@@ -98,7 +98,7 @@ bool IsAccepted(const Grid<double>& strength, std::int32_t i, std::int32_t j) {
   return std::fabs(strength(i, j)) / 4.0 < std::fabs(mean);
 }
 
-// What a copy tells about its centre is taken back at the end, whatever the end is.
+// Restores on every exit what a copy records about its centre.
 class SavedInfo {
  public:
   explicit SavedInfo(VectorField& field)
@@ -133,10 +133,10 @@ std::string Description(const Centre& centre, char decimalSeparator) {
          "Drehsinn: " + (centre.strength > 0.0 ? "Links" : "Rechts") + "\r\n";
 }
 
-// The directory of the copies, its separator behind it.
+// The directory of the copies, with a separator at the end.
 std::string CopyDirectory(const VectorField& field) {
   const std::string name = std::string(BaseNameOf(field.fileName)) + kPathSeparator;
-  RequireBelow(name);  // of a file "...vas" it would be the directory above
+  RequireBelow(name);  // for a file "...vas" it would be the directory above
   std::string directory = field.fileDirectory;
   if (field.fileName != field.filePath) directory.push_back(kPathSeparator);
   return directory + name;

@@ -11,7 +11,7 @@
 namespace quiverion {
 namespace {
 
-// The arrays of field and buffer, in the order of the memory.
+// The arrays of field and buffer, in memory order.
 struct CombineInput {
   std::size_t count;
   const double *velX, *velY, *bufferVelX, *bufferVelY;
@@ -59,8 +59,8 @@ QUIVERION_MULTI_TARGET std::int64_t MaskPoints(const std::int32_t* bufferStatus,
   return lost;
 }
 
-// The fast kernel works on scratch memory. Where it meets an arithmetic error the plain loops run in place: they stop
-// at the exact point, if there is one.
+// The fast kernel works on scratch memory. If it raises a floating-point flag, the plain loops run in place and stop at
+// the exact point of an arithmetic error, if there is one.
 template <class Operation>
 void CombineWithBuffer(VectorField& field, const BufferField& buffer, Operation operation) {
   const auto data = [](auto& grid) { return grid.Values().data(); };

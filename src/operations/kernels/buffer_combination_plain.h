@@ -6,7 +6,7 @@
 #include "platform/numeric/multi_target.h"
 
 /// The definition of the buffer commands on fields of one size: plain loops in visiting order. `Real` is double, or
-/// CheckedReal where the computation must stop at an arithmetic error.
+/// CheckedReal if the computation must stop at an arithmetic error.
 namespace quiverion::plain {
 
 struct FieldPlusBuffer {
@@ -30,7 +30,7 @@ struct BufferMinusField {
   }
 };
 
-/// A vector that must not be valid any more.
+/// Makes the vector invalid or masked.
 inline void Invalidate(VectorField& field, std::int32_t i, std::int32_t j, std::int32_t status) {
   if (field.status(i, j) > 0) ChangeValidCount(field, -1);
   field.status(i, j) = status;

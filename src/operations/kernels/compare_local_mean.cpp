@@ -8,9 +8,9 @@
 namespace quiverion {
 namespace {
 
-constexpr std::int32_t kBlock = 32;  // output points whose sums grow side by side
+constexpr std::int32_t kBlock = 32;  // output points that are summed side by side
 
-// A grid with zeros for what is not valid and around the columns, so that every window lies inside it.
+// A grid with zeros in place of invalid vectors and around the columns, so that every window is inside it.
 class PaddedGrid {
  public:
   PaddedGrid(const VectorField& field, const Grid<double>& source, std::int32_t pad)
@@ -35,7 +35,7 @@ class PaddedGrid {
 };
 
 // Sums over the windows of kBlock neighbouring points, each in the order of the definition: columns from left to right,
-// in each the rows upwards. `first` is the lowest row of the first point's own column; `ownRow` is left out there.
+// in each the rows upwards. `first` is the lowest row of the column of the first point; its row `ownRow` is left out.
 QUIVERION_MULTI_TARGET void SumWindows(const double* first, std::ptrdiff_t stride, std::int32_t halfX,
                                        std::int32_t rows, std::int32_t ownRow, double* target) {
   double sums[kBlock] = {};
@@ -57,7 +57,7 @@ QUIVERION_MULTI_TARGET void DivideRow(const double* sums, const double* counts, 
   }
 }
 
-// A quantity and where its means go.
+// A quantity and the target of its means.
 struct Average {
   PaddedGrid source;
   Grid<double>& target;

@@ -28,8 +28,8 @@ struct Network {
   constexpr void Add(const Comparator& comparator) { comparators[count++] = comparator; }
 };
 
-// Batcher's merge exchange for N values (Knuth, The Art of Computer Programming 3, algorithm 5.2.2M), of which only
-// what the two middle results need is kept.
+// Batcher's merge exchange for N values (Knuth, The Art of Computer Programming 3, algorithm 5.2.2M), reduced to what
+// the two middle results need.
 template <std::size_t N>
 constexpr Network<N> MakeMedianNetwork() {
   Network<N> all;
@@ -61,7 +61,7 @@ constexpr Network<N> MakeMedianNetwork() {
 template <std::size_t N>
 constexpr Network<N> kMedianNetwork = MakeMedianNetwork<N>();
 
-// A window of Width x Width places; its own vector is none of them. Place T counts column by column.
+// A window of Width x Width places without its centre. Places are counted column by column.
 template <std::size_t Width>
 struct Shape {
   static constexpr std::size_t width = Width;
@@ -71,7 +71,7 @@ struct Shape {
   static constexpr std::size_t Row(std::size_t place) { return Term(place) % Width; }
 };
 
-// The rows under a window, beginning with its first column for output column 1. Magnitude 0 where invalid.
+// The rows under a window, beginning with its first column for output column 1. The magnitude is 0 for invalid vectors.
 template <std::size_t Width>
 struct WindowRows {
   const double* magnitude[Width];
@@ -80,8 +80,8 @@ struct WindowRows {
   const double* v[Width];
 };
 
-// The two middle magnitudes of one row of points: `lower` is the middle one where the number of vectors is odd, `odd`
-// has all bits then. Without any vector `lower` is -infinity.
+// The two middle magnitudes of one row of points: `lower` is the middle one if the number of vectors is odd; then `odd`
+// has all bits set. Without any vector, `lower` is -infinity.
 struct Middle {
   std::vector<double> lower, upper;
   std::vector<Mask> odd;
@@ -99,8 +99,8 @@ QUIVERION_ALWAYS_INLINE void RunNetwork(double (&wires)[N], std::index_sequence<
   (compare.template operator()<C>(), ...);
 }
 
-// Places without a vector hold +infinity and -infinity in turn, so that the middle of the vectors is the middle of the
-// wires: with an odd number of vectors one +infinity more stands above, and the lower middle is theirs.
+// Places without a vector alternate between +infinity and -infinity, so that the middle of the vectors is the middle of
+// the wires. With an odd number of vectors there is one more +infinity, and the lower middle is that of the vectors.
 template <class ShapeType, std::size_t... P>
 QUIVERION_ALWAYS_INLINE void FindMiddle(const WindowRows<ShapeType::width>& rows, std::size_t count,
                                         double* __restrict lower, double* __restrict upper, Mask* __restrict odd,
@@ -127,7 +127,7 @@ QUIVERION_ALWAYS_INLINE void FindMiddle(const WindowRows<ShapeType::width>& rows
   }
 }
 
-// The vector whose magnitude is `wanted`; `unclear` gets all bits where vectors that differ have it.
+// The vector whose magnitude is `wanted`; `unclear` gets all bits if several different vectors have it.
 template <class ShapeType, std::size_t... P>
 QUIVERION_ALWAYS_INLINE void FindVector(const WindowRows<ShapeType::width>& rows, std::size_t count,
                                         const double* wanted, double* __restrict u, double* __restrict v,
@@ -135,7 +135,7 @@ QUIVERION_ALWAYS_INLINE void FindVector(const WindowRows<ShapeType::width>& rows
   const WindowRows<ShapeType::width> in = rows;
   QUIVERION_INDEPENDENT_STEPS
   for (std::size_t i = 0; i < count; ++i) {
-    // The bits that some vector of this magnitude has, and those that all have.
+    // Bits that are set in some vector of this magnitude, and bits that are set in all.
     Mask someU = 0, someV = 0, allU = ~Mask{0}, allV = ~Mask{0}, found = 0;
     const double magnitude = wanted[i];
     const auto look = [&]<std::size_t p>() QUIVERION_LAMBDA_INLINE {
@@ -154,7 +154,7 @@ QUIVERION_ALWAYS_INLINE void FindVector(const WindowRows<ShapeType::width>& rows
   }
 }
 
-// The rows of a field with a border in which nothing is valid.
+// The rows of a field with a border of invalid vectors.
 class BorderedRows {
  public:
   BorderedRows(const VectorField& field, const Magnitudes& magnitudes, std::int32_t border, bool withVectors)
@@ -177,7 +177,7 @@ class BorderedRows {
     }
   }
 
-  // Under the windows of output row j.
+  // The rows under the windows of output row j.
   template <std::size_t Width>
   WindowRows<Width> Under(std::int32_t j) const {
     WindowRows<Width> rows{};
@@ -222,7 +222,7 @@ QUIVERION_MULTI_TARGET_CALL(FindVector5,
                             (rows, count, wanted, u, v, unclear),
                             FindVector<Shape5>(rows, count, wanted, u, v, unclear, Places<Shape5>()))
 
-// The middle value, or the mean of the two; 0 where there is none.
+// The middle value, or the mean of the two; 0 if there is none.
 QUIVERION_MULTI_TARGET void Combine(const Middle& middle, const double* atLower, const double* atUpper,
                                     std::size_t count, double* __restrict target) {
   const double* const lower = middle.lower.data();
@@ -247,7 +247,7 @@ class DirectionRow {
     Combine(middle, lower_.v.data(), upper_.v.data(), count, y);
   }
 
-  // Vectors that differ have one of the middle magnitudes: the order of the stated sort decides.
+  // Several different vectors have a middle magnitude: the order of the specified sort decides.
   bool IsUnclear(std::size_t i, const Middle& middle) const {
     return lower_.unclear[i] != 0 || (middle.odd[i] == 0 && upper_.unclear[i] != 0);
   }

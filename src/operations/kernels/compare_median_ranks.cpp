@@ -20,11 +20,11 @@ constexpr Rank kBlock = 64;  // words of a block
 constexpr Rank kAlone = ~Rank{0};
 
 struct RankedVector {
-  std::uint64_t key;  // the bits of a magnitude, which order as the magnitudes do; 0 for NaN
+  std::uint64_t key;  // the bits of a magnitude, which have the same order; 0 for NaN
   std::size_t position;
 };
 
-// By key, equal ones in the order they have: least significant digits first.
+// Stable sort by key: a radix sort from the least significant digits.
 void SortByKey(std::vector<RankedVector>& vectors) {
   constexpr int digitBits = 11;
   std::vector<RankedVector> other(vectors.size());
@@ -60,7 +60,7 @@ class Ranking {
 
   Rank Count() const { return static_cast<Rank>(vectors_.size()); }
 
-  // What stands for a vector that is not valid: behind all ranks, in a block of its own.
+  // The rank of an invalid vector: after all ranks, in a separate block.
   Rank Nothing() const { return (Count() / (kBits * kBlock) + 1) * kBits * kBlock; }
 
   // Ranks of the rows of column i.
@@ -68,8 +68,8 @@ class Ranking {
 
   std::size_t PositionOf(Rank rank) const { return vectors_[rank].position; }
 
-  // The ranks [first, second) of vectors that tie with this one and differ from each other; {kAlone, kAlone} where what
-  // ties is the same.
+  // The ranks [first, second) of vectors that tie with this one, if they differ from each other; otherwise {kAlone,
+  // kAlone}.
   std::pair<Rank, Rank> UnclearGroup(Rank rank) const {
     const auto after = std::upper_bound(groups_.begin(), groups_.end(), rank,
                                         [](Rank r, const std::pair<Rank, Rank>& group) { return r < group.second; });
@@ -78,7 +78,7 @@ class Ranking {
   }
 
  private:
-  // Column by column, so that what enters and leaves a window lies together.
+  // Column by column, so that the ranks that enter and leave a window are contiguous.
   void SpreadRanks(std::size_t columns) {
     std::fill(ranks_.begin(), ranks_.end(), Nothing());
     for (std::size_t rank = 0; rank < vectors_.size(); ++rank) {
@@ -94,7 +94,7 @@ class Ranking {
     };
     const auto differ = [&](std::size_t p, std::size_t q) {
       if (identityMatters && bitsOf(p) != bitsOf(q)) return true;
-      return (magnitudes_[p] == 0.0) != (magnitudes_[q] == 0.0);  // NaN beside 0
+      return (magnitudes_[p] == 0.0) != (magnitudes_[q] == 0.0);  // NaN and 0
     };
     for (std::size_t begin = 0, end = 0; begin < vectors_.size(); begin = end) {
       bool unclear = false;
@@ -113,10 +113,10 @@ class Ranking {
 };
 
 // A set of ranks, one bit each, with a pointer near its middle that moves a little from query to query (Huang, Yang,
-// Tang, IEEE Trans. ASSP 27, 1979, with bits in place of a histogram).
+// Tang, IEEE Trans. ASSP 27, 1979, with bits instead of a histogram).
 //
-// Many ranks are counted by blocks as well, so that the pointer can step over whole blocks; where there are few that
-// costs more than the steps it saves.
+// With many ranks, they are also counted by blocks, so that the pointer can skip whole blocks. With few ranks that
+// costs more than it saves.
 template <bool hasBlocks>
 class RankSet {
  public:
@@ -141,7 +141,7 @@ class RankSet {
     below_ -= word < word_ ? 1 : 0;
   }
 
-  // The rank at `index` in ascending order, counted from 0; there are more.
+  // The rank at `index` in ascending order, counted from 0; it must exist.
   QUIVERION_ALWAYS_INLINE Rank At(Rank index) {
     MoveDownTo(index);
     MoveUpTo(index);
@@ -150,7 +150,7 @@ class RankSet {
     return word_ * kBits + static_cast<Rank>(std::countr_zero(bits));
   }
 
-  // The next rank above one that is in the set; there is one.
+  // The next rank in the set above one that is in the set; it must exist.
   QUIVERION_ALWAYS_INLINE Rank After(Rank rank) const {
     Rank word = rank / kBits;
     std::uint64_t bits = words_[word] & ~std::uint64_t{1} << rank % kBits;
@@ -158,7 +158,7 @@ class RankSet {
     return word * kBits + static_cast<Rank>(std::countr_zero(bits));
   }
 
-  // True where at most one rank of [begin, end) is in the set.
+  // True if at most one rank of [begin, end) is in the set.
   bool HasAtMostOne(Rank begin, Rank end) const {
     int count = 0;
     for (Rank rank = begin; rank < end && count < 2; ++rank) count += (words_[rank / kBits] >> rank % kBits & 1) != 0;
@@ -266,7 +266,7 @@ class RankMedians {
     set_.Add(own);
   }
 
-  // Vectors of one magnitude that differ: which of them stands in the middle is for the stated sort to say.
+  // Different vectors with the same magnitude: the specified sort determines which of them is in the middle.
   bool IsClear(Rank rank) const {
     const auto [begin, end] = ranking_.UnclearGroup(rank);
     return begin == kAlone || set_.HasAtMostOne(begin, end);
@@ -293,7 +293,7 @@ class RankMedians {
   WindowCounts valid_;
 };
 
-// One function with all that is called per point, for the bit instructions of newer processors.
+// One function with everything that is called per point inlined, for the bit instructions of newer processors.
 QUIVERION_MULTI_TARGET void FillRows(RankMedians<false>& medians, std::int32_t rows) {
   for (std::int32_t j = 1; j <= rows; ++j) medians.FillRow(j);
 }

@@ -14,9 +14,9 @@ struct Entry {
   double u, v, magnitude;
 };
 
-// What the selection sort leaves at the positions up to `last`. It takes the largest magnitude that is left, the first
-// of equal ones by their positions at that time, and swaps it forward. A swap never moves another entry of the same
-// magnitude (the one at the front would have been taken itself), so a group of equal magnitudes is taken in the order
+// The result of the selection sort at the positions up to `last`. The sort takes the largest remaining magnitude, among
+// equal ones the first by current position, and swaps it forward. A swap never moves another entry of the same
+// magnitude (the one at the front would have been taken itself). So a group of equal magnitudes is taken in the order
 // of its positions when its turn comes. Magnitudes of 0 and NaN are never taken.
 class StatedSort {
  public:

@@ -6,19 +6,19 @@
 #include "field/vector_field.h"
 #include "operations/kernels/faulty_vectors.h"
 
-/// The compare vectors of a whole field at once, for the search for faulty vectors. Each is bit for bit that of the
-/// plain loops, except where a vector whose magnitude overflows lies in the window: there it may be anything.
+/// The compare vectors of a whole field at once, for the search for faulty vectors. Each has the same bits as in the
+/// plain loops. If the window contains a vector whose magnitude overflows, it is unspecified.
 namespace quiverion {
 
 /// The magnitudes of the valid vectors, 0 for the others.
 struct Magnitudes {
   Grid<double> values;
-  bool haveNaN = false;  // one of them stands in the file
+  bool haveNaN = false;  // a velocity in the file is NaN
 };
 
 Magnitudes MagnitudesOf(const VectorField& field);
 
-/// One compare vector per grid point; 0 where there is none. Only what the criteria ask for is computed.
+/// One compare vector per grid point; 0 if there is none. Only what the criteria need is computed.
 struct CompareVectors {
   bool needMagnitude = false;
   bool needDirection = false;
@@ -35,7 +35,7 @@ struct CompareVectors {
   }
 };
 
-/// Half widths of a window, none greater than the field.
+/// Half widths of a window, not greater than the field.
 struct Window {
   std::int32_t halfX, halfY;
 };
@@ -43,18 +43,18 @@ struct Window {
 /// The mean over the valid vectors of each point's window, without the point itself.
 void LocalMeans(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare);
 
-/// The median by magnitude of the same vectors. Windows of 3x3 and 5x5 take a sorting network, all others ranks.
+/// The median by magnitude of the same vectors. Windows of 3x3 and 5x5 use a sorting network, all others ranks.
 void Medians(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare);
 void MediansByRank(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare);
 
-/// The median of one point, as the stated selection sort finds it, in less time than that.
+/// The median of one point as the specified selection sort finds it, but faster.
 void MedianByStatedSort(const VectorField& field, const Magnitudes& magnitudes, Window window, std::int32_t i,
                         std::int32_t j, CompareVectors& compare);
 
-/// How many of the marked points lie in a window.
+/// Counts the marked points in a window.
 class WindowCounts {
  public:
-  /// `isMarked(column, row)` tells which.
+  /// `isMarked(column, row)` is true for marked points.
   template <class IsMarked>
   WindowCounts(std::int32_t columns, std::int32_t rows, IsMarked isMarked)
       : columns_(columns), rows_(rows), width_(static_cast<std::size_t>(columns) + 1) {
@@ -68,7 +68,7 @@ class WindowCounts {
     }
   }
 
-  /// In the window around (i, j), cut at the border, the point itself included.
+  /// The count for the window around (i, j), cut off at the border, including the point itself.
   std::uint32_t Around(std::int32_t i, std::int32_t j, Window window) const {
     const std::int32_t i1 = i > window.halfX ? i - window.halfX - 1 : 0;
     const std::int32_t j1 = j > window.halfY ? j - window.halfY - 1 : 0;
@@ -84,7 +84,7 @@ class WindowCounts {
 
   std::int32_t columns_, rows_;
   std::size_t width_;
-  std::vector<std::uint32_t> sums_;  // of the points up to column i and row j; differences are right modulo 2^32
+  std::vector<std::uint32_t> sums_;  // of the points up to column i and row j; differences are correct modulo 2^32
 };
 
 }  // namespace quiverion

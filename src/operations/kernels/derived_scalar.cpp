@@ -13,9 +13,9 @@
 namespace quiverion {
 namespace {
 
-// The points between the first and the last column. The same operations on the same operands as the plain
-// loops, so the same bits; a point without a value runs on 0 / 1 and gives +0.0. No lane divides by zero that the plain
-// loops would not divide.
+// The points between the first and the last column. The same operations on the same operands as the plain loops, so the
+// same bits; a point without a value computes 0 / 1, which gives +0.0. No lane divides by zero where the plain loops
+// would not.
 template <class Formula>
 QUIVERION_ALWAYS_INLINE void InnerPoints(const RowInput& row, double* __restrict target, Formula formula) {
   ForInnerPoints(row, [&](std::int32_t i, Mask hasValue, const Differences& d) QUIVERION_LAMBDA_INLINE {
@@ -60,9 +60,9 @@ void ComputeFast(const VectorField& field, Grid<double>& target, Inner inner, Fo
                   });
 }
 
-// The fast kernel works on scratch memory. Only where a floating-point flag was raised the plain loops run in place:
-// they stop at the exact point, if there is one. Dividing 0 or NaN by the distance of equal positions raises no flag
-// that is watched, but stops the computation all the same.
+// The fast kernel works on scratch memory. Only if a floating-point flag was raised do the plain loops run in place;
+// they stop at the exact point of an error, if there is one. Dividing 0 or NaN by the distance between equal positions
+// raises no watched flag, but must also stop the computation.
 template <class Inner, class Formula, class CheckedFormula>
 void Calculate(VectorField& field, Inner inner, Formula formula, CheckedFormula checkedFormula) {
   Grid<double> scratch;

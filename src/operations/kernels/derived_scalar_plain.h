@@ -4,12 +4,12 @@
 #include "operations/kernels/neighbours_plain.h"
 #include "platform/numeric/checked_real.h"
 
-/// The definition of the derived scalars: plain loops in visiting order. `Real` is double, or CheckedReal
-/// where the computation must stop at an arithmetic error with the points before it done.
+/// The definition of the derived scalars: plain loops in visiting order. `Real` is double, or CheckedReal if the
+/// computation must stop at an arithmetic error with the points before it done.
 namespace quiverion::plain {
 
-/// The difference quotients at one point, each computed when a formula asks for it: what a quantity does not use cannot
-/// stop it.
+/// The difference quotients at one point, each computed only when a formula needs it, so that an unused quotient cannot
+/// stop the computation.
 template <class Real>
 class VelocityGradient {
  public:
@@ -51,7 +51,7 @@ Real SwirlingStrength(const VelocityGradient<Real>& g) {
   return dudy < dvdx ? s : -s;
 }
 
-/// The value of `formula` at point (i, j), 0 where the point has too few usable neighbours.
+/// The value of `formula` at point (i, j), 0 if the point has too few usable neighbours.
 template <class Real, class Formula>
 Real DerivedValue(const VectorField& f, std::int32_t i, std::int32_t j, Formula formula) {
   const Neighbours neighbours = NeighboursOf(f.status, i, j);

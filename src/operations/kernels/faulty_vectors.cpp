@@ -16,13 +16,13 @@
 namespace quiverion {
 namespace {
 
-// A row of what a criterion needs. Constant compare vectors are rows as well.
+// One row of the data that the criteria need. Constant compare vectors are expanded to rows as well.
 struct Row {
   std::size_t count;
   const std::int32_t* status;
   const double *u, *v, *magnitude;
-  const double* compareMagnitude;                         // null where no criterion needs it
-  const double *compareX = nullptr, *compareY = nullptr;  // likewise
+  const double* compareMagnitude;                         // null if no criterion needs it
+  const double *compareX = nullptr, *compareY = nullptr;  // null if not needed
 };
 
 QUIVERION_MULTI_TARGET bool FillMagnitudes(const std::int32_t* status, const double* u, const double* v,
@@ -56,12 +56,12 @@ QUIVERION_MULTI_TARGET void MeetInterval(const double* values, std::size_t count
   }
 }
 
-// Cosines this far from the limit are on the same side of it as their angles: the error of a computed angle is below
-// 1e-15 of its cosine.
+// If a cosine is at least this far from the limit, the computed angle is on the corresponding side of its limit: the
+// error of the computed angle is below 1e-15 of its cosine.
 constexpr double kUnclear = 1e-12;
 
-// The cosine of the allowed angle. No angle is below 0 (all cosines are met then), and the greatest cosines alone tell
-// nothing beyond the last digits of pi.
+// The cosine of the allowed angle. No angle is below 0 (then all cosines meet the criterion). From about pi on the
+// limit is -1, because the cosine would rise again; the exact test decides there.
 double CosineLimit(double degrees) {
   const double radians = degrees / 180.0 * 3.141592654;
   if (radians < 0.0) return 2.0;
@@ -89,7 +89,8 @@ QUIVERION_MULTI_TARGET_CALL(MeetDirectionDeviation,
                              Mask* __restrict unclear),
                             (row, limit, met, cosines, unclear), TestCosines(row, limit, met, cosines, unclear))
 
-// `target` becomes status 0 where a tested vector is faulty (or the mark stood in the file); returns how many are.
+// Sets `target` to 0 for tested vectors that are faulty (or had the mark already in the file), and returns their
+// number.
 QUIVERION_MULTI_TARGET std::int32_t ApplyRow(const std::int32_t* status, const Mask* faulty, std::size_t count,
                                              std::int32_t* __restrict target) {
   std::int32_t rejected = 0;
@@ -102,7 +103,7 @@ QUIVERION_MULTI_TARGET std::int32_t ApplyRow(const std::int32_t* status, const M
   return rejected;
 }
 
-// Evaluates the criteria row by row, all vectors of a row side by side.
+// Evaluates the criteria row by row, all vectors of a row at once.
 class CriteriaRows {
  public:
   CriteriaRows(const FaultyVectorCriteria& criteria, std::size_t columns)
@@ -159,7 +160,7 @@ class Search {
  public:
   Search(VectorField& field, const FaultyVectorCriteria& criteria)
       : field_(field), criteria_(criteria), compare_(criteria) {
-    // Half widths are not negative; where no window is needed they do not matter.
+    // Half widths are not negative. If no window is needed, they do not matter.
     window_ = {std::min(std::max(criteria.halfWidthX, 0), field.columnCount - 1),
                std::min(std::max(criteria.halfWidthY, 0), field.rowCount - 1)};
   }
@@ -219,8 +220,8 @@ class Search {
     return rejected;
   }
 
-  // Vector by vector in visiting order, with the compare vectors that are there already. They are good wherever no
-  // vector of the window overflows; where one does the search stops.
+  // Vector by vector in visiting order, with the compare vectors that exist already. They are valid unless a vector in
+  // the window overflows, and then the search stops.
   void TestChecked() {
     const WindowCounts overflows(field_.columnCount, field_.rowCount,
                                  [this](std::int32_t i, std::int32_t j) { return MagnitudeOverflows(i, j); });

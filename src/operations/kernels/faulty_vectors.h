@@ -6,7 +6,8 @@
 
 namespace quiverion {
 
-/// A value against an interval: met outside of it (outside = true: below `low` or above `high`) or strictly inside.
+/// A criterion for a value and an interval: met outside the interval (outside = true: below `low` or above `high`) or
+/// strictly inside it.
 struct IntervalCriterion {
   bool selected = false;
   bool outside = false;
@@ -27,11 +28,11 @@ struct FaultyVectorCriteria {
   IntervalCriterion xComponent = {};
   IntervalCriterion yComponent = {};
   CompareVectorType compareVectorType = CompareVectorType::localMean;
-  std::int32_t halfWidthX = 0;  // of the window of localMean and median: 2 * half width + 1 vectors
+  std::int32_t halfWidthX = 0;  // of the window for localMean and median: 2 * half width + 1 vectors
   std::int32_t halfWidthY = 0;
   double userX = 0.0;  // m/s
   double userY = 0.0;
-  bool logicalOr = false;  // faulty when one selected criterion is met; otherwise when all are
+  bool logicalOr = false;  // faulty if one selected criterion is met; otherwise only if all are
 
   int SelectedCount() const {
     return magnitudeDeviation + magnitude.selected + directionDeviation + xComponent.selected + yComponent.selected;
@@ -39,10 +40,10 @@ struct FaultyVectorCriteria {
   bool NeedsCompareVector() const { return magnitudeDeviation || directionDeviation; }
 };
 
-/// Sets the status of every faulty valid vector to 0 and lowers `validVectorCount`; each is tested with all others
-/// still valid. Does nothing where no criterion is selected. Throws SystemError 5 for a compare type that does not
-/// exist or a negative half width where a compare vector is needed; at an arithmetic error: visited column by column,
-/// the faulty vectors before it have status 5, nothing else has changed.
+/// Sets the status of every faulty valid vector to 0 and lowers `validVectorCount`; each is tested while all others are
+/// still valid. Does nothing if no criterion is selected. If a compare vector is needed, throws SystemError 5 for an
+/// unknown compare type or a negative half width. Throws SystemError at an arithmetic error: in column-by-column order,
+/// the faulty vectors before it have status 5, and nothing else has changed.
 void RejectFaultyVectors(VectorField& field, const FaultyVectorCriteria& criteria);
 
 }  // namespace quiverion

@@ -11,8 +11,8 @@
 #include "operations/kernels/mathematical.h"
 #include "platform/numeric/checked_real.h"
 
-/// The definition of the search for faulty vectors: plain loops in visiting order. `Real` is double, or CheckedReal
-/// where the search must stop at an arithmetic error.
+/// The definition of the search for faulty vectors: plain loops in visiting order. `Real` is double, or CheckedReal if
+/// the search must stop at an arithmetic error.
 namespace quiverion::plain {
 
 inline constexpr std::int32_t kFaulty = 5;  // marks a faulty vector until the whole field has been tested
@@ -22,7 +22,7 @@ Real Length(Real x, Real y) {
   return std::sqrt(ToDouble(x * x + y * y));
 }
 
-/// What a vector is compared with; magnitude 0 and components 0 where there is none, which all criteria treat alike.
+/// What a vector is compared with: magnitude and components are 0 if there is none; all criteria treat that alike.
 template <class Real>
 struct CompareVector {
   Real x = 0.0, y = 0.0;
@@ -119,7 +119,7 @@ bool MeetsMagnitudeDeviation(double percent, Real magnitude, Real compareMagnitu
   return compareMagnitude * Real(percent) < difference * Real(100.0);
 }
 
-/// The angle of a cosine of at most 1 against the allowed one.
+/// Compares the angle of a cosine of at most 1 with the allowed angle.
 inline bool IsAngleGreater(double cosine, double degrees) {
   return ArcCos(cosine) / 3.141592654 * 180.0 > degrees;
 }
@@ -144,7 +144,7 @@ bool IsFaulty(const FaultyVectorCriteria& c, Real u, Real v, const CompareVector
   return c.logicalOr ? met >= 1 : met == c.SelectedCount();
 }
 
-/// The compare vector that holds for the whole field, none where each vector has its own.
+/// The compare vector for the whole field; none if each vector has its own.
 template <class Real>
 CompareVector<Real> CommonCompareVector(const VectorField& field, const FaultyVectorCriteria& c) {
   if (c.compareVectorType == CompareVectorType::fieldMean) return FieldMean<Real>(field);
@@ -152,7 +152,7 @@ CompareVector<Real> CommonCompareVector(const VectorField& field, const FaultyVe
   return {c.userX, c.userY, Length<Real>(c.userX, c.userY)};
 }
 
-/// Every marked vector becomes invalid.
+/// Makes every marked vector invalid.
 inline void RejectMarked(VectorField& field) {
   for (std::int32_t& status : field.status.Values()) {
     if (status != kFaulty) continue;
@@ -161,7 +161,7 @@ inline void RejectMarked(VectorField& field) {
   }
 }
 
-/// `criteria` has a selected criterion and is without errors.
+/// `criteria` must be valid and have a selected criterion.
 template <class Real>
 void RejectFaultyVectors(VectorField& field, const FaultyVectorCriteria& criteria) {
   CompareVector<Real> compare;

@@ -16,8 +16,8 @@
 namespace quiverion {
 namespace {
 
-// A row of vectors as the sums take them, 0 where the vector is not valid, with as many zeros on both sides as the
-// kernel reaches over the border. Adding 0 changes no sum: one that starts at +0.0 never is -0.0.
+// A row of vectors as the sums need them: 0 in place of invalid vectors, and as many zeros on both sides as the kernel
+// extends beyond the border. Adding 0 changes no sum, because a sum that starts at +0.0 is never -0.0.
 struct SourceRow {
   std::vector<double> u, v;
   std::vector<double> valid;  // 1 or 0
@@ -36,7 +36,7 @@ QUIVERION_MULTI_TARGET void FillRow(const std::int32_t* status, const double* ve
   }
 }
 
-// The source rows under the kernel: a ring, filled as the output moves on.
+// The source rows under the kernel: a ring buffer, filled as the output proceeds.
 class SourceRows {
  public:
   SourceRows(const VectorField& field, const WeightMatrix& weights)
@@ -45,7 +45,7 @@ class SourceRows {
         nothing_(Width(weights)),
         ring_(static_cast<std::size_t>(std::min(weights.Rows(), field.rowCount)), nothing_) {}
 
-  // Rows up to `j` are there afterwards.
+  // Makes the rows up to `j` available.
   void FillUpTo(std::int32_t j) {
     for (; filled_ < std::min(j, field_.rowCount); ++filled_) {
       SourceRow& row = ring_[static_cast<std::size_t>(filled_) % ring_.size()];
@@ -58,7 +58,7 @@ class SourceRows {
     return j < 1 || j > field_.rowCount ? nothing_ : ring_[static_cast<std::size_t>(j - 1) % ring_.size()];
   }
 
-  // Of column 1 in a source row.
+  // The index of column 1 in a source row.
   std::size_t Left() const { return left_; }
   std::size_t Columns() const { return static_cast<std::size_t>(field_.columnCount); }
 
@@ -74,7 +74,7 @@ class SourceRows {
   std::int32_t filled_ = 0;
 };
 
-// What becomes of a row: a new vector where the old one may change and something adds up.
+// The new row: a new vector if the old one may change and the weights add up to more than nothing.
 struct RowTarget {
   std::size_t count;
   const std::int32_t* status;
@@ -91,7 +91,7 @@ struct RowTarget {
         sumW(sums.data()) {}
 };
 
-// Calls sums(i, u, v, w) for every point and divides; the divisor is made safe where there is nothing to divide.
+// Calls sums(i, u, v, w) for every point and divides; the divisor is replaced if there is nothing to divide.
 template <class Sums>
 QUIVERION_ALWAYS_INLINE void DivideRow(const RowTarget& target, Sums sums) {
   const RowTarget in = target;  // a copy cannot alias what is written
@@ -108,7 +108,7 @@ QUIVERION_ALWAYS_INLINE void DivideRow(const RowTarget& target, Sums sums) {
   }
 }
 
-// The rows under a kernel of L rows; each pointer stands at the kernel's first column of output column 1.
+// The rows under a kernel of L rows; each pointer is at the first column of the kernel for output column 1.
 template <std::size_t L>
 struct KernelRows {
   const double *u[L], *v[L], *valid[L];
@@ -146,7 +146,7 @@ QUIVERION_MULTI_TARGET void FindFilled(const double* sumW, std::size_t count, st
   for (std::size_t i = 0; i < count; ++i) isFilled[i] = static_cast<std::int32_t>(sumW[i] != 0.0 ? 1.0 : 0.0);
 }
 
-// The new statuses of a row; returns how many vectors are valid more than before.
+// Writes the new statuses of a row; returns by how much the number of valid vectors grows.
 QUIVERION_MULTI_TARGET std::int32_t StatusRow(const std::int32_t* status, const std::int32_t* isFilled,
                                               std::size_t count, std::int32_t* __restrict target) {
   std::int32_t gained = 0, lost = 0;
@@ -175,16 +175,16 @@ void FilterRows(const VectorField& field, const WeightMatrix& weights,
   }
 }
 
-// A kernel of one row with equal weights that reaches over the whole row from every place: all vectors of a row have
-// the same sums in the same order.
+// A kernel of one row with equal weights that covers the whole row from every position, so that all vectors of a row
+// have the same sums in the same order.
 struct RowMean {
   double u, v;
   bool isFilled;
 };
 
-constexpr std::size_t kRowsAtOnce = 4;  // sums that run side by side: each waits for its own last addition only
+constexpr std::size_t kRowsAtOnce = 4;  // side by side, because each sum waits for its previous addition
 
-// The terms of a row, u and v in turn, 0 where the vector is not valid; returns how many are.
+// The terms of a row, u and v alternating, 0 for invalid vectors; returns the number of valid ones.
 QUIVERION_MULTI_TARGET std::int32_t WeightedRow(const VectorField& field, std::int32_t j, double weight,
                                                 double* __restrict terms) {
   const auto count = static_cast<std::size_t>(field.columnCount);
@@ -245,11 +245,11 @@ class RowAverages {
   const VectorField& field_;
   double weight_;
   std::size_t columns_;
-  std::vector<double> sumOfWeights_;  // of n vectors, added up one by one
-  std::vector<double> terms_;         // of the rows that run side by side
+  std::vector<double> sumOfWeights_;  // of n vectors, added one by one
+  std::vector<double> terms_;         // of the rows computed side by side
 };
 
-// Puts the mean into a row; returns how many vectors are valid more than before.
+// Writes the mean into a row; returns by how much the number of valid vectors grows.
 QUIVERION_MULTI_TARGET std::int32_t SpreadMean(const RowMean& mean, std::size_t count, std::int32_t* __restrict status,
                                                double* __restrict velX, double* __restrict velY) {
   const double u = mean.u, v = mean.v;
@@ -267,7 +267,7 @@ QUIVERION_MULTI_TARGET std::int32_t SpreadMean(const RowMean& mean, std::size_t 
   return gained;
 }
 
-// A row in which nothing adds up: its vectors become invalid and keep their velocities.
+// A row without valid vectors or weight: its vectors become invalid and keep their velocities.
 std::int32_t Invalidate(std::int32_t* status, std::size_t count) {
   std::int32_t gained = 0;
   for (std::size_t i = 0; i < count; ++i) {
@@ -295,7 +295,7 @@ bool CoversWholeRows(const VectorField& field, const WeightMatrix& weights) {
          std::all_of(values.begin(), values.end(), [&](double w) { return w == values.front(); });
 }
 
-// False where a floating-point flag was raised: nothing has changed then.
+// False if a floating-point flag was raised; then nothing has changed.
 bool FilterWholeRows(VectorField& field, double weight) {
   std::vector<RowMean> means;
   if (RaisesFloatError([&] { means = RowAverages(field, weight).Take(); })) return false;
@@ -319,7 +319,7 @@ bool IsSquare(const WeightMatrix& weights, std::int32_t half) {
 
 // The kernels that the commands make. False for all others, too.
 bool FilterFast(VectorField& field, const WeightMatrix& weights) {
-  const auto isFinite = [](double w) { return std::isfinite(w); };  // 0 times anything else would not be 0
+  const auto isFinite = [](double w) { return std::isfinite(w); };  // 0 times infinity or NaN is not 0
   if (!std::ranges::all_of(weights.Values(), isFinite)) return false;
   if (CoversWholeRows(field, weights)) return FilterWholeRows(field, weights.Values().front());
   if (IsSquare(weights, 1)) return FilterSquare<3>(field, weights, Filter3x3);

@@ -5,11 +5,11 @@
 
 namespace quiverion {
 
-/// Replaces every vector whose status is not negative by the weighted mean of the valid vectors under the kernel, as
-/// they are before; status 2. This fills invalid vectors; masked ones (negative status) are neither changed nor used.
-/// The kernel is cut at the border of the grid. If no valid vector lies under it, or the weights add to 0, the vector
-/// keeps its velocity and gets status 0. `validVectorCount` follows. Throws SystemError at an arithmetic error: visited
-/// column by column, the vectors before it are done, the rest is as before.
+/// Replaces every vector whose status is not negative by the weighted mean of the original valid vectors under the
+/// kernel, with status 2. This fills invalid vectors; masked ones (negative status) are neither changed nor used. The
+/// kernel is cut off at the border of the grid. If there is no valid vector under it, or the weights add up to 0, the
+/// vector keeps its velocity and gets status 0. Updates `validVectorCount`. Throws SystemError at an arithmetic error:
+/// in column-by-column order, the vectors before it are done, the others unchanged.
 void ApplyFilterKernel(VectorField& field, const WeightMatrix& weights);
 
 }  // namespace quiverion

@@ -4,12 +4,12 @@
 #include "operations/kernels/weight_matrix.h"
 #include "platform/numeric/checked_real.h"
 
-/// The definition of the filters: plain loops in visiting order. `Real` is double, or CheckedReal where the
-/// computation must stop at an arithmetic error with the points before it done.
+/// The definition of the filters: plain loops in visiting order. `Real` is double, or CheckedReal if the computation
+/// must stop at an arithmetic error with the points before it done.
 namespace quiverion::plain {
 
-/// Every vector whose status is not negative becomes the weighted mean of the valid vectors under the kernel, status
-/// 2; where there are none (or their weights add to 0) it becomes invalid.
+/// Every vector whose status is not negative becomes the weighted mean of the valid vectors under the kernel, status 2.
+/// If there are none (or their weights add up to 0), it becomes invalid.
 template <class Real>
 void ApplyFilterKernel(VectorField& field, const WeightMatrix& weights) {
   const Grid<double> velX = field.velX;

@@ -16,15 +16,14 @@ namespace {
 
 constexpr std::uint8_t kAllNeighbours = 8;
 
-// Of a vector, both counted from 0.
+// Position of a vector, counted from 0.
 struct Place {
   std::uint32_t column, row;
 };
 
 enum Found : std::int32_t { kInvalid = 1, kMarked = 2 };
 
-// Which of the two statuses that mean something here occur; most of a field holds neither, so whole blocks are passed
-// over.
+// Which of the two statuses that matter here occur. Most of a field has neither, so whole blocks are skipped.
 QUIVERION_MULTI_TARGET std::int32_t FindStatuses(const std::int32_t* status, std::size_t count) {
   std::int32_t found = 0;
   for (std::size_t p = 0; p < count; ++p) {
@@ -33,9 +32,9 @@ QUIVERION_MULTI_TARGET std::int32_t FindStatuses(const std::int32_t* status, std
   return found;
 }
 
-// Fills the same vectors in the same passes as the plain loops, but looks only at the invalid ones: they lie in buckets
-// by the number of their valid neighbours, and filling a vector moves its neighbours up. Each is looked at no more than
-// nine times, so a hole costs its size and not its size times its depth.
+// Fills the same vectors in the same passes as the plain loops, but looks only at the invalid ones: they are in buckets
+// by the number of their valid neighbours, and filling a vector moves its neighbours up. Each is visited at most nine
+// times, so the cost of a hole is its size, not its size times its depth.
 class HoleFiller {
  public:
   explicit HoleFiller(VectorField& field)
@@ -49,7 +48,7 @@ class HoleFiller {
     CollectInvalid();
   }
 
-  // False where invalid vectors remain that no valid one leads to. Throws SystemError.
+  // False if invalid vectors remain that cannot be reached from a valid one. Throws SystemError.
   bool Fill() {
     while (left_ > 0) {
       const std::uint8_t most = TakeFullest();
@@ -76,7 +75,7 @@ class HoleFiller {
   // Calls visit(column, row) for the neighbourhood of a place, column by column, the place itself included.
   template <class Visit>
   QUIVERION_ALWAYS_INLINE void ForEachNeighbourOf(Place place, Visit visit) const {
-    if (place.column - 1 < width_ - 2 && place.row - 1 < height_ - 2) {  // inside, below 0 is far above as well
+    if (place.column - 1 < width_ - 2 && place.row - 1 < height_ - 2) {  // inside (unsigned: no value is below 0)
       for (std::uint32_t column = 0; column < 3; ++column) {
         for (std::uint32_t row = 0; row < 3; ++row) visit(place.column - 1 + column, place.row - 1 + row);
       }
@@ -128,8 +127,8 @@ class HoleFiller {
     if (status_[At(place)] == 0) buckets_[++counts_[At(place)]].push_back(place);
   }
 
-  // Takes the vectors with the most valid neighbours into `pass_` and returns that number. One that has moved up to a
-  // fuller bucket has been filled there before.
+  // Takes the vectors with the most valid neighbours into `pass_` and returns that number. A vector that has moved up
+  // to a later bucket was filled from there.
   std::uint8_t TakeFullest() {
     for (std::uint8_t count = kAllNeighbours; count > 0; --count) {
       pass_.swap(buckets_[count]);
@@ -140,7 +139,8 @@ class HoleFiller {
     return 0;
   }
 
-  // All means are taken before the first vector is filled, so that none of a pass is a neighbour in it.
+  // All means are computed before the first vector is filled, so that no vector of a pass uses another one of the same
+  // pass.
   void FillPass(std::uint8_t count) {
     means_.resize(pass_.size());
     if (RaisesFloatError([&] { TakeMeans(count); })) {
@@ -170,7 +170,7 @@ class HoleFiller {
     return {u / kAllNeighbours, v / kAllNeighbours};
   }
 
-  // What is not valid (the place itself at least) adds +0.0, which changes no sum.
+  // Invalid vectors (at least the place itself) add +0.0, which changes no sum.
   Mean MeanOfValid(Place place, std::uint8_t count) const {
     double u = 0.0, v = 0.0;
     ForEachNeighbourOf(place, [&](std::uint32_t column, std::uint32_t row) {
@@ -182,7 +182,7 @@ class HoleFiller {
     return {u / count, v / count};
   }
 
-  // The vectors of the pass in visiting order, up to the one at which the computation stops.
+  // Fills the vectors of the pass in visiting order, up to the one at which the computation stops.
   void FillChecked() {
     std::sort(pass_.begin(), pass_.end(),
               [](Place a, Place b) { return a.column != b.column ? a.column < b.column : a.row < b.row; });

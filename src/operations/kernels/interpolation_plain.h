@@ -7,14 +7,14 @@
 #include "platform/numeric/checked_real.h"
 
 /// The definition of the interpolation: plain loops in visiting order, a scan of the whole field per pass. `Real` is
-/// double, or CheckedReal where the computation must stop at an arithmetic error.
+/// double, or CheckedReal if the computation must stop at an arithmetic error.
 namespace quiverion::plain {
 
 inline constexpr std::int32_t kFilled = 3;
 inline constexpr std::int32_t kFilledInThisPass = 127;  // not yet a neighbour
 
-/// Calls visit(column, row) for the neighbourhood of (i, j), cut at the border, column by column, the point itself
-/// included.
+/// Calls visit(column, row) for the neighbourhood of (i, j), cut off at the border, column by column, including the
+/// point itself.
 template <class Visit>
 void ForEachNeighbour(const VectorField& f, std::int32_t i, std::int32_t j, Visit visit) {
   for (std::int32_t column = std::max(1, i - 1); column <= std::min(f.columnCount, i + 1); ++column) {
@@ -22,7 +22,7 @@ void ForEachNeighbour(const VectorField& f, std::int32_t i, std::int32_t j, Visi
   }
 }
 
-/// Fills (i, j) from its valid neighbours. False where it has none.
+/// Fills (i, j) from its valid neighbours. False if it has none.
 template <class Real>
 bool FillFromNeighbours(VectorField& field, std::int32_t i, std::int32_t j) {
   Real sumU = 0.0, sumV = 0.0;
@@ -43,7 +43,7 @@ bool FillFromNeighbours(VectorField& field, std::int32_t i, std::int32_t j) {
   return true;
 }
 
-/// False where invalid vectors remain that no valid one leads to.
+/// False if invalid vectors remain that cannot be reached from a valid one.
 template <class Real>
 bool Interpolate(VectorField& field) {
   Grid<std::int32_t> counts(field.columnCount, field.rowCount);

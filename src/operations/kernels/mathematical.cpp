@@ -5,7 +5,8 @@
 namespace quiverion {
 namespace {
 
-// Rounded from more digits than a double has: the double variants of the systems' libraries differ in the last bit.
+// Computed in higher precision and rounded, because the double versions of the systems' libraries differ in the last
+// bit.
 double ArcTan(double x) {
   return static_cast<double>(std::atan(static_cast<long double>(x)));
 }

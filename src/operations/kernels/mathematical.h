@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <vector>
 
-/// Small mathematics of the operations.
+/// Mathematical functions of the operations.
 namespace quiverion {
 
-/// sqrt(x² + y²), evaluated just so: the bits are part of what the operations promise.
+/// sqrt(x² + y²), evaluated exactly so, because the bits of the results depend on it.
 inline double VectorLength(double x, double y) {
   return std::sqrt(x * x + y * y);
 }
@@ -16,7 +16,7 @@ inline double VectorLength(double x, double y) {
 /// Throws SystemError 5 for |x| > 1; NaN gives NaN.
 double ArcCos(double x);
 
-/// Element k of row n of Pascal's triangle. Throws SystemError 5 where k > n, and 9 for negative arguments.
+/// Element k of row n of Pascal's triangle. Throws SystemError 5 if k > n, and 9 for negative arguments.
 double BinomialCoefficient(std::int32_t n, std::int32_t k);
 
 /// Row n of Pascal's triangle, elements 0..n. Throws SystemError 9 for a negative n.

@@ -13,7 +13,7 @@
 /// Differences between the neighbours of grid points, for fast kernels: row by row along the memory, across points.
 namespace quiverion {
 
-/// The grids that differences are taken of; positions in mm, velocities in m/s.
+/// The grids from which differences are computed; positions in mm, velocities in m/s.
 struct NeighbourGrids {
   std::span<const double> posX, posY;
   const Grid<double>& velX;
@@ -21,7 +21,7 @@ struct NeighbourGrids {
   const Grid<std::int32_t>& status;
 };
 
-/// True where some point could take its difference between two equal positions.
+/// True if some point could use two equal positions for its difference.
 inline bool HasEqualPositions(std::span<const double> positions) {
   bool equal = false;
   for (std::size_t k = 1; k < positions.size(); ++k) equal |= positions[k] == positions[k - 1];
@@ -29,8 +29,8 @@ inline bool HasEqualPositions(std::span<const double> positions) {
   return equal;
 }
 
-/// One row of points with the rows below and above. `valid` is a mask per vector, as wide as the doubles it
-/// selects. A row outside the grid is the row itself with nothing valid in it.
+/// One row of points with the rows below and above. `valid` is a mask per vector, as wide as the doubles that it
+/// selects. A row outside the grid is represented by the row itself, with no valid vector.
 struct RowInput {
   std::int32_t columns;
   const double* x;
@@ -40,7 +40,7 @@ struct RowInput {
   const Mask *valid, *validDown, *validUp;
 };
 
-/// The differences at one point between its usable neighbours, the point itself in the place of one that is not.
+/// The differences at one point between its usable neighbours, with the point itself in place of an unusable one.
 struct Differences {
   double dx, dy;
   double dxu, dyu, dxv, dyv;  // of u and v along x and y
@@ -48,7 +48,7 @@ struct Differences {
 
 /// Calls use(k, hasValue, differences) for the points between the first and the last column, k counted from 0.
 /// `hasValue`: a valid point with a usable neighbour along both axes, or any point with four. The differences of any
-/// other point are those of the point to itself: what does not count cannot overflow.
+/// other point are those between the point and itself, so that values that do not count cannot overflow.
 template <class Use>
 QUIVERION_ALWAYS_INLINE void ForInnerPoints(const RowInput& row, Use use) {
   const RowInput in = row;  // a copy cannot alias what `use` writes
@@ -82,7 +82,7 @@ class ValidRows {
     for (std::size_t i = 0; i < Width(); ++i) row[i] = MaskOf(status[i] > 0);
   }
 
-  /// Row j, filled before; nothing is valid outside the grid.
+  /// Row j, which must have been filled; no vector is valid outside the grid.
   const Mask* Row(std::int32_t j) const {
     return j < 1 || j > status_.Rows() ? nothing_.data() : rows_[static_cast<std::size_t>(j % 3)].data();
   }

@@ -6,8 +6,8 @@
 
 namespace quiverion::plain {
 
-/// The neighbours that differences at a grid point are taken between: columns im, ip and rows jm, jp, each the next one
-/// or, where that is not valid or outside the grid, the point's own.
+/// The neighbours used for the differences at a grid point: columns im, ip and rows jm, jp. Each is the next one or, if
+/// that is invalid or outside the grid, that of the point itself.
 struct Neighbours {
   std::int32_t im, ip, jm, jp;
   bool haveValue;  // both pairs differ, and the point is valid or all four are other points

@@ -12,7 +12,7 @@
 namespace quiverion {
 namespace {
 
-// One component of all velocities, in the order of the memory.
+// One component of all velocities, in memory order.
 struct Component {
   std::size_t count;
   const double* velocity;
@@ -34,8 +34,8 @@ QUIVERION_MULTI_TARGET void ShiftComponent(const Component& component, double sh
 using ComponentKernel = void(const Component&, double, double*);
 using PlainLoops = void(VectorField&, double, double);
 
-// The fast kernel works on scratch memory. Only where a floating-point flag was raised the plain loops run in place:
-// they stop at the exact point, if there is one.
+// The fast kernel works on scratch memory. Only if a floating-point flag was raised do the plain loops run in place;
+// they stop at the exact point of an error, if there is one.
 void ChangeVelocities(VectorField& field, double x, double y, ComponentKernel* kernel, PlainLoops* checkedLoops) {
   NewVelocities result(field);
   const auto run = [&](const Grid<double>& velocity, double value, Grid<double>& target) {

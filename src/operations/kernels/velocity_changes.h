@@ -2,8 +2,8 @@
 
 #include "field/vector_field.h"
 
-/// Changes of all velocities of a field. Throw SystemError 6 at an overflow: visited column by column, the vectors before
-/// it are done, the rest is as before.
+/// Changes of all velocities of a field. They throw SystemError 6 at an overflow: in column-by-column order, the
+/// vectors before it are done, the rest is unchanged.
 namespace quiverion {
 
 /// Multiplies the components of every vector, whatever its status.

@@ -3,8 +3,8 @@
 #include "field/vector_field.h"
 #include "platform/numeric/checked_real.h"
 
-/// The definition of the changes of all velocities: plain loops in visiting order. `Real` is double, or CheckedReal
-/// where the computation must stop at an arithmetic error.
+/// The definition of the changes of all velocities: plain loops in visiting order. `Real` is double, or CheckedReal if
+/// the computation must stop at an arithmetic error.
 namespace quiverion::plain {
 
 template <class Real>
@@ -19,7 +19,7 @@ void ScaleVelocities(VectorField& field, double factorX, double factorY) {
   }
 }
 
-/// Valid vectors only.
+/// Changes valid vectors only.
 template <class Real>
 void ShiftVelocities(VectorField& field, double shiftX, double shiftY) {
   for (std::int32_t i = 1; i <= field.columnCount; ++i) {

@@ -9,13 +9,13 @@
 namespace quiverion {
 namespace {
 
-// The greater number; the second one where the first is NaN.
+// The greater number; the second one if the first is NaN.
 QUIVERION_ALWAYS_INLINE double Greater(double a, double b) {
   return a > b ? a : b;
 }
 
-// Magnitudes of the rows around row j. Behind both ends of a row and outside the grid they are 0: nothing is less, so
-// what is not there removes no mark.
+// Magnitudes of the rows around row j. Beyond both ends of a row and outside the grid they are 0, the smallest value,
+// so that missing neighbours remove no mark.
 class MagnitudeRows {
  public:
   explicit MagnitudeRows(const Grid<double>& strength) : strength_(strength), outside_(Width() + 2, 0.0) {
@@ -28,7 +28,7 @@ class MagnitudeRows {
     for (std::size_t i = 0; i < Width(); ++i) target[i] = std::fabs(row[i]);
   }
 
-  // Row j, filled before; element 0 stands before its first point.
+  // Row j, which must have been filled; element 0 is before its first point.
   const double* Row(std::int32_t j) const {
     return j < 1 || j > strength_.Rows() ? outside_.data() : rows_[static_cast<std::size_t>(j % 3)].data();
   }
@@ -47,7 +47,7 @@ QUIVERION_MULTI_TARGET void GreatestOfColumns(std::size_t width, const double* d
   for (std::size_t i = 0; i < width; ++i) target[i] = Greater(up[i], Greater(row[i], Greater(down[i], 0.0)));
 }
 
-// `greatest` and `magnitude` begin one element before the first point. That a point is its own neighbour here changes
+// `greatest` and `magnitude` begin one element before the first point. Here a point is its own neighbour, which changes
 // nothing: it is not greater than itself.
 QUIVERION_MULTI_TARGET void MarkRow(std::size_t columns, const double* strength, const double* magnitude,
                                     const double* greatest, std::int16_t* __restrict marks) {

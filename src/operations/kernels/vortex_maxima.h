@@ -6,8 +6,8 @@
 
 namespace quiverion {
 
-/// Marks the local maxima of |strength| as plain::MarkMaxima does: 1 where strength is positive, -1 where it is
-/// negative, else 0. `marks` gets the size of `strength`.
+/// Marks the local maxima of |strength| as plain::MarkMaxima does: 1 if the strength is positive, -1 if it is negative,
+/// else 0. `marks` gets the size of `strength`.
 void MarkMaxima(const Grid<double>& strength, Grid<std::int16_t>& marks);
 
 }  // namespace quiverion

@@ -9,7 +9,7 @@
 namespace quiverion::plain {
 
 /// 1 for a local maximum of |S| with positive S (turning counter-clockwise), -1 for one with negative S, else 0. Only a
-/// neighbour that is greater removes the mark, so every point of a plateau keeps it, and NaN neither has nor is one.
+/// greater neighbour removes the mark. So every point of a plateau keeps it, and NaN neither gets nor removes one.
 inline void MarkMaxima(const Grid<double>& strength, Grid<std::int16_t>& marks) {
   const auto isGreater = [&](std::int32_t i, std::int32_t j, double magnitude) {
     const bool inside = i >= 1 && i <= strength.Columns() && j >= 1 && j <= strength.Rows();

@@ -6,10 +6,11 @@
 
 namespace quiverion {
 
-/// The weights W(k, l) of a filter: k is the offset in columns (x), l in rows (y). Both ranges are any, also negative.
+/// The weights W(k, l) of a filter: k is the offset in columns (x), l in rows (y). Both ranges are arbitrary and may be
+/// negative.
 class WeightMatrix {
  public:
-  /// All weights are `value`. Each range holds at least one offset.
+  /// All weights are `value`. Each range has at least one offset.
   WeightMatrix(std::int32_t firstK, std::int32_t lastK, std::int32_t firstL, std::int32_t lastL, double value)
       : firstK_(firstK), lastK_(lastK), firstL_(firstL), lastL_(lastL) {
     weights_.assign(static_cast<std::size_t>(Columns()) * static_cast<std::size_t>(Rows()), value);
@@ -25,7 +26,7 @@ class WeightMatrix {
   double& operator()(std::int32_t k, std::int32_t l) { return weights_[Position(k, l)]; }
   double operator()(std::int32_t k, std::int32_t l) const { return weights_[Position(k, l)]; }
 
-  /// In the order in which a sum takes them: k outer, l inner.
+  /// In the order of the sum: k outer, l inner.
   const std::vector<double>& Values() const { return weights_; }
 
  private:

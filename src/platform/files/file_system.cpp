@@ -33,7 +33,7 @@ bool FileExists(FileSystem& files, const std::string& path) {
 }
 
 void CreatePathDirectories(FileSystem& files, const std::string& path) {
-  // Nearly always the directory is there: one look spares a call per path part.
+  // The directory nearly always exists: one check saves a call per part of the path.
   const std::string_view directory = DirectoryOf(path);
   if (directory.empty() || files.IsDirectory(std::string(directory))) return;
   for (std::size_t p = 0; p < path.size(); ++p) {

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-/// Both "\" and "/" separate path parts, on every system: macros and collections move between machines.
-/// Only the file layer turns a path into the operating system's form.
+/// Both "\" and "/" separate path parts, on every system: macros and collections move between machines. Only the file
+/// layer converts a path to the form of the operating system.
 namespace quiverion {
 
 /// The separator that the program itself adds to paths.
@@ -18,7 +18,7 @@ constexpr bool IsPathSeparator(char c) {
   return c == '\\' || c == '/';
 }
 
-/// The part behind the last separator (the whole path if there is none).
+/// The part after the last separator (the whole path if there is none).
 std::string_view FileNameOf(std::string_view path);
 
 /// The part before the last separator (empty if there is none).
@@ -33,11 +33,11 @@ std::string_view BaseNameOf(std::string_view fileName);
 /// What follows the last "." of a file name, ASCII letters in upper case (the whole name if there is no ".").
 std::string ExtensionOf(std::string_view fileName);
 
-/// True where a part of the path may lead to the directory above: it is of points and blanks only, with two points or
-/// more. Some systems leave out blanks and points at the end of a part.
+/// True if a part of the path may lead to the parent directory: it consists of points and blanks only, with at least
+/// two points. Some systems drop blanks and points at the end of a part.
 bool LeadsUpwards(std::string_view path);
 
-/// `directory` with the system's separator behind it, unless it ends in a separator already.
+/// `directory` with the system's separator appended, unless it already ends in a separator.
 std::string WithSeparator(std::string directory);
 
 /// A path that may come from another system, to be shown: every separator is the system's.

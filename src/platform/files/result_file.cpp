@@ -8,7 +8,7 @@ namespace quiverion {
 namespace {
 
 constexpr std::size_t kBufferSize = 32 * 1024;
-constexpr std::size_t kSmallBlock = 8 * 1024;  // copying is cheaper than a piece of its own
+constexpr std::size_t kSmallBlock = 8 * 1024;  // copying is cheaper than a separate piece
 constexpr std::size_t kMaxKept = 16;
 
 }  // namespace

@@ -13,32 +13,32 @@
 
 namespace quiverion {
 
-/// What happens to a file that is there already. `create`: it is kept, and the commit fails with error 75.
+/// What happens to an existing file. `create`: it is kept, and the commit fails with error 75.
 enum class Opening { replace, create, append };
 
-/// A buffered result file, or the end of a file that results are appended to. A full disk or too many open files ask
-/// Retry or Cancel where a user interface is given; Retry repeats the failed write and writing goes on, so no writer
-/// has a retry loop of its own. Small items are gathered, large blocks go to the system as they are. Without a commit
-/// nothing appears and an old file stays as it was.
+/// A buffered result file, or the end of a file that results are appended to. If the disk is full or too many files are
+/// open, and a user interface is given, the user is asked Retry or Cancel. Retry repeats the failed write and
+/// continues, so no writer needs its own retry loop. Small items are gathered; large blocks go directly to the system.
+/// Without a commit nothing appears, and an old file stays as it was.
 class ResultFile {
  public:
-  /// Missing directories are created. Throws SystemError where the file cannot be opened. `ui` may be null: then every
+  /// Missing directories are created. Throws SystemError if the file cannot be opened. `ui` may be null: then every
   /// error is thrown at once.
   ResultFile(FileSystem& files, UserInterface* ui, const std::string& path, Opening opening = Opening::replace);
 
   /// Throws SystemError.
   void Write(std::string_view bytes);
 
-  /// The same for bytes that stay where they are, unchanged, until the commit: they are not copied.
+  /// The same without copying, for bytes that stay in place and unchanged until the commit.
   void WriteKept(std::string_view bytes);
 
-  /// Writes what is left and puts the file in its place, or keeps what was appended. Throws SystemError.
+  /// Writes the rest, and renames the file to its path or keeps what was appended. Throws SystemError.
   void Commit();
 
-  /// True where no file stood at the place.
+  /// True if no file existed at the path.
   bool IsNew() const { return file_->IsNew(); }
 
-  /// True where the user has answered Cancel; the SystemError that was thrown is the one of the write.
+  /// True if the user has answered Cancel; the SystemError thrown is that of the write.
   bool Cancelled() const { return retry_.Cancelled(); }
 
  private:
@@ -46,7 +46,7 @@ class ResultFile {
 
   std::unique_ptr<OutputFile> file_;
   WriteRetry retry_;
-  // What has not been written: bytes of the buffer, up to the ends given, with kept pieces between them.
+  // What has not been written yet: the buffer, with the kept pieces inserted at the given positions.
   struct KeptPiece {
     std::size_t bufferEnd;
     std::string_view bytes;

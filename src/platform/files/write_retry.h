@@ -10,14 +10,14 @@
 
 namespace quiverion {
 
-/// The one Retry/Cancel loop of everything that is written: a full disk or too many open files ask the user, every
-/// other error is thrown at once.
+/// The only Retry/Cancel loop for writing: for a full disk or too many open files it asks the user; every other error
+/// is thrown at once.
 class WriteRetry {
  public:
-  /// `ui` may be null: then nobody is asked.
+  /// If `ui` is null, nobody is asked.
   explicit WriteRetry(UserInterface* ui) : ui_(ui) {}
 
-  /// Runs `action` until it succeeds. Throws its SystemError where it cannot be mended or the answer is Cancel.
+  /// Runs `action` until it succeeds. Throws its SystemError if a retry cannot help or the answer is Cancel.
   template <class Action>
   auto operator()(Action action) {
     for (;;) {
@@ -29,7 +29,7 @@ class WriteRetry {
     }
   }
 
-  /// True where the user has answered Cancel.
+  /// True if the user has answered Cancel.
   bool Cancelled() const { return cancelled_; }
 
  private:

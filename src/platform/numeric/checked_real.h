@@ -6,15 +6,15 @@
 
 namespace quiverion {
 
-/// True where an operation on finite numbers has a result that is not finite.
+/// True if an operation on finite numbers has a result that is not finite.
 inline bool HasOverflowed(double a, double b, double result) {
   return !std::isfinite(result) && std::isfinite(a) && std::isfinite(b);
 }
 
-/// A double whose operations stop at an arithmetic error: an operation on finite numbers whose result is not
-/// finite throws SystemError 6 (overflow) or 11 (division by zero). NaN and infinities that come from a file
-/// are carried through. The plain loops of a kernel run on this type where the exact point of the stop
-/// matters, and on double where nothing can go wrong; the bits are the same.
+/// A double whose operations stop at an arithmetic error: an operation on finite numbers whose result is not finite
+/// throws SystemError 6 (overflow) or 11 (division by zero). NaN and infinities that come from a file are propagated.
+/// The plain loops of a kernel use this type when the computation must stop at the exact point, and double when no
+/// error can occur; the bits are the same.
 class CheckedReal {
  public:
   CheckedReal(double value = 0.0) : value_(value) {}  // NOLINT(google-explicit-constructor): reads like a number
@@ -41,7 +41,7 @@ class CheckedReal {
   double value_;
 };
 
-/// The number behind a Real of either kind.
+/// The value of a Real of either kind.
 inline double ToDouble(double value) {
   return value;
 }

@@ -10,8 +10,8 @@ namespace quiverion {
 namespace {
 
 #ifdef __SSE2__
-// The flags of the unit that computes; those of the older one, which the library's functions look after as well, take
-// most of the time.
+// Only the flags of the SSE unit, which does all computations. The library functions also handle the x87 flags, which
+// takes most of their time.
 constexpr unsigned kErrors = _MM_EXCEPT_OVERFLOW | _MM_EXCEPT_DIV_ZERO;
 
 void Clear() {

@@ -1,12 +1,13 @@
 #pragma once
 
 /// QUIVERION_MULTI_TARGET compiles a function for plain x86-64 and for two generations of wider instructions, and
-/// chooses at run time. Only where the compiler and the system can (GCC, not for Windows) and where no sanitizer runs
+/// chooses at run time. Only if the compiler and the system support it (GCC, not for Windows) and no sanitizer runs
 /// before the choice is made. Wider instructions never change bits: contraction is off and no sum is split.
 /// QUIVERION_PLAIN_TARGET leaves them out.
 ///
-/// QUIVERION_MULTI_TARGET_CALL does so on Windows, too, for the functions that take most of the time: void `name`
-/// `parameters` that does nothing but one call, of something always inline, with `arguments` as those of `name` itself.
+/// QUIVERION_MULTI_TARGET_CALL also works on Windows, for the functions that take most of the time. It defines void
+/// `name` `parameters`, which only calls a function that is always inlined; `arguments` are the names of the
+/// parameters.
 #if !defined(QUIVERION_PLAIN_TARGET) && defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12 && \
     defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
 #define QUIVERION_HAS_TARGETS
@@ -42,14 +43,14 @@
   }
 #endif
 
-/// Before a loop whose steps are independent although the compiler cannot see that nothing overlaps.
+/// Placed before a loop with independent steps, if the compiler cannot see that the arrays do not overlap.
 #if defined(__GNUC__) && !defined(__clang__)
 #define QUIVERION_INDEPENDENT_STEPS _Pragma("GCC ivdep")
 #else
 #define QUIVERION_INDEPENDENT_STEPS
 #endif
 
-/// A helper that must become part of every such function.
+/// For helpers that must be inlined into every such function.
 #if defined(__GNUC__)
 #define QUIVERION_ALWAYS_INLINE inline __attribute__((always_inline))
 #define QUIVERION_NO_INLINE __attribute__((noinline))

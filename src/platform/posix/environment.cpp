@@ -1,4 +1,4 @@
-// What the program asks of its surroundings beyond files.
+// What the program needs from its environment besides files.
 #include <fcntl.h>
 #include <langinfo.h>
 #include <locale.h>
@@ -43,7 +43,7 @@ std::string NumericLocaleName() {
   return {};
 }
 
-// A locale can be named without being installed (on a compute node, say); its language still tells.
+// A locale may be named without being installed (for example on a compute node); then its language decides.
 bool LanguageWritesComma(std::string_view localeName) {
   constexpr std::array<std::string_view, 12> languages = {"de", "fr", "it", "es", "nl", "pt",
                                                           "pl", "cs", "da", "nb", "sv", "fi"};
@@ -123,7 +123,7 @@ std::string ReadStandardInput() {
 void CatchAbortRequests() {
   for (std::size_t k = 0; k < std::size(kSignals); ++k) {
     caught[k] = std::signal(kSignals[k], HandleSignal) != SIG_IGN ? 1 : 0;
-    if (caught[k] == 0) std::signal(kSignals[k], SIG_IGN);  // whoever has started the program wants it so
+    if (caught[k] == 0) std::signal(kSignals[k], SIG_IGN);  // whoever started the program wants it ignored
   }
 }
 
@@ -136,7 +136,7 @@ void PrepareProcess() {
   std::signal(SIGXFSZ, SIG_IGN);
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (::fcntl(stream, F_GETFD) >= 0) continue;
-    // The lowest free number, opened the other way round: reading or writing still fails.
+    // Takes the lowest free number. Opened in the opposite direction, so that reading or writing still fails.
     [[maybe_unused]] const int taken = ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
   }
 #ifdef __GLIBC__

@@ -26,10 +26,10 @@ namespace {
 
 using namespace posix;
 
-// Names for temporary files that nobody can guess and prepare a link for.
+// Names for temporary files that nobody can guess in order to prepare a link.
 class TemporaryNames {
  public:
-  // A path beside `nativePath`.
+  // A path in the directory of `nativePath`.
   std::string PathFor(const std::string& nativePath) {
     if (used_ == pool_.size()) {
       if (::getrandom(pool_.data(), pool_.size(), 0) != static_cast<ssize_t>(pool_.size())) ThrowErrno(errno);
@@ -45,21 +45,21 @@ class TemporaryNames {
 
  private:
   static constexpr std::size_t kNameBytes = 8;
-  std::array<unsigned char, 32 * kNameBytes> pool_{};  // one call of the system for many names
+  std::array<unsigned char, 32 * kNameBytes> pool_{};  // one system call for many names
   std::size_t used_ = pool_.size();
 };
 
-// No bit that lets anybody write: what the read-only attribute is elsewhere. It counts for root as well.
+// No write bit at all is the equivalent of a read-only attribute. It counts for root as well.
 bool HasNoWriteBit(const struct stat& info) {
   return (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
 }
 
-// What stands at the place must be something that a save may replace or append to. Its description, where something
-// stands there: of a link what it leads to, of one that leads nowhere its own.
+// Checks that a save may replace or append to whatever is at the path. Returns its description if it exists: for a link
+// that of its target, for a dangling link that of the link itself.
 std::optional<struct stat> CheckTarget(const std::string& nativePath) {
   struct stat info {};
   if (::lstat(nativePath.c_str(), &info) != 0) return std::nullopt;
-  // A link is replaced itself; what it leads to must be a file that could be written.
+  // The link itself is replaced, but its target must be a writable file.
   const struct stat link = info;
   if (S_ISLNK(info.st_mode) && ::stat(nativePath.c_str(), &info) != 0) return link;
   if (!S_ISREG(info.st_mode) || HasNoWriteBit(info)) throw SystemError(ErrorNumber::pathAccess);
@@ -67,18 +67,18 @@ std::optional<struct stat> CheckTarget(const std::string& nativePath) {
   return info;
 }
 
-// Who may do what with a file stays when another one takes its place, as far as this process can give it.
+// Gives a file the owner, group and permissions of the one it replaces, as far as this process can.
 void TakeOver(const struct stat& old, int descriptor) {
   struct stat now {};
   if (::fstat(descriptor, &now) != 0) return;
   const bool same = now.st_uid == old.st_uid && now.st_gid == old.st_gid;
   const bool sameGroup = same || ::fchown(descriptor, old.st_uid, old.st_gid) == 0 || now.st_gid == old.st_gid ||
                          ::fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
-  ::fchmod(descriptor, old.st_mode & (sameGroup ? 0777 : 0707));  // not for a group that it was not meant for
+  ::fchmod(descriptor, old.st_mode & (sameGroup ? 0777 : 0707));  // no permissions for another group than before
 }
 
-// Waits until no other process has the file locked; a file system without locks has none. Not for ever: whoever may read
-// a file can lock it.
+// Waits until no other process has locked the file (on a file system without locks, none has). Not forever, because
+// anybody who may read a file can lock it.
 void Lock(const Descriptor& file) {
   for (int k = 0; k < 15000 && ::flock(file.Number(), LOCK_EX | LOCK_NB) != 0; ++k) {
     if (errno != EWOULDBLOCK && errno != EINTR) return;
@@ -87,13 +87,13 @@ void Lock(const Descriptor& file) {
   }
 }
 
-// Opens an existing file that is changed where it lies, -1 with errno where there is none, and waits until no other
-// process has it open so. Throws SystemError for what is no ordinary file or read-only.
+// Opens an existing file to change it in place, and waits until no other process has it open that way. Returns -1 and
+// sets errno if there is none. Throws SystemError if it is read-only or not a regular file.
 int OpenTarget(const std::string& nativePath, int access, struct stat& info) {
   const int descriptor = ::open(nativePath.c_str(), access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (descriptor < 0 && errno != ENOENT) {
     const int code = errno;
-    CheckTarget(nativePath);  // says it as for every other file that is written
+    CheckTarget(nativePath);  // throws the same error as for other written files
     ThrowErrno(code, nativePath);
   }
   if (descriptor < 0) return descriptor;
@@ -109,7 +109,7 @@ class PosixFileSystem : public FileSystem {
  public:
   std::unique_ptr<InputFile> OpenForReading(const std::string& path) override {
     const std::string native = OpenablePath(path);
-    // Here a name may hold a backslash: taken for a path it would lead to another file, in another directory.
+    // On this system a name may contain a backslash. Taken as a path, it would lead to a file in another directory.
     if (native != path && ::access(path.c_str(), F_OK) == 0) throw SystemError(ErrorNumber::pathAccess);
     // O_NONBLOCK: a named pipe must not hold up the run; it is refused below.
     const int descriptor = ::open(native.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
@@ -130,7 +130,7 @@ class PosixFileSystem : public FileSystem {
         ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, takesOver ? 0600 : 0666);
     if (descriptor < 0) {
       const int code = errno;
-      // The temporary name never exists beforehand: what is missing is the directory.
+      // The temporary name never exists before, so it is the directory that is missing.
       if (code == ENOENT) throw SystemError(ErrorNumber::pathNotFound);
       ThrowErrno(code, native);
     }
@@ -146,17 +146,17 @@ class PosixFileSystem : public FileSystem {
       Descriptor file(OpenTarget(native, O_WRONLY | O_APPEND, info));
       const bool isNew = !file.IsOpen();
       if (isNew) {
-        // O_EXCL: only what this call has created may be deleted again.
+        // O_EXCL: only a file that this call has created may be deleted again.
         file = Descriptor(::open(native.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
         if (!file.IsOpen()) {
           const int code = errno;
-          if (code == EEXIST && ::stat(native.c_str(), &info) == 0) continue;  // another process has begun it meanwhile
+          if (code == EEXIST && ::stat(native.c_str(), &info) == 0) continue;  // another process has created it
           ThrowErrno(code, native);
         }
         Lock(file);
         if (::fstat(file.Number(), &info) != 0) ThrowErrno(errno, native);
       }
-      if (info.st_nlink == 0) continue;  // whoever had the lock has deleted the file
+      if (info.st_nlink == 0) continue;  // the owner of the lock has deleted the file
       return std::make_unique<PosixAppendedFile>(file.Release(), std::move(native), isNew, info);
     }
   }
@@ -168,12 +168,12 @@ class PosixFileSystem : public FileSystem {
       const int descriptor = OpenTarget(native, O_RDWR, info);
       if (descriptor < 0) ThrowErrno(ENOENT, native);
       auto file = std::make_unique<PosixUpdatedFile>(descriptor, static_cast<std::uint64_t>(info.st_size));
-      if (info.st_nlink > 0) return file;  // else whoever had the lock has deleted the file
+      if (info.st_nlink > 0) return file;  // else the owner of the lock has deleted the file
     }
   }
 
   void SetFileSize(const std::string& path, std::uint64_t newLength) override {
-    // The system sets the end without moving a file pointer first, which is a step of its own elsewhere.
+    // The system sets the length without moving a file pointer first, which is a separate step on Windows.
     Descriptor file(::open(SystemPath(path).c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!file.IsOpen()) {
       FailStep("Fehler beim Öffnen der Datei zum Einstellen der neuen Dateigröße!");
@@ -186,7 +186,7 @@ class PosixFileSystem : public FileSystem {
 
   void RemoveFileQuietly(const std::string& path) override {
     if (BeginsWithDriveLetter(path)) return;
-    // Where a link leads to the file, the file goes.
+    // If the path is a link, the file it leads to is deleted.
     const std::unique_ptr<char, decltype(&std::free)> real(::realpath(SystemPath(path).c_str(), nullptr), std::free);
     if (real) ::unlink(real.get());
   }

@@ -35,10 +35,10 @@ class Descriptor {
   int Number() const { return number_; }
   bool IsOpen() const { return number_ >= 0; }
 
-  // Gives the number away, open.
+  // Releases the number without closing it.
   int Release() { return std::exchange(number_, -1); }
 
-  // Closes with the error the system kept for the end, such as a full disk on a network drive.
+  // Closes the file and reports a deferred error, such as a full disk on a network drive.
   int Close() {
     const int result = ::close(number_);
     number_ = -1;
@@ -69,7 +69,7 @@ std::size_t Written(Call call) {
   }
 }
 
-/// The pieces that are not empty, as many as one call takes.
+/// The pieces that are not empty, as many as one call accepts.
 class WritePieces {
  public:
   explicit WritePieces(std::span<const std::string_view> pieces) {
@@ -116,7 +116,7 @@ class PosixReadableFile : public Base {
       const ssize_t count = ::readv(descriptor_.Number(), list.data(), static_cast<int>(pieces.size()));
       if (count >= 0 && static_cast<std::size_t>(count) == wanted) return wanted;
       if (count < 0 && errno != EINTR && errno != EINVAL) ThrowErrno(errno);
-      // A short read (or more than one call can take): start again, piece by piece.
+      // A short read, or more pieces than one call accepts: start again, piece by piece.
       if (count > 0 && ::lseek(descriptor_.Number(), -count, SEEK_CUR) < 0) ThrowErrno(errno);
     }
     return InputFile::ReadPieces(pieces);
@@ -155,7 +155,7 @@ class PosixUpdatedFile : public PosixReadableFile<UpdatedFile> {
   }
 };
 
-/// What the two kinds of written files share; they differ in what a commit means, and its absence.
+/// The common part of the two kinds of written files. They differ in what happens with and without a commit.
 class PosixOutputFile : public OutputFile {
  public:
   explicit PosixOutputFile(int descriptor) : descriptor_(descriptor) {}
@@ -170,8 +170,8 @@ class PosixOutputFile : public OutputFile {
   }
 
  protected:
-  // Closes the file, synced where that is asked for. What was not flushed is not there, and a second try would not say
-  // so: the first failure stays.
+  // Closes the file, and syncs it first if requested. After a failed flush the data is lost and a second try would not
+  // report that, so the first failure is kept.
   void Flush(bool sync) {
     if (descriptor_.IsOpen()) {
       if (sync && ::fsync(descriptor_.Number()) != 0) flushError_ = errno;
@@ -187,7 +187,7 @@ class PosixOutputFile : public OutputFile {
 
 class PosixResultFile : public PosixOutputFile {
  public:
-  /// `replaces`: a file stands at the place.
+  /// `replaces`: a file exists at the path.
   PosixResultFile(int descriptor, std::string temporaryPath, std::string path, bool replaces, ExistingFile existing)
       : PosixOutputFile(descriptor),
         temporaryPath_(std::move(temporaryPath)),
@@ -211,7 +211,7 @@ class PosixResultFile : public PosixOutputFile {
   int Rename() const {
     if (existing_ == ExistingFile::keep) {
       const int result = ::renameat2(AT_FDCWD, temporaryPath_.c_str(), AT_FDCWD, path_.c_str(), RENAME_NOREPLACE);
-      if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return result;  // else the file system cannot keep it
+      if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return result;  // else not supported there
     }
     return ::rename(temporaryPath_.c_str(), path_.c_str());
   }
@@ -223,15 +223,15 @@ class PosixResultFile : public PosixOutputFile {
   bool committed_ = false;
 };
 
-/// Other processes that append to the file wait until it is closed: what is cut back is never theirs.
+/// Other processes that append to the file wait until it is closed: so truncating never removes their data.
 class PosixAppendedFile : public PosixOutputFile {
  public:
-  /// `isNew`: created by this process. `info` tells the length to come back to.
+  /// `isNew`: created by this process. `info` has the length to restore.
   PosixAppendedFile(int descriptor, std::string path, bool isNew, const struct stat& info)
       : PosixOutputFile(descriptor), path_(std::move(path)), isNew_(isNew), info_(info), file_(::dup(descriptor)) {}
 
-  // By a descriptor that a failed close of the other one leaves open: another file may stand at the path by now. What
-  // cannot be taken back stays; there is nobody to tell.
+  // Uses a second descriptor, which stays open if closing the first one fails; another file may be at the path by now.
+  // A failure here cannot be reported to anybody.
   ~PosixAppendedFile() override {
     if (committed_) return;
     struct stat there {};

@@ -8,10 +8,11 @@ class Clock {
  public:
   virtual ~Clock() = default;
 
-  /// Seconds since local midnight, in single precision like every duration the log shows.
+  /// Seconds since local midnight, in single precision, like every duration in the log.
   virtual float SecondsSinceMidnight() const = 0;
 
-  /// Local date and time as the results carry it, "23.11.2026 14:05:09"; on Windows as the user has set it there.
+  /// Local date and time as written into results, "23.11.2026 14:05:09"; on Windows in the format that the user has
+  /// set.
   virtual std::string DateAndTime() const = 0;
 };
 

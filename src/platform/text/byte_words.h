@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstring>
 
-/// Eight characters at a time in a 64-bit word, the first in the lowest byte. Results have the high bit of each byte
-/// that is meant.
+/// Eight characters at a time in a 64-bit word, the first in the lowest byte. In results, the high bit of each matching
+/// byte is set.
 namespace quiverion::words {
 
 static_assert(std::endian::native == std::endian::little, "the first character is the lowest byte");
@@ -22,7 +22,7 @@ inline Word Load(const void* text) {
   return word;
 }
 
-/// Eight bytes that are 0 or 1 as the bits of one, the first byte as the lowest.
+/// Packs eight bytes that are 0 or 1 into the bits of one byte, the first byte as the lowest bit.
 constexpr unsigned char GatherBits(Word word) {
   return static_cast<unsigned char>(word * 0x0102040810204080 >> 56);
 }
@@ -39,7 +39,7 @@ constexpr Word BytesFrom(Word word) {
   return BytesBelow<limit>(word) ^ kHighs;
 }
 
-/// Bytes equal to `character`. Only the first one found is exact: behind it a byte may be meant by mistake.
+/// Bytes equal to `character`. Only the first match is exact; bytes after it may match by mistake.
 template <Word character>
 constexpr Word FirstBytesEqual(Word word) {
   const Word difference = word ^ (kOnes * character);

@@ -29,8 +29,8 @@ constexpr std::array<std::uint64_t, 25> PowersOfFive() {
 }
 constexpr auto kPowersOfFive = PowersOfFive();
 
-// The eight digits of a number below 10^8 as values 0 to 9, the first in the lowest byte: the number is split into two
-// numbers of four digits, these into four of two digits and these into digits, all of a step at once.
+// The eight digits of a number below 10^8 as values 0 to 9, the first in the lowest byte. The number is split into two
+// numbers of four digits, these into four of two digits, and these into digits. Each step handles all parts at once.
 constexpr Word EightDigits(std::uint64_t value) {
   const Word fours = value / 10000 | value % 10000 << 32;
   const Word hundreds = (fours * 10486 >> 20) & 0x0000007F0000007F;
@@ -44,14 +44,14 @@ DecimalDigits FastDigits(double magnitude) {
   const int binaryExponent = static_cast<int>(bits >> 52) - 1023;
   // floor(log10(2^binaryExponent)); the number itself may have one more digit.
   int exponent = (binaryExponent * 1233) >> 12;
-  // A power of ten that is no double: its neighbour below rounds up to it either way.
+  // A power of ten that is not a double; the next smaller double rounds up to it anyway.
   if (magnitude >= kPowersOfTen[exponent + 1 - kSmallestExponent]) ++exponent;
   const int scale = kAllDigits - 1 - exponent;
   const std::uint64_t significand = (bits & ((std::uint64_t{1} << 52) - 1)) | std::uint64_t{1} << 52;
   const WideProduct product = Multiply(significand, kPowersOfFive[static_cast<std::size_t>(scale)]);
   const int shift = 52 - binaryExponent - scale;
   std::uint64_t number = product.high << (64 - shift) | product.low >> shift;
-  const std::uint64_t rest = product.low << (64 - shift);  // of what was cut off, left-aligned
+  const std::uint64_t rest = product.low << (64 - shift);  // the bits cut off, left-aligned
   constexpr std::uint64_t half = std::uint64_t{1} << 63;
   number += static_cast<std::uint64_t>(rest > half) | (static_cast<std::uint64_t>(rest == half) & number);
   constexpr std::uint64_t limit = 1000000000000000;

@@ -4,10 +4,10 @@
 
 namespace quiverion {
 
-/// The significant decimal digits of a number: d.ddd... times 10^exponent, correctly rounded, an exact half to the even
+/// The significant decimal digits of a number: d.ddd... times 10^exponent, correctly rounded, exact halves to the even
 /// digit.
 struct DecimalDigits {
-  std::array<char, 32> digits;  // characters, '0' behind the last significant one
+  std::array<char, 32> digits;  // characters, '0' after the last significant one
   int count = 0;                // significant digits without trailing zeros, at least 1
   int exponent = 0;
 };

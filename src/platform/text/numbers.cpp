@@ -102,10 +102,9 @@ double ExactValue(const ScannedNumber& number) {
   return number.exponent < 0 ? digits / kPowersOfTen[-number.exponent] : digits * kPowersOfTen[number.exponent];
 }
 
-// from_chars tells "too large" and "too small" alike. The decimal exponent of the first non-zero digit
-// decides.
+// from_chars does not distinguish "too large" from "too small". The decimal exponent of the first non-zero digit does.
 bool IsTooLarge(std::string_view number) {
-  long long scale = 0;  // decimal places of the first non-zero digit before (> 0) or behind (<= 0) the point
+  long long scale = 0;  // decimal places of the first non-zero digit before (> 0) or after (<= 0) the point
   bool pointSeen = false;
   bool significant = false;
   std::size_t at = 0;
@@ -129,7 +128,7 @@ bool IsTooLarge(std::string_view number) {
 
 // For numbers that are too long for anything quicker.
 QUIVERION_NO_INLINE double LibraryValue(std::string_view number) {
-  if (number.front() == '+') number.remove_prefix(1);  // from_chars knows no plus sign
+  if (number.front() == '+') number.remove_prefix(1);  // from_chars does not accept a plus sign
   double value = 0.0;
   const auto read = std::from_chars(number.data(), number.data() + number.size(), value);
   if (read.ec != std::errc::result_out_of_range) return value;
@@ -147,7 +146,7 @@ char* Copy(char* buffer, std::string_view text) {
   return std::copy(text.begin(), text.end(), buffer);
 }
 
-// All digits are copied, in blocks of a fixed size; the length says how many of them count.
+// All digits are copied, in blocks of a fixed size. The length determines how many of them count.
 constexpr std::size_t kDigitBlock = 16;
 
 char* WriteFixed(char* buffer, const DecimalDigits& number, char decimalSeparator) {
@@ -219,7 +218,7 @@ char* FormatNumberTo(char* buffer, double value, int digits, char decimalSeparat
   const double magnitude = std::fabs(value);
   const DecimalDigits number = DigitsOf(magnitude, digits);
   if (value < 0) *buffer++ = '-';
-  // The magnitude itself decides on the notation, not its rounded digits: 999999999999999.9 stays fixed.
+  // The magnitude itself determines the notation, not its rounded digits: 999999999999999.9 stays in fixed notation.
   const bool fixedNotation = magnitude >= 1E-4 && magnitude < 1E15;
   return fixedNotation ? WriteFixed(buffer, number, decimalSeparator)
                        : WriteScientific(buffer, number, decimalSeparator);
@@ -235,7 +234,7 @@ std::string FormatNumber(float value, char decimalSeparator) {
 
 char* PrintNumberTo(char* buffer, double value, char decimalSeparator) {
   *buffer = ' ';
-  // A minus sign takes the place of the blank. -0 has none, and neither has NaN.
+  // A minus sign replaces the blank. -0 and NaN have no minus sign.
   char* const begin = buffer + (value < 0 ? 0 : 1);
   char* const end = FormatNumberTo(begin, value, 15, decimalSeparator);
   *end = ' ';

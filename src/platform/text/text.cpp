@@ -23,7 +23,7 @@ char32_t Bits(char byte, unsigned mask) {
   return static_cast<unsigned char>(byte) & mask;
 }
 
-// Length of the sequence that the lead byte announces; 0 where no sequence begins with it.
+// Length of the sequence that begins with the lead byte; 0 if it is not a lead byte.
 std::size_t SequenceLength(unsigned char lead) {
   if (lead < 0x80) return 1;
   if (lead >= 0xC2 && lead < 0xE0) return 2;
@@ -49,7 +49,7 @@ bool IsValidDecoding(char32_t codePoint, std::size_t length) {
   return length != 4 || (codePoint >= 0x10000 && codePoint < 0x110000);
 }
 
-// Simple lower case of the letters that Windows-1252 has, and of nothing else.
+// Simple lower case of the letters in Windows-1252 only.
 char32_t LowerCase(char32_t c) {
   if ((c >= U'A' && c <= U'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7)) return c + 0x20;
   if (c == 0x0152 || c == 0x0160 || c == 0x017D) return c + 1;
@@ -157,7 +157,7 @@ void ReplaceControls(std::string& text, std::string_view kept, std::size_t start
     return (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) && kept.find(c) == std::string_view::npos;
   };
   std::replace_if(text.begin() + static_cast<std::ptrdiff_t>(start), text.end(), isControl, '?');
-  // U+0080 to U+009F are controls in one character.
+  // U+0080 to U+009F are control characters, too.
   for (std::size_t at = text.find('\xC2', start); at != std::string::npos; at = text.find('\xC2', at + 1)) {
     const bool control = at + 1 < text.size() && (static_cast<unsigned char>(text[at + 1]) & 0xE0) == 0x80;
     if (control) text.replace(at, 2, "?");
@@ -184,7 +184,7 @@ bool FileNameLess(std::string_view a, std::string_view b) {
     if (x != y) return x < y;
   }
   if (restA.empty() != restB.empty()) return restA.empty();
-  return a < b;  // UTF-8 bytes order like code points
+  return a < b;  // UTF-8 bytes have the order of the code points
 }
 
 }  // namespace quiverion

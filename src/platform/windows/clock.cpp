@@ -7,7 +7,7 @@
 namespace quiverion {
 namespace {
 
-// Some languages have blanks and marks of direction in it that the files of the program cannot hold.
+// In some languages it contains blanks and direction marks that the files of the program cannot represent.
 std::string PlainText(std::wstring text) {
   std::erase_if(text, [](wchar_t c) { return c == 0x200E || c == 0x200F; });
   std::ranges::replace_if(

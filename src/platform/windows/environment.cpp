@@ -1,6 +1,6 @@
-// What the program asks of its surroundings beyond files.
+// What the program needs from its environment besides files.
 #include "platform/windows/paths.h"
-// Behind the header that includes windows.h.
+// After the header that includes windows.h.
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -10,8 +10,8 @@
 #include "platform/process/environment.h"
 #include "platform/windows/memory.h"
 
-// Of the C library, which takes the command line apart for main, too. The system's own function lies in a library whose
-// start takes longer than that of the program.
+// From the C library, which also splits the command line for main. The system's own function is in a library that takes
+// longer to load than the program.
 extern "C" int __cdecl __wgetmainargs(int* count, wchar_t*** words, wchar_t*** environment, int wildcards,
                                       int* newMode);
 
@@ -29,7 +29,7 @@ bool IsConsole(HANDLE handle) {
   return ::GetConsoleMode(handle, &mode) != 0;
 }
 
-// Asked for every piece of a log: a question to another process each time.
+// Cached, because it is called for every piece of a log and each call asks another process.
 bool GoesToConsole(StandardStream stream) {
   static const bool isConsole[] = {IsConsole(HandleOf(StandardStream::output)),
                                    IsConsole(HandleOf(StandardStream::error))};
@@ -47,7 +47,7 @@ bool WriteToConsole(HANDLE console, std::wstring_view text) {
   return true;
 }
 
-// As the file systems compare names, whatever the language of the user is.
+// The way file systems compare names, independent of the language of the user.
 std::wstring UpperCase(const std::wstring& text) {
   std::wstring upper(text.size(), L'\0');
   const auto length = static_cast<int>(text.size());
@@ -56,7 +56,7 @@ std::wstring UpperCase(const std::wstring& text) {
   return written == length ? upper : text;
 }
 
-// Whether the pattern with "*" and "?" stands for the name, both in upper case.
+// Whether the pattern with "*" and "?" matches the name, both in upper case.
 bool StandsFor(std::wstring_view pattern, std::wstring_view name) {
   std::size_t p = 0, star = std::wstring_view::npos, behindStar = 0;
   for (std::size_t k = 0; k < name.size();) {
@@ -68,7 +68,7 @@ bool StandsFor(std::wstring_view pattern, std::wstring_view name) {
       ++k;
     } else if (star != std::wstring_view::npos) {
       p = star + 1;
-      k = ++behindStar;  // the star stands for one more
+      k = ++behindStar;  // the star matches one more character
     } else {
       return false;
     }
@@ -76,22 +76,22 @@ bool StandsFor(std::wstring_view pattern, std::wstring_view name) {
   return pattern.find_first_not_of(L'*', p) == std::wstring_view::npos;
 }
 
-// The files that an argument with "*" or "?" in its last part stands for, which the command interpreter leaves to the
-// programs; the argument itself where there are none.
+// The files that match an argument with "*" or "?" in its last part, which the command interpreter does not expand; the
+// argument itself if there are none.
 std::vector<std::string> Expanded(const std::string& argument) {
   std::vector<std::string> paths;
-  const std::size_t beginOfName = argument.find_last_of("\\/:") + 1;  // 0 where there is none
+  const std::size_t beginOfName = argument.find_last_of("\\/:") + 1;  // 0 if there is no separator
   if (argument.find_first_of("*?", beginOfName) != std::string::npos) {
     std::wstring pattern = UpperCase(ShownUtf16(argument.substr(beginOfName)));
-    if (pattern == L"*.*") pattern = L"*";  // has always meant all files
+    if (pattern == L"*.*") pattern = L"*";  // means all files by tradition
     WIN32_FIND_DATAW entry;
     const HANDLE search = ::FindFirstFileW(Utf16FromUtf8(argument).c_str(), &entry);
     const bool found = search != INVALID_HANDLE_VALUE;
     for (bool more = found; more; more = ::FindNextFileW(search, &entry) != 0) {
       if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
-      // The search looks at short names (RUN01~1.VAS), too.
+      // The search also matches short names (RUN01~1.VAS).
       if (!StandsFor(pattern, UpperCase(entry.cFileName))) continue;
-      const bool isOption = beginOfName == 0 && entry.cFileName[0] == L'-';  // or would be taken for one
+      const bool isOption = beginOfName == 0 && entry.cFileName[0] == L'-';  // or would be taken for an option
       paths.push_back((isOption ? ".\\" : argument.substr(0, beginOfName)) + Utf8FromUtf16(entry.cFileName));
     }
     if (found) ::FindClose(search);
@@ -103,15 +103,15 @@ std::vector<std::string> Expanded(const std::string& argument) {
 
 std::atomic<bool> abortRequested = false;
 
-// Runs in a thread of its own.
+// Runs in a separate thread.
 BOOL WINAPI HandleConsoleEvent(DWORD event) {
-  if (event == CTRL_LOGOFF_EVENT) return TRUE;  // told to services, whoever it is that logs off
+  if (event == CTRL_LOGOFF_EVENT) return TRUE;  // services are told of every user who logs off
   const bool first = !abortRequested.exchange(true);
   if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) {
     if (!first) ::TerminateProcess(::GetCurrentProcess(), STATUS_CONTROL_C_EXIT);
     return TRUE;
   }
-  // The process ends when this returns, or after some seconds: time to finish the running command.
+  // The process ends when this returns, or after some seconds. So the running command gets time to finish.
   ::Sleep(INFINITE);
   return TRUE;
 }
@@ -119,14 +119,14 @@ BOOL WINAPI HandleConsoleEvent(DWORD event) {
 }  // namespace
 
 std::vector<std::string> CommandLineArguments(int /*argc*/, char** /*argv*/) {
-  // What main gets is in the code page of the machine and has lost what that lacks.
+  // The arguments of main are in the code page of the machine and have lost other characters.
   int count = 0, newMode = 0;
   wchar_t **words = nullptr, **environment = nullptr;
   __wgetmainargs(&count, &words, &environment, 0, &newMode);
   std::vector<std::string> arguments;
   for (int k = 1; k < count; ++k) {
     std::string word = Utf8FromUtf16(words[k]);
-    // "C:\Messung\" at the end of a line: the backslash took the meaning of the quotation mark, which is in no name.
+    // "C:\Messung\" at the end of a line: the backslash has escaped the quotation mark, which no name contains.
     if (word.size() > 1 && word.back() == '"') word.pop_back();
     for (std::string& path : Expanded(word)) arguments.push_back(std::move(path));
   }
@@ -158,9 +158,9 @@ char EnvironmentDecimalSeparator() {
 std::string AbsolutePath(const std::string& path) {
   try {
     std::string full = Utf8FromUtf16(FullPath(path.empty() ? "." : path));
-    return full.starts_with(R"(\\.\)") ? path : full;  // a device: to be shown as it was typed
+    return full.starts_with(R"(\\.\)") ? path : full;  // a device is shown as it was typed
   } catch (const SystemError&) {
-    return path;  // opening it will say what is wrong
+    return path;  // opening it will report the error
   }
 }
 
@@ -187,7 +187,7 @@ std::string ReadStandardInput() {
     DWORD count = 0;
     if (::ReadFile(input, block.data(), static_cast<DWORD>(block.size()), &count, nullptr) == 0) {
       const DWORD code = ::GetLastError();
-      if (code != ERROR_BROKEN_PIPE) ThrowError(code);  // the other end of a pipe is done
+      if (code != ERROR_BROKEN_PIPE) ThrowError(code);  // the other end of the pipe has been closed
       return content;
     }
     if (count == 0) return content;
@@ -205,7 +205,7 @@ bool AbortRequested() {
 
 void PrepareProcess() {
   windows::KeepFreedMemory();
-  // A drive without a medium is an error of the call, not a box of the system.
+  // A drive without a medium is an error of the call, not a message box of the system.
   ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
   for (const DWORD stream : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
     DWORD mode = 0;

@@ -1,6 +1,6 @@
 // Files and directories by Windows calls.
 #include "platform/windows/open_files.h"
-// Behind the header that includes windows.h.
+// After the header that includes windows.h.
 #include <array>
 #include <optional>
 #include <vector>
@@ -26,25 +26,26 @@ bool IsDirectoryNative(const std::wstring& path) {
   return attributes != kNotThere && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-// The system says of a directory, and of a read-only file that is to be written, that access was denied.
+// For a directory, and for writing to a read-only file, the system reports that access was denied.
 [[noreturn]] void ThrowOpenError(DWORD code, const std::wstring& path) {
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
   const bool wrongKind =
       attributes != kNotThere && (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0;
   if (code == ERROR_ACCESS_DENIED && wrongKind) throw SystemError(ErrorNumber::pathAccess);
-  // A file in a "directory" that is a file.
+  // A path whose "directory" is a file.
   if (code == ERROR_FILE_NOT_FOUND && !IsDirectoryNative(ParentOf(path))) throw SystemError(ErrorNumber::pathNotFound);
   ThrowError(code);
 }
 
-// For files that are created: that there is no such file means the directory, or that something forbids the new one.
+// For files that are created: "no such file" means that the directory is missing or that something forbids the new
+// file.
 [[noreturn]] void ThrowCreateError(DWORD code, const std::wstring& path) {
   if (code != ERROR_FILE_NOT_FOUND) ThrowError(code);
   ThrowError(IsDirectoryNative(ParentOf(path)) ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND);
 }
 
-// Whether the open file is still the one at the path. Not every system behind a share tells what is about to go: where
-// others have had it meanwhile, what lies there now is compared.
+// Whether the open file is still the one at the path. Not every server reports that a file is about to be deleted, so
+// if others have had it locked meanwhile, it is compared with the file at the path.
 bool IsAt(const std::wstring& path, const Handle& file, bool othersHadIt) {
   FILE_STANDARD_INFO info{};
   const bool known = ::GetFileInformationByHandleEx(file.Get(), FileStandardInfo, &info, sizeof info) != 0;
@@ -52,9 +53,8 @@ bool IsAt(const std::wstring& path, const Handle& file, bool othersHadIt) {
   return !othersHadIt || AreSame(file, OpenToLook(path));
 }
 
-// Waits until no other process has the file locked: one byte far behind every end, which hinders no reader. Not for
-// ever: whoever may read a file can lock it.
-// True where it has waited.
+// Waits until no other process has locked the file, then locks it: one byte far beyond its end, which does not affect
+// readers. Not forever, because anybody who may read a file can lock it. True if it has waited.
 bool Lock(const Handle& file) {
   const ULONGLONG end = ::GetTickCount64() + 30000;
   for (int k = 0; ::GetTickCount64() < end; ++k) {
@@ -68,8 +68,8 @@ bool Lock(const Handle& file) {
   throw SystemError(ErrorNumber::accessDenied, "ein anderes Programm hält die Datei gesperrt");
 }
 
-// An existing file that is changed where it lies, locked; not open where there is none. Throws SystemError for what is
-// no ordinary file or read-only.
+// Opens and locks an existing file to change it in place; the result is not open if there is none. Throws SystemError
+// if it is read-only or not a regular file.
 Handle OpenTarget(const std::wstring& path, DWORD access) {
   for (int k = 0;; ++k) {
     Handle file = Open(path, access, kShared, OPEN_EXISTING);
@@ -79,23 +79,23 @@ Handle OpenTarget(const std::wstring& path, DWORD access) {
       ThrowOpenError(code, path);
     }
     if (::GetFileType(file.Get()) != FILE_TYPE_DISK) throw SystemError(ErrorNumber::pathAccess);
-    // A share of another system may let through who has every right there.
+    // A server with another system may allow this to users with all rights.
     if ((::GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY) != 0) throw SystemError(ErrorNumber::pathAccess);
     const bool hasWaited = Lock(file);
-    if (IsAt(path, file, hasWaited)) return file;  // else whoever had the lock has deleted it
+    if (IsAt(path, file, hasWaited)) return file;  // else the owner of the lock has deleted it
     if (k == 100) throw SystemError(ErrorNumber::accessDenied);
     file.Close();
     ::Sleep(10);
   }
 }
 
-// What stands at the place must be a file that could be written. Its attributes and who may do what with it.
+// Checks that whatever is at the path is a writable file. Its attributes and permissions.
 struct Replaced {
   DWORD attributes = FILE_ATTRIBUTE_NORMAL;
-  std::vector<BYTE> permissions;  // empty: those of the directory
+  std::vector<BYTE> permissions;  // empty: inherited from the directory
 };
 
-// Whether the list gives rights that do not come from the directory.
+// Whether the list has entries that are not inherited from the directory.
 bool IsOfItsOwn(SECURITY_DESCRIPTOR_CONTROL control, PACL list) {
   if ((control & SE_DACL_PROTECTED) != 0 || list == nullptr) return true;
   for (DWORD k = 0; k < list->AceCount; ++k) {
@@ -105,7 +105,8 @@ bool IsOfItsOwn(SECURITY_DESCRIPTOR_CONTROL control, PACL list) {
   return false;
 }
 
-// The descriptor of an open file that has rights of its own; empty for others: a copy would no longer follow the directory.
+// The security descriptor of an open file that has permissions of its own; empty for others, because a copy would no
+// longer follow the directory.
 std::vector<BYTE> OwnPermissions(const Handle& file) {
   DWORD size = 0;
   ::GetKernelObjectSecurity(file.Get(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
@@ -142,7 +143,7 @@ class WindowsFileSystem : public FileSystem {
     const std::wstring native = OpenablePath(path);
     Handle file = Open(native, GENERIC_READ, kShared, OPEN_EXISTING);
     if (!file.IsOpen()) ThrowOpenError(::GetLastError(), native);
-    // Names of devices are refused before; a server may have pipes.
+    // Device names have been refused before, but a server may have pipes.
     const bool isOfServer = native.starts_with(LR"(\\?\UNC\)");
     if (isOfServer && ::GetFileType(file.Get()) != FILE_TYPE_DISK) throw SystemError(ErrorNumber::pathAccess);
     return std::make_unique<WindowsInputFile>(std::move(file));
@@ -177,7 +178,7 @@ class WindowsFileSystem : public FileSystem {
         file = Open(native, GENERIC_WRITE | DELETE, kShared, CREATE_NEW);
         if (!file.IsOpen()) {
           const DWORD code = ::GetLastError();
-          if (code == ERROR_FILE_EXISTS) continue;  // another process has begun it meanwhile
+          if (code == ERROR_FILE_EXISTS) continue;  // another process has created it meanwhile
           ThrowCreateError(code, native);
         }
         Lock(file);
@@ -196,7 +197,7 @@ class WindowsFileSystem : public FileSystem {
   }
 
   void SetFileSize(const std::string& path, std::uint64_t newLength) override {
-    // Shared, because whoever cuts a collection has it open and locked all the while.
+    // Shared, because the code that truncates a collection has it open and locked.
     Handle file = OpenQuietly(path, GENERIC_WRITE);
     if (!file.IsOpen()) FailStep("Fehler beim Öffnen der Datei zum Einstellen der neuen Dateigröße!");
     auto high = static_cast<LONG>(newLength >> 32);
@@ -213,7 +214,7 @@ class WindowsFileSystem : public FileSystem {
   }
 
   void RemoveFileQuietly(const std::string& path) override {
-    // Where a link leads to the file, the file goes.
+    // If the path is a link, the file it leads to is deleted.
     const auto native = QuietPath(path);
     if (!native) return;
     const Handle file = Open(*native, DELETE, kShared, OPEN_EXISTING);
@@ -270,7 +271,7 @@ class WindowsFileSystem : public FileSystem {
     throw SystemError::Saying(ErrorNumber::deviceError, description);
   }
 
-  // None for a path that no call takes.
+  // None for a path that no call accepts.
   static std::optional<std::wstring> QuietPath(const std::string& path) {
     try {
       return OpenablePath(path);
@@ -284,10 +285,10 @@ class WindowsFileSystem : public FileSystem {
     return native ? Open(*native, access, kShared, OPEN_EXISTING) : Handle();
   }
 
-  // "C:\"; of a server something that the system does not know.
+  // "C:\"; for a server, something that the system does not know.
   static std::string DriveOf(const std::string& directory) { return WithOwnSeparators(directory.substr(0, 3)); }
 
-  // Names of the entries in sight whose attributes are wanted.
+  // Names of the visible entries with the wanted attributes.
   template <class Wanted>
   static std::vector<std::string> ListEntries(const std::string& directory, Wanted wanted) {
     std::wstring native = OpenablePath(directory);
@@ -297,8 +298,8 @@ class WindowsFileSystem : public FileSystem {
                                              nullptr, FIND_FIRST_EX_LARGE_FETCH);
     if (search == INVALID_HANDLE_VALUE) {
       const DWORD code = ::GetLastError();
-      if (code == ERROR_FILE_NOT_FOUND && IsDirectoryNative(native)) return {};  // not even "." in an empty root
-      // Of a file the system says that its name is none of a directory.
+      if (code == ERROR_FILE_NOT_FOUND && IsDirectoryNative(native)) return {};  // an empty root has not even "."
+      // For a file, the system reports that its name is not that of a directory.
       ThrowError(code == ERROR_FILE_NOT_FOUND || code == ERROR_INVALID_NAME ? ERROR_PATH_NOT_FOUND : code);
     }
     const std::unique_ptr<void, decltype(&::FindClose)> closer(search, ::FindClose);

@@ -1,6 +1,6 @@
-// Windows takes the pages of a large block back with every free, and gives them again one by one when they are touched:
-// a command would pay more for its memory than for its work. So large blocks wait here for the next command, which
-// mostly wants the same sizes.
+// With every free, Windows takes back the pages of a large block, and maps them again one by one when they are touched.
+// That would cost more than the work of a command. So large blocks are kept here for the next command, which usually
+// needs the same sizes.
 #include "platform/windows/memory.h"
 
 #include <malloc.h>
@@ -14,14 +14,14 @@ namespace quiverion::windows {
 namespace {
 
 constexpr std::size_t kSmallest = std::size_t{16} << 10;
-constexpr std::size_t kLargest = std::size_t{64} << 20;  // beyond, the pages are worth giving back
+constexpr std::size_t kLargest = std::size_t{64} << 20;  // larger blocks are returned
 constexpr std::size_t kMostBytes = std::size_t{256} << 20;
 
 class KeptBlocks {
  public:
   void Begin() { keeps_ = true; }
 
-  // A block that is not much larger than wanted; null where there is none.
+  // A block that is not much larger than requested; null if there is none.
   void* Take(std::size_t size) {
     if (!keeps_ || size < kSmallest || size > kLargest) return nullptr;
     const Locked locked(lock_);
@@ -34,7 +34,8 @@ class KeptBlocks {
     return best == nullptr ? nullptr : Remove(*best);
   }
 
-  // The block, where it is one that is not kept; else, where another one makes way for it, that one; else null.
+  // Returns the block that the caller must free: this one if it is not kept, another one that makes room for it, or
+  // null.
   void* Keep(void* memory) {
     if (!keeps_ || memory == nullptr) return memory;
     const std::size_t size = ::_msize(memory);
@@ -49,7 +50,7 @@ class KeptBlocks {
     return oldest;
   }
 
-  // Gives back everything. False where there was nothing.
+  // Returns everything to the system. False if there was nothing.
   bool Drop() {
     const Locked locked(lock_);
     const bool had = bytes_ > 0;

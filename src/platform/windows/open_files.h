@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/windows/paths.h"
-// Behind the header that includes windows.h.
+// After the header that includes windows.h.
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
@@ -20,11 +20,11 @@
 /// The open files of Windows. For file_system.cpp only.
 namespace quiverion::windows {
 
-/// Others may do everything with a file that is open here: who changes a file keeps the other ones of this program out
-/// by a lock, and what another program does is not ours to forbid.
+/// Other processes may do anything with a file that is open here. Processes of this program that change a file exclude
+/// each other with a lock; other programs are not restricted.
 constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-/// Bytes of one call; a call takes no more than 32 bits tell.
+/// Bytes of one call; the size is limited to 32 bits.
 constexpr std::size_t kMaxBlock = std::size_t{1} << 30;
 
 inline std::uint64_t Wide(DWORD high, DWORD low) {
@@ -38,8 +38,8 @@ inline OVERLAPPED AtPosition(std::uint64_t position) {
   return at;
 }
 
-/// What is written to a file of another machine may fail when it is sent there, and closing the file does not say so.
-/// Returns what the system says; ERROR_SUCCESS for a file of this machine, whose bytes are on their way.
+/// Data written to a file on another machine may be lost when it is sent, and closing the file does not report that.
+/// Returns the error code; ERROR_SUCCESS for a file on this machine, which needs no flush.
 inline DWORD SendToOtherMachine(const Handle& file) {
   FILE_REMOTE_PROTOCOL_INFO protocol{};
   const bool isRemote =
@@ -53,20 +53,20 @@ inline std::uint64_t LengthOf(const Handle& file) {
   return static_cast<std::uint64_t>(length.QuadPart);
 }
 
-/// Free bytes for this user where the directory lies; 0 where that cannot be told.
+/// Free bytes for this user on the drive of the directory; 0 if unknown.
 inline std::uint64_t FreeBytes(const std::wstring& directory) {
   ULARGE_INTEGER available{};
   return ::GetDiskFreeSpaceExW(directory.c_str(), &available, nullptr, nullptr) != 0 ? available.QuadPart : 0;
 }
 
-/// The directory of a path that OpenablePath has made.
+/// The directory of a path from OpenablePath.
 inline std::wstring ParentOf(const std::wstring& path) {
   return path.substr(0, path.rfind(L'\\') + 1);
 }
 
-/// A name beside the file that no file has.
+/// An unused name in the directory of the file.
 inline std::wstring TemporaryPathFor(const std::wstring& path) {
-  std::random_device random;  // the system's
+  std::random_device random;  // the generator of the system
   wchar_t name[40];
   std::swprintf(name, std::size(name), L".quiverion-%08x%08x.tmp", random(), random());
   return ParentOf(path) + name;
@@ -78,13 +78,13 @@ inline void SetEnd(const Handle& file, std::uint64_t length) {
   ::SetFileInformationByHandle(file.Get(), FileEndOfFileInfo, &end, sizeof end);
 }
 
-// Not in the compiler's headers.
+// Missing in the headers of the compiler.
 constexpr auto kFileDispositionInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(21);
 constexpr auto kFileRenameInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);
 constexpr DWORD kRenameReplaces = 1, kRenameAtOnce = 2;
 
-/// Gives the file another name on its drive; without `replaces` only where no file has it. The handle needs the right to
-/// delete. Returns what the system says.
+/// Gives the file another name on its drive; without `replaces`, only if no file has it. The handle needs the right to
+/// delete. Returns the error code.
 inline DWORD RenameOpen(const Handle& file, const std::wstring& path, bool replaces) {
   std::vector<char> buffer(sizeof(FILE_RENAME_INFO) + path.size() * sizeof(wchar_t));
   auto* rename = ::new (buffer.data()) FILE_RENAME_INFO{};
@@ -96,7 +96,7 @@ inline DWORD RenameOpen(const Handle& file, const std::wstring& path, bool repla
     return ::SetFileInformationByHandle(file.Get(), kind, rename, size) != 0 ? ERROR_SUCCESS : ::GetLastError();
   };
   if (!replaces) return as(FileRenameInfo, FALSE);
-  // What others are reading makes way, too, where the file system knows how.
+  // Replaces even a file that others are reading, if the file system supports that.
   static std::atomic<bool> knowsHow = true;
   if (knowsHow) {
     const DWORD code = as(kFileRenameInfoEx, kRenameReplaces | kRenameAtOnce);
@@ -109,16 +109,16 @@ inline DWORD RenameOpen(const Handle& file, const std::wstring& path, bool repla
   return as(FileRenameInfo, TRUE);
 }
 
-/// Says whether the file goes with its last handle, also where the program is ended. The handle needs the right to
-/// delete. False where the system cannot.
+/// Sets whether the file is deleted with its last handle, even if the program is killed. The handle needs the right to
+/// delete. False if the system cannot do it.
 inline bool LetGoWhenClosed(const Handle& file, bool goes) {
   FILE_DISPOSITION_INFO disposition{};
   disposition.DeleteFile = goes ? TRUE : FALSE;
   return ::SetFileInformationByHandle(file.Get(), FileDispositionInfo, &disposition, sizeof disposition) != 0;
 }
 
-/// The file goes; where the file system keeps it until its last handle is closed, it makes way at once for a new one.
-/// The handle needs the right to delete.
+/// Deletes the file. If the file system keeps it until its last handle is closed, its name becomes free at once. The
+/// handle needs the right to delete.
 inline void DeleteOpen(const Handle& file, const std::wstring& path) {
   FILE_DISPOSITION_INFO_EX atOnce{};
   atOnce.Flags = FILE_DISPOSITION_FLAG_DELETE | FILE_DISPOSITION_FLAG_POSIX_SEMANTICS;
@@ -127,7 +127,7 @@ inline void DeleteOpen(const Handle& file, const std::wstring& path) {
   if (!LetGoWhenClosed(file, true) && isAside) RenameOpen(file, path, false);
 }
 
-/// The bytes written at `at` (null: at the place of the handle), at least one of `size` > 0.
+/// Writes at `at` (null: at the position of the handle) at least one of `size` > 0 bytes and returns how many.
 inline std::size_t WriteOnce(const Handle& file, const void* source, std::size_t size, OVERLAPPED* at = nullptr) {
   DWORD written = 0;
   if (::WriteFile(file.Get(), source, static_cast<DWORD>(std::min(size, kMaxBlock)), &written, at) == 0) {
@@ -137,11 +137,13 @@ inline std::size_t WriteOnce(const Handle& file, const void* source, std::size_t
   return written;
 }
 
-/// The reading side of a file; `Base` is InputFile or UpdatedFile. Keeps its own place, which writes do not move.
+/// The reading side of a file; `Base` is InputFile or UpdatedFile. It keeps its own position, which writes do not
+/// change.
 template <class Base>
 class WindowsReadableFile : public Base {
  public:
-  /// Without a `size` it is asked for when it is wanted first: most files are opened only to see that they can be.
+  /// Without a `size`, it is determined on first use, because most files are opened only to check that this is
+  /// possible.
   explicit WindowsReadableFile(Handle file, std::optional<std::uint64_t> size = std::nullopt)
       : file_(std::move(file)), size_(size) {}
 
@@ -169,7 +171,7 @@ class WindowsReadableFile : public Base {
   void Seek(std::uint64_t position) override { position_ = position; }
 
  protected:
-  // Moves the place of the handle, where it is not there. Calls that name a place themselves (OVERLAPPED) cost more.
+  // Moves the position of the handle if necessary. Calls with an explicit position (OVERLAPPED) cost more.
   void GoTo(std::uint64_t place) {
     LARGE_INTEGER distance{};
     distance.QuadPart = static_cast<LONGLONG>(place);
@@ -214,12 +216,12 @@ class WindowsUpdatedFile : public WindowsReadableFile<UpdatedFile> {
   std::wstring directory_;
 };
 
-/// A result at whose place there was no file. It has its name at once, but nobody can open it before it is complete, and
-/// until then it goes with its handle: nothing is left of it, whatever happens. A temporary name would be looked for
-/// once more and a renaming done: both take their time, on shares and in wine most of the time of a small result.
+/// A result that replaces no file. It has its name at once, but nobody can open it before it is complete, and until
+/// then it is deleted with its handle, so nothing is left of it whatever happens. A temporary name would need one more
+/// lookup and a rename, which on shares and in wine take most of the time of a small result.
 class WindowsNewFile : public OutputFile {
  public:
-  /// `file` is not shared and goes when it is closed.
+  /// `file` is not shared and is deleted when it is closed.
   explicit WindowsNewFile(Handle file) : file_(std::move(file)) {}
 
   std::size_t WriteSome(const void* source, std::size_t size) override { return WriteOnce(file_, source, size); }
@@ -238,10 +240,11 @@ class WindowsNewFile : public OutputFile {
   DWORD flushError_ = ERROR_SUCCESS;
 };
 
-/// A result that replaces a file, or that must not: it has a temporary name until it is complete.
+/// A result that replaces a file, or that must not replace one. It has a temporary name until it is complete.
 class WindowsResultFile : public OutputFile {
  public:
-  /// `file` has a temporary name beside `path` and the right to delete. `replaces`: a file stands at `path`.
+  /// `file` has a temporary name in the directory of `path` and the right to delete. `replaces`: a file exists at
+  /// `path`.
   WindowsResultFile(Handle file, std::wstring path, bool replaces, ExistingFile existing)
       : file_(std::move(file)), path_(std::move(path)), replaces_(replaces), existing_(existing) {}
 
@@ -254,7 +257,7 @@ class WindowsResultFile : public OutputFile {
   bool IsNew() const override { return !replaces_; }
 
   void Commit() override {
-    // What was not flushed is not there, and a second try would not say so: the first failure stays.
+    // After a failed flush the data is lost and a second try would not report that, so the first failure is kept.
     if (flushError_ == ERROR_SUCCESS) flushError_ = Flush();
     if (flushError_ != ERROR_SUCCESS) ThrowError(flushError_);
     if (const DWORD code = Rename(); code != ERROR_SUCCESS) ThrowError(code);
@@ -268,7 +271,7 @@ class WindowsResultFile : public OutputFile {
     return ::FlushFileBuffers(file_.Get()) != 0 ? ERROR_SUCCESS : ::GetLastError();
   }
 
-  // Scanners and indexers open what lies at the place, or what was just written, for moments.
+  // Scanners and indexers briefly open the file at the path, or the one just written.
   DWORD Rename() const {
     for (int tries = 50;; --tries) {
       const DWORD code = RenameOpen(file_, path_, existing_ == ExistingFile::replace);
@@ -285,10 +288,10 @@ class WindowsResultFile : public OutputFile {
   bool committed_ = false;
 };
 
-/// Other processes that append to the file wait until it is closed: what is cut back is never theirs.
+/// Other processes that append to the file wait until it is closed: so truncating never removes their data.
 class WindowsAppendedFile : public OutputFile {
  public:
-  /// `isNew`: created by this process, by a handle that may delete it. `length` is the one to come back to.
+  /// `isNew`: created by this process, by a handle that may delete it. `length` is the length to restore.
   WindowsAppendedFile(Handle file, std::wstring path, bool isNew, std::uint64_t length)
       : file_(std::move(file)), path_(std::move(path)), isNew_(isNew), length_(length) {}
 
@@ -299,7 +302,7 @@ class WindowsAppendedFile : public OutputFile {
   }
 
   std::size_t WriteSome(const void* source, std::size_t size) override {
-    // Behind what a program that knows nothing of the lock may have added.
+    // After anything that a program that ignores the lock may have added.
     OVERLAPPED atEnd = AtPosition(~std::uint64_t{0});
     return WriteOnce(file_, source, size, &atEnd);
   }

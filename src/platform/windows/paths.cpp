@@ -11,7 +11,7 @@ namespace quiverion::windows {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
-constexpr DWORD kDiskQuotaExceeded = 1295;  // the compiler's headers lack its name
+constexpr DWORD kDiskQuotaExceeded = 1295;  // missing in the headers of the compiler
 
 void AppendUtf16(std::wstring& text, char32_t codePoint) {
   if (codePoint < 0x10000) {
@@ -22,7 +22,7 @@ void AppendUtf16(std::wstring& text, char32_t codePoint) {
   }
 }
 
-// Takes three bytes that stand for half a surrogate pair; 0 where there are none.
+// Reads three bytes that represent half a surrogate pair; 0 if there are none.
 wchar_t TakeSurrogate(std::string_view& text) {
   const auto byte = [text](std::size_t k) { return static_cast<unsigned char>(text[k]); };
   if (text.size() < 3 || byte(0) != 0xED || byte(1) < 0xA0 || byte(1) > 0xBF || (byte(2) & 0xC0) != 0x80) return 0;
@@ -49,7 +49,8 @@ std::wstring ToUtf16(std::string_view text, OnInvalid onInvalid) {
   return units;
 }
 
-// The name without its first "." and what follows, and without blanks before that: what the system looks at.
+// The part of a name that the system checks for devices: without its first "." and what follows, and without blanks
+// before that.
 bool IsDevice(std::string_view name) {
   std::string stem(TrimBlanks(name.substr(0, name.find('.'))));
   stem = AsciiUpper(stem);
@@ -70,7 +71,7 @@ void CheckParts(std::string_view path) {
   if (path.starts_with(R"(\\?\)") || path.starts_with(R"(\\.\)")) throw SystemError(ErrorNumber::pathAccess);
   while (!path.empty()) {
     const std::string_view part = path.substr(0, path.find_first_of("\\/"));
-    // Of blanks and points at the end the system takes some away, some not: the file would have another name.
+    // The system removes some blanks and points at the end of a name, so the file would get another name.
     const bool isShortened = part != "." && part != ".." && (part.ends_with(' ') || part.ends_with('.'));
     if (!std::all_of(part.begin(), part.end(), IsPlainCharacter) || isShortened || IsDevice(part)) {
       throw SystemError(ErrorNumber::pathAccess);
@@ -122,7 +123,7 @@ std::wstring ShownUtf16(std::string_view text) {
 std::wstring FullPath(const std::string& path) {
   if (path.empty()) throw SystemError(ErrorNumber::fileNotFound);
   const std::wstring units = Utf16FromUtf8(path);
-  constexpr std::size_t longest = 32000;  // the system's 32767, without what it puts in front
+  constexpr std::size_t longest = 32000;  // the system's 32767, minus its own prefix
   if (units.size() > longest) throw SystemError(ErrorNumber::pathAccess);
   std::wstring full(MAX_PATH, L'\0');
   for (;;) {
@@ -139,7 +140,7 @@ std::wstring OpenablePath(const std::string& path) {
   std::wstring full = FullPath(path);
   for (std::size_t begin = 0, end = 0; end < full.size(); begin = end + 1) {
     end = std::min(full.find(L'\\', begin), full.size());
-    if (end - begin > 255) throw SystemError(ErrorNumber::pathAccess);  // no name is longer
+    if (end - begin > 255) throw SystemError(ErrorNumber::pathAccess);  // no name can be longer
   }
   return full.starts_with(LR"(\\)") ? LR"(\\?\UNC)" + full.substr(1) : LR"(\\?\)" + full;
 }
@@ -202,7 +203,7 @@ bool AreSame(const Handle& a, const Handle& b) {
       first.nFileIndexLow != second.nFileIndexLow) {
     return false;
   }
-  // Some drives have no numbers of files, but a 0 for each.
+  // Some drives have no file numbers and report 0 for each file.
   return (first.nFileIndexHigh | first.nFileIndexLow) != 0 || FinalPath(a) == FinalPath(b);
 }
 

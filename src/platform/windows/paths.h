@@ -16,22 +16,22 @@
 /// Names, paths and errors of Windows. For the sources of this folder only.
 namespace quiverion::windows {
 
-/// UTF-16 as UTF-8. Half a surrogate pair, which a file name may hold, becomes three bytes that are no UTF-8.
+/// UTF-16 as UTF-8. Half a surrogate pair, which a file name may contain, becomes three bytes that are not UTF-8.
 std::string Utf8FromUtf16(std::wstring_view text);
 
-/// The way back, for every text that the other function gives. Throws SystemError 75 for other bytes that are no UTF-8.
+/// The inverse, for every text that the other function returns. Throws SystemError 75 for other bytes that are not
+/// UTF-8.
 std::wstring Utf16FromUtf8(std::string_view text);
 
-/// The same for a text to be shown: bytes that are no UTF-8 become U+FFFD.
+/// The same for display: bytes that are not UTF-8 become U+FFFD.
 std::wstring ShownUtf16(std::string_view text);
 
-/// The path as the system calls take it: from a drive or a server on, with "\\?\" in front, so that it may be longer
-/// than 260 characters. Throws SystemError 75 where a part has characters that no name has (a ":" would lead to a
-/// stream inside of a file) ends in a blank or a point, or is the name of a
-/// device (NUL, CON, ...), which would swallow a result.
+/// The path for system calls: full, with the prefix "\\?\", so that it may be longer than 260 characters. Throws
+/// SystemError 75 if a part has characters that no name can have (a ":" would name a stream inside a file), ends in a
+/// blank or a point, or is the name of a device (NUL, CON, ...), which would swallow a result.
 std::wstring OpenablePath(const std::string& path);
 
-/// From a drive or a server on, as people write it.
+/// The full path, in the usual notation.
 std::wstring FullPath(const std::string& path);
 
 /// Throws the SystemError for a code of GetLastError.
@@ -51,7 +51,7 @@ class Handle {
   HANDLE Get() const { return handle_; }
   bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
 
-  /// False where the system says that this has failed.
+  /// False if the system reports that this has failed.
   bool Close() {
     const HANDLE handle = std::exchange(handle_, INVALID_HANDLE_VALUE);
     return handle == INVALID_HANDLE_VALUE || ::CloseHandle(handle) != 0;
@@ -61,7 +61,7 @@ class Handle {
   HANDLE handle_;
 };
 
-/// An existing file or directory, looked at only: nobody is kept from anything. Follows links.
+/// Opens an existing file or directory for queries only, without restricting others. Follows links.
 Handle OpenToLook(const std::wstring& path);
 
 /// Whether both are open and the same file or directory.

@@ -1,4 +1,4 @@
-// What only systems with signals, devices and names of any bytes show.
+// Cases that exist only on systems with signals, devices and names of arbitrary bytes.
 #include <csignal>
 #include <nlohmann/json.hpp>
 
@@ -14,14 +14,14 @@ TEST_F(ProgramRun, FailsWhereStandardOutputIsFull) {
   EXPECT_TRUE(place.Has("serie/b_s.vas")) << "the run itself goes on";
 }
 
-// Names of bytes that are no text, or that a command line has to quote.
+// Names that are not valid text, or that must be quoted on a command line.
 TEST_F(ProgramRun, TakesFileNamesOfAnyBytes) {
   for (const std::string name : {"caf\xE9", "it's \"quoted\"", "tab\there"}) TakesFile(name);
   const Outcome info = RunProgram(place, {"info", "--json", "Reihe ä/caf\xE9.vas"});
   EXPECT_TRUE(nlohmann::json::accept(info.out)) << info.out;
 }
 
-// As nohup and shells without a terminal want it.
+// As nohup and shells without a terminal expect.
 TEST_F(ProgramSignals, DoNothingWhereTheyWereIgnoredBefore) {
   std::signal(SIGHUP, SIG_IGN);
   StalledProgram program(place, {"run", "--macro", "s.mak", "viele"});

@@ -7,7 +7,8 @@
 namespace quiverion::cli {
 namespace {
 
-// A log in other letters took the place of the vortices, and a file in other letters counted twice in the statistics.
+// A log whose name differed only in case replaced the file of the vortices, and a file named in different case counted
+// twice in the statistics.
 TEST_F(ProgramRun, UpperAndLowerCaseNameTheSameFile) {
   const std::string macro =
       R"([{"EventId": "evtVortexCentres", "FileName": "neu.txt", "AutoTrafo": false},
@@ -21,7 +22,7 @@ TEST_F(ProgramRun, UpperAndLowerCaseNameTheSameFile) {
   EXPECT_EQ(RunProgram(place, {"collection", "list", "K.COL"}).out.find("\n2\t"), std::string::npos);
 }
 
-// The log is open from the beginning on.
+// The log is open from the start.
 TEST_F(ProgramSignals, LeaveNothingIncompleteOfAProgramThatIsKilled) {
   {
     const StalledProgram program(place, {"run", "--macro", "s.mak", "--log", "log.txt", "viele"});

@@ -7,7 +7,7 @@
 namespace quiverion::test {
 namespace {
 
-// A private file became one for everybody when it was saved again, and the administrator's when he did it.
+// Saving a private file again made it readable for everybody, and changed its owner when done by the administrator.
 TEST_F(SystemFiles, AReplacedFileKeepsItsOwnerAndPermissions) {
   for (const unsigned mode : {0600u, 0640u, 0666u}) {
     Put("x.vas", "old");
@@ -24,7 +24,7 @@ TEST_F(SystemFiles, AReplacedFileKeepsItsOwnerAndPermissions) {
   }
 }
 
-// A file that had taken the place was cut or deleted.
+// A different file at the same path was truncated or deleted.
 TEST_F(SystemFiles, AFailedAppendLeavesAloneWhatHasTakenThePlace) {
   Put("w.txt", "old ");
   Put("other.bin", "precious");

@@ -1,6 +1,6 @@
-// Names, attributes and sharing as Windows has them.
+// Names, attributes and sharing on Windows.
 #include "platform/windows/paths.h"
-// Behind the header that includes windows.h.
+// After the header that includes windows.h.
 #include <ctime>
 
 #include "platform/files/paths.h"
@@ -18,8 +18,7 @@ Handle OpenSharing(const std::string& path, DWORD sharing) {
   return Handle(::CreateFileW(OpenablePath(path).c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
-// A name of a device swallows a result, one with ":" leads into another file, and files of both kinds cannot be deleted
-// in the Explorer.
+// A device name swallows a result, a name with ":" leads into another file, and the Explorer can delete neither.
 TEST_F(SystemFiles, NamesThatAreNoFilesAreRefused) {
   for (const std::string name : {"NUL", "nul.vas", "Con", "con .txt", "COM1.dat", "LPT¹", "aux/x.vas", "a.vas:b.vas",
                                  "C:\\a.vas", "a?.vas", "*.vas", "a|b", "tab\t", "\xFF", "CONOUT$"}) {
@@ -36,7 +35,7 @@ TEST_F(SystemFiles, NamesThatAreNoFilesAreRefused) {
   }
 }
 
-// Half a pair of UTF-16 is no text, but may be part of a name.
+// Half a surrogate pair is not valid text, but may be part of a name.
 TEST(Utf16, ComesBackWhole) {
   for (const std::wstring text : {L"half \xD83C.vas", L"\xDF00\xD83C", L"\xD83C\xDF00 ä", L"\xFFFD"}) {
     EXPECT_EQ(windows::Utf16FromUtf8(windows::Utf8FromUtf16(text)), text);

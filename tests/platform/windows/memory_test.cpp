@@ -1,7 +1,7 @@
 #include "platform/windows/memory.h"
 
 #include "platform/windows/paths.h"
-// Behind the header that includes windows.h.
+// After the header that includes windows.h.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -36,7 +36,7 @@ bool IsWithTheProcess(std::uintptr_t address) {
 
 TEST(KeptMemory, NoMoreThan256MegabytesWait) {
   KeepFreedMemory();
-  std::vector<void*> blocks = {::operator new(70 * kMegabyte)};  // too large to wait
+  std::vector<void*> blocks = {::operator new(70 * kMegabyte)};  // too large to be kept
   while (blocks.size() < 7) blocks.push_back(::operator new(60 * kMegabyte));
   std::vector<std::uintptr_t> addresses;
   for (void* const block : blocks) {

@@ -19,10 +19,10 @@ namespace {
 
 const std::vector<std::string> kBoth = {"a.vas", "b.vas"};
 
-/// A process that ends at once at any call of the system. All writes are short ones, so that a file ends anywhere.
+/// A process that is killed at any system call. All writes are short, so that a file can end anywhere.
 class Crashes : public testing::Test {
  protected:
-  // Runs the series in a process of its own, which is killed in front of its call `number`. False where it has fewer.
+  // Runs the series in a child process, which is killed before its call `number`. False if it makes fewer calls.
   static bool KilledAtCall(const WrittenSeries& series, int number) {
     const pid_t process = ::fork();
     if (process == 0) {
@@ -38,7 +38,7 @@ class Crashes : public testing::Test {
     return WIFSIGNALED(status);
   }
 
-  // What each path may hold: what it held, what the whole run makes of it, and what only its beginning makes of it.
+  // The allowed contents of each path: before the run, after the whole run, and after its first file.
   void ExpectWholeFiles(const WrittenKind& kind, const Tree& found) const {
     for (const auto& [path, bytes] : states_[0]) EXPECT_TRUE(found.contains(path)) << path;
     for (const auto& [path, bytes] : found) {
@@ -137,7 +137,7 @@ TEST_F(Crashes, ARemovalLosesNoOtherRecord) {
   }
 }
 
-// It was said to be gone, and stood there without a record.
+// It was reported as deleted, but existed without a record.
 TEST_F(Crashes, ACollectionThatCannotBeDeletedIsNotSaidToBe) {
   place.Write("serie.col", samples::CollectionBytes({samples::MakeSampleField({.columns = 2, .rows = 2})}, {"1"}));
   testing::internal::CaptureStderr();

@@ -6,7 +6,8 @@
 namespace quiverion::cli {
 namespace {
 
-// Such a file can come out of an archive. Its name was taken for a path: another file was read, and results lay there.
+// An archive may contain such a file. Its name was taken for a path: another file was read, and results were written
+// there.
 TEST(HostileNamesHere, ANameWithASeparatorIsNoFileOfTheSeries) {
   const Workplace place;
   const std::string hostile = "texts/serie/..\\..\\secret.vas";
@@ -16,7 +17,7 @@ TEST(HostileNamesHere, ANameWithASeparatorIsNoFileOfTheSeries) {
   const std::string macro = R"([{"EventId": "evtSaveVas", "Prefix": "", "Postfix": "_s"}])";
   EXPECT_EQ(RunProgram(place, {"macro", "import", "-", "m.mak"}, macro).code, 0);
   EXPECT_EQ(RunProgram(place, {"run", "--macro", "m.mak", "texts/serie"}).code, 0);
-  // Named by a shell, it was read there, and its results overwrote the files beside.
+  // Named by a shell, it was read there, and its results overwrote the files next to it.
   EXPECT_EQ(RunProgram(place, {"run", "--macro", "m.mak", hostile}).code, 4);
   EXPECT_EQ(place.Files(),
             (std::vector<std::string>{"m.mak", "secret.vas", hostile, "texts/serie/a.vas", "texts/serie/a_s.vas"}));

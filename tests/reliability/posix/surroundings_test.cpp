@@ -40,25 +40,25 @@ class Confined : public testing::Test {
   Workplace place_;
 };
 
-// The first file that was opened took the number of standard output, and what was printed went into it: the log twice, or
-// a warning over the header of a collection.
+// The first file opened got the number of standard output, and what was printed went into it: the log twice, or a
+// warning over the header of a collection.
 TEST_F(Confined, ClosedStandardStreamsDoNotLeadIntoTheFiles) {
   ASSERT_EQ(Run({}, {"a.vas"}).code, 0);
-  // The collection lacks a record that it counts: its append warns while it is open.
+  // The collection lacks a counted record, so the append warns while the file is open.
   const std::string collection = With(place_.Read("c.col"), kCountAt, 2);
   const auto runOnIt = [&](const std::vector<int>& closed) {
     place_.Write("c.col", collection);
     EXPECT_EQ(Run({.closed = closed}, {"a.vas"}).code, 1);
     Tree tree = ReadTree(place_.Path());
     std::string& log = tree.at("L.txt");
-    log.resize(log.find("Makro-Ausführung"));  // a quick run has no duration
+    log.resize(log.find("Makro-Ausführung"));  // a quick run logs no duration
     return tree;
   };
   const Tree open = runOnIt({});
   for (const std::vector<int>& closed : {std::vector{1}, {2}, {0, 1, 2}}) EXPECT_EQ(runOnIt(closed), open);
 }
 
-// The system ends a program that writes beyond the allowed size by a signal, unless it has asked not to.
+// The system ends a program that writes beyond the allowed size with a signal, unless the program ignores it.
 TEST_F(Confined, AFileBeyondTheAllowedSizeIsAFullDisk) {
   const Outcome outcome = Run({.largestFile = 9000}, {"a.vas", "b.vas"});
   EXPECT_EQ(outcome.signal, 0);
@@ -68,7 +68,7 @@ TEST_F(Confined, AFileBeyondTheAllowedSizeIsAFullDisk) {
   EXPECT_TRUE(NothingTemporaryIsLeft());
 }
 
-// Sanitizers take memory and descriptors of their own: these are for the program as it is used.
+// Sanitizers need additional memory and descriptors, so these tests are for the normal build.
 #ifndef __SANITIZE_ADDRESS__
 TEST_F(Confined, WithoutAFreeDescriptorNothingIsBegun) {
   EXPECT_EQ(Run({.openFiles = 5}, {"a.vas"}).code, 0) << "one result beside the log";

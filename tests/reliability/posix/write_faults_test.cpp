@@ -33,7 +33,7 @@ bool CanFail(const SystemCall& call) {
   return call.kind != Kind::makeDirectory && call.kind != Kind::remove && call.kind != Kind::resize;
 }
 
-// A failed append leaves something behind the records that a collection counts.
+// A failed append leaves something after the counted records of a collection.
 Tree Counted(Tree tree) {
   for (auto& [path, bytes] : tree) {
     if (path.ends_with(".col")) bytes = CountedRecords(bytes);
@@ -80,7 +80,7 @@ class WriteFaults : public testing::Test {
         }
         EXPECT_EQ(Counted(result.tree), aborts && moment.file == 1 ? untouched : Counted(expected));
         const std::string reason(ErrorDescription(fault.number));
-        const bool isSilent = kind.appended && aborts;  // of its Cancel nothing is said
+        const bool isSilent = kind.appended && aborts;  // its Cancel is not logged
         EXPECT_TRUE(isSilent || result.log.find(reason) != std::string::npos) << result.log;
         if (HasFailure()) return;
       }
@@ -98,7 +98,7 @@ class WriteFaults : public testing::Test {
     told_ += "\r\n";
   }
 
-  // The calls where something can fail: of the writes of a file the first, the middle and the last one.
+  // The calls at which something can fail; of the writes of a file, the first, the middle and the last one.
   static std::vector<Moment> Moments(const WrittenSeries& series) {
     std::vector<Moment> all;
     series.Restore();
@@ -151,7 +151,7 @@ TEST_F(WriteFaults, LeaveTheOldFileOrTheNewOneAndTheRunGoesOn) {
   cli::ExpectApproved(place, "write_faults.txt", told_);
 }
 
-// What stands at the target's place, or becomes of its directory, and the error it is refused with.
+// An obstacle at the path of the target or in place of its directory, and the resulting error.
 struct Obstacle {
   const char* name;
   void (*place)(const fs::path& target);
@@ -183,7 +183,7 @@ TEST_F(WriteFaults, AnObstacleIsNamedAndTheRunGoesOn) {
     series.Restore();
     const Tree clean = series.Run(kBoth).tree;
     for (const Obstacle& obstacle : kObstacles) {
-      if (kind.target == "a.vas" && &obstacle != &kObstacles[1]) continue;  // the series itself must be there
+      if (kind.target == "a.vas" && &obstacle != &kObstacles[1]) continue;  // the series itself must exist
       SCOPED_TRACE(kind.name + ": " + obstacle.name);
       series.Restore();
       obstacle.place(directory + kind.target);
@@ -205,7 +205,7 @@ TEST_F(WriteFaults, AnObstacleIsNamedAndTheRunGoesOn) {
   }
 }
 
-// Whatever becomes of what another process has deleted: the series goes on, and the log is right about results.
+// Whatever another process deletes, the series continues, and the log is correct about results.
 TEST_F(WriteFaults, ADirectoryThatGoesAwayMeanwhileCostsAtMostItsFile) {
   for (const WrittenKind& kind : WrittenKinds(directory)) {
     if (kind.target == "a.vas") continue;

@@ -1,6 +1,6 @@
-// Files that another program has open for itself.
+// Files that another program has opened exclusively.
 #include "platform/windows/paths.h"
-// Behind the header that includes windows.h.
+// After the header that includes windows.h.
 #include <gtest/gtest.h>
 
 #include "macro/pre_run_checks.h"

@@ -19,7 +19,7 @@ namespace {
 
 constexpr auto kPause = std::chrono::milliseconds(10);
 
-// A file without a name, open in all processes that come from this one.
+// An unnamed file, open in all child processes.
 class UnnamedFile {
  public:
   UnnamedFile() : file_(std::tmpfile()) {}
@@ -60,7 +60,7 @@ pid_t Start(const Workplace& place, const std::vector<std::string>& arguments, i
   ::dup2(output, STDOUT_FILENO);
   ::dup2(error, STDERR_FILENO);
   ::setenv("LC_ALL", "C", 1);
-  ::alarm(600);  // a program that hangs ends with a signal
+  ::alarm(600);  // a hanging program is ended by a signal
   for (const int stream : surroundings.closed) ::close(stream);
   ::close_range(3, ~0u, 0);
   Limit(RLIMIT_FSIZE, surroundings.largestFile);
@@ -75,7 +75,7 @@ void SetStatus(Outcome& outcome, int status) {
   if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
 }
 
-// A line of /proc/<process>/status, behind its name.
+// The value of a line in /proc/<process>/status.
 std::string StatusLine(pid_t process, const std::string& name) {
   std::ifstream file("/proc/" + std::to_string(process) + "/status");
   for (std::string line; std::getline(file, line);) {

@@ -10,7 +10,7 @@
 #include <map>
 #include <vector>
 
-// The linker leads the program's calls of `name` to __wrap_name, and __real_name to the system (option --wrap).
+// The linker redirects the program's calls of `name` to __wrap_name, and __real_name to the system (option --wrap).
 extern "C" {
 int __real_open(const char* path, int flags, ...);
 int __real_close(int descriptor);
@@ -36,7 +36,7 @@ std::map<int, std::string> openFiles;  // opened for writing
 
 using Kind = SystemCall::Kind;
 
-// True where the call must fail; errno is set.
+// True if the call must fail; errno is set.
 bool Fails(Kind kind, const std::string& path, int flags = 0) {
   if (active == nullptr) return false;
   const int code = active->Ask({kind, path, flags});
@@ -49,7 +49,7 @@ bool FailsOn(Kind kind, int descriptor) {
   return file != openFiles.end() && Fails(kind, file->second);
 }
 
-// The pieces as far as one call may write them.
+// The part of the pieces that one call may write.
 std::vector<iovec> Shortened(const iovec* pieces, int count, int descriptor) {
   std::vector<iovec> list(pieces, pieces + count);
   if (active == nullptr || !openFiles.contains(descriptor)) return list;
@@ -71,7 +71,7 @@ SystemCalls::~SystemCalls() {
 
 int SystemCalls::Ask(const SystemCall& call) {
   if (Watches(call.path)) return before ? before(call) : 0;
-  const bool isParent = call.kind == Kind::makeDirectory && directory_.starts_with(call.path);  // which is there
+  const bool isParent = call.kind == Kind::makeDirectory && directory_.starts_with(call.path);  // which exists
   if (strayed.empty() && !isParent) strayed = call.path;
   return 0;
 }
@@ -133,7 +133,7 @@ ssize_t __wrap_pwritev(int descriptor, const iovec* pieces, int count, off_t pos
 
 int __wrap_fsync(int descriptor) {
   if (FailsOn(Kind::sync, descriptor)) return -1;
-  return openFiles.contains(descriptor) ? 0 : __real_fsync(descriptor);  // whether a disk keeps it, no test sees
+  return openFiles.contains(descriptor) ? 0 : __real_fsync(descriptor);  // no test can check what the disk keeps
 }
 
 int __wrap_rename(const char* from, const char* to) {

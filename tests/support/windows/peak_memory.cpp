@@ -1,5 +1,5 @@
 #include "platform/windows/paths.h"
-// Behind the header that includes windows.h.
+// After the header that includes windows.h.
 #include <psapi.h>
 
 #include "support/peak_memory.h"

@@ -1,5 +1,5 @@
 #include "platform/windows/paths.h"
-// Behind the header that includes windows.h.
+// After the header that includes windows.h.
 #include <gtest/gtest.h>
 #include <psapi.h>
 
@@ -15,12 +15,12 @@ namespace {
 
 using namespace windows;
 
-// As CommandLineToArgvW takes it apart again.
+// Quoted so that CommandLineToArgvW restores it.
 std::string Quoted(const std::string& argument) {
   std::string quoted = "\"";
   std::size_t backslashes = 0;
   for (const char c : argument + '"') {
-    // Those before a quotation mark, the last one included, count twice.
+    // Backslashes before a quotation mark, including the closing one, are doubled.
     if (c == '"') quoted.append(backslashes, '\\');
     backslashes = c == '\\' ? backslashes + 1 : 0;
     if (c == '"') quoted.push_back('\\');
@@ -41,7 +41,7 @@ std::string Content(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// A process with these standard streams; where its number is asked for, in a console of its own that nobody sees.
+// Starts a process with these standard streams; if its number is requested, in a hidden console of its own.
 Handle Start(const Workplace& place, const std::vector<std::string>& arguments, const Handle& in, const Handle& out,
              const Handle& err, DWORD* id = nullptr) {
   std::string line = Quoted(CLI_PROGRAM);
@@ -74,8 +74,8 @@ void SetCode(Outcome& outcome, const Handle& process) {
   }
 }
 
-// Waits for the process to end, ten minutes at most. Returns the kilobytes that it needed at most: what is asked once it
-// has ended is not told everywhere.
+// Waits for the process to end, ten minutes at most. Returns its peak memory in kilobytes, which must be read before it
+// has ended, because not every system reports it later.
 long WaitForEnd(const Handle& process) {
   const ULONGLONG end = ::GetTickCount64() + 600000;
   SIZE_T peak = 0;
@@ -117,7 +117,7 @@ std::vector<int> AbortSignals() {
 struct StalledProgram::Running {
   Handle process;
   DWORD id = 0;
-  Handle output;  // where it is read
+  Handle output;  // the reading end
 
   DWORD Waiting() const {
     DWORD bytes = 0;
@@ -157,7 +157,7 @@ bool StalledProgram::WaitUntilStalled() const {
 }
 
 void StalledProgram::Signal(int /*number*/) const {
-  // The key is pressed for all that share a console, this process included while it is there.
+  // The key reaches all processes of a console, including this process while it is attached.
   static const BOOL heeded = ::SetConsoleCtrlHandler([](DWORD) -> BOOL { return TRUE; }, TRUE);
   EXPECT_NE(heeded, 0);
   ::FreeConsole();
@@ -170,7 +170,7 @@ void StalledProgram::Signal(int /*number*/) const {
 
 Outcome StalledProgram::Finish() {
   Outcome outcome;
-  // Its console may have inherited the other end of the pipe and lives on for a while: the end of the process counts.
+  // Its console may have inherited the other end of the pipe and may live longer, so wait for the end of the process.
   for (bool ended = false; !ended || running_->Waiting() > 0;) {
     char block[4096];
     DWORD count = running_->Waiting();
