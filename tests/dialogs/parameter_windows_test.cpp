@@ -107,6 +107,9 @@ TEST(ParameterWindowsTest, TheTreeHoldsEveryCommandAndKeepsItsState) {
     const qint64 closed = tree.currentItem()->icon(0).cacheKey();
     tree.currentItem()->setExpanded(true);
     EXPECT_NE(tree.currentItem()->icon(0).cacheKey(), closed);
+    tree.currentItem()->setExpanded(false);
+    EXPECT_EQ(tree.currentItem()->icon(0).cacheKey(), closed);
+    tree.currentItem()->setExpanded(true);
     QTest::keyClick(&tree, Qt::Key_Return);
     EXPECT_TRUE(window.isVisible());  // a menu is not accepted
     tree.setCurrentItem(node(window, "K40103"));
