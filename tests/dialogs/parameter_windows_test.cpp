@@ -4,12 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
-#include <QGroupBox>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QTreeWidget>
 
 #include "dialogs/frmEditVector.h"

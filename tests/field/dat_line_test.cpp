@@ -7,7 +7,6 @@
 #include <bit>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "platform/numbers.h"
 

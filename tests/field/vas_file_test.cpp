@@ -3,7 +3,6 @@
 #include <limits>
 
 #include "field/field_fixture.h"
-#include "platform/text.h"
 
 namespace quiverion::test {
 namespace {
@@ -181,18 +180,6 @@ TEST_F(VasFile, OnlyTheExtensionVasIsWritten) {
     Save(path);
     EXPECT_EQ(files_.files.count(path), 1u) << "missing directories are created";
   }
-}
-
-TEST_F(VasFile, ATextThatTheFileCannotHoldIsNamed) {
-  field_ = FieldOfImage();
-  field_.headerLines[2] = "Δp → 5";
-  EXPECT_EQ(Save("a.vas"),
-            "Datei speichern unter 'a.vas'... !!! WARNUNG !!!\r\n"
-            "    Zeichen, die der Zeichensatz der Datei nicht kennt, werden als '?' gespeichert: 'Δp → 5'\r\n"
-            "fertig\r\n");
-  EXPECT_TRUE(context_.runHadError);
-  sample_.headerLines[2] = "?p ? 5";
-  EXPECT_TRUE(files_.files["a.vas"] == Image());
 }
 
 }  // namespace
