@@ -44,7 +44,6 @@ TEST_F(MainWindow, ADriveThatIsNotReadyIsRefused) {
   drives = {root, place.Path() + "serie", "/nicht/da"};
   Open();
   auto& drive = Get<QComboBox>("Drive");
-  QTest::keyClick(window.get(), Qt::Key_F5);
   EXPECT_EQ(drive.currentIndex(), 1);
   script.ExpectBox(QMessageBox::Ok);
   emit drive.activated(2);
