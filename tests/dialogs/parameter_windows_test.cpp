@@ -200,6 +200,7 @@ TEST(FaultVectors, EnablesAndOrdersItsControls) {
   const MacroEvent stored = Stored(window);
   EXPECT_EQ(stored.Text("TxtAbsIntMin") + ";" + stored.Text("TxtAbsIntMax"), "1;3.5");
   EXPECT_EQ(stored.Integer("CompareVectorType"), 3);
+  EXPECT_FALSE(stored.Flag("OptAbsIntOut") || stored.Flag("LogicalOr"));
 }
 
 TEST(FaultVectors, ShowsWhatADamagedMacroHolds) {
