@@ -1,6 +1,5 @@
 // The window of a collection, opened through the menu of the main window.
 #include <QLabel>
-#include <filesystem>
 
 #include "dialogs/frmShowCollection.h"
 #include "support/collection_bytes.h"
@@ -34,12 +33,6 @@ class CollectionWindow : public MainWindow {
     List(dialog).clearSelection();
     for (const int number : numbers) List(dialog).item(number - 1)->setSelected(true);
   }
-  void ExpectMainWindowAsBefore() {
-    EXPECT_TRUE(Get<QPushButton>("cmdOk").isVisible() && Get<QPushButton>("cmdCancel").isVisible());
-    EXPECT_FALSE(Get<QProgressBar>("ProgressBar").isVisible());
-    EXPECT_EQ(window->cursor().shape(), Qt::ArrowCursor);
-    EXPECT_FALSE(TheSession().context.busy);
-  }
 };
 
 TEST_F(CollectionWindow, ListsTheFieldsAndRemovesTheSelectedOnes) {
@@ -72,7 +65,8 @@ TEST_F(CollectionWindow, ListsTheFieldsAndRemovesTheSelectedOnes) {
     Press(dialog, "cmdOk");
   });
   EXPECT_EQ(place.Read("s.col").size(), kHeader + 2 * kRecord);
-  ExpectMainWindowAsBefore();
+  EXPECT_TRUE(Get<QPushButton>("cmdOk").isVisible() && !Get<QProgressBar>("ProgressBar").isVisible());
+  EXPECT_TRUE(window->cursor().shape() == Qt::ArrowCursor && !TheSession().context.busy);
 }
 
 TEST(CollectionWindowInMemory, WaitsWithItsHourglassWhileItReads) {

@@ -49,7 +49,9 @@ TEST_F(HelpWindow, ShowsTheContents) {
   emit tree.itemClicked(chapter, 0);
   EXPECT_EQ(Page(), FromQt(chapter->data(0, Qt::UserRole).toString()));
   EXPECT_EQ(FromQt(Window()->windowTitle()), "QuiverionSeries - Hilfe: " + FromQt(browser.documentTitle()));
-  Press(*Window(), "cmdBack");
+  Window()->activateWindow();
+  EXPECT_TRUE(QTest::qWaitForWindowActive(Window()));
+  QTest::keyClick(Window(), Qt::Key_Left, Qt::AltModifier);
   EXPECT_EQ(Page(), "inhalt.html");
   Press(*Window(), "cmdForward");
   EXPECT_EQ(tree.currentItem(), chapter);

@@ -111,9 +111,7 @@ TEST_F(MainWindow, DroppedFilesAreSelected) {
 TEST_F(MainWindow, TheMacroListObeysKeysAndTheRightButton) {
   Open();
   SetMacro({40001, 40101, 10001});
-  EXPECT_EQ(Lines(MacroList()),
-            "Ungültige Vektoren durch Interpolation ersetzen|Smoothing mit 3x3 "
-            "Rechteck-Filter|Datei im VAS-Format speichern unter...|");
+  EXPECT_TRUE(Lines(MacroList()).ends_with("Rechteck-Filter|Datei im VAS-Format speichern unter...|"));
   MacroList().setCurrentRow(2);
   QTest::keyClick(&MacroList(), Qt::Key_Up, Qt::AltModifier);
   QTest::keyClick(&MacroList(), Qt::Key_Up, Qt::AltModifier);
@@ -124,6 +122,8 @@ TEST_F(MainWindow, TheMacroListObeysKeysAndTheRightButton) {
   QTest::keyClick(&MacroList(), Qt::Key_Delete);
   EXPECT_EQ(SelectedLine(), -1);
   EXPECT_EQ(TheSession().macro.size(), 2u);
+  script.Expect<QDialog>("quiverion::frmChooseMacroEvent", [](QDialog& dialog) { dialog.reject(); });
+  QTest::keyClick(&MacroList(), Qt::Key_Insert);
   MacroList().setCurrentRow(0);
   script.ExpectBox(QMessageBox::Ok);  // no parameters
   QTest::mouseClick(MacroList().viewport(), Qt::LeftButton, {}, {20, 5});

@@ -4,10 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
-#include <QGroupBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTemporaryDir>
@@ -109,6 +107,9 @@ TEST(ParameterWindowsTest, TheTreeHoldsEveryCommandAndKeepsItsState) {
     const qint64 closed = tree.currentItem()->icon(0).cacheKey();
     tree.currentItem()->setExpanded(true);
     EXPECT_NE(tree.currentItem()->icon(0).cacheKey(), closed);
+    tree.currentItem()->setExpanded(false);
+    EXPECT_EQ(tree.currentItem()->icon(0).cacheKey(), closed);
+    tree.currentItem()->setExpanded(true);
     QTest::keyClick(&tree, Qt::Key_Return);
     EXPECT_TRUE(window.isVisible());  // a menu is not accepted
     tree.setCurrentItem(node(window, "K40103"));
@@ -132,7 +133,10 @@ TEST(PrefixPostfix, FiltersWhatIsTypedAndPasted) {
   window.Load(NewCommand(10101));
   window.show();
   Type(window, "txtPrefix", "/a/b.:c");
-  EXPECT_EQ(TextOf(window, "txtPrefix"), "a\\bc");
+  auto& prefix = Find<QLineEdit>(window, "txtPrefix");
+  prefix.setCursorPosition(1);
+  QTest::keyClicks(&prefix, "/");  // where there is one already
+  EXPECT_EQ(FromQt(prefix.text()), "a\\bc");
   auto& postfix = Find<QLineEdit>(window, "txtPostfix");
   QApplication::clipboard()->setText("_1/2.x\n\\");
   postfix.setFocus();
@@ -199,6 +203,7 @@ TEST(FaultVectors, EnablesAndOrdersItsControls) {
   const MacroEvent stored = Stored(window);
   EXPECT_EQ(stored.Text("TxtAbsIntMin") + ";" + stored.Text("TxtAbsIntMax"), "1;3.5");
   EXPECT_EQ(stored.Integer("CompareVectorType"), 3);
+  EXPECT_FALSE(stored.Flag("OptAbsIntOut") || stored.Flag("LogicalOr"));
 }
 
 TEST(FaultVectors, ShowsWhatADamagedMacroHolds) {

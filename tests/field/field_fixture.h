@@ -25,17 +25,11 @@ inline std::string Loading(const std::string& path) {
 inline std::string Loaded(const std::string& path) {
   return Loading(path) + "fertig\r\n";
 }
-inline std::string LoadRefused(const std::string& path, const std::string& lines) {
-  return Loading(path) + "!!! FEHLER !!!\r\n" + lines +
-         "\r\n    Die Bearbeitung der aktuellen Datei wird abgebrochen!\r\n";
-}
-
-inline std::string ErrorTextOf(int number) {
-  return "    " + ErrorText(SystemError(static_cast<ErrorNumber>(number)));
-}
 inline std::string ReadFailed(const std::string& path, int number) {
-  return LoadRefused(
-      path, "    Während des Einlesens dieser Datei ist folgender Fehler aufgetreten:\r\n" + ErrorTextOf(number));
+  return Loading(path) +
+         "!!! FEHLER !!!\r\n    Während des Einlesens dieser Datei ist folgender Fehler aufgetreten:\r\n    " +
+         ErrorText(SystemError(static_cast<ErrorNumber>(number))) +
+         "\r\n    Die Bearbeitung der aktuellen Datei wird abgebrochen!\r\n";
 }
 
 inline samples::SampleField Sample(int columns, int rows) {

@@ -183,17 +183,5 @@ TEST_F(VasFile, OnlyTheExtensionVasIsWritten) {
   }
 }
 
-TEST_F(VasFile, ATextThatTheFileCannotHoldIsNamed) {
-  field_ = FieldOfImage();
-  field_.headerLines[2] = "Δp → 5";
-  EXPECT_EQ(Save("a.vas"),
-            "Datei speichern unter 'a.vas'... !!! WARNUNG !!!\r\n"
-            "    Zeichen, die der Zeichensatz der Datei nicht kennt, werden als '?' gespeichert: 'Δp → 5'\r\n"
-            "fertig\r\n");
-  EXPECT_TRUE(context_.runHadError);
-  sample_.headerLines[2] = "?p ? 5";
-  EXPECT_TRUE(files_.files["a.vas"] == Image());
-}
-
 }  // namespace
 }  // namespace quiverion::test

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "collection_fixture.h"
+#include "field/formats/load_original_file.h"
+#include "generator/sample_files.h"
 #include "support/approved.h"
 
 namespace quiverion::test {
@@ -18,26 +20,21 @@ std::string Collected(int count) {
 using Collecting = CollectionTest;
 
 TEST_F(Collecting, WritesHeaderAndRecords) {
-  VectorField field = MakeField(4, 2);
-  field.posX = {-1.5, 0, 1, 7};
-  field.posY = {3, -2};
+  const samples::SampleField sample = samples::MakeSampleField({.columns = 7, .rows = 5});
+  program.files.files["a.vas"] = samples::VasBytes(sample);
+  LoadOriginalFile(context, "a.vas");
+  program.TakeLog();
+  VectorField field = context.field;
   field.filePath = "C:\\Messung\\Düse.vas";
-  Bytes velocities;
-  for (int p = 0; p < 8; ++p) velocities.F64(field.velX.Values()[static_cast<std::size_t>(p)] = p + 0.5);
-  for (int p = 0; p < 8; ++p) velocities.F64(field.velY.Values()[static_cast<std::size_t>(p)] = -p);
-  const std::int32_t statuses[] = {0, 1, -1, 4, 2, 0, -7, 3};
-  std::copy(std::begin(statuses), std::end(statuses), field.status.Values().begin());
+  field.status(2, 1) = 4, field.status(3, 1) = -7;
+  samples::SampleField expected = sample;
+  expected.status[1] = 1, expected.status[2] = 0;
   EXPECT_EQ(Collect(field), Collected(1));
-  const std::string record =
-      Bytes().Raw("C:\\Messung\\D\xFCse.vas" + std::string(109, ' ')).Raw(velocities.Get()).Raw({"\x9A\0", 2});
-  const auto header = [](int count) {
-    return Bytes().Raw("QuiverionStatisticsCollection").I16(1).I32(count).I32(4).I32(2).F64(-1.5).F64(7).F64(3).F64(-2);
-  };
-  EXPECT_EQ(Content(), header(1).Raw(record).Get());
+  EXPECT_TRUE(Content() == samples::CollectionBytes({expected}, {field.filePath}));
   field.posX[0] = 99;  // positions are those of the first field
   Content() += "left behind by an append that failed";
   EXPECT_EQ(Collect(field), Collected(2));
-  EXPECT_EQ(Content(), header(2).Raw(record).Raw(record).Get());
+  EXPECT_TRUE(Content() == samples::CollectionBytes({expected, expected}, {field.filePath, field.filePath}));
   EXPECT_FALSE(context.runHadError);
 }
 

@@ -1,6 +1,4 @@
 // Names of files are UTF-16, drives are letters, and the system shows "\".
-#include <algorithm>
-
 #include "app/drives.h"
 #include "app/window_fixture.h"
 
