@@ -103,12 +103,16 @@ QUIVERION_ALWAYS_INLINE Word ByteBelow(Word word, Word count) {
   return word << 8 * count >> 56;
 }
 
+// The numbers that are read together. Usual: digits, at most 7 on either side of a point, and maybe a minus. Wide: the
+// point may be missing, and there may be a plus.
+enum class Kind { usual, wide };
+
 // A number that ends with the sixteen characters `head`, `tail`, in front of it a blank. Nonzero where it is of another
-// shape than an optional sign and digits, at most 7 on either side of an optional point. Branches would stand in the way
-// of vector instructions.
+// kind. Branches would stand in the way of vector instructions.
+template <Kind kind>
 QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
   const Word points = words::BytesBelow<1>(tail ^ words::kOnes * '.');
-  const Word isWhole = MaskOf(points == 0);
+  const Word isWhole = kind == Kind::wide ? MaskOf(points == 0) : 0;
   const Word places = BytesAbove(points) & ~isWhole;
   const Word placeDigits = HighestBytes(tail ^ words::kOnes * '0', places);
   const Word beforePoint = (tail & isWhole) | ((tail << 8 * places << 8 | head >> (56 - 8 * places)) & ~isWhole);
@@ -117,9 +121,10 @@ QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
   const Word beforeDigits = beforePoint << 8 * whole;
   const Word sign = beforeDigits >> 56;
   const Word negative = MaskOf(sign == '-') & 1;
-  const Word hasSign = negative | (MaskOf(sign == '+') & 1);
-  const Word refused =
-      words::BytesFrom<10>(placeDigits) | (whole + places - 1) >> 63 | (ByteBelow(beforeDigits, hasSign) ^ ' ');
+  const Word hasSign = kind == Kind::wide ? negative | (MaskOf(sign == '+') & 1) : negative;
+  const Word noPoint = kind == Kind::wide ? 0 : ByteBelow(tail, places) ^ '.';
+  const Word refused = noPoint | words::BytesFrom<10>(placeDigits) | (whole + places - 1) >> 63 |
+                       (ByteBelow(beforeDigits, hasSign) ^ ' ');
 
   // At most fourteen digits: all of this is exact up to the division, which rounds once, to the correctly rounded
   // value.
@@ -131,14 +136,21 @@ QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
   return refused;
 }
 
+template <Kind kind>
 QUIVERION_ALWAYS_INLINE void ReadNumbers(std::size_t count, const Word* heads, const Word* tails, double* values,
                                          Word* refused) {
-  for (std::size_t k = 0; k < count; ++k) refused[k] = ReadNumber(heads[k], tails[k], values[k]);
+  for (std::size_t k = 0; k < count; ++k) refused[k] = ReadNumber<kind>(heads[k], tails[k], values[k]);
 }
 
-QUIVERION_MULTI_TARGET_CALL(ReadAll,
+QUIVERION_MULTI_TARGET_CALL(ReadUsual,
                             (std::size_t count, const Word* heads, const Word* tails, double* values, Word* refused),
-                            (count, heads, tails, values, refused), ReadNumbers(count, heads, tails, values, refused))
+                            (count, heads, tails, values, refused),
+                            ReadNumbers<Kind::usual>(count, heads, tails, values, refused))
+
+QUIVERION_MULTI_TARGET_CALL(ReadWide,
+                            (std::size_t count, const Word* heads, const Word* tails, double* values, Word* refused),
+                            (count, heads, tails, values, refused),
+                            ReadNumbers<Kind::wide>(count, heads, tails, values, refused))
 
 }  // namespace
 
@@ -161,8 +173,24 @@ std::size_t DatLines::Take(std::string_view text) {
   }
   const auto begin = static_cast<std::size_t>(text.data() - chunk_);
   const std::size_t end = CutLines(begin, begin + text.size());
-  ReadAll(2 * count_, heads_.data(), tails_.data(), values_.data(), refused_.data());
+  ReadVelocities();
   return end - begin;
+}
+
+// The numbers of a file are mostly of one kind: the first ones decide how the rest is read.
+void DatLines::ReadVelocities() {
+  const std::size_t count = 2 * count_;
+  const std::size_t sample = std::min<std::size_t>(count, 16);
+  Word* const refused = refused_.data();
+  const auto read = [&](auto readSome, std::size_t first, std::size_t end) {
+    readSome(end - first, heads_.data() + first, tails_.data() + first, values_.data() + first, refused + first);
+  };
+  const auto isRefused = [](Word found) { return found != 0; };
+  read(ReadUsual, 0, sample);
+  if (std::none_of(refused, refused + sample, isRefused)) return read(ReadUsual, sample, count);
+  read(ReadWide, 0, sample);
+  if (!std::all_of(refused, refused + sample, isRefused)) return read(ReadWide, sample, count);
+  std::fill(refused + sample, refused + count, Word{1});
 }
 
 // True where the chunk has the end of the line that begins with `text`.
@@ -201,7 +229,7 @@ std::size_t DatLines::EndOfColumn(std::size_t at, int column) const {
 }
 
 // What is read where a column is missing.
-constexpr std::string_view kMissing = "               0";
+constexpr std::string_view kMissing = "             0.0";
 
 // Lines between `at` and `limit`. Returns the end of the last one.
 QUIVERION_MULTI_TARGET std::size_t DatLines::CutLines(std::size_t at, std::size_t limit) {

@@ -71,6 +71,7 @@ class DatLines {
   std::size_t BeginOfColumn(std::size_t end) const;
   std::size_t EndOfColumn(std::size_t at, int column) const;
   bool HasLine(const char* text);
+  void ReadVelocities();
   std::size_t CutLines(std::size_t at, std::size_t limit);
   bool CutLine(std::size_t at, std::size_t end);
 
