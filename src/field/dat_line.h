@@ -20,7 +20,7 @@ struct DatVector {
 DatVector ParseDatLine(std::string_view line);
 
 /// Many data lines at once: two columns or more between blanks, up to a line end. It takes no line with a comma, a
-/// quotation mark or a control character (tabs are such); those are for the definition.
+/// quotation mark, '$', '*' or a control character (tabs are such); those are for the definition.
 ///
 /// Cutting finds blanks and line ends of a whole chunk of text as bit masks. The velocities, columns 7 and 8, become
 /// numbers in a loop that the compiler makes vector instructions of: decimals of up to 7 digits on either side of the
