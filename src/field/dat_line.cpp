@@ -204,6 +204,7 @@ bool DatLines::HasLine(const char* text) {
 
 double DatLines::ReadAlone(int line, std::size_t component) const {
   const std::size_t end = component == 0 ? EndsOf(line).u : EndsOf(line).v;
+  if (end == kNoColumn) return 0.0;
   const std::size_t begin = BeginOfColumn(end);
   // What is behind the column belongs to no number; with it eight characters can be looked at together.
   return ReadNumberPrefix({chunk_ + begin, end - begin + 8}).value;
@@ -271,7 +272,11 @@ QUIVERION_ALWAYS_INLINE bool DatLines::CutLine(std::size_t at, std::size_t end) 
   const char* vEnd = chunk_ + v;
   if (v > end) {
     vEnd = kMissing.data() + kMissing.size();
-    if (u > end) uEnd = vEnd;
+    ends_[count_].v = kNoColumn;
+    if (u > end) {
+      uEnd = vEnd;
+      ends_[count_].u = kNoColumn;
+    }
   }
   heads_[2 * count_] = Load(uEnd - 16);
   tails_[2 * count_] = Load(uEnd - 8);

@@ -52,7 +52,8 @@ class DatLines {
 
  private:
   static constexpr std::size_t kLines = 512;  // taken by one call
-  // Where columns end in the chunk.
+  static constexpr std::uint16_t kNoColumn = 0;
+  // Where columns end in the chunk. Velocities may be missing.
   struct Ends {
     std::uint16_t x, y, u, v;
   };
