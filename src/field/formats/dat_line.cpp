@@ -29,9 +29,10 @@ QUIVERION_ALWAYS_INLINE void FindCharacters(const char* text, Word* found, IsMea
   }
 }
 
-// One comparison: of several the compiler makes a search in a set of bits, and no vector instructions.
-QUIVERION_ALWAYS_INLINE bool IsCommaOrQuote(unsigned char c) {
-  return std::min(static_cast<unsigned char>(c ^ ','), static_cast<unsigned char>(c ^ '"')) == 0;
+// Control characters, commas and quotation marks. One comparison: of several the compiler makes a search in a set of bits,
+// and no vector instructions. '$' and '*' are stops, too: to leave them out costs an operation, and their lines are rare.
+QUIVERION_ALWAYS_INLINE bool IsStop(unsigned char c) {
+  return std::min(static_cast<unsigned char>(c & 0xE0), static_cast<unsigned char>((c - '"') & ~0x0A)) == 0;
 }
 
 // Takes the first position out of a set that has one.
@@ -51,7 +52,7 @@ QUIVERION_ALWAYS_INLINE void ListPositions(const Word* bits, std::uint16_t* list
     const int count = std::popcount(rest);
     const std::size_t first = 64 * k;
     for (int n = 0; n < 2; ++n) {
-      list[n] = static_cast<std::uint16_t>(first + static_cast<std::size_t>(std::countr_zero(rest | Word{1} << 63)));
+      list[n] = static_cast<std::uint16_t>(first + static_cast<std::size_t>(std::countr_zero(rest)));
       rest &= rest - 1;
     }
     for (int n = 2; n < count; ++n) list[n] = static_cast<std::uint16_t>(first + TakeFirst(rest));
@@ -63,7 +64,7 @@ QUIVERION_ALWAYS_INLINE void ListPositions(const Word* bits, std::uint16_t* list
 // Stops end a field, or a line that is taken. Separators end a column: blanks, and stops.
 QUIVERION_ALWAYS_INLINE void FindAll(const char* text, std::uint16_t* stopList, Word* separators, Word* columnEnds) {
   Word stops[kWords];
-  FindCharacters<DatLines::kChunk>(text, stops, [](unsigned char c) { return (c < ' ') | IsCommaOrQuote(c); });
+  FindCharacters<DatLines::kChunk>(text, stops, [](unsigned char c) { return IsStop(c); });
   FindCharacters<DatLines::kChunk>(text, separators + 1, [](unsigned char c) { return c == ' '; });
   separators[0] = ~Word{0};  // the text begins behind one
   for (std::size_t k = 0; k < kWords; ++k) separators[k + 1] |= stops[k];
@@ -103,12 +104,16 @@ QUIVERION_ALWAYS_INLINE Word ByteBelow(Word word, Word count) {
   return word << 8 * count >> 56;
 }
 
+// The numbers that are read together. Usual: digits, at most 7 on either side of a point, and maybe a minus. Wide: the
+// point may be missing, and there may be a plus.
+enum class Kind { usual, wide };
+
 // A number that ends with the sixteen characters `head`, `tail`, in front of it a blank. Nonzero where it is of another
-// shape than an optional sign and digits, at most 7 on either side of an optional point. Branches would stand in the way
-// of vector instructions.
+// kind. Branches would stand in the way of vector instructions.
+template <Kind kind>
 QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
   const Word points = words::BytesBelow<1>(tail ^ words::kOnes * '.');
-  const Word isWhole = MaskOf(points == 0);
+  const Word isWhole = kind == Kind::wide ? MaskOf(points == 0) : 0;
   const Word places = BytesAbove(points) & ~isWhole;
   const Word placeDigits = HighestBytes(tail ^ words::kOnes * '0', places);
   const Word beforePoint = (tail & isWhole) | ((tail << 8 * places << 8 | head >> (56 - 8 * places)) & ~isWhole);
@@ -117,9 +122,10 @@ QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
   const Word beforeDigits = beforePoint << 8 * whole;
   const Word sign = beforeDigits >> 56;
   const Word negative = MaskOf(sign == '-') & 1;
-  const Word hasSign = negative | (MaskOf(sign == '+') & 1);
-  const Word refused =
-      words::BytesFrom<10>(placeDigits) | (whole + places - 1) >> 63 | (ByteBelow(beforeDigits, hasSign) ^ ' ');
+  const Word hasSign = kind == Kind::wide ? negative | (MaskOf(sign == '+') & 1) : negative;
+  const Word noPoint = kind == Kind::wide ? 0 : ByteBelow(tail, places) ^ '.';
+  const Word refused = noPoint | words::BytesFrom<10>(placeDigits) | (whole + places - 1) >> 63 |
+                       (ByteBelow(beforeDigits, hasSign) ^ ' ');
 
   // At most fourteen digits: all of this is exact up to the division, which rounds once, to the correctly rounded
   // value.
@@ -131,14 +137,21 @@ QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
   return refused;
 }
 
+template <Kind kind>
 QUIVERION_ALWAYS_INLINE void ReadNumbers(std::size_t count, const Word* heads, const Word* tails, double* values,
                                          Word* refused) {
-  for (std::size_t k = 0; k < count; ++k) refused[k] = ReadNumber(heads[k], tails[k], values[k]);
+  for (std::size_t k = 0; k < count; ++k) refused[k] = ReadNumber<kind>(heads[k], tails[k], values[k]);
 }
 
-QUIVERION_MULTI_TARGET_CALL(ReadAll,
+QUIVERION_MULTI_TARGET_CALL(ReadUsual,
                             (std::size_t count, const Word* heads, const Word* tails, double* values, Word* refused),
-                            (count, heads, tails, values, refused), ReadNumbers(count, heads, tails, values, refused))
+                            (count, heads, tails, values, refused),
+                            ReadNumbers<Kind::usual>(count, heads, tails, values, refused))
+
+QUIVERION_MULTI_TARGET_CALL(ReadWide,
+                            (std::size_t count, const Word* heads, const Word* tails, double* values, Word* refused),
+                            (count, heads, tails, values, refused),
+                            ReadNumbers<Kind::wide>(count, heads, tails, values, refused))
 
 }  // namespace
 
@@ -161,8 +174,24 @@ std::size_t DatLines::Take(std::string_view text) {
   }
   const auto begin = static_cast<std::size_t>(text.data() - chunk_);
   const std::size_t end = CutLines(begin, begin + text.size());
-  ReadAll(2 * count_, heads_.data(), tails_.data(), values_.data(), refused_.data());
+  ReadVelocities();
   return end - begin;
+}
+
+// The numbers of a file are mostly of one kind: the first ones decide how the rest is read.
+void DatLines::ReadVelocities() {
+  const std::size_t count = 2 * count_;
+  const std::size_t sample = std::min<std::size_t>(count, 16);
+  Word* const refused = refused_.data();
+  const auto read = [&](auto readSome, std::size_t first, std::size_t end) {
+    readSome(end - first, heads_.data() + first, tails_.data() + first, values_.data() + first, refused + first);
+  };
+  const auto isRefused = [](Word found) { return found != 0; };
+  read(ReadUsual, 0, sample);
+  if (std::none_of(refused, refused + sample, isRefused)) return read(ReadUsual, sample, count);
+  read(ReadWide, 0, sample);
+  if (!std::all_of(refused, refused + sample, isRefused)) return read(ReadWide, sample, count);
+  std::fill(refused + sample, refused + count, Word{1});
 }
 
 // True where the chunk has the end of the line that begins with `text`.
@@ -175,6 +204,7 @@ bool DatLines::HasLine(const char* text) {
 
 double DatLines::ReadAlone(int line, std::size_t component) const {
   const std::size_t end = component == 0 ? EndsOf(line).u : EndsOf(line).v;
+  if (end == kNoColumn) return 0.0;
   const std::size_t begin = BeginOfColumn(end);
   // What is behind the column belongs to no number; with it eight characters can be looked at together.
   return ReadNumberPrefix({chunk_ + begin, end - begin + 8}).value;
@@ -201,7 +231,7 @@ std::size_t DatLines::EndOfColumn(std::size_t at, int column) const {
 }
 
 // What is read where a column is missing.
-constexpr std::string_view kMissing = "               0";
+constexpr std::string_view kMissing = "             0.0";
 
 // Lines between `at` and `limit`. Returns the end of the last one.
 QUIVERION_MULTI_TARGET std::size_t DatLines::CutLines(std::size_t at, std::size_t limit) {
@@ -242,7 +272,11 @@ QUIVERION_ALWAYS_INLINE bool DatLines::CutLine(std::size_t at, std::size_t end) 
   const char* vEnd = chunk_ + v;
   if (v > end) {
     vEnd = kMissing.data() + kMissing.size();
-    if (u > end) uEnd = vEnd;
+    ends_[count_].v = kNoColumn;
+    if (u > end) {
+      uEnd = vEnd;
+      ends_[count_].u = kNoColumn;
+    }
   }
   heads_[2 * count_] = Load(uEnd - 16);
   tails_[2 * count_] = Load(uEnd - 8);

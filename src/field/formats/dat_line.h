@@ -20,7 +20,7 @@ struct DatVector {
 DatVector ParseDatLine(std::string_view line);
 
 /// Many data lines at once: two columns or more between blanks, up to a line end. It takes no line with a comma, a
-/// quotation mark or a control character (tabs are such); those are for the definition.
+/// quotation mark, '$', '*' or a control character (tabs are such); those are for the definition.
 ///
 /// Cutting finds blanks and line ends of a whole chunk of text as bit masks. The velocities, columns 7 and 8, become
 /// numbers in a loop that the compiler makes vector instructions of: decimals of up to 7 digits on either side of the
@@ -52,7 +52,8 @@ class DatLines {
 
  private:
   static constexpr std::size_t kLines = 512;  // taken by one call
-  // Where columns end in the chunk.
+  static constexpr std::uint16_t kNoColumn = 0;
+  // Where columns end in the chunk. Velocities may be missing.
   struct Ends {
     std::uint16_t x, y, u, v;
   };
@@ -71,6 +72,7 @@ class DatLines {
   std::size_t BeginOfColumn(std::size_t end) const;
   std::size_t EndOfColumn(std::size_t at, int column) const;
   bool HasLine(const char* text);
+  void ReadVelocities();
   std::size_t CutLines(std::size_t at, std::size_t limit);
   bool CutLine(std::size_t at, std::size_t end);
 
