@@ -105,13 +105,21 @@ QUIVERION_ALWAYS_INLINE Word ByteBelow(Word word, Word count) {
 }
 
 // The numbers that are read together. Usual: digits, at most 7 on either side of a point, and maybe a minus. Wide: the
-// point may be missing, and there may be a plus.
-enum class Kind { usual, wide };
+// point may be missing, and there may be a plus. Scientific: usual ones with an exponent of two or three digits.
+enum class Kind { usual, wide, scientific };
 
-// A number that ends with the sixteen characters `head`, `tail`, in front of it a blank. Nonzero where it is of another
-// kind. Branches would stand in the way of vector instructions.
+// The value is (-1)^negative * digits / 10^places.
+struct Decimal {
+  double digits = 0.0;  // at most fourteen of them: exact
+  Word places = 0;
+  Word negative = 0;
+  Word refused = 0;  // nonzero if the characters are of another kind
+};
+
+// A number that ends with the sixteen characters `head`, `tail`, in front of it a blank. Branches would stand in the way
+// of vector instructions, here and below.
 template <Kind kind>
-QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
+QUIVERION_ALWAYS_INLINE Decimal ReadDecimal(Word head, Word tail) {
   const Word points = words::BytesBelow<1>(tail ^ words::kOnes * '.');
   const Word isWhole = kind == Kind::wide ? MaskOf(points == 0) : 0;
   const Word places = BytesAbove(points) & ~isWhole;
@@ -126,15 +134,40 @@ QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
   const Word noPoint = kind == Kind::wide ? 0 : ByteBelow(tail, places) ^ '.';
   const Word refused = noPoint | words::BytesFrom<10>(placeDigits) | (whole + places - 1) >> 63 |
                        (ByteBelow(beforeDigits, hasSign) ^ ' ');
-
-  // At most fourteen digits: all of this is exact up to the division, which rounds once, to the correctly rounded
-  // value.
   const auto wholeValue = static_cast<double>(static_cast<std::int64_t>(NumberOfEightDigits(wholeDigits)));
   const auto placesValue = static_cast<double>(static_cast<std::int64_t>(NumberOfEightDigits(placeDigits)));
-  const double power = PowerOfTen(places);
-  const double magnitude = (wholeValue * power + placesValue) / power;
-  value = std::bit_cast<double>(std::bit_cast<Word>(magnitude) | negative << 63);
-  return refused;
+  return {wholeValue * PowerOfTen(places) + placesValue, places, negative, refused};
+}
+
+// All of this is exact up to the division or multiplication, which rounds once, to the correctly rounded value.
+template <Kind kind>
+QUIVERION_ALWAYS_INLINE Word ReadNumber(Word head, Word tail, double& value) {
+  const Decimal decimal = ReadDecimal<kind>(head, tail);
+  const double magnitude = decimal.digits / PowerOfTen(decimal.places);
+  value = std::bit_cast<double>(std::bit_cast<Word>(magnitude) | decimal.negative << 63);
+  return decimal.refused;
+}
+
+template <>
+QUIVERION_ALWAYS_INLINE Word ReadNumber<Kind::scientific>(Word head, Word tail, double& value) {
+  const Word isLong = MaskOf((tail >> 24 & 0xDF) == 'E');
+  const Word bits = 32 + (isLong & 8);  // of "e-05" or "e-005"
+  const Word letter = tail >> (64 - bits) & 0xDF;
+  const Word sign = tail >> (72 - bits) & 0xFF;
+  const Word digits = (tail >> 40 ^ 0x303030) & ~(~isLong & 0xFF);
+  const Word power = (digits & 0xFF) * 100 + (digits >> 8 & 0xFF) * 10 + (digits >> 16);
+  const Decimal decimal = ReadDecimal<Kind::usual>(head << bits, tail << bits | head >> (64 - bits));
+
+  const Word minus = MaskOf(sign == '-');
+  const Word exponent = ((power ^ minus) - minus) - decimal.places;
+  const Word divides = MaskOf(static_cast<std::int64_t>(exponent) < 0);
+  const Word scale = (exponent ^ divides) - divides;
+  const double factor = PowerOfTen(scale) * ((scale & 8) != 0 ? 1E8 : 1E0) * ((scale & 16) != 0 ? 1E16 : 1E0);
+  const double magnitude = Select(divides, decimal.digits / factor, decimal.digits * factor);
+  value = std::bit_cast<double>(std::bit_cast<Word>(magnitude) | decimal.negative << 63);
+  const Word otherSign = MaskOf(sign != '+') & ~minus;
+  const Word inexact = MaskOf(scale > 22);  // the larger powers of ten are no doubles
+  return decimal.refused | (letter ^ 'E') | otherSign | words::BytesFrom<10>(digits) | inexact;
 }
 
 template <Kind kind>
@@ -152,6 +185,11 @@ QUIVERION_MULTI_TARGET_CALL(ReadWide,
                             (std::size_t count, const Word* heads, const Word* tails, double* values, Word* refused),
                             (count, heads, tails, values, refused),
                             ReadNumbers<Kind::wide>(count, heads, tails, values, refused))
+
+QUIVERION_MULTI_TARGET_CALL(ReadScientific,
+                            (std::size_t count, const Word* heads, const Word* tails, double* values, Word* refused),
+                            (count, heads, tails, values, refused),
+                            ReadNumbers<Kind::scientific>(count, heads, tails, values, refused))
 
 }  // namespace
 
@@ -182,16 +220,23 @@ std::size_t DatLines::Take(std::string_view text) {
 void DatLines::ReadVelocities() {
   const std::size_t count = 2 * count_;
   const std::size_t sample = std::min<std::size_t>(count, 16);
-  Word* const refused = refused_.data();
-  const auto read = [&](auto readSome, std::size_t first, std::size_t end) {
-    readSome(end - first, heads_.data() + first, tails_.data() + first, values_.data() + first, refused + first);
+  using Reader = void (*)(std::size_t, const Word*, const Word*, double*, Word*);
+  const auto read = [&](Reader reader, std::size_t first, std::size_t end) {
+    reader(end - first, heads_.data() + first, tails_.data() + first, values_.data() + first, refused_.data() + first);
   };
-  const auto isRefused = [](Word found) { return found != 0; };
-  read(ReadUsual, 0, sample);
-  if (std::none_of(refused, refused + sample, isRefused)) return read(ReadUsual, sample, count);
-  read(ReadWide, 0, sample);
-  if (!std::all_of(refused, refused + sample, isRefused)) return read(ReadWide, sample, count);
-  std::fill(refused + sample, refused + count, Word{1});
+  Reader best = nullptr;
+  std::ptrdiff_t bestCount = 0;
+  for (const Reader reader : {ReadUsual, ReadWide, ReadScientific}) {
+    read(reader, 0, sample);
+    const std::ptrdiff_t known = std::count(refused_.begin(), refused_.begin() + static_cast<std::ptrdiff_t>(sample), 0);
+    if (known > bestCount) {
+      best = reader;
+      bestCount = known;
+    }
+    if (known == static_cast<std::ptrdiff_t>(sample)) break;
+  }
+  if (best != nullptr) return read(best, 0, count);
+  std::fill_n(refused_.begin(), count, Word{1});
 }
 
 // True where the chunk has the end of the line that begins with `text`.
