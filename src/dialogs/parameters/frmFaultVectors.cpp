@@ -99,10 +99,8 @@ void frmFaultVectors::EnableControls() {
 
 void frmFaultVectors::Load(const MacroEvent& event) {
   ParameterWindow::Load(event);
-  const auto options = CompareOptionsOf(*ui_);
-  const std::int32_t type =
-      std::clamp(event.Integer("CompareVectorType"), 1, static_cast<std::int32_t>(options.size()));
-  options[static_cast<std::size_t>(type - 1)]->setChecked(true);
+  const auto type = static_cast<std::size_t>(ChoiceOf(event, "CompareVectorType"));
+  CompareOptionsOf(*ui_)[type - 1]->setChecked(true);
 }
 
 void frmFaultVectors::Store(MacroEvent& event) const {

@@ -35,10 +35,6 @@ std::string ShownText(const MacroEvent& event, const Parameter& parameter) {
                                                  : event.Text(parameter.key);
 }
 
-int ShownIndex(const MacroEvent& event, const Parameter& parameter) {
-  return static_cast<int>(std::clamp<double>(event.Integer(parameter.key), parameter.low, parameter.high));
-}
-
 }  // namespace
 
 void ParameterWindow::Load(const MacroEvent& event) {
@@ -49,7 +45,7 @@ void ParameterWindow::Load(const MacroEvent& event) {
     } else if (auto* const check = ControlOf<QCheckBox>(*this, parameter)) {
       check->setChecked(event.Integer(parameter.key) > 0);
     } else if (auto* const choice = ControlOf<QComboBox>(*this, parameter)) {
-      choice->setCurrentIndex(ShownIndex(event, parameter));
+      choice->setCurrentIndex(ChoiceOf(event, parameter.key));
     } else if (auto* const option = ControlOf<QRadioButton>(*this, parameter)) {
       (event.Flag(parameter.key) ? option : CounterpartOf(*option))->setChecked(true);
     }
@@ -69,6 +65,11 @@ void ParameterWindow::Store(MacroEvent& event) const {
       event.Set(parameter.key, option->isChecked());
     }
   }
+}
+
+int ParameterWindow::ChoiceOf(const MacroEvent& event, std::string_view key) const {
+  const Parameter& parameter = *std::ranges::find(parameters_, key, &Parameter::key);
+  return static_cast<int>(std::clamp<double>(event.Integer(key), parameter.low, parameter.high));
 }
 
 std::optional<double> ParameterWindow::NumberOf(FilteredLineEdit& box) {

@@ -27,6 +27,9 @@ class ParameterWindow : public QDialog {
   virtual void Store(MacroEvent& event) const;
 
  protected:
+  /// An integer of the command that is loaded, within its bounds.
+  int ChoiceOf(const MacroEvent& event, std::string_view key) const;
+
   /// The number of a text box; none if it is too large for the program, which is said.
   std::optional<double> NumberOf(FilteredLineEdit& box);
 

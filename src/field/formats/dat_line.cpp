@@ -228,7 +228,8 @@ void DatLines::ReadVelocities() {
   std::ptrdiff_t bestCount = 0;
   for (const Reader reader : {ReadUsual, ReadWide, ReadScientific}) {
     read(reader, 0, sample);
-    const std::ptrdiff_t known = std::count(refused_.begin(), refused_.begin() + static_cast<std::ptrdiff_t>(sample), 0);
+    const std::ptrdiff_t known =
+        std::count(refused_.begin(), refused_.begin() + static_cast<std::ptrdiff_t>(sample), 0);
     if (known > bestCount) {
       best = reader;
       bestCount = known;
