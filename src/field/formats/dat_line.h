@@ -24,7 +24,7 @@ DatVector ParseDatLine(std::string_view line);
 ///
 /// Cutting finds blanks and line ends of a whole chunk of text as bit masks. The velocities, columns 7 and 8, become
 /// numbers in a loop that the compiler makes vector instructions of: decimals of up to 7 digits on either side of the
-/// point. Numbers of another shape are read one by one when they are asked for.
+/// point, also with an exponent. Numbers of another shape are read one by one when they are asked for.
 class DatLines {
  public:
   /// The size of the text that is processed at once.
