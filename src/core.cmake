@@ -21,7 +21,7 @@ quiverion_library(operations USES field SOURCES
   commands/interpolate_invalid_vectors.cpp commands/transformations.cpp commands/view_settings.cpp
   commands/vortex_centres.cpp
   kernels/buffer_combination.cpp kernels/compare_local_mean.cpp kernels/compare_median_network.cpp
-  kernels/compare_median_ranks.cpp kernels/compare_stated_sort.cpp kernels/derived_scalar.cpp
+  kernels/compare_median_ranks.cpp kernels/compare_selection_sort.cpp kernels/derived_scalar.cpp
   kernels/faulty_vectors.cpp kernels/filter_kernel.cpp kernels/interpolation.cpp
   kernels/mathematical.cpp kernels/velocity_changes.cpp kernels/vortex_maxima.cpp)
 quiverion_library(export USES operations SOURCES

@@ -95,8 +95,9 @@ int AddInputs(Services& services, const std::vector<std::string>& inputs) {
   return kDone;
 }
 
-// A file that the run reads or writes and that has the name of the log: the log would replace it.
-std::optional<std::string> FileUnderLog(const RunOptions& options, const Session& session) {
+// The macro, or a file that it reads or appends to, if the log has the same path and would replace it. Results are not
+// checked.
+std::optional<std::string> FileThatLogWouldReplace(const RunOptions& options, const Session& session) {
   std::vector<std::string> paths = {options.macro};
   for (const MacroEvent& event : session.macro) {
     for (const Parameter& parameter : ParametersOf(event.EventId())) {
@@ -122,7 +123,7 @@ int RunSeries(const RunOptions& options) {
     return kFailed;
   }
 
-  if (const auto lost = options.log.empty() ? std::nullopt : FileUnderLog(options, session)) {
+  if (const auto lost = options.log.empty() ? std::nullopt : FileThatLogWouldReplace(options, session)) {
     services.terminal.PrintError("Die Log-Datei ist eine Datei des Laufs selbst: '" + *lost + "'\n");
     return kUsage;
   }

@@ -42,7 +42,8 @@ class ShortcutRules : public QObject {
   }
 };
 
-// A window that comes back to somebody who types shows where its focus is. By itself a style shows it only after Tab.
+// When a window becomes active again and the keyboard is in use, shows its focus. By itself, a style does so only after
+// Tab.
 class FocusCues : public QObject {
  public:
   using QObject::QObject;
@@ -78,8 +79,8 @@ class FirstSize : public QObject {
   }
 };
 
-// The desktop's style, but with words alone on the buttons of every box: it has pictures for some of them only. A list or
-// a text with the focus has a frame that shows it, also if nothing in it is current.
+// The desktop's style, but with words alone on the buttons of every box: it has pictures for some of them only. A list
+// or a text with the focus has a frame that shows it, also if nothing in it is current.
 class WindowStyle : public QProxyStyle {
  public:
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,

@@ -17,19 +17,19 @@ bool HasParameters(const MacroEvent& event) {
 int MacroEditing::Insert(int selected, const std::string& directory) {
   const auto eventId = dialogs_.ChooseCommand();
   if (!eventId) return -1;
-  session_.currentMacroEvent = MacroEvent(*eventId);
+  MacroEvent currentMacroEvent(*eventId);
   EditingServices services{session_.context, dialogs_, directory};
-  if (AskParameters(services, session_.currentMacroEvent, true) != EditOutcome::stored) return -1;
+  if (AskParameters(services, currentMacroEvent, true) != EditOutcome::stored) return -1;
   MacroEventList& macro = session_.macro;
   const int position = IsCommand(selected) ? selected : static_cast<int>(macro.size());
-  macro.insert(macro.begin() + position, session_.currentMacroEvent);
+  macro.insert(macro.begin() + position, currentMacroEvent);
   return position;
 }
 
 bool MacroEditing::Edit(int selected, const std::string& directory) {
   if (!IsCommand(selected)) return false;
   MacroEvent& command = session_.macro[static_cast<std::size_t>(selected)];
-  session_.currentMacroEvent = command;
+  MacroEvent currentMacroEvent = command;
   if (!HasParameters(command)) {
     session_.context.ui.Ask({.title = "QuiverionSeries  -  Parameter bearbeiten",
                              .text = "Dieser Makro-Befehl hat keine Parameter, die bearbeitet werden könnten!",
@@ -37,7 +37,7 @@ bool MacroEditing::Edit(int selected, const std::string& directory) {
     return false;
   }
   EditingServices services{session_.context, dialogs_, directory};
-  switch (AskParameters(services, session_.currentMacroEvent, false)) {
+  switch (AskParameters(services, currentMacroEvent, false)) {
     case EditOutcome::cancelled:
       return false;
     case EditOutcome::removeCommand:
@@ -45,7 +45,7 @@ bool MacroEditing::Edit(int selected, const std::string& directory) {
     case EditOutcome::stored:
       break;
   }
-  session_.macro[static_cast<std::size_t>(selected)] = session_.currentMacroEvent;
+  session_.macro[static_cast<std::size_t>(selected)] = currentMacroEvent;
   return true;
 }
 

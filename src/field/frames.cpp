@@ -27,7 +27,7 @@ void RunLoadFrame(Context& context, const std::string& path, const std::function
   const auto failure = Attempt([&] { file = context.files.OpenForReading(path); },
                                [&] {
                                  read(*file);
-                                 LogLines(context.log, {kDone});
+                                 LogLines(context.log, {kDoneText});
                                });
   if (!failure) return;
   if (failure->formatMessage) return FailLoad(context, {*failure->formatMessage});
@@ -56,7 +56,7 @@ SaveOutcome RunSaveFrame(Context& context, const std::string& path, const std::f
                          const SaveWording& wording, Opening opening) {
   const auto failure = SaveResult(context.files, &context.ui, path, write, opening);
   if (failure) return FailSave(context, path, *failure, wording);
-  LogLines(context.log, {kDone});
+  LogLines(context.log, {kDoneText});
   return SaveOutcome::saved;
 }
 

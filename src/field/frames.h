@@ -11,8 +11,8 @@
 #include "platform/files/result_file.h"
 
 /// The frames for loading and saving are responsible for the sequence open, body, close, "fertig", for every failure
-/// text and for an incomplete file. A reader or writer supplies only the body. The announcement has been logged by the
-/// caller; nothing is thrown.
+/// text and for an incomplete file. A reader or writer supplies only the body. The caller has logged the
+/// announcement. The frames throw nothing.
 namespace quiverion {
 
 /// Logs the warning mark and the lines, and sets `runHadError`.
@@ -42,17 +42,17 @@ enum class SaveOutcome { saved, failed, cancelled };
 SaveOutcome FailSave(Context& context, const std::string& path, const SaveFailure& failure,
                      const SaveWording& wording = {});
 
-/// Saves a result: `write` fills the file, then "fertig" is logged. Failures as above; the old file stays and no part of
-/// a new one is left. A full disk asks Retry or Cancel.
+/// Saves a result: `write` fills the file, then "fertig" is logged. Failures are logged as FailSave does; the old file
+/// stays and no part of a new one is left. A write that meets a full disk or too many open files asks Retry or Cancel.
 SaveOutcome RunSaveFrame(Context& context, const std::string& path, const std::function<void(ResultFile&)>& write,
                          const SaveWording& wording = {}, Opening opening = Opening::replace);
 
 /// Shows a message box: `sentence`, an empty line and the error; the message of a FormatError alone.
 void ShowFailureBox(Context& context, std::string_view title, std::string_view sentence, const Failure& failure);
 
-/// Throws SystemError 75 if `name`, of a result that belongs beside its original file or below, leads out of that
-/// directory: the name comes from a macro or a file that somebody else has made. A leading separator is no more than
-/// one between the parts.
+/// Throws SystemError 75 if `name`, the name of a result relative to the directory of its original file, leads out of
+/// that directory: it comes from a macro or a file that somebody else may have made. A leading separator has no effect
+/// of its own.
 void RequireBelow(const std::string& name);
 
 }  // namespace quiverion

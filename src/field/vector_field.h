@@ -121,8 +121,8 @@ void ResetStreamlines(VectorField& field);
 /// Sets everything to its default except the arrays, the grid size, the paths, `paletteSetting` and `viewerSettings`.
 void ResetHeader(VectorField& field);
 
-/// What a load does before that separator opens `path`: resets the header and sets the paths. The reader sets arrays
-/// and grid size (CreateArrays).
+/// What a load does before it opens `path`: resets the header and sets the paths. The reader sets arrays and grid size
+/// (CreateArrays).
 void ResetForLoad(VectorField& field, const std::string& path);
 
 /// For formats that need not contain every point of their grid, so that the header alone could demand any amount of

@@ -12,7 +12,7 @@ namespace quiverion {
 
 inline constexpr std::string_view kErrorMark = "!!! FEHLER !!!";
 inline constexpr std::string_view kWarningMark = "!!! WARNUNG !!!";
-inline constexpr std::string_view kDone = "fertig";
+inline constexpr std::string_view kDoneText = "fertig";
 
 /// Logs each text as one piece with a closing line break.
 void LogLines(RunLog& log, std::initializer_list<std::string_view> lines);

@@ -9,9 +9,8 @@
 #include "field/context.h"
 #include "macro/macro_event.h"
 
-/// Everything the program knows about its commands, one row each. The command tree, both texts, the macro
-/// file, the JSON form, the size estimate and the dispatch derive from the row: a new command is one row, its
-/// operation and a test.
+/// Everything the program knows about its commands, one row each: tree, texts, macro file, JSON form, size estimate,
+/// checks before a run, dispatch and dialogs derive from it. CONTRIBUTING.md says what else a new command needs.
 namespace quiverion {
 
 /// What a value is for the user (and in JSON).
@@ -40,7 +39,7 @@ struct Parameter {
   FileEncoding encoding;
   std::string_view preset = {};  // what a new command begins with, as a person types it; flags and states as 0 or 1
   double low = -std::numeric_limits<double>::infinity();  // the least number and the greatest that the program offers;
-  double high = std::numeric_limits<double>::infinity();  // a macro file may hold others
+  double high = std::numeric_limits<double>::infinity();  // a macro file may contain others
   FileRole role = FileRole::none;
 };
 
@@ -88,7 +87,7 @@ struct CommandRow {
   void (*run)(const CommandCall& call);   // null: a menu
   ParameterEditor editor = {};
 
-  bool IsMenu() const { return eventId % 100 == 0; }
+  bool IsMenu() const { return run == nullptr; }
 };
 
 /// Of the half widths of the search for faulty vectors: windows of 1 x 1 to 399 x 399 vectors.

@@ -12,7 +12,8 @@ namespace quiverion {
 bool PreRunChecks(Session& session);
 
 /// The action of the Start button: requires files and commands, makes the checks, and runs the macro. `beforeRun` is
-/// called when nothing can prevent the run any more. Returns false if the run was refused and nothing was written.
+/// called when nothing can prevent the run any more. Returns false if nothing was run: the checks refused it, or
+/// another entry point is running (without a message).
 bool StartRun(Session& session, const std::function<void()>& beforeRun = {});
 
 }  // namespace quiverion

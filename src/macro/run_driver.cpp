@@ -59,18 +59,18 @@ class Run {
     Yield();
     context_.abortCurrentFile = false;
     Guarded([&] { LoadOriginalFile(context_, session_.inputDirectory + name); });
-    for (const MacroEvent& currentMacroEvent : session_.macro) {
+    for (const MacroEvent& event : session_.macro) {
       if (context_.abortCurrentFile) break;
-      if (!RunCommand(currentMacroEvent, name)) break;
+      if (!RunCommand(event, name)) break;
     }
     if (context_.abortCurrentFile) context_.runHadError = true;
   }
 
   // False if the user has asked to abort: the command was not started.
-  bool RunCommand(const MacroEvent& currentMacroEvent, const std::string& name) {
+  bool RunCommand(const MacroEvent& event, const std::string& name) {
     const CommandRow* row = nullptr;
     Guarded([&] {
-      const std::int32_t eventId = currentMacroEvent.EventId();
+      const std::int32_t eventId = event.EventId();
       row = FindCommand(eventId);
       progress_.event = MacroEventDescription(eventId, true);
     });
@@ -79,7 +79,7 @@ class Run {
     Yield();
     if (context_.userAbortRequested) return false;
     if (row != nullptr && row->run != nullptr) {
-      Guarded([&] { row->run({context_, currentMacroEvent, session_.inputDirectory, name}); });
+      Guarded([&] { row->run({context_, event, session_.inputDirectory, name}); });
     }
     return true;
   }

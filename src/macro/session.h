@@ -17,7 +17,6 @@ struct Session {
   Context context;
 
   MacroEventList macro;
-  MacroEvent currentMacroEvent;  // working slot of the command that is built or edited
 
   std::vector<std::string> selectedFiles;  // names without directory, in the order of the file list
   std::string inputDirectory;              // ends in a separator

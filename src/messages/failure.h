@@ -20,16 +20,16 @@ class FormatError : public std::exception {
   std::string message_;
 };
 
-/// What an attempt has thrown.
+/// What an attempt threw.
 struct Failure {
-  SystemError error;                           // as AsSystemError has it; of a FormatError error 5 with its message
-  std::optional<std::string> formatMessage{};  // of a FormatError
-  bool atOpening = false;                      // the first of two steps failed
+  SystemError error;                           // from AsSystemError; for a FormatError error 5 with its message
+  std::optional<std::string> formatMessage{};  // the message of a FormatError
+  bool atOpening = false;                      // the first of two steps threw it
 };
 
 Failure FailureOf(const std::exception& error);
 
-/// Runs `action`. Nothing it throws gets out: it is returned.
+/// Runs `action` and returns the exception that it threw, if any.
 template <class Action>
 std::optional<Failure> Attempt(Action action) {
   try {

@@ -31,7 +31,7 @@ struct RunProgress {
 };
 
 /// The only way for the core to ask, show progress and let window events be processed. Implementations: a terminal,
-/// windows, and a script of answers for tests. Only the core sets the flags of the run.
+/// windows, and a script of answers for tests. Implementations do not set the flags of the run.
 class UserInterface {
  public:
   virtual ~UserInterface() = default;

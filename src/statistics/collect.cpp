@@ -155,8 +155,8 @@ class Collecting {
 
   void Finish(std::int32_t count) {
     if (!isComplete_) WarnLostCharacters(context_, context_.field.filePath);
-    LogLines(context_.log,
-             {kDone, "    Zahl der in der Kollektion '" + path_ + "' gesammelten Dateien: " + std::to_string(count)});
+    LogLines(context_.log, {kDoneText, "    Zahl der in der Kollektion '" + path_ +
+                                           "' gesammelten Dateien: " + std::to_string(count)});
   }
 
   Context& context_;

@@ -24,9 +24,10 @@ enum class StatisticKind {
 ///
 /// One record is in memory at a time, in the buffer field. The last one stays there (for the dissipation its
 /// fluctuations), under the name that the buffer had before: a load of that file would not read it again. Two passes
-/// read the file twice. Shows its progress and yields after each record. What fails, an arithmetic error too, is shown
-/// in a message box, and nothing is saved; nor is it if a yield asks to stop. The save logs as SaveVas does. Returns true
-/// if SaveVas was reached.
+/// read the file twice. Shows its progress and yields after each record. A failure,
+/// including an arithmetic error, is shown in a message box, and nothing is saved; nor is it if a yield asks to stop,
+/// or if another entry point is running. The save logs as SaveVas does and sets its flags; `runHadError` is not reset
+/// before. Returns true if SaveVas was reached.
 bool ComputeStatistic(Context& context, StatisticKind kind, const std::string& collectionPath,
                       const std::string& outputPath, double viscosity = 0.0);
 

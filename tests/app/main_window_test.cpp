@@ -165,8 +165,8 @@ TEST_F(MainWindow, FitsASmallScreenWithLargeLetters) {
   QApplication::setFont(before);
 }
 
-// After a file dialog nothing showed the focus, though keys acted: a list shows it by its current line only, other controls
-// only after Tab.
+// After a file dialog nothing showed the focus, though keys acted: a list shows it by its current line only, other
+// controls only after Tab.
 TEST_F(MainWindow, ShowsWhereTheFocusIsAfterAFileDialog) {
   Open();
   const auto frame = [](QWidget& list) { return list.grab().toImage().pixelColor(0, list.height() / 2); };

@@ -105,8 +105,8 @@ TEST(DatLine, LinesOfEveryUsualShapeAreTakenTogether) {
 }
 
 // Line ends and commas where a line is expected to continue, missing columns, blanks anywhere; after lines whose
-// velocities are decimals, whole numbers, have exponents or are of no kind that is read together, since these decide how
-// the others are read.
+// velocities are decimals, whole numbers, have exponents or are of no kind that is read together, since these decide
+// how the others are read.
 TEST(DatLine, RandomTextsGiveTheBitsOfTheDefinition) {
   std::mt19937 random(20);
   const std::string_view alphabet = "          0123456789....--+eE\r\n\t,x\"$*";

@@ -73,7 +73,7 @@ TEST_F(VecFile, HoldsWhatItsHeaderAndFramesSay) {
   const std::vector<float> zeros(60, 0);
   const VecImage images[] = {{},
                              {.date = "123456789", .time = cut, .comment1 = cut, .comment2 = std::string(40, '\xB2')},
-                             // Computed in double precision, in the stated order.
+                             // Computed in double precision, in the order of the definition.
                              {.rows = 6,
                               .columns = 1,
                               .spacing = 7,

@@ -126,7 +126,7 @@ TEST(FaultyVectors, Criteria) {
   }
 }
 
-// Angles so close to the allowed one that only the specified formula decides.
+// Angles so close to the allowed one that only the formula of the definition decides.
 TEST(FaultyVectors, DirectionsAtTheLimitTakeTheFormula) {
   std::mt19937_64 random(11);
   for (int round = 0; round < 300; ++round) {

@@ -63,8 +63,8 @@ class WrittenSeries {
     bool aborted = false;
   };
 
-  /// Runs the macro over these files with the given answers to boxes, then Cancel. `before` is called before each system
-  /// call with the step that makes it, as SystemCalls::before.
+  /// Runs the macro over these files with the given answers to boxes, then Cancel. `before` is called before each
+  /// system call with the step that makes it, as SystemCalls::before.
   Result Run(const std::vector<std::string>& names, std::vector<MessageAnswer> answers = {},
              const std::function<int(const Step&, const SystemCall&)>& before = {}) const;
 

@@ -18,7 +18,7 @@ namespace quiverion::test {
 class PaddedText {
  public:
   explicit PaddedText(std::string_view text)
-      : size_(text.size()), bytes_(new char[DatLines::kBefore + size_ + DatLines::kBehind]()) {
+      : size_(text.size()), bytes_(new char[DatLines::kBefore + size_ + DatLines::kAfter]()) {
     std::copy(text.begin(), text.end(), bytes_.get() + DatLines::kBefore);
   }
   std::string_view Get() const { return {bytes_.get() + DatLines::kBefore, size_}; }

@@ -12,8 +12,8 @@ namespace quiverion {
 
 /// A window that edits the parameters of one command. Its close box and Escape are Cancel.
 ///
-/// Controls are bound to parameters by their names: the control of "TxtFakX" is txtFakX, that of "Prefix" txtPrefix, that
-/// of "LogicalOr" optLogicalOr. The option button of a flag has one counterpart in its frame.
+/// Controls are bound to parameters by their names: the control of "TxtFakX" is txtFakX, that of "Prefix" txtPrefix,
+/// that of "LogicalOr" optLogicalOr. The option button of a flag has one counterpart in its frame.
 class ParameterWindow : public QDialog {
  public:
   /// `messages` must outlive the window.

@@ -48,8 +48,8 @@ QString ExistingDirectory(const std::string& path) {
   return directory;
 }
 
-// Qt separates patterns by blanks. To be shown with ";" a filter has them twice, and the dialog leaves out the last ones.
-// "*.*" means every file, also one without a point.
+// Qt separates patterns by blanks; they are to be shown separated by ";". So a filter contains its patterns twice: as
+// shown, and as Qt needs them, which the dialog hides. "*.*" means every file, also one without a point.
 void SetOpenFilters(QFileDialog& dialog, const FileQuestion& question) {
   QStringList filters;
   for (const std::string& filter : question.filters) {

@@ -14,7 +14,7 @@ namespace quiverion {
 class DatFields {
  public:
   /// Bytes after `Rest` that may be read (zeros), because parsers look at a whole chunk of text at once.
-  static constexpr std::size_t kPadding = DatLines::kBehind;
+  static constexpr std::size_t kPadding = DatLines::kAfter;
 
   /// Reads the file. Throws SystemError.
   explicit DatFields(InputFile& file);

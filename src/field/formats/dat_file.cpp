@@ -127,8 +127,8 @@ class IndexMemo {
   // `step`: 1 where the next position is mostly the one that followed last time, 0 where it is the same again.
   explicit IndexMemo(std::ptrdiff_t step) : usual_(step) {}
 
-  // The index of the position that ends at `end`. `text()` is its text, which must stay where it is; `find(value)` tells
-  // the index of a position that is not known yet.
+  // The index of the position that ends at `end`. `text()` is its text, which must stay where it is; `find(value)`
+  // tells the index of a position that is not known yet.
   template <class Text, class Find>
   QUIVERION_ALWAYS_INLINE std::int32_t Index(const char* end, Text text, Find find) {
     const Entry* entry = last_ + usual_;

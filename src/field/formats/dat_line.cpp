@@ -29,8 +29,9 @@ QUIVERION_ALWAYS_INLINE void FindCharacters(const char* text, Word* found, IsMea
   }
 }
 
-// Control characters, commas and quotation marks. One comparison: of several the compiler makes a search in a set of bits,
-// and no vector instructions. '$' and '*' are stops, too: to leave them out costs an operation, and their lines are rare.
+// Control characters, commas and quotation marks, found by one comparison: from several, the compiler makes a bit-set
+// lookup, which it cannot vectorise. '$' and '*' also count as stops: excluding them would cost an operation, and lines
+// with them are rare.
 QUIVERION_ALWAYS_INLINE bool IsStop(unsigned char c) {
   return std::min(static_cast<unsigned char>(c & 0xE0), static_cast<unsigned char>((c - '"') & ~0x0A)) == 0;
 }
@@ -44,8 +45,8 @@ QUIVERION_ALWAYS_INLINE std::size_t TakeFirst(Word& positions) {
 
 constexpr std::size_t kWords = DatLines::kChunk / 64;
 
-// The positions in the chunk, and behind them kChunk twice. There is mostly one line end in a word, or none: two
-// positions are written without asking.
+// The positions in the chunk, then kChunk twice. Most words have one line end or none, so two positions are written
+// without a test.
 QUIVERION_ALWAYS_INLINE void ListPositions(const Word* bits, std::uint16_t* list) {
   for (std::size_t k = 0; k < kWords; ++k) {
     Word rest = bits[k];
@@ -66,7 +67,7 @@ QUIVERION_ALWAYS_INLINE void FindAll(const char* text, std::uint16_t* stopList, 
   Word stops[kWords];
   FindCharacters<DatLines::kChunk>(text, stops, [](unsigned char c) { return IsStop(c); });
   FindCharacters<DatLines::kChunk>(text, separators + 1, [](unsigned char c) { return c == ' '; });
-  separators[0] = ~Word{0};  // the text begins behind one
+  separators[0] = ~Word{0};  // as if one preceded the chunk
   for (std::size_t k = 0; k < kWords; ++k) separators[k + 1] |= stops[k];
   for (std::size_t k = 0; k < kWords; ++k) {
     columnEnds[k] = separators[k + 1] & ~(separators[k + 1] << 1 | separators[k] >> 63);
@@ -116,8 +117,8 @@ struct Decimal {
   Word refused = 0;  // nonzero if the characters are of another kind
 };
 
-// A number that ends with the sixteen characters `head`, `tail`, in front of it a blank. Branches would stand in the way
-// of vector instructions, here and below.
+// A number that ends with the sixteen characters `head`, `tail` and is preceded by a blank. No branches here and below,
+// because they would prevent vectorisation.
 template <Kind kind>
 QUIVERION_ALWAYS_INLINE Decimal ReadDecimal(Word head, Word tail) {
   const Word points = words::BytesBelow<1>(tail ^ words::kOnes * '.');
@@ -240,7 +241,7 @@ void DatLines::ReadVelocities() {
   std::fill_n(refused_.begin(), count, Word{1});
 }
 
-// True where the chunk has the end of the line that begins with `text`.
+// True if the chunk contains the end of the line that begins with `text`.
 bool DatLines::HasLine(const char* text) {
   const auto begin = static_cast<std::size_t>(text - chunk_);
   if (begin >= kChunk) return false;
@@ -252,7 +253,7 @@ double DatLines::ReadAlone(int line, std::size_t component) const {
   const std::size_t end = component == 0 ? EndsOf(line).u : EndsOf(line).v;
   if (end == kNoColumn) return 0.0;
   const std::size_t begin = BeginOfColumn(end);
-  // What is behind the column belongs to no number; with it eight characters can be looked at together.
+  // The bytes after the column are not part of the number; with them it can be read eight characters at a time.
   return ReadNumberPrefix({chunk_ + begin, end - begin + 8}).value;
 }
 
@@ -266,7 +267,7 @@ std::size_t DatLines::BeginOfColumn(std::size_t end) const {
   return end - width;
 }
 
-// Where the first, second or so on column from `at` on ends. kChunk where there are not so many.
+// The end of the n-th column (`column`, from 1) from `at` on; kChunk if there are fewer.
 std::size_t DatLines::EndOfColumn(std::size_t at, int column) const {
   for (; at < kChunk; at += kWindow) {
     for (Word ends = Window(columnEnds_.data(), at) & ~kUnspecified; ends != 0; ends &= ends - 1) {
@@ -276,7 +277,7 @@ std::size_t DatLines::EndOfColumn(std::size_t at, int column) const {
   return kChunk;
 }
 
-// What is read where a column is missing.
+// Read in place of a missing column.
 constexpr std::string_view kMissing = "             0.0";
 
 // Lines between `at` and `limit`. Returns the end of the last one.

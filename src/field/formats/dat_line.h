@@ -31,7 +31,7 @@ class DatLines {
   static constexpr std::size_t kChunk = 8192;
   /// Bytes before and after the text passed to Take that must be readable.
   static constexpr std::size_t kBefore = 16;
-  static constexpr std::size_t kBehind = kChunk;
+  static constexpr std::size_t kAfter = kChunk;
 
   /// Takes the lines that `text`, the beginning of a field, begins with, as many as fit. Returns the bytes taken, line
   /// ends included. The next call must continue after them, or further on, in the same memory, because masks are
@@ -40,13 +40,13 @@ class DatLines {
 
   int Count() const { return static_cast<int>(count_); }
 
-  /// Columns 1 and 2. There is a separator in front of every column, where the text itself does not begin.
+  /// Columns 1 and 2. A separator precedes every column, except at the beginning of the text.
   std::string_view X(int line) const { return TextOf(EndsOf(line).x); }
   std::string_view Y(int line) const { return TextOf(EndsOf(line).y); }
   const char* XEnd(int line) const { return chunk_ + EndsOf(line).x; }
   const char* YEnd(int line) const { return chunk_ + EndsOf(line).y; }
 
-  /// Columns 7 and 8, 0 where they are missing: the bits of the definition. Throws SystemError 6 as it does.
+  /// Columns 7 and 8, 0 if they are missing: the same bits as ParseDatLine. Throws SystemError 6 as it does.
   double U(int line) const { return Velocity(line, 0); }
   double V(int line) const { return Velocity(line, 1); }
 
@@ -79,9 +79,9 @@ class DatLines {
   const char* chunk_ = nullptr;  // where the masks begin
   std::size_t count_ = 0;
   std::size_t nextStop_ = 0;
-  std::array<std::uint16_t, kChunk + 2> stops_;              // positions in the chunk; behind the last one kChunk twice
-  std::array<std::uint64_t, 1 + kChunk / 64> separators_;    // one word in front
-  std::array<std::uint64_t, kChunk / 64 + 1> columnEnds_{};  // one word behind
+  std::array<std::uint16_t, kChunk + 2> stops_;              // positions in the chunk; after the last one kChunk twice
+  std::array<std::uint64_t, 1 + kChunk / 64> separators_;    // one word before the chunk
+  std::array<std::uint64_t, kChunk / 64 + 1> columnEnds_{};  // one word after the chunk
   std::array<Ends, kLines> ends_;
   std::array<std::uint64_t, 2 * kLines> tails_;  // the last eight characters of a velocity
   std::array<std::uint64_t, 2 * kLines> heads_;  // the eight before them

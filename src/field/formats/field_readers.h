@@ -10,8 +10,8 @@ namespace quiverion {
 /// What a file is read for. The buffer keeps grid size, velocities and statuses only, and has some messages of its own.
 enum class LoadTarget { field, buffer };
 
-/// Fills `field`, whose header has been reset, from an open file. Throws FormatError if it is none of this format and
-/// SystemError for the rest; `field` is partly filled then. Warnings are logged and set `runHadError`.
+/// Fills `field`, whose header has been reset, from an open file. Throws FormatError if the file is not of this format,
+/// SystemError for any other failure; `field` is then partly filled. Warnings are logged and set `runHadError`.
 using FieldReader = void(Context& context, VectorField& field, InputFile& file, LoadTarget target);
 
 /// A VAS file; for the buffer what follows the statuses is not read. More than 50 streamlines are a warning.

@@ -68,7 +68,7 @@ void Streamlines(Archive& archive, Field& field) {
   }
 }
 
-/// `viewFlags` and `background` are the stored forms of the flags and the choice in the record.
+/// `viewFlags` and `background` are the stored forms of the three show flags and of Background.
 template <class Archive, class Field, class Integer>
 void View(Archive& archive, Field& field, Integer& viewFlags, Integer& background) {
   archive.Int32(field.streamlineSetting);

@@ -43,7 +43,7 @@ void Combine(Context& context, std::string_view announcement, Combination* combi
   context.log.WriteLogLine(announcement);
   if (!HasSizeOfField(context)) return;
   combination(context.field, context.buffer);
-  LogLines(context.log, {kDone});
+  LogLines(context.log, {kDoneText});
 }
 
 }  // namespace
@@ -59,7 +59,7 @@ void CopyFieldToBuffer(Context& context) {
   buffer.bufferStatus = field.status;
   buffer.bufferColumnCount = field.columnCount;
   buffer.bufferRowCount = field.rowCount;
-  LogLines(context.log, {kDone});
+  LogLines(context.log, {kDoneText});
 }
 
 void LoadFileIntoBuffer(Context& context, const std::string& path) {

@@ -27,7 +27,7 @@ WeightMatrix GaussWeights(std::int32_t halfWidth) {
 void Filter(Context& context, std::string_view announcement, const WeightMatrix& weights) {
   context.log.WriteLogLine(announcement);
   ApplyFilterKernel(context.field, weights);
-  LogLines(context.log, {kDone});
+  LogLines(context.log, {kDoneText});
 }
 
 }  // namespace

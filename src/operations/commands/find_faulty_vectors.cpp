@@ -8,7 +8,7 @@ void FindFaultyVectors(Context& context, const FaultyVectorCriteria& criteria) {
   context.log.WriteLogLine("Fehlerhafte Vektoren suchen... ");
   if (criteria.SelectedCount() == 0) return;
   RejectFaultyVectors(context.field, criteria);
-  LogLines(context.log, {kDone});
+  LogLines(context.log, {kDoneText});
 }
 
 }  // namespace quiverion

@@ -11,7 +11,7 @@ void InterpolateInvalidVectors(Context& context) {
     LogLines(context.log, {kErrorMark, "    Interpolation mit den vorhandenen Daten nicht möglich!"});
     context.runHadError = true;
   }
-  LogLines(context.log, {kDone});
+  LogLines(context.log, {kDoneText});
 }
 
 }  // namespace quiverion

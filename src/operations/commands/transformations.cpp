@@ -54,7 +54,7 @@ void ShiftField(Context& context, double x, double y) {
   field.galileiPointSet = kFlagFalse;
   field.galileiVelX = (CheckedReal(field.galileiVelX) - x).Value();
   field.galileiVelY = (CheckedReal(field.galileiVelY) - y).Value();
-  LogLines(context.log, {kDone});
+  LogLines(context.log, {kDoneText});
 }
 
 std::string ConstantVector(const Context& context, double x, double y) {
@@ -74,7 +74,7 @@ void TransformCoordinates(Context& context, const CoordinateTransformation& traf
   }
   TransformGeometry(context.field, trafo);
   if (!sameVelocities) ScaleVelocities(context.field, trafo.fakVecX, trafo.fakVecY);
-  LogLines(context.log, {kDone});
+  LogLines(context.log, {kDoneText});
 }
 
 void MirrorField(Context& context, bool mirrorX, bool mirrorY) {
@@ -96,7 +96,7 @@ void MirrorField(Context& context, bool mirrorX, bool mirrorY) {
     ReverseRows(field.status);
     std::reverse(field.posY.begin(), field.posY.end());
   }
-  LogLines(context.log, {kDone});
+  LogLines(context.log, {kDoneText});
 }
 
 void AddConstantVector(Context& context, double x, double y) {

@@ -172,7 +172,7 @@ void FindVortexCentres(Context& context, const std::string& textPath, bool autoT
   Marks marks;
   MarkMaxima(context.field.derivedScalar, marks);
   if (textPath.empty()) {
-    LogLines(context.log, {kDone});
+    LogLines(context.log, {kDoneText});
   } else if (AppendMaxima(context, textPath, marks) == SaveOutcome::cancelled) {
     return;
   }

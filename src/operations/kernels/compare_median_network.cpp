@@ -247,7 +247,7 @@ class DirectionRow {
     Combine(middle, lower_.v.data(), upper_.v.data(), count, y);
   }
 
-  // Several different vectors have a middle magnitude: the order of the specified sort decides.
+  // Several different vectors have a middle magnitude: the order of the plain selection sort decides.
   bool IsUnclear(std::size_t i, const Middle& middle) const {
     return lower_.unclear[i] != 0 || (middle.odd[i] == 0 && upper_.unclear[i] != 0);
   }
@@ -280,7 +280,7 @@ void MediansOf(const VectorField& field, const Magnitudes& magnitudes, CompareVe
     directions.Fill(rows, middle, compare.x.Row(j), compare.y.Row(j));
     for (std::size_t i = 0; i < columns; ++i) {
       if (!directions.IsUnclear(i, middle)) continue;
-      MedianByStatedSort(field, magnitudes, {half, half}, static_cast<std::int32_t>(i) + 1, j, compare);
+      MedianBySelectionSort(field, magnitudes, {half, half}, static_cast<std::int32_t>(i) + 1, j, compare);
     }
   }
 }

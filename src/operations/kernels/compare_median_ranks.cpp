@@ -261,12 +261,12 @@ class RankMedians {
     if (IsClear(lower) && IsClear(upper)) {
       Store(i, j, ranking_.PositionOf(lower), ranking_.PositionOf(upper), count % 2 == 1);
     } else {
-      MedianByStatedSort(field_, magnitudes_, window_, i, j, compare_);
+      MedianBySelectionSort(field_, magnitudes_, window_, i, j, compare_);
     }
     set_.Add(own);
   }
 
-  // Different vectors with the same magnitude: the specified sort determines which of them is in the middle.
+  // Different vectors with the same magnitude: the plain selection sort determines which of them is in the middle.
   bool IsClear(Rank rank) const {
     const auto [begin, end] = ranking_.UnclearGroup(rank);
     return begin == kAlone || set_.HasAtMostOne(begin, end);

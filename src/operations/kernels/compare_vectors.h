@@ -47,9 +47,9 @@ void LocalMeans(const VectorField& field, const Magnitudes& magnitudes, Window w
 void Medians(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare);
 void MediansByRank(const VectorField& field, const Magnitudes& magnitudes, Window window, CompareVectors& compare);
 
-/// The median of one point as the specified selection sort finds it, but faster.
-void MedianByStatedSort(const VectorField& field, const Magnitudes& magnitudes, Window window, std::int32_t i,
-                        std::int32_t j, CompareVectors& compare);
+/// The median of one point as the selection sort of the plain loops finds it, but faster.
+void MedianBySelectionSort(const VectorField& field, const Magnitudes& magnitudes, Window window, std::int32_t i,
+                           std::int32_t j, CompareVectors& compare);
 
 /// Counts the marked points in a window.
 class WindowCounts {

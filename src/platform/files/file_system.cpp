@@ -33,7 +33,7 @@ bool FileExists(FileSystem& files, const std::string& path) {
 }
 
 void CreatePathDirectories(FileSystem& files, const std::string& path) {
-  // The directory nearly always exists: one check saves a call per part of the path.
+  // For callers that create the directories before they open anything: mostly they exist, and one check is enough.
   const std::string_view directory = DirectoryOf(path);
   if (directory.empty() || files.IsDirectory(std::string(directory))) return;
   for (std::size_t p = 0; p < path.size(); ++p) {

@@ -32,7 +32,8 @@ class InputFile {
 };
 
 /// A file that is read and changed in place. What has been written stays, whatever happens later. Writes are
-/// independent of the read position. Other processes that open the same file for updating wait until it is closed.
+/// independent of the read position. Other processes that open the same file for updating wait until it is closed, and
+/// get SystemError 70 after 30 s.
 class UpdatedFile : public InputFile {
  public:
   /// Free bytes on its drive; 0 if unknown.
@@ -92,7 +93,7 @@ class FileSystem {
   virtual std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) = 0;
 
   /// Opens `path` for writing at its end and creates it if it is missing. Other processes that append to it wait until
-  /// it is closed. Throws SystemError as CreateResultFile does.
+  /// it is closed. Throws SystemError as CreateResultFile does, and 70 after waiting for 30 s.
   virtual std::unique_ptr<OutputFile> OpenForAppending(const std::string& path) = 0;
 
   /// Opens an existing file for reading and writing in place. Throws SystemError as CreateResultFile does, and 53 or 76

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-/// Both "\" and "/" separate path parts, on every system: macros and collections move between machines. Only the file
-/// layer converts a path to the form of the operating system.
+/// Both "\" and "/" separate path parts, on every system: macros and collections move between machines. Paths
+/// of macros get the system's separators when they are read; the file layer converts every path when it opens it.
 namespace quiverion {
 
 /// The separator that the program itself adds to paths.
@@ -40,10 +40,12 @@ bool LeadsUpwards(std::string_view path);
 /// `directory` with the system's separator appended, unless it already ends in a separator.
 std::string WithSeparator(std::string directory);
 
-/// A path that may come from another system, to be shown: every separator is the system's.
+/// A path from a macro, which may come from another system: every separator becomes the system's, for the file and the
+/// log alike.
 std::string WithOwnSeparators(std::string path);
 
-/// A path that was typed here: on Windows every separator is "\". Elsewhere "\" may be a character of a name, and stays.
+/// A path that was typed here: on Windows every separator is "\". Elsewhere "\" may be a character of a name, and
+/// stays.
 std::string TypedPath(std::string path);
 
 }  // namespace quiverion

@@ -16,10 +16,10 @@ namespace quiverion {
 /// What happens to an existing file. `create`: it is kept, and the commit fails with error 75.
 enum class Opening { replace, create, append };
 
-/// A buffered result file, or the end of a file that results are appended to. If the disk is full or too many files are
-/// open, and a user interface is given, the user is asked Retry or Cancel. Retry repeats the failed write and
-/// continues, so no writer needs its own retry loop. Small items are gathered; large blocks go directly to the system.
-/// Without a commit nothing appears, and an old file stays as it was.
+/// A buffered result file, or the end of a file that results are appended to. If a write or the
+/// commit meets a full disk or too many open files, and a user interface is given, the user is asked Retry or Cancel.
+/// Retry repeats the failed write and continues, so no writer needs its own retry loop. Small items are gathered; large
+/// blocks go directly to the system. Without a commit nothing appears, and an old file stays as it was.
 class ResultFile {
  public:
   /// Missing directories are created. Throws SystemError if the file cannot be opened. `ui` may be null: then every

@@ -27,14 +27,14 @@ constexpr double kPowersOfTen[] = {1E0,  1E1,  1E2,  1E3,  1E4,  1E5,  1E6,  1E7
 
 // The number that a text begins with: `digits` times 10^`exponent`.
 struct ScannedNumber {
-  std::size_t length = 0;  // 0 where there is none
+  std::size_t length = 0;  // 0 if there is none
   bool negative = false;
   std::uint64_t digits = 0;
   std::int64_t exponent = 0;
-  bool isWhole = true;  // false where digits or exponent have too many digits for their variables
+  bool isWhole = true;  // false if digits or exponent are too long for their variables
 };
 
-// Append the digits at `at` to `value` (modulo 2^64), and tell how many there are. One by one: for a few.
+// Appends the digits at `at` to `value` (modulo 2^64) and returns how many there are. One at a time: for few digits.
 QUIVERION_ALWAYS_INLINE std::ptrdiff_t TakeDigits(const char*& at, const char* end, std::uint64_t& value) {
   const char* const first = at;
   for (; at != end && IsDigit(*at); ++at) value = 10 * value + static_cast<std::uint64_t>(*at - '0');
@@ -92,7 +92,7 @@ QUIVERION_ALWAYS_INLINE ScannedNumber ScanNumber(std::string_view text) {
   return number;
 }
 
-// True where digits and power of ten are doubles, so that one operation gives the correctly rounded value.
+// True if digits and power of ten are exact as doubles, so that one operation gives the correctly rounded value.
 bool IsExact(const ScannedNumber& number) {
   return number.digits <= std::uint64_t{1} << 53 && number.exponent >= -22 && number.exponent <= 22;
 }

@@ -89,7 +89,7 @@ Handle OpenTarget(const std::wstring& path, DWORD access) {
   }
 }
 
-// Checks that whatever is at the path is a writable file. Its attributes and permissions.
+// Attributes and permissions that a result takes over from the file it replaces.
 struct Replaced {
   DWORD attributes = FILE_ATTRIBUTE_NORMAL;
   std::vector<BYTE> permissions;  // empty: inherited from the directory

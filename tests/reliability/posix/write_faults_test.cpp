@@ -71,8 +71,8 @@ class WriteFaults : public testing::Test {
         EXPECT_TRUE(result.hadError);
         EXPECT_EQ(result.aborted, aborts);
         EXPECT_EQ(result.boxes.size(), aborts ? fault.answers.size() + 1 : 0);
-        // What the following command and the other file wrote is there; if the first file's failure ends the run, nothing
-        // has come of the second.
+        // What the following command and the other file wrote is there; if the first file's failure ends the run,
+        // nothing has come of the second.
         Tree expected = closesInPlace ? both.tree : (moment.file == 1 ? second : first).tree;
         for (const char* next : {"a_next.vas", "b_next.vas"}) {
           if (!aborts) expected[next] = both.tree.at(next);

@@ -18,9 +18,10 @@ struct Entry {
 // equal ones the first by current position, and swaps it forward. A swap never moves another entry of the same
 // magnitude (the one at the front would have been taken itself). So a group of equal magnitudes is taken in the order
 // of its positions when its turn comes. Magnitudes of 0 and NaN are never taken.
-class StatedSort {
+class SelectionSort {
  public:
-  explicit StatedSort(std::span<const Entry> entries) : entries_(entries), at_(entries.size()), place_(entries.size()) {
+  explicit SelectionSort(std::span<const Entry> entries)
+      : entries_(entries), at_(entries.size()), place_(entries.size()) {
     std::iota(at_.begin(), at_.end(), std::size_t{0});
     std::iota(place_.begin(), place_.end(), std::size_t{0});
   }
@@ -59,8 +60,8 @@ class StatedSort {
 
 }  // namespace
 
-void MedianByStatedSort(const VectorField& field, const Magnitudes& magnitudes, Window window, std::int32_t i,
-                        std::int32_t j, CompareVectors& compare) {
+void MedianBySelectionSort(const VectorField& field, const Magnitudes& magnitudes, Window window, std::int32_t i,
+                           std::int32_t j, CompareVectors& compare) {
   std::vector<Entry> entries;
   plain::ForEachInWindow(field, i, j, window.halfX, window.halfY, [&](std::int32_t k, std::int32_t l) {
     entries.push_back({field.velX(k, l), field.velY(k, l), magnitudes.values(k, l)});
@@ -68,7 +69,7 @@ void MedianByStatedSort(const VectorField& field, const Magnitudes& magnitudes, 
   Entry median{};
   if (!entries.empty()) {
     const std::size_t middle = (entries.size() - 1) / 2;
-    StatedSort sort(entries);
+    SelectionSort sort(entries);
     sort.SortUpTo(middle + 1);
     median = sort.At(middle);
     if (entries.size() % 2 == 0) {
