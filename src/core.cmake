@@ -24,6 +24,9 @@ quiverion_library(operations USES field SOURCES
   kernels/compare_median_ranks.cpp kernels/compare_stated_sort.cpp kernels/derived_scalar.cpp
   kernels/faulty_vectors.cpp kernels/filter_kernel.cpp kernels/interpolation.cpp
   kernels/mathematical.cpp kernels/velocity_changes.cpp kernels/vortex_maxima.cpp)
+quiverion_library(picture USES operations SOURCES
+  arrows.cpp axes.cpp compose.cpp frame.cpp palette.cpp plot_items.cpp quantities.cpp scales.cpp
+  statuses.cpp svg.cpp)
 quiverion_library(export USES operations SOURCES
   table_writer.cpp text_exports.cpp)
 quiverion_library(statistics USES operations SOURCES

@@ -20,6 +20,7 @@ declare -A allowed=(
   [field/formats]="$core"
   [operations/kernels]="$core"
   [operations/commands]="operations/kernels $core"
+  [picture]="operations $core"
   [export]="operations $core"
   [statistics]="operations $core"
   [macro]="statistics export operations $core"

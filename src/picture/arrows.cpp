@@ -1,0 +1,59 @@
+#include "picture/arrows.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "picture/quantities.h"
+
+namespace quiverion {
+namespace {
+
+constexpr double kStepsAtReference = 0.9;
+constexpr double kShortest = 0.5;  // pixels
+
+// A head whose point is `reach` pixels from the tail.
+Triangle HeadAt(Point tail, Point direction, double reach, double size) {
+  const Point tip{tail.x + reach * direction.x, tail.y + reach * direction.y};
+  const Point base{tip.x - size * direction.x, tip.y - size * direction.y};
+  const Point side{-direction.y * size * 0.4, direction.x * size * 0.4};
+  return {tip, {base.x + side.x, base.y + side.y}, {base.x - side.x, base.y - side.y}};
+}
+
+}  // namespace
+
+double ArrowLength(const ArrowScale& scale, double speed) {
+  if (!std::isfinite(speed) || speed == 0.0 || !(scale.reference > 0.0)) return 0.0;
+  const double full = kStepsAtReference * scale.step * scale.factor;
+  const double part = speed / scale.reference;
+  switch (scale.mode) {
+    case ArrowMode::equalLength:
+      return full;
+    case ArrowMode::squareRoot:
+      return full * std::sqrt(part);
+    default:
+      return full * part;
+  }
+}
+
+void AppendArrow(Shapes& shapes, const ArrowScale& scale, Point at, double u, double v) {
+  const double speed = SpeedOf(u, v);
+  const double wanted = std::fabs(ArrowLength(scale, speed));
+  if (wanted == 0.0) return;
+  const double length = std::min(wanted, kLongestArrow * scale.step);
+  if (length < kShortest) {
+    shapes.areas.push_back({at.x - 0.5, at.y - 0.5, 1.0, 1.0});
+    return;
+  }
+  const double sense = scale.factor < 0.0 ? -1.0 : 1.0;
+  const Point direction{sense * u / speed, -sense * v / speed};
+  const double before = scale.anchor == ArrowAnchor::middle ? length / 2.0 : 0.0;
+  const Point tail{at.x - before * direction.x, at.y - before * direction.y};
+  // The head has the same angle and, between limits, the same share of every arrow.
+  const double head = std::min(length, std::clamp(0.35 * length, 3.0, 9.0));
+  const double shaft = length - 0.8 * head;
+  shapes.lines.push_back({tail, {tail.x + shaft * direction.x, tail.y + shaft * direction.y}});
+  shapes.triangles.push_back(HeadAt(tail, direction, length, head));
+  if (wanted > length) shapes.triangles.push_back(HeadAt(tail, direction, length - 0.9 * head, head));
+}
+
+}  // namespace quiverion
