@@ -37,8 +37,8 @@ double ArrowLength(const ArrowScale& scale, double speed) {
 
 void AppendArrow(Shapes& shapes, const ArrowScale& scale, Point at, double u, double v) {
   const double speed = SpeedOf(u, v);
+  if (!std::isfinite(speed)) return;
   const double wanted = std::fabs(ArrowLength(scale, speed));
-  if (wanted == 0.0) return;
   const double length = std::min(wanted, kLongestArrow * scale.step);
   if (length < kShortest) {
     shapes.areas.push_back({at.x - 0.5, at.y - 0.5, 1.0, 1.0});

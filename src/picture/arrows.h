@@ -24,7 +24,7 @@ inline constexpr double kLongestArrow = 3.0;
 double ArrowLength(const ArrowScale& scale, double speed);
 
 /// Appends the arrow of a velocity (m/s) at its point: a line and a head. A cut arrow has a second head. One that is
-/// shorter than half a pixel is a dot.
+/// shorter than half a pixel is a dot; one that is not finite is nothing.
 void AppendArrow(Shapes& shapes, const ArrowScale& scale, Point at, double u, double v);
 
 }  // namespace quiverion
