@@ -25,7 +25,8 @@ quiverion_library(operations USES field SOURCES
   kernels/faulty_vectors.cpp kernels/filter_kernel.cpp kernels/interpolation.cpp
   kernels/mathematical.cpp kernels/velocity_changes.cpp kernels/vortex_maxima.cpp)
 quiverion_library(picture USES operations SOURCES
-  arrows.cpp axes.cpp compose.cpp frame.cpp palette.cpp plot_items.cpp quantities.cpp scales.cpp
+  arrows.cpp axes.cpp compose.cpp frame.cpp palette.cpp plot_items.cpp profile_picture.cpp
+  quantities.cpp readout.cpp scales.cpp
   statuses.cpp svg.cpp)
 quiverion_library(export USES operations SOURCES
   table_writer.cpp text_exports.cpp)

@@ -26,7 +26,9 @@ quiverion_windows(dialogs USES macro SOURCES
   ${QUIVERION_SYSTEM}/native.cpp ${QUIVERION_SYSTEM}/qt_paths.cpp)
 target_sources(quiverion_dialogs PRIVATE dialogs/widgets/icons.qrc)
 target_link_libraries(quiverion_dialogs PUBLIC Qt6::PrintSupport)
-quiverion_windows(app USES dialogs SOURCES
+quiverion_windows(view USES picture dialogs SOURCES
+  picture_files.cpp picture_painter.cpp)
+quiverion_windows(app USES view SOURCES
   directory_list.cpp file_list.cpp frmMain.cpp navigation.cpp qt_user_interface.cpp
   statistics_flow.cpp
   ${QUIVERION_SYSTEM}/drives.cpp)

@@ -31,9 +31,10 @@ declare -A allowed=(
   [dialogs/posix]="dialogs/widgets $core Qt"
   [dialogs/windows]="dialogs/widgets platform/windows $core Qt"
   [dialogs]="dialogs macro statistics export operations $core Qt"
+  [view]="picture dialogs macro statistics export operations $core Qt"
   [app/posix]="app dialogs $core Qt"
   [app/windows]="app dialogs $core Qt"
-  [app]="dialogs macro statistics export operations $core Qt"
+  [app]="view picture dialogs macro statistics export operations $core Qt"
 )
 
 # Whether a file of the folder `room` may include the file `target` in the folder `home`.

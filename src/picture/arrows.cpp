@@ -9,14 +9,21 @@ namespace quiverion {
 namespace {
 
 constexpr double kStepsAtReference = 0.9;
-constexpr double kShortest = 0.5;  // pixels
+constexpr double kShortest = 0.5;        // pixels
+constexpr double kSmallestFilled = 5.0;  // pixels of a head
 
-// A head whose point is `reach` pixels from the tail.
-Triangle HeadAt(Point tail, Point direction, double reach, double size) {
+// A head whose point is `reach` pixels from the tail: filled, or two lines if it is too small to see a difference.
+void AppendHead(Shapes& shapes, Point tail, Point direction, double reach, double size) {
   const Point tip{tail.x + reach * direction.x, tail.y + reach * direction.y};
   const Point base{tip.x - size * direction.x, tip.y - size * direction.y};
   const Point side{-direction.y * size * 0.4, direction.x * size * 0.4};
-  return {tip, {base.x + side.x, base.y + side.y}, {base.x - side.x, base.y - side.y}};
+  const Point left{base.x + side.x, base.y + side.y}, right{base.x - side.x, base.y - side.y};
+  if (size >= kSmallestFilled) {
+    shapes.triangles.push_back({tip, left, right});
+  } else {
+    shapes.lines.push_back({left, tip});
+    shapes.lines.push_back({tip, right});
+  }
 }
 
 }  // namespace
@@ -50,10 +57,10 @@ void AppendArrow(Shapes& shapes, const ArrowScale& scale, Point at, double u, do
   const Point tail{at.x - before * direction.x, at.y - before * direction.y};
   // The head has the same angle and, between limits, the same share of every arrow.
   const double head = std::min(length, std::clamp(0.35 * length, 3.0, 9.0));
-  const double shaft = length - 0.8 * head;
+  const double shaft = head >= kSmallestFilled ? length - 0.8 * head : length;
   shapes.lines.push_back({tail, {tail.x + shaft * direction.x, tail.y + shaft * direction.y}});
-  shapes.triangles.push_back(HeadAt(tail, direction, length, head));
-  if (wanted > length) shapes.triangles.push_back(HeadAt(tail, direction, length - 0.9 * head, head));
+  AppendHead(shapes, tail, direction, length, head);
+  if (wanted > length) AppendHead(shapes, tail, direction, length - 0.9 * head, head);
 }
 
 }  // namespace quiverion
