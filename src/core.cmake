@@ -2,7 +2,8 @@
 quiverion_library(messages SOURCES
   failure.cpp system_error.cpp)
 quiverion_library(platform USES messages SOURCES
-  files/file_system.cpp files/paths.cpp files/result_file.cpp files/write_retry.cpp
+  files/file_system.cpp files/overlay_files.cpp files/paths.cpp files/result_file.cpp
+  files/write_retry.cpp
   numeric/float_errors.cpp
   text/decimal_digits.cpp text/decimal_value.cpp text/numbers.cpp text/text.cpp
   ${QUIVERION_SYSTEM}/clock.cpp ${QUIVERION_SYSTEM}/environment.cpp ${QUIVERION_SYSTEM}/file_system.cpp
@@ -26,7 +27,7 @@ quiverion_library(operations USES field SOURCES
   kernels/mathematical.cpp kernels/velocity_changes.cpp kernels/vortex_maxima.cpp)
 quiverion_library(picture USES operations SOURCES
   arrows.cpp axes.cpp compose.cpp frame.cpp palette.cpp plot_items.cpp profile_picture.cpp
-  quantities.cpp readout.cpp scales.cpp
+  quantities.cpp readout.cpp scales.cpp shown_field.cpp
   statuses.cpp svg.cpp)
 quiverion_library(export USES operations SOURCES
   table_writer.cpp text_exports.cpp)

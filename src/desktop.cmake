@@ -38,3 +38,19 @@ set_target_properties(QuiverionSeries PROPERTIES WIN32_EXECUTABLE TRUE QUIVERION
 if(WIN32)
   quiverion_describe(QuiverionSeries "${PROJECT_DESCRIPTION}")
 endif()
+
+# The viewer: a window, or pictures without one.
+if(QUIVERION_CLI)
+  quiverion_windows(viewer USES view cli SOURCES
+    arguments.cpp picture_command.cpp)
+  target_include_directories(quiverion_viewer PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/generated)
+  if(NOT WIN32)
+    target_link_libraries(quiverion_viewer PRIVATE CLI11::CLI11)
+  endif()
+  add_executable(QuiverionView viewer/main.cpp)
+  target_link_libraries(QuiverionView PRIVATE quiverion_viewer)
+  set_target_properties(QuiverionView PROPERTIES WIN32_EXECUTABLE TRUE QUIVERION_WINDOWS TRUE)
+  if(WIN32)
+    quiverion_describe(QuiverionView "Vektorfelder ansehen")
+  endif()
+endif()

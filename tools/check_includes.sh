@@ -32,6 +32,7 @@ declare -A allowed=(
   [dialogs/windows]="dialogs/widgets platform/windows $core Qt"
   [dialogs]="dialogs macro statistics export operations $core Qt"
   [view]="picture dialogs macro statistics export operations $core Qt"
+  [viewer]="view cli picture dialogs macro statistics export operations $core version.h CLI Qt"
   [app/posix]="app dialogs $core Qt"
   [app/windows]="app dialogs $core Qt"
   [app]="view picture dialogs macro statistics export operations $core Qt"

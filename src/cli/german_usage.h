@@ -16,6 +16,7 @@ class GermanHelp : public CLI::Formatter {
     label("POSITIONALS", "Argumente");
     label("Positionals", "Argumente");
     label("TEXT", "TEXT");
+    label("Needs", "(nur mit)");
     column_width(34);
   }
   std::string make_usage(const CLI::App* app, std::string name) const override {
