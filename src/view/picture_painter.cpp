@@ -111,7 +111,11 @@ void PaintPicture(QPainter& painter, const Picture& picture, double resolution) 
     painter.drawImage(ToQt(picture.plot), ImageOfCells(picture.cells, picture.plot, resolution));
   }
   for (const Shapes& shapes : picture.shapes) {
-    painter.setClipRect(ToQt(picture.plot), shapes.inPlot ? Qt::ReplaceClip : Qt::NoClip);
+    if (shapes.inPlot) {
+      painter.setClipRect(ToQt(picture.plot));
+    } else {
+      painter.setClipping(false);
+    }
     PaintShapes(painter, shapes);
   }
   painter.setClipping(false);
