@@ -28,7 +28,7 @@ quiverion_library(operations USES field SOURCES
 quiverion_library(picture USES operations SOURCES
   arrows.cpp axes.cpp compose.cpp frame.cpp palette.cpp plot_items.cpp profile_picture.cpp
   quantities.cpp readout.cpp scales.cpp shown_field.cpp
-  statuses.cpp svg.cpp)
+  statuses.cpp svg.cpp wishes.cpp)
 quiverion_library(export USES operations SOURCES
   table_writer.cpp text_exports.cpp)
 quiverion_library(statistics USES operations SOURCES

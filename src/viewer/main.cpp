@@ -2,8 +2,13 @@
 #include <QHashFunctions>
 
 #include "dialogs/application.h"
-#include "messages/failure.h"
+#include "dialogs/help/help.h"
+#include "dialogs/widgets/qt_text.h"
+#include "platform/files/paths.h"
+#include "platform/process/clock.h"
 #include "platform/process/environment.h"
+#include "view/frmView.h"
+#include "view/window_messages.h"
 #include "viewer/arguments.h"
 
 namespace {
@@ -28,5 +33,21 @@ int main(int argc, char** argv) {
   QApplication application(count, argv);
   if (arguments.picture) return WritePictures(*arguments.picture);
   PrepareApplication(application);
-  return 0;
+  QGuiApplication::setDesktopFileName(QStringLiteral("org.quiverion.QuiverionView"));
+  QApplication::setApplicationName(QStringLiteral("QuiverionView"));
+  QApplication::setQuitOnLastWindowClosed(true);
+  const std::unique_ptr<FileSystem> files = MakeSystemFileSystem();
+  const SystemClock clock;
+  std::function<void()> showHelp;
+  frmView window({*files, clock, [&showHelp] { showHelp(); }});
+  WindowMessages messages(window);
+  Help help(
+      WithSeparator(PathFromQt(QCoreApplication::applicationDirPath())) + "Quiverion.hlp",
+      [] { return std::string("frmView"); }, window, messages);
+  showHelp = [&help, &window] { help.ShowFor(window); };
+  window.show();
+  std::vector<std::string> paths;
+  for (const std::string& file : arguments.files) paths.push_back(AbsolutePath(file));
+  window.OpenPaths(paths);
+  return QApplication::exec();
 }
