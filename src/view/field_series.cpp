@@ -26,12 +26,18 @@ void FieldSeries::OpenWithDirectory(FileSystem& files, const std::string& path) 
     }
     paths_.push_back(prefix + name);
   }
-  if (!found) Open({path});
+  if (!found) paths_ = {path};
 }
 
-void FieldSeries::Open(std::vector<std::string> paths) {
-  paths_ = std::move(paths);
+void FieldSeries::Open(FileSystem& files, const std::vector<std::string>& paths) {
+  isDirectory_ = paths.size() == 1;
+  if (isDirectory_) return OpenWithDirectory(files, paths.front());
+  paths_ = paths;
   current_ = 0;
+}
+
+void FieldSeries::Reread(FileSystem& files) {
+  if (isDirectory_ && !IsEmpty()) OpenWithDirectory(files, std::string(CurrentPath()));
 }
 
 bool FieldSeries::MoveTo(int index) {

@@ -11,12 +11,12 @@ namespace quiverion {
 /// given.
 class FieldSeries {
  public:
-  /// All fields of the directory of `path`, `path` being the current one; of a directory the first one. Only `path` if
-  /// the directory cannot be listed, or does not list it.
-  void OpenWithDirectory(FileSystem& files, const std::string& path);
+  /// Several files: these, the first one being the current one. One file: all fields of its directory, the file being
+  /// the current one; only the file if the directory does not list it. A directory: its fields, none if it has none.
+  void Open(FileSystem& files, const std::vector<std::string>& paths);
 
-  /// These files, the first one being the current one.
-  void Open(std::vector<std::string> paths);
+  /// Looks again which files there are. The current one stays.
+  void Reread(FileSystem& files);
 
   bool IsEmpty() const { return paths_.empty(); }
   int Count() const { return static_cast<int>(paths_.size()); }
@@ -31,7 +31,10 @@ class FieldSeries {
   std::vector<int> Sample(int count) const;
 
  private:
+  void OpenWithDirectory(FileSystem& files, const std::string& path);
+
   std::vector<std::string> paths_;
+  bool isDirectory_ = false;  // all fields of one
   int current_ = 0;
 };
 

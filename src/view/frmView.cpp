@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QHeaderView>
 #include <QMimeData>
 #include <QPrintDialog>
 #include <QPrinter>
@@ -75,6 +76,8 @@ frmView::frmView(const ViewServices& services, QWidget* parent)
   ConnectSeries();
   ConnectPicture();
   ui_->tblVectors->setModel(&table_);
+  ui_->tblVectors->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+  ui_->tblVectors->horizontalHeader()->setDefaultSectionSize(fontMetrics().horizontalAdvance("-12345,678") + 12);
   ui_->tabPages->hide();
   ui_->lblPoints->hide();
   ui_->FieldView->ShowMessage("Vektorfelder hierher ziehen oder mit Strg+O öffnen");
@@ -82,9 +85,7 @@ frmView::frmView(const ViewServices& services, QWidget* parent)
   ui_->FieldView->setFocus();
 }
 
-frmView::~frmView() {
-  sampler_.disconnect();
-}
+frmView::~frmView() = default;
 
 void frmView::Guarded(const std::function<void()>& action) {
   quiverion::Guarded(messages_, action);
@@ -224,12 +225,14 @@ void frmView::ConnectPicture() {
 
 void frmView::OpenPaths(const std::vector<std::string>& paths) {
   if (paths.empty()) return;
-  if (paths.size() == 1) {
-    series_.OpenWithDirectory(services_.files, paths.front());
-  } else {
-    series_.Open(paths);
-  }
+  series_.Open(services_.files, paths);
   points_.clear();
+  if (series_.IsEmpty()) {
+    isLoaded_ = false;
+    ui_->FieldView->ShowMessage("Im Verzeichnis '" + PathToQt(paths.front()) +
+                                "' ist kein Vektorfeld (*.vas, *.vec, *.dat).");
+    return ShowField();
+  }
   LoadCurrent();
   BeginScale();
   ShowPicture();
@@ -246,8 +249,10 @@ void frmView::ChooseFiles() {
 
 void frmView::Reload() {
   if (series_.IsEmpty()) return;
-  const std::string path = series_.CurrentPath();
-  OpenPaths({path});
+  series_.Reread(services_.files);
+  LoadCurrent();
+  BeginScale();
+  ShowPicture();
 }
 
 void frmView::GoTo(int index) {
@@ -260,12 +265,18 @@ void frmView::GoTo(int index) {
 
 void frmView::LoadCurrent() {
   logText_.Clear();
+  ui_->statusbar->clearMessage();
   context_.abortCurrentFile = context_.runHadError = false;
   LoadOriginalFile(context_, series_.CurrentPath());
   isLoaded_ = !context_.abortCurrentFile;
   shown_.Changed();
   profile_.clear();
   if (isLoaded_) ObeyViewSettings();
+  ShowField();
+}
+
+// Everything but the picture.
+void frmView::ShowField() {
   ShowSeriesPlace();
   ShowTable();
   ShowTexts();

@@ -75,6 +75,7 @@ class frmView : public QMainWindow {
   void LoadCurrent();
   void ObeyViewSettings();
   void BeginScale();
+  void ShowField();
   void ShowSeriesPlace();
   void ShowPicture();
   void ShowTexts();
