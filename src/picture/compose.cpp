@@ -141,10 +141,14 @@ Composition Compose(VectorField& field, const PictureChoices& choices) {
 }
 
 void SeriesScale::Add(VectorField& field) {
+  Add(field, HasValues(quantity_) ? &ValuesOf(field, quantity_) : nullptr);
+}
+
+void SeriesScale::Add(const VectorField& field, const Grid<double>* values) {
   std::size_t stride = field.status.Values().size() / perField_ + 1;
   while (std::gcd(stride, static_cast<std::size_t>(field.columnCount)) > 1) ++stride;  // not always the same columns
   AppendSpeeds(field, 0.0, 0.0, stride, speeds_);
-  if (HasValues(quantity_)) AppendValues(field, ValuesOf(field, quantity_), stride, values_);
+  if (values != nullptr) AppendValues(field, *values, stride, values_);
 }
 
 double SeriesScale::Reference() {

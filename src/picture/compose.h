@@ -94,6 +94,9 @@ class SeriesScale {
 
   void Add(VectorField& field);
 
+  /// The same with values that are known already; `values` is null if the quantity has none.
+  void Add(const VectorField& field, const Grid<double>* values);
+
   double Reference();  ///< m/s, 0 without fields
   Limits BarLimits();
 

@@ -216,7 +216,7 @@ void Frame::AddGridLines() {
 void Frame::AddBar() {
   const Rectangle& plot = map_.plot;
   const Rectangle bar{plot.Right() + text_, plot.top, kBarWidth * text_, plot.height};
-  const Palette palette = MakePalette(KindFor(limits_), choices_.darkPaper);
+  const Palette& palette = PaletteOf(KindFor(limits_), choices_.darkPaper);
   const PaletteScale scale(limits_);
   // Each colour reaches to the top and is covered by the next, so that no seam is seen between two.
   for (std::size_t k = 0; k < kBarSteps; ++k) {
@@ -248,7 +248,7 @@ void Frame::AddBar() {
 
 // Triangles where values lie beyond the limits.
 void Frame::AddBarEnds(const Rectangle& bar) {
-  const Palette palette = MakePalette(KindFor(limits_), choices_.darkPaper);
+  const Palette& palette = PaletteOf(KindFor(limits_), choices_.darkPaper);
   const PaletteScale scale(limits_);
   const double size = 0.6 * text_;
   const double middle = bar.left + bar.width / 2.0;

@@ -83,8 +83,10 @@ Palette Diverging(bool dark) {
 
 }  // namespace
 
-Palette MakePalette(PaletteKind kind, bool darkPaper) {
-  return kind == PaletteKind::sequential ? Sequential(darkPaper) : Diverging(darkPaper);
+const Palette& PaletteOf(PaletteKind kind, bool darkPaper) {
+  static const std::array<Palette, 4> palettes = {Sequential(false), Sequential(true), Diverging(false),
+                                                  Diverging(true)};
+  return palettes[(kind == PaletteKind::diverging ? 2u : 0u) + (darkPaper ? 1u : 0u)];
 }
 
 PaletteKind KindFor(const Limits& limits) {

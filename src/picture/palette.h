@@ -18,7 +18,7 @@ enum class PaletteKind {
 };
 
 /// Palettes stay light on light paper and dark on dark paper, so that arrows in black or white are seen on all of them.
-Palette MakePalette(PaletteKind kind, bool darkPaper);
+const Palette& PaletteOf(PaletteKind kind, bool darkPaper);
 
 /// The ends of a colour bar. Lower is below upper.
 struct Limits {

@@ -87,7 +87,7 @@ Colour Tint(StatusKind kind, bool dark) {
 
 std::vector<Colour> CellColours(const PictureChoices& choices, const Limits& limits) {
   const bool dark = choices.darkPaper;
-  const Palette palette = MakePalette(KindFor(limits), dark);
+  const Palette& palette = PaletteOf(KindFor(limits), dark);
   std::vector<Colour> colours(palette.begin(), palette.end());
   if (choices.quantity == Quantity::status) {
     for (std::size_t k = 0; k < kStatusKinds; ++k) colours[k] = Tint(static_cast<StatusKind>(k), dark);
@@ -188,7 +188,7 @@ class VectorPainter {
     for (std::size_t k = 0; k < kStatusKinds; ++k) {
       const auto kind = static_cast<StatusKind>(k);
       shapes_[k].colour = ColourOf(kind, choices.darkPaper);
-      shapes_[k].lineWidth = kind == StatusKind::rejected ? 0.8 : 1.1;
+      shapes_[k].lineWidth = 1.0;
       shapes_[k].inPlot = true;
     }
   }

@@ -295,7 +295,7 @@ void frmView::ObeyViewSettings() {
 }
 
 void frmView::BeginScale() {
-  if (isLoaded_) sampler_.Begin(series_, QuantityFor(shown_.Field(), wishes_));
+  if (isLoaded_) sampler_.Begin(series_, shown_, QuantityFor(shown_.Field(), wishes_));
 }
 
 void frmView::ShowSeriesPlace() {

@@ -9,7 +9,8 @@ namespace quiverion {
 namespace {
 
 constexpr int kFields = 20;
-constexpr qint64 kAtOnce = 100;  // ms
+constexpr qint64 kAtOnce = 100;                         // ms
+constexpr std::size_t kLargest = std::size_t{1} << 21;  // vectors of a field
 
 }  // namespace
 
@@ -19,12 +20,15 @@ ScaleSampler::ScaleSampler(FileSystem& files, const Clock& clock, std::function<
   connect(&timer_, &QTimer::timeout, this, [this] { Continue(); });
 }
 
-void ScaleSampler::Begin(const FieldSeries& series, Quantity quantity) {
+void ScaleSampler::Begin(const FieldSeries& series, ShownField& shown, Quantity quantity) {
   left_.clear();
-  for (const int index : series.Sample(kFields)) left_.push_back(series.Path(index));
+  const bool many = shown.Field().status.Values().size() <= kLargest;
+  for (const int index : series.Sample(many ? kFields : 1)) left_.push_back(series.Path(index));
+  left_.erase(left_.begin());  // the one that is shown
   std::ranges::reverse(left_);
   quantity_ = quantity;
   values_.emplace(quantity);
+  values_->Add(shown.Field(), shown.Values(quantity).grid);
   scale_.reset();
   QElapsedTimer time;
   time.start();

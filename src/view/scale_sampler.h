@@ -8,6 +8,7 @@
 
 #include "field/context.h"
 #include "messages/silent_user_interface.h"
+#include "picture/shown_field.h"
 #include "picture/wishes.h"
 #include "view/field_series.h"
 
@@ -19,8 +20,9 @@ class ScaleSampler : public QObject {
   /// `changed` is called whenever there is a better scale. Both must outlive the object.
   ScaleSampler(FileSystem& files, const Clock& clock, std::function<void()> changed);
 
-  /// Begins anew for a quantity. The scale of another series or quantity is forgotten.
-  void Begin(const FieldSeries& series, Quantity quantity);
+  /// Begins anew for a quantity, with the field that is shown. The scale of another series or quantity is forgotten.
+  /// Other fields do not count if one of them alone fills much memory.
+  void Begin(const FieldSeries& series, ShownField& shown, Quantity quantity);
 
   const std::optional<HeldScale>& Scale() const { return scale_; }
 
