@@ -85,7 +85,7 @@ double Frame::LabelsWidth(const std::vector<double>& values, double step) const 
 Frame::Margins Frame::MarginsFor(double leftLabels, double rightLabels) const {
   const double line = kLine * text_;
   Margins margins{.left = 0.5 * text_ + line + leftLabels + 2.0 * kTick * text_,
-                  .top = 0.5 * text_ + line * static_cast<double>(CaptionLines().size()),
+                  .top = 1.1 * text_ + line * static_cast<double>(CaptionLines().size()),
                   .right = 1.5 * text_,
                   .bottom = 2.5 * line + line * static_cast<double>(legendLines_.size()) + 0.5 * text_};
   if (HasBar()) {

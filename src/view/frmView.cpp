@@ -77,7 +77,7 @@ frmView::frmView(const ViewServices& services, QWidget* parent)
   ConnectPicture();
   ui_->tblVectors->setModel(&table_);
   ui_->tblVectors->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
-  ui_->tblVectors->horizontalHeader()->setDefaultSectionSize(fontMetrics().horizontalAdvance("-12345,678") + 12);
+  ui_->tblVectors->horizontalHeader()->setDefaultSectionSize(fontMetrics().horizontalAdvance("-0,1234567") + 24);
   ui_->tabPages->hide();
   ui_->lblPoints->hide();
   ui_->FieldView->ShowMessage("Vektorfelder hierher ziehen oder mit Strg+O öffnen");
