@@ -20,6 +20,15 @@ double MedianStep(const std::vector<double>& positions) {
   return *middle;
 }
 
+constexpr double kSlack = 1.0 - 1E-6;  // for rounding
+
+// A power of two, with which shown places are `atLeast` mm apart, or of which there is only one.
+std::int32_t StrideOf(const AxisPlaces& axis, double atLeast) {
+  std::int32_t stride = 1;
+  while (axis.step * stride < atLeast && stride < static_cast<std::int32_t>(axis.positions.size())) stride *= 2;
+  return stride;
+}
+
 // Makes the shorter side of a long extent longer.
 Extent NotTooNarrow(Extent extent) {
   constexpr double kLongest = 10.0;
@@ -76,11 +85,14 @@ std::int32_t NearestPlace(const AxisPlaces& axis, double position) {
   return static_cast<std::int32_t>(nearest - axis.positions.begin());
 }
 
+double ThinnedStep(const AxisPlaces& axis, double pixelsPerMm, double pixels) {
+  return axis.step * StrideOf(axis, pixels * kSlack / pixelsPerMm) * pixelsPerMm;
+}
+
 std::vector<std::int32_t> ThinnedPlaces(const AxisPlaces& axis, double pixelsPerMm, double pixels) {
   const auto count = static_cast<std::int32_t>(axis.positions.size());
-  const double atLeast = pixels * (1.0 - 1E-6) / pixelsPerMm;  // mm
-  std::int32_t stride = 1;
-  while (axis.step * stride < atLeast && stride < count) stride *= 2;
+  const double atLeast = pixels * kSlack / pixelsPerMm;  // mm
+  const std::int32_t stride = StrideOf(axis, atLeast);
   std::vector<std::int32_t> places;
   for (std::int32_t k = std::min(stride / 2, (count - 1) / 2); k < count; k += stride) {
     const auto positionAt = [&](std::int32_t place) { return axis.positions[static_cast<std::size_t>(place)]; };

@@ -54,6 +54,9 @@ PlotMap MapOf(const Extent& extent, const Rectangle& area, bool equalScales);
 /// The place whose position is nearest to `position`, -1 if the axis has none.
 std::int32_t NearestPlace(const AxisPlaces& axis, double position);
 
+/// Pixels between two places that are shown, if all have the median distance.
+double ThinnedStep(const AxisPlaces& axis, double pixelsPerMm, double pixels);
+
 /// Which places are shown, so that neighbours are at least `pixels` apart: every one, every second, fourth and so on,
 /// counted from the middle of the first stride; of places that are closer than their median fewer.
 std::vector<std::int32_t> ThinnedPlaces(const AxisPlaces& axis, double pixelsPerMm, double pixels);

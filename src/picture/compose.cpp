@@ -34,6 +34,12 @@ void AppendValues(const VectorField& field, const Grid<double>& grid, std::size_
   }
 }
 
+double ReferenceOf(std::vector<double>& speeds) {
+  const double reference = Quantile(speeds, kReferencePart);
+  // Nearly all at rest: the others are the scale.
+  return reference == 0.0 && !speeds.empty() ? std::ranges::max(speeds) : reference;
+}
+
 bool HasValues(Quantity quantity) {
   return quantity != Quantity::none && quantity != Quantity::status;
 }
@@ -75,9 +81,7 @@ FieldSummary Summarise(const VectorField& field, double subtractU, double subtra
   std::int64_t valid = 0;
   for (std::size_t k = 0; k < static_cast<std::size_t>(StatusKind::rejected); ++k) valid += summary.counts[k];
   summary.notFinite = valid - static_cast<std::int64_t>(speeds.size());
-  summary.reference = Quantile(speeds, kReferencePart);
-  // Nearly all at rest: the others are the scale.
-  if (summary.reference == 0.0 && !speeds.empty()) summary.reference = std::ranges::max(speeds);
+  summary.reference = ReferenceOf(speeds);
   return summary;
 }
 
@@ -88,6 +92,8 @@ PictureChoices ChoicesOf(const VectorField& field, PictureChoices preset) {
   preset.equalScales = preset.equalScales || field.aspectRatio1to1 != kFlagFalse;
   preset.factor = std::isfinite(field.scaleFactor) ? field.scaleFactor : 1.0;
   preset.quantity = QuantityOf(field.background);
+  const bool fileLimits = preset.quantity != Quantity::none && std::isfinite(field.paletteMin) &&
+                          std::isfinite(field.paletteMax) && field.paletteMin < field.paletteMax;
   // Arrows of scalars would mislead.
   const auto result = StatisticResultOf(field);
   if (result >= StatisticResult::product && preset.quantity == Quantity::none) {
@@ -95,10 +101,7 @@ PictureChoices ChoicesOf(const VectorField& field, PictureChoices preset) {
     preset.quantity = Quantity::u;
   }
   preset.limits.reset();
-  const bool usable = std::isfinite(field.paletteMin) && std::isfinite(field.paletteMax);
-  if (preset.quantity != Quantity::none && usable && field.paletteMin < field.paletteMax) {
-    preset.limits = Limits{field.paletteMin, field.paletteMax};
-  }
+  if (fileLimits) preset.limits = Limits{field.paletteMin, field.paletteMax};
   return preset;
 }
 
@@ -152,7 +155,7 @@ void SeriesScale::Add(const VectorField& field, const Grid<double>* values) {
 }
 
 double SeriesScale::Reference() {
-  return Quantile(speeds_, kReferencePart);
+  return ReferenceOf(speeds_);
 }
 
 Limits SeriesScale::BarLimits() {

@@ -51,6 +51,7 @@ struct PictureChoices {
   Quantity quantity = Quantity::none;
   std::optional<Limits> limits;  ///< of the colour bar; automatic if none
   std::array<bool, kStatusKinds> hidden{};
+  bool processed = false;  ///< commands have worked on the field since it was loaded
 };
 
 /// The view settings of a field; whatever they say nothing about is as in `preset`.

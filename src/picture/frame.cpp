@@ -22,12 +22,6 @@ std::string Velocity(double u, double v) {
   return "(" + NumberText(u, 4) + "; " + NumberText(v, 4) + ")";
 }
 
-std::string WithUnit(std::string_view symbol, std::string_view unit) {
-  std::string text(symbol);
-  if (!unit.empty()) text.append(" [").append(unit).append("]");
-  return text;
-}
-
 }  // namespace
 
 std::string DrawnText(std::string_view text, std::size_t characters) {
@@ -108,7 +102,7 @@ void Frame::ChooseMap() {
   for (std::size_t k = 0; k < kStatusKinds; ++k) {
     if (summary_.counts[k] == 0) continue;
     const auto kind = static_cast<StatusKind>(k);
-    const std::string name = NameOf(kind, OriginOf(field_)) + std::to_string(summary_.counts[k]);
+    const std::string name = NameOf(kind, OriginOf(field_, choices_.processed)) + std::to_string(summary_.counts[k]);
     const double entry = TextWidth(CharacterCount(name) + 5);
     if (width + entry > choices_.width - 2.0 * text_ && !legendLines_.back().empty()) {
       legendLines_.emplace_back();
@@ -152,10 +146,10 @@ std::vector<std::string> Frame::CaptionLines() const {
   counts += std::to_string(field_.columnCount) + " x " + std::to_string(field_.rowCount) + " Vektoren, " +
             std::to_string(valid) + " gültig";
   if (summary_.notFinite > 0) counts += ", " + std::to_string(summary_.notFinite) + " davon ohne endliche Werte";
-  if (choices_.subtractU != 0.0 || choices_.subtractV != 0.0) {
-    counts += " · abzüglich " + Velocity(choices_.subtractU, choices_.subtractV) + " m/s";
-  }
   lines.push_back(std::move(counts));
+  if (choices_.subtractU != 0.0 || choices_.subtractV != 0.0) {
+    lines.push_back("abzüglich " + Velocity(choices_.subtractU, choices_.subtractV) + " m/s");
+  }
   for (std::size_t k = 1; choices_.header && k < field_.headerLines.size(); ++k) {
     if (!field_.headerLines[k].empty()) lines.push_back(field_.headerLines[k]);
   }
@@ -237,12 +231,7 @@ void Frame::AddBar() {
     frame.lines.push_back({{bar.Right(), y}, {bar.Right() + tick, y}});
     AddLabel({bar.Right() + 1.5 * tick, y}, TickText(value, barTicks_.step));
   }
-  const ComponentTexts components = ComponentsOf(field_);
-  const QuantityTexts& texts = TextsOf(choices_.quantity);
-  std::string symbol = WithUnit(texts.symbol, texts.unit);
-  if (choices_.quantity == Quantity::u) symbol = WithUnit(components.u, components.uUnit);
-  if (choices_.quantity == Quantity::v) symbol = WithUnit(components.v, components.vUnit);
-  AddLabel({bar.left, bar.top - 1.4 * text_}, symbol);
+  AddLabel({bar.left, bar.top - 1.4 * text_}, SymbolOf(field_, choices_.quantity));
   AddBarEnds(bar);
 }
 
@@ -267,11 +256,13 @@ void Frame::AddLegend() {
     double x = text_;
     for (const StatusKind kind : line) {
       const bool hidden = choices_.hidden[static_cast<std::size_t>(kind)];
-      const std::string name =
-          NameOf(kind, OriginOf(field_)) + " " + std::to_string(summary_.counts[static_cast<std::size_t>(kind)]);
+      const std::string name = NameOf(kind, OriginOf(field_, choices_.processed)) + " " +
+                               std::to_string(summary_.counts[static_cast<std::size_t>(kind)]);
       const double width = TextWidth(CharacterCount(name) + 2);
-      Shapes& sample = AddShapes(hidden ? faint_ : ColourOf(kind, choices_.darkPaper), 1.2);
-      if (kind != CommonKind(summary_.counts)) AppendMark(sample, kind, {x + 0.4 * text_, y}, 1.6 * text_);
+      const bool common = kind == CommonKind(summary_.counts);
+      const Colour colour = ColourOf(common ? StatusKind::valid : kind, choices_.darkPaper);
+      Shapes& sample = AddShapes(hidden ? faint_ : colour, 1.2);
+      if (!common) AppendMark(sample, kind, {x + 0.4 * text_, y}, 1.6 * text_);
       if (kind < StatusKind::rejected) {
         AppendArrow(sample, {.reference = 1.0, .step = text_}, {x + 0.4 * text_, y}, 1.0, 0.0);
       }

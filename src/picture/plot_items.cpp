@@ -187,7 +187,7 @@ class VectorPainter {
         common_(CommonKind(summary.counts)) {
     for (std::size_t k = 0; k < kStatusKinds; ++k) {
       const auto kind = static_cast<StatusKind>(k);
-      shapes_[k].colour = ColourOf(kind, choices.darkPaper);
+      shapes_[k].colour = ColourOf(kind == common_ ? StatusKind::valid : kind, choices.darkPaper);
       shapes_[k].lineWidth = 1.0;
       shapes_[k].inPlot = true;
     }
@@ -292,11 +292,12 @@ Cells CellsOf(const VectorField& field, const FieldSummary& summary, const Grid<
 }
 
 ArrowScale ScaleOf(const FieldSummary& summary, const PictureChoices& choices, const PlotMap& map) {
-  const double stepX = summary.x.step * map.PixelsPerMmX(), stepY = summary.y.step * map.PixelsPerMmY();
+  const double stepX = ThinnedStep(summary.x, map.PixelsPerMmX(), choices.spacing);
+  const double stepY = ThinnedStep(summary.y, map.PixelsPerMmY(), choices.spacing);
   return {.mode = choices.mode,
           .anchor = choices.anchor,
           .reference = choices.reference.value_or(summary.reference),
-          .step = std::clamp(std::min(stepX, stepY), choices.spacing, std::max(map.plot.width, map.plot.height)),
+          .step = std::min({stepX, stepY, std::max(map.plot.width, map.plot.height)}),
           .factor = choices.factor};
 }
 

@@ -16,7 +16,8 @@ std::vector<Shapes> VectorShapes(const VectorField& field, const FieldSummary& s
 /// The scale of arrows in this plot.
 ArrowScale ScaleOf(const FieldSummary& summary, const PictureChoices& choices, const PlotMap& map);
 
-/// The most frequent kind of vectors with an arrow. It has no mark, so that marks show what is special.
+/// The most frequent kind of vectors with an arrow. It has the colour of valid ones and no mark: colours and marks show
+/// what is special.
 StatusKind CommonKind(const StatusCounts& counts);
 
 /// Appends the sign for a kind of vectors, for grey print: a cross for rejected ones, a diamond for filled ones and so

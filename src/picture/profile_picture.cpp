@@ -4,6 +4,7 @@
 
 #include "picture/readout.h"
 #include "picture/scales.h"
+#include "platform/text/text.h"
 
 namespace quiverion {
 namespace {
@@ -104,16 +105,11 @@ class ProfileChart {
         last = at;
         before = &last;
       }
-      std::string name(curve.name);
-      if (curve.name != "|v|") {
-        const ComponentTexts components = ComponentsOf(field_);
-        const std::string_view unit = curve.name == components.u ? components.uUnit : components.vUnit;
-        if (!unit.empty()) name.append(" [").append(unit).append("]");
-      } else {
-        name += " [m/s]";
-      }
+      const ComponentTexts components = ComponentsOf(field_);
+      const std::string_view unit = curve.value == &VectorValues::v ? components.vUnit : components.uUnit;
+      const std::string name = WithUnit(curve.name, unit);
       AddLabel({x, text_}, name, Align::start, line.colour);
-      x += 0.6 * text_ * static_cast<double>(name.size() + 3);
+      x += 0.6 * text_ * static_cast<double>(CharacterCount(name) + 3);
       picture_.shapes.push_back(std::move(line));
     }
   }

@@ -50,7 +50,7 @@ constexpr std::array<StatisticRow, 6> kStatistics = {{
      {"Mittlere Schwankungsquadrate", "<u'\u00b2>", "<v'\u00b2>", "m\u00b2/s\u00b2", "m\u00b2/s\u00b2"}},
     {StatisticResult::product, "USTIMESVS.VAS", {"Mittleres Schwankungsprodukt", "<u'v'>", "", "m\u00b2/s\u00b2", ""}},
     {StatisticResult::turbulence, "TU.VAS", {"Turbulenzgrad und -produktion", "Tu", "P", "", "m\u00b2/s\u00b3"}},
-    {StatisticResult::dissipation, "DISS.VAS", {"Energiedissipationsrate", "\u03b5", "", "m\u00b2/s\u00b3", ""}},
+    {StatisticResult::dissipation, "DISS.VAS", {"Energiedissipationsrate", "D", "", "m\u00b2/s\u00b3", ""}},
 }};
 
 constexpr std::string_view kMeans = "Mittelwerte erzeugt aus der Kollektion: ";
@@ -115,6 +115,23 @@ ComponentTexts ComponentsOf(const VectorField& field) {
   if (const StatisticRow* const row = StatisticRowOf(field)) return row->components;
   if (field.infoText.starts_with(kMeans)) return {"Ergebnis einer Statistik", "u", "v", "", ""};
   return {"", "u", "v", "m/s", "m/s"};
+}
+
+std::string WithUnit(std::string_view symbol, std::string_view unit) {
+  std::string text(symbol);
+  if (!unit.empty()) text.append(" [").append(unit).append("]");
+  return text;
+}
+
+std::string SymbolOf(const VectorField& field, Quantity quantity) {
+  const ComponentTexts components = ComponentsOf(field);
+  const QuantityTexts& texts = TextsOf(quantity);
+  if (quantity == Quantity::u) return WithUnit(components.u, components.uUnit);
+  if (quantity == Quantity::v) return WithUnit(components.v, components.vUnit);
+  const bool ofVelocities = components.uUnit == "m/s" && components.vUnit == "m/s";
+  if (ofVelocities) return WithUnit(texts.symbol, texts.unit);
+  const bool same = quantity == Quantity::speed && components.uUnit == components.vUnit;
+  return WithUnit(texts.symbol, same ? components.uUnit : "");
 }
 
 }  // namespace quiverion

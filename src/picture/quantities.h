@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "field/vector_field.h"
@@ -47,6 +48,12 @@ struct ComponentTexts {
   std::string_view u, v;   ///< `v` is empty if there is no second component
   std::string_view uUnit, vUnit;
 };
+
+/// "u [m/s]"; without a unit only the symbol.
+std::string WithUnit(std::string_view symbol, std::string_view unit);
+
+/// Symbol and unit of a quantity of this field. What is derived from something else than velocities has no unit here.
+std::string SymbolOf(const VectorField& field, Quantity quantity);
 
 /// The statistic that a field is the result of, by its info text and the end of its file name; none if it is not known.
 std::optional<StatisticResult> StatisticResultOf(const VectorField& field);

@@ -23,7 +23,7 @@ double AngleOf(double x, double y) {
 }
 
 void Add(std::string& text, std::string_view name, double value, std::string_view unit) {
-  if (!text.empty()) text += "   ";
+  if (!text.empty()) text += "  ";
   text.append(name).append(" ").append(Number(value));
   if (!unit.empty()) text.append(" ").append(unit);
 }
@@ -65,7 +65,7 @@ VectorValues ValuesAt(const VectorField& field, GridPoint point) {
 std::string ReadoutText(const VectorField& field, GridPoint point) {
   const VectorValues values = ValuesAt(field, point);
   const ComponentTexts components = ComponentsOf(field);
-  std::string text = "i " + std::to_string(point.i) + "   j " + std::to_string(point.j);
+  std::string text = "i " + std::to_string(point.i) + "  j " + std::to_string(point.j);
   Add(text, "x", values.x, "");
   Add(text, "y", values.y, "mm");
   Add(text, components.u, values.u,
@@ -73,12 +73,12 @@ std::string ReadoutText(const VectorField& field, GridPoint point) {
   if (!components.v.empty()) Add(text, components.v, values.v, components.vUnit);
   if (components.v.empty()) text.append(" ").append(components.uUnit);
   if (components.title.empty() || StatisticResultOf(field) == StatisticResult::mean) {
-    Add(text, "Betrag", values.speed, "m/s");
+    Add(text, "|v|", values.speed, "m/s");
     Add(text, "Winkel", values.angle, "\u00b0");
-    Add(text, "Vorticity", values.vorticity, "1/s");
-    Add(text, "Swirl\u00b2", values.swirl2, "1/s\u00b2");
+    Add(text, "\u03c9", values.vorticity, "1/s");
+    Add(text, "\u03bb\u00b2", values.swirl2, "1/s\u00b2");
   }
-  return text + "   " + NameOf(KindOf(values.status), OriginOf(field)) + " (" + std::to_string(values.status) + ")";
+  return text + "  " + NameOf(KindOf(values.status), OriginOf(field)) + " (" + std::to_string(values.status) + ")";
 }
 
 std::string DifferenceText(const VectorField& field, GridPoint from, GridPoint to) {
@@ -91,7 +91,9 @@ std::string DifferenceText(const VectorField& field, GridPoint from, GridPoint t
   Add(text, "\u0394y", b.y - a.y, "mm");
   Add(text, "\u0394" + std::string(components.u), b.u - a.u, components.uUnit);
   if (!components.v.empty()) Add(text, "\u0394" + std::string(components.v), b.v - a.v, components.vUnit);
-  Add(text, "Betrag der Differenz", SpeedOf(b.u - a.u, b.v - a.v), components.uUnit);
+  if (components.uUnit == components.vUnit) {
+    Add(text, "Betrag der Differenz", SpeedOf(b.u - a.u, b.v - a.v), components.uUnit);
+  }
   return text;
 }
 
@@ -115,8 +117,9 @@ std::vector<ProfileValue> ProfileAlong(const VectorField& field, const FieldSumm
 
 std::string ProfileText(const VectorField& field, const std::vector<ProfileValue>& profile) {
   const ComponentTexts components = ComponentsOf(field);
-  std::string text = "s [mm]\ti\tj\tx [mm]\ty [mm]\t";
-  text.append(components.u).append("\t").append(components.v).append("\tBetrag\tVorticity [1/s]\tStatus\n");
+  const std::string v = components.v.empty() ? "\u2013" : WithUnit(components.v, components.vUnit);
+  std::string text = "s [mm]\ti\tj\tx [mm]\ty [mm]\t" + WithUnit(components.u, components.uUnit) + "\t" + v + "\t" +
+                     SymbolOf(field, Quantity::speed) + "\t" + SymbolOf(field, Quantity::vorticity) + "\tStatus\n";
   for (const auto& [distance, point, values] : profile) {
     text += NumberText(distance, 10) + "\t" + std::to_string(point.i) + "\t" + std::to_string(point.j);
     for (const double value : {values.x, values.y, values.u, values.v, values.speed, values.vorticity}) {

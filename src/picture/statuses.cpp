@@ -36,8 +36,8 @@ StatusKind KindOf(std::int32_t status) {
   return status < static_cast<std::int32_t>(kinds.size()) ? kinds[static_cast<std::size_t>(status)] : StatusKind::valid;
 }
 
-StatusOrigin OriginOf(const VectorField& field) {
-  if (AsciiUpper(field.fileName).ends_with(".VEC")) return StatusOrigin::peaks;
+StatusOrigin OriginOf(const VectorField& field, bool processed) {
+  if (AsciiUpper(field.fileName).ends_with(".VEC")) return processed ? StatusOrigin::either : StatusOrigin::peaks;
   return field.headerLines[1] == "No information (DaVis)" ? StatusOrigin::either : StatusOrigin::program;
 }
 

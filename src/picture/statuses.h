@@ -26,9 +26,9 @@ StatusKind KindOf(std::int32_t status);
 enum class StatusOrigin {
   program,  ///< this program: filtered, filled
   peaks,    ///< a VEC file: the correlation peak
-  either    ///< a VAS file made from a VEC file
+  either    ///< a VAS file made from a VEC file, or a VEC file on which commands have worked
 };
-StatusOrigin OriginOf(const VectorField& field);
+StatusOrigin OriginOf(const VectorField& field, bool processed = false);
 
 /// In words, such as "gültig" or "2. Korrelationspeak".
 std::string NameOf(StatusKind kind, StatusOrigin origin);

@@ -8,14 +8,13 @@ Quantity QuantityFor(const VectorField& field, const ViewWishes& wishes) {
 
 PictureChoices ChoicesFor(const VectorField& field, const FieldSummary& summary, const ViewWishes& wishes,
                           const std::optional<HeldScale>& held) {
-  PictureChoices preset;
-  preset.equalScales = wishes.equalScales;
-  PictureChoices choices = ChoicesOf(field, preset);
+  PictureChoices choices = ChoicesOf(field);
   if (wishes.quantity && *wishes.quantity != choices.quantity) {
     choices.quantity = *wishes.quantity;
     choices.limits.reset();
   }
-  const bool holds = wishes.holdScale && held;
+  choices.equalScales = wishes.equalScales;
+  const bool holds = wishes.holdScale && held && held->result == StatisticResultOf(field);
   if (!choices.limits && holds && held->quantity == choices.quantity) choices.limits = held->limits;
   if (wishes.limits) choices.limits = wishes.limits;
   choices.mode = wishes.mode;

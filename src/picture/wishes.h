@@ -26,7 +26,8 @@ struct ViewWishes {
 /// The scale of a series, for one quantity.
 struct HeldScale {
   Quantity quantity = Quantity::none;
-  double reference = 0.0;  ///< m/s
+  std::optional<StatisticResult> result;  ///< of fields like these; a measured field has none
+  double reference = 0.0;                 ///< m/s
   Limits limits;
 };
 

@@ -79,6 +79,9 @@ frmView::frmView(const ViewServices& services, QWidget* parent)
   ui_->tblVectors->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
   ui_->tblVectors->horizontalHeader()->setDefaultSectionSize(fontMetrics().horizontalAdvance("-0,1234567") + 24);
   ui_->tabPages->hide();
+  ui_->splitter->setStretchFactor(0, 3);
+  ui_->splitter->setStretchFactor(1, 2);
+  ui_->splitter->setSizes({600, 400});
   ui_->lblPoints->hide();
   ui_->FieldView->ShowMessage("Vektorfelder hierher ziehen oder mit Strg+O öffnen");
   ShowSeriesPlace();
@@ -111,8 +114,10 @@ void frmView::AddQuantities() {
   add("Wie in der Datei", 0, std::nullopt);
   int key = 1;
   for (const QuantityTexts& texts : AllQuantities()) add(ToQt(texts.name), key++, texts.quantity);
-  connect(ui_->cboBackground, &QComboBox::activated, this,
-          [this](int index) { quantities_->actions().at(index)->trigger(); });
+  connect(ui_->cboBackground, &QComboBox::activated, this, [this](int index) {
+    quantities_->actions().at(index)->trigger();
+    ui_->FieldView->setFocus();  // the next key is meant for the picture
+  });
 }
 
 void frmView::ConnectFileMenu() {
@@ -166,6 +171,7 @@ void frmView::ConnectViewMenu() {
   connect(ui_->chkHold, &QCheckBox::clicked, ui_->mnuHold, &QAction::trigger);
   connect(ui_->mnuHold, &QAction::toggled, ui_->chkHold, &QCheckBox::setChecked);
   connect(ui_->mnuLimits, &QAction::triggered, this, &frmView::AskLimits);
+  connect(ui_->mnuTable, &QAction::triggered, this, [this](bool shown) { wishesTable_ = shown; });
   connect(ui_->mnuTable, &QAction::toggled, this, [this](bool shown) {
     ui_->tabPages->setVisible(shown);
     ShowTable();
@@ -204,6 +210,7 @@ void frmView::ConnectPicture() {
   });
   connect(ui_->FieldView, &FieldView::LineDrawn, this, [this](Point from, Point to) {
     profile_ = ProfileAlong(shown_.Field(), shown_.Summary(), from, to);
+    wishesTable_ = true;
     ui_->mnuTable->setChecked(true);
     ui_->tabPages->setCurrentWidget(ui_->pageProfile);
     ShowProfile();
@@ -258,8 +265,10 @@ void frmView::Reload() {
 void frmView::GoTo(int index) {
   if (!series_.MoveTo(index)) return;
   LoadCurrent();
-  if (!sampler_.Scale() || (isLoaded_ && sampler_.Scale()->quantity != QuantityFor(shown_.Field(), wishes_)))
-    BeginScale();
+  const std::optional<HeldScale>& scale = sampler_.Scale();
+  const bool fits = isLoaded_ && scale && scale->quantity == QuantityFor(shown_.Field(), wishes_) &&
+                    scale->result == StatisticResultOf(shown_.Field());
+  if (!fits) BeginScale();
   ShowPicture();
 }
 
@@ -291,7 +300,7 @@ void frmView::ObeyViewSettings() {
   ui_->mnuCoordSystem->setChecked(choices.coordinateSystem);
   ui_->mnuHeader->setChecked(choices.header);
   ui_->mnuVectorField->setChecked(choices.arrows);
-  if (field.showTable) ui_->mnuTable->setChecked(true);
+  ui_->mnuTable->setChecked(wishesTable_.value_or(field.showTable));
 }
 
 void frmView::BeginScale() {
@@ -365,10 +374,10 @@ void frmView::AskLimits() {
                                   ? NumberText(wishes_.limits->lower, 6) + "; " + NumberText(wishes_.limits->upper, 6)
                                   : std::string();
          ;) {
-      const auto answer = dialogs_.AskText(
-          {.title = "QuiverionView  -  Grenzen der Farbskala",
-           .prompt = "Kleinster und größter Wert, durch ein Semikolon getrennt; nichts für automatische Grenzen:",
-           .preset = preset});
+      const auto answer = dialogs_.AskText({.title = "QuiverionView  -  Grenzen der Farbskala",
+                                            .prompt = "Kleinster und größter Wert, durch ein Semikolon getrennt; ohne "
+                                                      "Eingabe wie in der Datei oder automatisch:",
+                                            .preset = preset});
       if (!answer) return;
       const auto limits = TypedNumbers(*answer);
       const bool automatic = TrimBlanks(*answer).empty();

@@ -98,6 +98,7 @@ class frmView : public QMainWindow {
   bool isLoaded_ = false;
   FieldSeries series_;
   ViewWishes wishes_;
+  std::optional<bool> wishesTable_;  // what somebody has chosen
   ScaleSampler sampler_;
   ParameterWindows dialogs_{*this, messages_};
   VectorTable table_;

@@ -27,6 +27,7 @@ void ScaleSampler::Begin(const FieldSeries& series, ShownField& shown, Quantity 
   left_.erase(left_.begin());  // the one that is shown
   std::ranges::reverse(left_);
   quantity_ = quantity;
+  result_ = StatisticResultOf(shown.Field());
   values_.emplace(quantity);
   values_->Add(shown.Field(), shown.Values(quantity).grid);
   scale_.reset();
@@ -49,11 +50,11 @@ void ScaleSampler::AddNext() {
   left_.pop_back();
   context_.abortCurrentFile = false;
   LoadOriginalFile(context_, path);
-  if (!context_.abortCurrentFile) values_->Add(context_.field);
+  if (!context_.abortCurrentFile && StatisticResultOf(context_.field) == result_) values_->Add(context_.field);
 }
 
 void ScaleSampler::Conclude() {
-  scale_ = HeldScale{quantity_, values_->Reference(), values_->BarLimits()};
+  scale_ = HeldScale{quantity_, result_, values_->Reference(), values_->BarLimits()};
   if (!left_.empty()) return;
   context_.field = {};  // its memory
 }

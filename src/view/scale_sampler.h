@@ -21,7 +21,7 @@ class ScaleSampler : public QObject {
   ScaleSampler(FileSystem& files, const Clock& clock, std::function<void()> changed);
 
   /// Begins anew for a quantity, with the field that is shown. The scale of another series or quantity is forgotten.
-  /// Other fields do not count if one of them alone fills much memory.
+  /// Other fields do not count if they are results of another statistic, or if one alone fills much memory.
   void Begin(const FieldSeries& series, ShownField& shown, Quantity quantity);
 
   const std::optional<HeldScale>& Scale() const { return scale_; }
@@ -40,6 +40,7 @@ class ScaleSampler : public QObject {
   std::vector<std::string> left_;  // last one first
   std::optional<SeriesScale> values_;
   Quantity quantity_ = Quantity::none;
+  std::optional<StatisticResult> result_;
   std::optional<HeldScale> scale_;
 };
 

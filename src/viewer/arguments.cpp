@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <ranges>
+#include <tuple>
 
 #include "cli/exit_code.h"
 #include "cli/german_usage.h"
@@ -37,7 +37,8 @@ std::optional<std::pair<double, double>> TwoNumbers(std::string_view text, char 
 
 // An option whose text `read` understands; false is a usage error.
 template <class Read>
-CLI::Option* AddParsed(CLI::App& app, const std::string& name, const std::string& help, Read read) {
+CLI::Option* AddParsed(CLI::App& app, const std::string& name, const std::string& value, const std::string& help,
+                       Read read) {
   return app
       .add_option_function<std::string>(
           name,
@@ -45,7 +46,7 @@ CLI::Option* AddParsed(CLI::App& app, const std::string& name, const std::string
             if (!read(text)) throw CLI::ValidationError(name + ": '" + text + "'");
           },
           help)
-      ->type_name("");
+      ->type_name(value);
 }
 
 std::string QuantityNames() {
@@ -54,52 +55,62 @@ std::string QuantityNames() {
   return names;
 }
 
+// "800x600", within what can be drawn.
+bool ReadSize(const std::string& text, PictureOptions& options) {
+  const auto size = TwoNumbers(text, 'x');
+  const auto fits = [](double side) {
+    return side >= kSmallestSide && side <= kLargestSide && side == std::floor(side);
+  };
+  if (!size || !fits(size->first) || !fits(size->second) || size->first * size->second > kLargestArea) return false;
+  std::tie(options.width, options.height) = *size;
+  return true;
+}
+
+bool ReadQuantity(const std::string& text, PictureOptions& options) {
+  const auto& all = AllQuantities();
+  const auto found = std::ranges::find(all, std::string_view(text), &QuantityTexts::option);
+  if (found != all.end()) options.background = found->quantity;
+  return found != all.end();
+}
+
+bool ReadLimits(const std::string& text, PictureOptions& options) {
+  const auto limits = TwoNumbers(text, ':');
+  if (limits && limits->first < limits->second) options.limits = Limits{limits->first, limits->second};
+  return options.limits.has_value();
+}
+
+bool ReadReference(const std::string& text, PictureOptions& options) {
+  const auto speed = NumberOf(text);
+  if (speed && *speed > 0.0) options.reference = speed;
+  return options.reference.has_value();
+}
+
+bool ReadStep(const std::string& text, PictureOptions& options) {
+  const auto count = NumberOf(text);
+  const bool whole = count && *count >= 0.0 && *count <= 1E9 && *count == std::floor(*count);
+  if (whole) options.step = static_cast<std::size_t>(*count);
+  return whole;
+}
+
 void AddOptions(CLI::App& app, PictureOptions& options, std::vector<std::string>& files) {
   app.add_option("DATEI", files, "Vektorfelder (VAS, DAT, VEC), auch Verzeichnisse")->type_name("");
   CLI::Option* const picture =
       app.add_option("--picture", options.output,
                      "ein Bild schreiben: *.png, *.svg oder *.pdf, bei mehreren Dateien ein Verzeichnis")
-          ->type_name("");
-  AddParsed(app, "--size", "Größe des Bildes in Pixeln, BREITExHÖHE (1200x900)", [&](const std::string& text) {
-    const auto size = TwoNumbers(text, 'x');
-    if (!size) return false;
-    const auto [width, height] = *size;
-    const auto fits = [](double side) {
-      return side >= kSmallestSide && side <= kLargestSide && side == std::floor(side);
-    };
-    if (!fits(width) || !fits(height) || width * height > kLargestArea) return false;
-    options.width = width;
-    options.height = height;
-    return true;
-  })->needs(picture);
-  AddParsed(app, "--background", "Größe hinter den Pfeilen: " + QuantityNames(), [&](const std::string& text) {
-    const auto& all = AllQuantities();
-    const auto found = std::ranges::find(all, std::string_view(text), &QuantityTexts::option);
-    if (found != all.end()) options.background = found->quantity;
-    return found != all.end();
-  })->needs(picture);
-  AddParsed(app, "--limits", "Grenzen der Farbskala, VON:BIS", [&](const std::string& text) {
-    const auto limits = TwoNumbers(text, ':');
-    if (limits && limits->first < limits->second) options.limits = Limits{limits->first, limits->second};
-    return options.limits.has_value();
-  })->needs(picture);
-  AddParsed(app, "--reference", "Geschwindigkeit in m/s, deren Pfeil 0,9 Gitterabstände lang ist",
-            [&](const std::string& text) {
-              const auto speed = NumberOf(text);
-              if (speed && *speed > 0.0) options.reference = speed;
-              return options.reference.has_value();
-            })
-      ->needs(picture);
+          ->type_name("BILD");
+  const auto add = [&](const char* name, const char* value, const std::string& help, auto read) {
+    return AddParsed(app, name, value, help, [&options, read](const std::string& text) { return read(text, options); })
+        ->needs(picture);
+  };
+  add("--size", "BxH", "Größe des Bildes in Pixeln, Breite x Höhe (1200x900)", ReadSize);
+  add("--background", "GRÖSSE", "was hinter den Pfeilen steht: " + QuantityNames(), ReadQuantity);
+  add("--limits", "VON:BIS", "Grenzen der Farbskala", ReadLimits);
+  add("--reference", "V", "Geschwindigkeit in m/s, deren Pfeil 0,9 Gitterabstände lang ist", ReadReference);
   CLI::Option* const macro =
       app.add_option("--macro", options.macro, "das Feld nach diesem Makro zeigen; geschrieben wird nur das Bild")
-          ->type_name("")
+          ->type_name("M.mak")
           ->needs(picture);
-  AddParsed(app, "--step", "nur die ersten K Befehle des Makros", [&](const std::string& text) {
-    const auto count = NumberOf(text);
-    if (count && *count >= 0.0 && *count <= 1E9 && *count == std::floor(*count))
-      options.step = static_cast<std::size_t>(*count);
-    return options.step.has_value();
-  })->needs(macro);
+  add("--step", "K", "nur die ersten K Befehle des Makros", ReadStep)->needs(macro);
 }
 
 }  // namespace

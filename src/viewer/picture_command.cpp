@@ -136,6 +136,7 @@ class PictureRun {
     if (!loaded || session_.context.runHadError) terminal_.PrintError(lines.Text());
     if (!loaded) return false;
     PictureChoices choices = ChoicesOf(session_.context.field);
+    choices.processed = !session_.macro.empty();
     choices.width = options_.width;
     choices.height = options_.height;
     choices.reference = options_.reference ? options_.reference : common.reference;

@@ -64,10 +64,13 @@ TEST_F(PictureCommand, AnswersWrongCallsWithTwoAndWritesNothing) {
                                             {"--size", "100x100", "@f0.vas"},
                                             {"--picture", "@bilder", "@f0.vas", "@sub/f0.dat"},
                                             {"--farbe"}};
-  for (const auto& call : calls) EXPECT_EQ(Run(call), 2) << call.back() << err;
+  for (const auto& call : calls) {
+    EXPECT_EQ(Run(call), 2) << call.back() << err;
+    EXPECT_FALSE(err.empty());
+  }
   EXPECT_EQ(place.Files(), before);
   EXPECT_EQ(Run({"--help"}), 0);
-  EXPECT_NE(out.find("--background (nur mit): --picture"), std::string::npos) << out;
+  EXPECT_NE(out.find("--background GRÖSSE nur mit: --picture"), std::string::npos) << out;
   EXPECT_EQ(Run({"@f0.vas"}), -1) << "the window";
 }
 

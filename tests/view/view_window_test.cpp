@@ -133,15 +133,15 @@ TEST_F(ViewWindow, ADamagedFileIsSaidInItsPlace) {
 
 TEST_F(ViewWindow, ReadsValuesAndDifferences) {
   Open({"serie/f0.vas"});
-  const QPoint a = PlaceOf("i 3   j 2   "), b = PlaceOf("i 9   j 7   ");
+  const QPoint a = PlaceOf("i 3  j 2  "), b = PlaceOf("i 9  j 7  ");
   EXPECT_NE(Status().find("gültig (1)"), std::string::npos) << Status();
   QTest::mouseClick(&View(), Qt::LeftButton, {}, a);
-  EXPECT_TRUE(Text("lblPoints").starts_with("i 3   j 2   x ")) << Text("lblPoints");
+  EXPECT_TRUE(Text("lblPoints").starts_with("i 3  j 2  x ")) << Text("lblPoints");
   EXPECT_EQ(Text("lblPoints").find("Abstand"), std::string::npos);
   QTest::mouseClick(&View(), Qt::LeftButton, {}, b);
   EXPECT_NE(Text("lblPoints").find("\nAbstand "), std::string::npos);
   Key(Qt::Key_Right);
-  EXPECT_EQ(Text("lblPoints").find("i 3   j 2   x "), 0u) << "the same points in the next field";
+  EXPECT_EQ(Text("lblPoints").find("i 3  j 2  x "), 0u) << "the same points in the next field";
   Key(Qt::Key_Right);
   EXPECT_TRUE(Text("lblPoints").empty()) << "the damaged field has no points";
   QTest::mouseClick(&View(), Qt::LeftButton, {}, a);
@@ -162,7 +162,7 @@ void Drag(QWidget& view, QPoint from, QPoint to, Qt::KeyboardModifiers keys) {
 
 TEST_F(ViewWindow, ZoomsMovesAndMeasures) {
   Open({"serie/f0.vas"});
-  const QPoint a = PlaceOf("i 3   j 2   "), b = PlaceOf("i 9   j 7   ");
+  const QPoint a = PlaceOf("i 3  j 2  "), b = PlaceOf("i 9  j 7  ");
   const auto under = [&](QPoint at) {
     QTest::mouseMove(&View(), at + QPoint(1, 0));
     QTest::mouseMove(&View(), at);
