@@ -38,18 +38,18 @@ struct PictureChoices {
   bool arrows = true;
   bool coordinateSystem = false;  ///< lines at the ticks, and both axes through (0, 0)
   bool equalScales = true;
-  std::optional<Extent> view;  ///< the part that is shown; everything if none
+  std::optional<Extent> view{};  ///< the part that is shown; everything if none
 
   ArrowMode mode = ArrowMode::proportional;
   ArrowAnchor anchor = ArrowAnchor::middle;
   double factor = 1.0;                      ///< of the length of arrows
-  std::optional<double> reference;          ///< m/s; that of the field if none
+  std::optional<double> reference{};        ///< m/s; that of the field if none
   double subtractU = 0.0, subtractV = 0.0;  ///< m/s, from every vector that is drawn
   double spacing = 8.0;                     ///< pixels between neighbouring arrows
   bool quick = false;                       ///< while something moves: single vectors of a fine grid are not marked
 
   Quantity quantity = Quantity::none;
-  std::optional<Limits> limits;  ///< of the colour bar; automatic if none
+  std::optional<Limits> limits{};  ///< of the colour bar; automatic if none
   std::array<bool, kStatusKinds> hidden{};
   bool processed = false;  ///< commands have worked on the field since it was loaded
 };

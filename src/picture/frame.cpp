@@ -90,8 +90,8 @@ Frame::Margins Frame::MarginsFor(double leftLabels, double rightLabels) const {
 }
 
 PlotMap Frame::MapWithin(const Margins& margins) const {
-  const Rectangle area{margins.left, margins.top, choices_.width - margins.left - margins.right,
-                       choices_.height - margins.top - margins.bottom};
+  const Rectangle area{margins.left, margins.top, std::max(choices_.width - margins.left - margins.right, 1.0),
+                       std::max(choices_.height - margins.top - margins.bottom, 1.0)};
   return MapOf(choices_.view.value_or(summary_.extent), area, choices_.equalScales);
 }
 

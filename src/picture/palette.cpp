@@ -98,7 +98,7 @@ PaletteScale::PaletteScale(const Limits& limits) {
   const double side = std::max(-limits.lower, limits.upper);
   const double lower = diverging ? -side : limits.lower;
   const double half = diverging ? side : limits.upper / 2.0 - limits.lower / 2.0;  // the whole may be no double
-  factor_ = static_cast<double>(kPaletteSize - 1) / 2.0 / half;
+  factor_ = static_cast<double>(kPaletteSize - 1) / 2.0 / std::max(half, 1E-300);
   zero_ = lower;
 }
 

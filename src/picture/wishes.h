@@ -10,8 +10,8 @@ enum class Subtracted { nothing, mean, typed };
 
 /// What a person has chosen while looking at a series. Whatever is not chosen is as each file says.
 struct ViewWishes {
-  std::optional<Quantity> quantity;  ///< as in the file if none
-  std::optional<Limits> limits;      ///< typed ones
+  std::optional<Quantity> quantity{};  ///< as in the file if none
+  std::optional<Limits> limits{};      ///< typed ones
   ArrowMode mode = ArrowMode::proportional;
   ArrowAnchor anchor = ArrowAnchor::middle;
   double factor = 1.0;  ///< of the length, besides that of the file
@@ -19,7 +19,7 @@ struct ViewWishes {
   double subtractU = 0.0, subtractV = 0.0;  ///< m/s, if typed
   bool holdScale = true;                    ///< one scale for the whole series
   bool equalScales = true;
-  std::optional<bool> coordinateSystem, header, arrows;
+  std::optional<bool> coordinateSystem{}, header{}, arrows{};
   std::array<bool, kStatusKinds> hidden{};
 };
 
