@@ -31,15 +31,11 @@ void AppendHead(Shapes& shapes, Point tail, Point direction, double reach, doubl
 double ArrowLength(const ArrowScale& scale, double speed) {
   if (!std::isfinite(speed) || speed == 0.0 || !(scale.reference > 0.0)) return 0.0;
   const double full = kStepsAtReference * scale.step * scale.factor;
-  const double part = speed / scale.reference;
-  switch (scale.mode) {
-    case ArrowMode::equalLength:
-      return full;
-    case ArrowMode::squareRoot:
-      return full * std::sqrt(part);
-    default:
-      return full * part;
-  }
+  const double part = scale.mode == ArrowMode::equalLength  ? 1.0
+                      : scale.mode == ArrowMode::squareRoot ? std::sqrt(speed / scale.reference)
+                                                            : speed / scale.reference;
+  const double length = full * part;
+  return std::isnan(length) ? 0.0 : length;  // infinitely many times nothing
 }
 
 void AppendArrow(Shapes& shapes, const ArrowScale& scale, Point at, double u, double v) {

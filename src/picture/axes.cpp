@@ -8,6 +8,7 @@ namespace quiverion {
 namespace {
 
 constexpr double kFarthest = 1E300;
+constexpr double kSmallestStep = 1E-290;  // mm; pixels per mm are finite
 
 double MedianStep(const std::vector<double>& positions) {
   std::vector<double> steps;
@@ -57,7 +58,7 @@ void SetOuterEdges(AxisPlaces& axis, double otherStep) {
   const double first = axis.positions.front(), last = axis.positions.back();
   double step = axis.step > 0.0 ? axis.step : otherStep > 0.0 ? otherStep : 1.0;
   // Far from 0 a step may be less than the distance of two doubles.
-  step = std::max(step, std::max(std::fabs(first), std::fabs(last)) * 1E-12);
+  step = std::max({step, std::fabs(first) * 1E-12, std::fabs(last) * 1E-12, kSmallestStep});
   axis.edges = {first - step / 2.0};
   for (std::size_t k = 1; k < axis.positions.size(); ++k) {
     axis.edges.push_back(std::midpoint(axis.positions[k - 1], axis.positions[k]));
