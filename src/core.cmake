@@ -2,7 +2,8 @@
 quiverion_library(messages SOURCES
   failure.cpp system_error.cpp)
 quiverion_library(platform USES messages SOURCES
-  files/file_system.cpp files/paths.cpp files/result_file.cpp files/write_retry.cpp
+  files/file_system.cpp files/overlay_files.cpp files/paths.cpp files/result_file.cpp
+  files/write_retry.cpp
   numeric/float_errors.cpp
   text/decimal_digits.cpp text/decimal_value.cpp text/numbers.cpp text/text.cpp
   ${QUIVERION_SYSTEM}/clock.cpp ${QUIVERION_SYSTEM}/environment.cpp ${QUIVERION_SYSTEM}/file_system.cpp
@@ -24,6 +25,10 @@ quiverion_library(operations USES field SOURCES
   kernels/compare_median_ranks.cpp kernels/compare_selection_sort.cpp kernels/derived_scalar.cpp
   kernels/faulty_vectors.cpp kernels/filter_kernel.cpp kernels/interpolation.cpp
   kernels/mathematical.cpp kernels/velocity_changes.cpp kernels/vortex_maxima.cpp)
+quiverion_library(picture USES operations SOURCES
+  arrows.cpp axes.cpp compose.cpp frame.cpp palette.cpp plot_items.cpp profile_picture.cpp
+  quantities.cpp readout.cpp scales.cpp shown_field.cpp
+  statuses.cpp svg.cpp wishes.cpp)
 quiverion_library(export USES operations SOURCES
   table_writer.cpp text_exports.cpp)
 quiverion_library(statistics USES operations SOURCES

@@ -26,7 +26,10 @@ quiverion_windows(dialogs USES macro SOURCES
   ${QUIVERION_SYSTEM}/native.cpp ${QUIVERION_SYSTEM}/qt_paths.cpp)
 target_sources(quiverion_dialogs PRIVATE dialogs/widgets/icons.qrc)
 target_link_libraries(quiverion_dialogs PUBLIC Qt6::PrintSupport)
-quiverion_windows(app USES dialogs SOURCES
+quiverion_windows(view USES picture dialogs SOURCES
+  field_series.cpp field_view.cpp frmView.cpp picture_files.cpp picture_painter.cpp profile_view.cpp
+  scale_sampler.cpp vector_table.cpp)
+quiverion_windows(app USES view SOURCES
   directory_list.cpp file_list.cpp frmMain.cpp navigation.cpp qt_user_interface.cpp
   statistics_flow.cpp
   ${QUIVERION_SYSTEM}/drives.cpp)
@@ -35,4 +38,20 @@ target_link_libraries(QuiverionSeries PRIVATE quiverion_app)
 set_target_properties(QuiverionSeries PROPERTIES WIN32_EXECUTABLE TRUE QUIVERION_WINDOWS TRUE)
 if(WIN32)
   quiverion_describe(QuiverionSeries "${PROJECT_DESCRIPTION}")
+endif()
+
+# The viewer: a window, or pictures without one.
+if(QUIVERION_CLI)
+  quiverion_windows(viewer USES view cli SOURCES
+    arguments.cpp picture_command.cpp)
+  target_include_directories(quiverion_viewer PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/generated)
+  if(NOT WIN32)
+    target_link_libraries(quiverion_viewer PRIVATE CLI11::CLI11)
+  endif()
+  add_executable(QuiverionView viewer/main.cpp)
+  target_link_libraries(QuiverionView PRIVATE quiverion_viewer)
+  set_target_properties(QuiverionView PROPERTIES WIN32_EXECUTABLE TRUE QUIVERION_WINDOWS TRUE)
+  if(WIN32)
+    quiverion_describe(QuiverionView "Vektorfelder ansehen")
+  endif()
 endif()

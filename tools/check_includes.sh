@@ -20,6 +20,7 @@ declare -A allowed=(
   [field/formats]="$core"
   [operations/kernels]="$core"
   [operations/commands]="operations/kernels $core"
+  [picture]="operations $core"
   [export]="operations $core"
   [statistics]="operations $core"
   [macro]="statistics export operations $core"
@@ -30,9 +31,11 @@ declare -A allowed=(
   [dialogs/posix]="dialogs/widgets $core Qt"
   [dialogs/windows]="dialogs/widgets platform/windows $core Qt"
   [dialogs]="dialogs macro statistics export operations $core Qt"
+  [view]="picture dialogs macro statistics export operations $core Qt"
+  [viewer]="view cli picture dialogs macro statistics export operations $core version.h CLI Qt"
   [app/posix]="app dialogs $core Qt"
   [app/windows]="app dialogs $core Qt"
-  [app]="dialogs macro statistics export operations $core Qt"
+  [app]="view picture dialogs macro statistics export operations $core Qt"
 )
 
 # Whether a file of the folder `room` may include the file `target` in the folder `home`.

@@ -24,7 +24,12 @@
 #include "dialogs/widgets/message_box.h"
 #include "dialogs/widgets/qt_text.h"
 #include "macro/macro_file.h"
+#include "macro/run_driver.h"
 #include "macro/series_files.h"
+#include "messages/silent_user_interface.h"
+#include "platform/files/overlay_files.h"
+#include "platform/files/paths.h"
+#include "view/frmView.h"
 
 namespace quiverion {
 namespace {
@@ -36,6 +41,7 @@ class Shots {
 
   void TakeAll() {
     Windows();
+    Viewer();
     ParameterWindowsWithDefaults();
     Collection();
     HelpWindow();
@@ -84,6 +90,30 @@ class Shots {
     frmShowProgress progress(ui_);
     progress.Show({12, 5, 4, "run05.vec", "Fehlerhafte Vektoren suchen", true});
     Show(progress, "frmShowProgress");
+  }
+
+  // Fields in memory, with rejected and filled vectors over their vorticity.
+  void Viewer() {
+    OverlayFiles overlay(*files_);
+    SilentUserInterface ui;
+    RunLog log;
+    Session session{overlay, ui, log, clock_};
+    session.inputDirectory = WithSeparator(series_);
+    session.selectedFiles = Names();
+    const MacroEvent search = Macro()[1];
+    MacroEvent save(10001);
+    save.Set("Prefix", std::string("Ansicht/"));
+    save.Set("Postfix", std::string());
+    session.macro = {search, MacroEvent(40001), search, MacroEvent(50103), save};
+    RunMacro(session);
+
+    frmView viewer({overlay, clock_, [] {}});
+    viewer.OpenPaths({WithSeparator(series_) + "Ansicht/run01.vas"});
+    // Without their mean, the velocities show the vortices.
+    for (const char* item : {"mnuSubtractMean", "mnuLonger"}) viewer.findChild<QAction*>(item)->trigger();
+    Show(viewer, "frmView");
+    viewer.findChild<QAction*>("mnuTable")->trigger();
+    Show(viewer, "frmView-Tabelle");
   }
 
   template <class Window>
@@ -168,7 +198,7 @@ class Shots {
   }
 
   void Menus() {
-    for (const char* name : {"mnuFile", "mnuStatistics", "mnuHelpMenu"}) {
+    for (const char* name : {"mnuFile", "mnuStatistics", "mnuTools", "mnuHelpMenu"}) {
       QMenu* const menu = main_.findChild<QMenu*>(name);
       menu->popup(main_.mapToGlobal(QPoint(0, 20)));
       Save(*menu, name);

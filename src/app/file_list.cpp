@@ -44,6 +44,11 @@ void FileList::ShowDirectory(const std::string& directory) {
   directory_ = directory;
 }
 
+std::string FileList::CurrentName() const {
+  const QModelIndex current = currentIndex();
+  return current.isValid() ? model_->Names()[static_cast<std::size_t>(current.row())] : std::string();
+}
+
 std::vector<std::string> FileList::SelectedNames() const {
   std::vector<std::string> names;
   const std::vector<std::string>& all = model_->Names();

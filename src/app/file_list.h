@@ -39,6 +39,9 @@ class FileList : public QListView {
   /// exist stay selected.
   void ShowDirectory(const std::string& directory);
 
+  /// The name that has the keyboard's focus; empty if there is none.
+  std::string CurrentName() const;
+
   /// Selected names in the order of the list.
   std::vector<std::string> SelectedNames() const;
   void SelectNames(const std::vector<std::string>& names);

@@ -57,7 +57,9 @@ frmMain::frmMain(const Machine& machine, QWidget* parent)
   ui_->lstMacroList->setFocus();
 }
 
-frmMain::~frmMain() = default;
+frmMain::~frmMain() {
+  delete viewer_;
+}
 
 void frmMain::Guarded(std::string_view topic, const std::function<void()>& action) {
   dialogs_.SetTopic(topic);
@@ -100,6 +102,8 @@ void frmMain::ConnectFileControls() {
   for (QAbstractItemView* const list : std::initializer_list<QAbstractItemView*>{ui_->Directory, ui_->Files}) {
     new RightButton(*list, [this] { ReadLists(); });
   }
+  connect(ui_->Files, &QListView::doubleClicked, this,
+          [this](const QModelIndex&) { ShowField(ui_->Files->CurrentName()); });
   ui_->Drive->installEventFilter(new NoWheel(ui_->Drive));
   connect(ui_->Drive, &QComboBox::activated, this, &frmMain::ChangeDrive);
   AddShortcut(Qt::CTRL | Qt::Key_A, this, Qt::WindowShortcut, [this] {
@@ -121,6 +125,10 @@ void frmMain::ConnectMenus() {
     auto* const item = findChild<QAction*>(ToQt(texts.item));
     connect(item, &QAction::triggered, this, [this, &texts] { RunStatistic(texts); });
   }
+  connect(ui_->mnuShowField, &QAction::triggered, this, [this] {
+    const std::vector<std::string> selected = ui_->Files->SelectedNames();
+    ShowField(selected.empty() ? std::string() : selected.front());
+  });
   connect(ui_->mnuEditCollection, &QAction::triggered, this, &frmMain::EditCollection);
   connect(ui_->mnuShowHelp, &QAction::triggered, this, [this] { Guarded({}, [this] { help_.ShowContents(); }); });
   connect(ui_->mnuHelpIndex, &QAction::triggered, this, [this] { Guarded({}, [this] { help_.ShowIndex(); }); });
@@ -322,6 +330,20 @@ void frmMain::ShowCollection(const std::string& path) {
   if (!window.FillListBox()) return;
   RunModal(window);
   if (window.ProgramMustEnd()) Quit();
+}
+
+void frmMain::ShowField(const std::string& name) {
+  Guarded("mnuShowField", [&] {
+    if (viewer_ == nullptr) {
+      viewer_ = new frmView({machine_.files, machine_.clock, [this] { help_.ShowFor(*viewer_); }});
+      viewer_->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    const std::string& directory = ui_->Directory->Path();
+    viewer_->show();
+    viewer_->OpenPaths({name.empty() ? directory : WithSeparator(directory) + name});
+    viewer_->raise();
+    viewer_->activateWindow();
+  });
 }
 
 void frmMain::ComputationStarted() {

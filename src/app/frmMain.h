@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -15,6 +16,7 @@
 #include "dialogs/macro_editing.h"
 #include "dialogs/parameters/parameter_windows.h"
 #include "macro/session.h"
+#include "view/frmView.h"
 
 namespace Ui {
 class frmMain;
@@ -100,6 +102,9 @@ class frmMain : public QMainWindow, public MainWindow {
   // During a statistic, refuses a second entry point with a message. True if it was refused.
   bool RefuseWhileBusy(std::string_view title);
 
+  // Opens the viewer, or the one that is open, with a file of the list or, if there is none, with the directory.
+  void ShowField(const std::string& name);
+
   void ShowLog();
 
   // Shows the hidden window at its old position; the window manager would choose a new one.
@@ -116,6 +121,7 @@ class frmMain : public QMainWindow, public MainWindow {
   ParameterWindows dialogs_{*this, messages_};
   MacroEditing editing_{session_, dialogs_};
   Help help_{machine_.helpFile, [this] { return dialogs_.Topic(); }, *this, messages_};
+  QPointer<frmView> viewer_;  // deletes itself when it is closed
   std::vector<std::string> drives_;
   bool quitting_ = false;
   std::unique_ptr<Ui::frmMain> ui_;

@@ -16,6 +16,7 @@ class GermanHelp : public CLI::Formatter {
     label("POSITIONALS", "Argumente");
     label("Positionals", "Argumente");
     label("TEXT", "TEXT");
+    label("Needs", "nur mit");
     column_width(34);
   }
   std::string make_usage(const CLI::App* app, std::string name) const override {
@@ -52,6 +53,9 @@ inline std::string UsageMessage(const CLI::App& app, const CLI::ParseError& erro
     return "Unbekanntes Argument: " + what.substr(what.find(": ") == std::string::npos ? 0 : what.find(": ") + 2);
   }
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) return "Wert fehlt oder ist zu viel: " + name;
+  if (dynamic_cast<const CLI::RequiresError*>(&error)) {  // "--step requires --macro"
+    return name + " geht nur mit " + what.substr(what.rfind(' ') + 1);
+  }
   if (dynamic_cast<const CLI::RequiredError*>(&error)) {
     const std::vector<std::string> unknown = app.remaining(true);
     if (!unknown.empty()) return "Unbekannter Befehl: " + unknown.front();

@@ -106,7 +106,7 @@ TEST_F(Manual, ContentsAndIndexReachEverything) {
   for (const HelpEntry& keyword : help.Keywords()) EXPECT_FALSE(keyword.text.trimmed().isEmpty());
   // Parameter windows lead to the command whose parameters they ask for.
   const QStringList parameterWindows = {"frmFaultVectors", "frmMirrorOptions", "frmXYTrafo", "frmEditVector"};
-  for (const char* layer : {"/dialogs", "/app"}) {
+  for (const char* layer : {"/dialogs", "/view", "/app"}) {
     QDirIterator forms(QString(WINDOW_FORMS) + layer, {"*.ui"}, QDir::Files, QDirIterator::Subdirectories);
     while (forms.hasNext()) {
       const QString window = QFileInfo(forms.next()).baseName();
@@ -115,7 +115,7 @@ TEST_F(Manual, ContentsAndIndexReachEverything) {
     }
   }
   for (const char* item : {"mnuOpenMacroList", "mnuSaveMacroList", "mnuEditCollection", "mnuAverage", "mnuStdDeviation",
-                           "mnuAvgUsAndVs", "mnuAvgUsTimesVs", "mnuTu", "mnuDissipation"}) {
+                           "mnuAvgUsAndVs", "mnuAvgUsTimesVs", "mnuTu", "mnuDissipation", "mnuShowField"}) {
     EXPECT_FALSE(help.TargetOf(item).isEmpty()) << item;
   }
 }

@@ -40,13 +40,15 @@ inline void Type(QWidget& window, const char* box, const char* text) {
   QTest::keyClicks(&edit, text);
 }
 
-/// Fails the test if a label, a button or a box of a shown window is smaller than its text, or if a control that takes
+/// Fails the test if a visible label, button or box of a shown window is smaller than its text, or if a control that takes
 /// the focus has neither a text nor a name for screen readers.
 inline void ExpectReadable(const QWidget& window) {
   for (const auto* control : window.findChildren<QWidget*>()) {
     const QString name = control->objectName();
     // Parts that the widgets create themselves have no name.
-    if (name.isEmpty() || name.startsWith("qt_") || qobject_cast<const QToolButton*>(control) != nullptr) continue;
+    if (!control->isVisible() || name.isEmpty() || name.startsWith("qt_") ||
+        qobject_cast<const QToolButton*>(control) != nullptr)
+      continue;
     const auto* const button = qobject_cast<const QAbstractButton*>(control);
     if (button != nullptr || qobject_cast<const QLabel*>(control) != nullptr) {
       QSize needed = control->minimumSizeHint();

@@ -35,6 +35,12 @@ struct VorticityFormula {
   }
 };
 
+struct DivergenceFormula {
+  QUIVERION_ALWAYS_INLINE double operator()(double dudx, double /*dudy*/, double /*dvdx*/, double dvdy) const {
+    return dudx + dvdy;
+  }
+};
+
 struct SwirlFormula {
   QUIVERION_ALWAYS_INLINE double operator()(double dudx, double dudy, double dvdx, double dvdy) const {
     const double halfTrace = (dudx + dvdy) / 2.0;
@@ -47,6 +53,8 @@ struct SwirlFormula {
 
 QUIVERION_MULTI_TARGET_CALL(InnerVorticity, (const RowInput& in, double* target), (in, target),
                             InnerPoints(in, target, VorticityFormula{}))
+QUIVERION_MULTI_TARGET_CALL(InnerDivergence, (const RowInput& in, double* target), (in, target),
+                            InnerPoints(in, target, DivergenceFormula{}))
 QUIVERION_MULTI_TARGET_CALL(InnerSwirl, (const RowInput& in, double* target), (in, target),
                             InnerPoints(in, target, SwirlFormula{}))
 
@@ -79,6 +87,10 @@ void Calculate(VectorField& field, Inner inner, Formula formula, CheckedFormula 
 
 void CalcVorticity(VectorField& field) {
   Calculate(field, InnerVorticity, plain::Vorticity<double>, plain::Vorticity<CheckedReal>);
+}
+
+void CalcDivergence(VectorField& field) {
+  Calculate(field, InnerDivergence, plain::Divergence<double>, plain::Divergence<CheckedReal>);
 }
 
 void CalcSwirlingStrength(VectorField& field) {

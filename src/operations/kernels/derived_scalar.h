@@ -2,7 +2,7 @@
 
 #include "field/vector_field.h"
 
-/// Vorticity and squared swirling strength on the grid of a field, from difference quotients of its
+/// Vorticity, divergence and squared swirling strength on the grid of a field, from difference quotients of its
 /// velocities.
 ///
 /// Neighbours of a point are the next columns and rows; one that is invalid or outside the grid is replaced by the
@@ -15,6 +15,9 @@ namespace quiverion {
 /// positions are error 11): in column-by-column order, the points before it have their new value, the others the old
 /// one.
 void CalcVorticity(VectorField& field);
+
+/// derivedScalar = du/dx + dv/dy in 1/s. Errors as CalcVorticity.
+void CalcDivergence(VectorField& field);
 
 /// derivedScalar = square of the imaginary part of the velocity gradient's complex eigenvalues in 1/s², 0 if they are
 /// real, negative if the flow turns clockwise (du/dy >= dv/dx). Errors as CalcVorticity. (Zhou, Adrian, Balachandar,

@@ -42,6 +42,11 @@ Real Vorticity(const VelocityGradient<Real>& g) {
 }
 
 template <class Real>
+Real Divergence(const VelocityGradient<Real>& g) {
+  return g.DuDx() + g.DvDy();
+}
+
+template <class Real>
 Real SwirlingStrength(const VelocityGradient<Real>& g) {
   const Real dudx = g.DuDx(), dudy = g.DuDy(), dvdx = g.DvDx(), dvdy = g.DvDy();
   const Real halfTrace = (dudx + dvdy) / 2.0;

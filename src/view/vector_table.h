@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QAbstractTableModel>
+
+#include "field/vector_field.h"
+#include "picture/statuses.h"
+
+namespace quiverion {
+
+/// All vectors of a field, row by row of its grid. Nothing is stored, so that a field of 16 million vectors scrolls like
+/// a small one.
+class VectorTable : public QAbstractTableModel {
+  Q_OBJECT
+
+ public:
+  enum Column { column, row, x, y, u, v, speed, status, kColumnCount };
+
+  using QAbstractTableModel::QAbstractTableModel;
+
+  /// The field must outlive the model, or the next call; null for none.
+  void ShowField(const VectorField* field);
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+  /// The text of a cell, with a decimal comma.
+  QString Text(int tableRow, int tableColumn) const;
+
+ private:
+  const VectorField* field_ = nullptr;
+};
+
+/// Selected rows as text: columns separated by tabs, a line with the names first.
+QString RowsAsText(const VectorTable& table, const std::vector<int>& rows);
+
+}  // namespace quiverion
