@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the package on a minimal fresh Debian, uses both programs, and removes it: try_install.sh DEB DIRECTORY
+# Installs the package on a minimal fresh Debian, uses all programs, and removes it: try_install.sh DEB DIRECTORY
 set -euo pipefail
 package=$1 root=$2
 mirror=$(apt-get indextargets --format '$(SITE) $(RELEASE)' "Created-By: Packages" | sort -u | awk '$2 !~ /-/ {print $1; exit}')
@@ -26,6 +26,15 @@ if [ "$code" != 124 ] || grep -v propagateSizeHints "$root.out"; then
   exit 1
 fi
 inside sh -c 'test "$(stat -c %s "$(dirname "$(readlink -f /usr/bin/QuiverionSeries)")/Quiverion.hlp")" -gt 100000'
+echo "== The viewer: a picture without a display"
+printf '%s\n' '"Korvo"' >"$root/tmp/kein.dat"
+code=0
+inside QuiverionView --picture /tmp/a.png /tmp/kein.dat >"$root.out" 2>&1 || code=$?
+[ "$code" = 1 ] && [ ! -e "$root/tmp/a.png" ] || { cat "$root.out"; exit 1; }
+build/bin/make_sample_series "$root/tmp/serie" --count 1 >/dev/null
+inside QuiverionView --picture /tmp/a.png /tmp/serie/run01.vas
+[ "$(head -c 4 "$root/tmp/a.png" | tail -c 3)" = PNG ]
+grep -q 'x-quiverion-vector-field=org.quiverion.QuiverionView.desktop' "$root/usr/share/applications/mimeinfo.cache"
 grep -q x-quiverion-macro "$root/usr/share/mime/globs"
 grep -q x-quiverion-collection "$root/usr/share/applications/mimeinfo.cache"
 echo "== Removing"

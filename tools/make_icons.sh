@@ -12,7 +12,7 @@ for drawing in *.svg; do
     rsvg-convert -w $size -h $size "$drawing" -o "$work/$size.png"
     pictures+=("$work/$size.png")
   done
-  if [ "$name" = program ]; then  # Windows shows it large; only for this size is PNG supported everywhere
+  if [ "$name" = program ] || [ "$name" = viewer ]; then  # Windows shows it large; only for this size is PNG supported everywhere
     rsvg-convert -w 256 -h 256 "$drawing" -o "$work/256.png"
     pictures+=("--raw=$work/256.png")
   else

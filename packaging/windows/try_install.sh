@@ -33,15 +33,19 @@ use() {
   disown
   local window width  # of the main window, not of a message
   for _ in {1..60}; do
-    for window in $(xdotool search --onlyvisible --name '^QuiverionSeries' 2>/dev/null); do
+    for window in $(xdotool search --onlyvisible --name "$title" 2>/dev/null); do
       width=$(xdotool getwindowgeometry --shell "$window" 2>/dev/null | sed -n 's/^WIDTH=//p') || continue
       [ "${width:-0}" -le 600 ] || return 0
     done
     sleep 0.5
   done
-  fail "${*:2} zeigt nicht das Hauptfenster"
+  fail "${*:2} zeigt nicht das Fenster $title"
 }
-close_window() { run taskkill /f /im QuiverionSeries.exe >/dev/null; wineserver -w; }
+close_window() {
+  run taskkill /f /im QuiverionSeries.exe >/dev/null 2>&1 || true
+  run taskkill /f /im QuiverionView.exe >/dev/null 2>&1 || true
+  wineserver -w
+}
 
 echo "== A fresh Windows 10"
 Xvfb -displayfd 3 -screen 0 1280x960x24 3>display >/dev/null 2>&1 &
@@ -62,6 +66,8 @@ for file in zip/*.dll; do
 done
 
 try_scope() {
+  local title=^QuiverionSeries
+  [[ $8 != *.vas ]] || title='QuiverionView$'
   local scope=$1 hive=$2 environment=$3 directory=$4 menu=$5 entries=$6 cli=$7 start=$8
   local place=wine/drive_c/${directory#*:\\} key code old
   place=${place//\\//}
@@ -77,12 +83,15 @@ try_scope() {
   expect "version" "$(value "$hive\\$uninstall" /v DisplayVersion)" "$(basename "$setup" -Setup.exe | cut -d- -f2)"
   expect "files" "$(diff -rq zip "$place")" "Only in $place: Entfernen.exe"
   expect "search path" "$(path_of "$environment")" "    Path    REG_EXPAND_SZ    $old;$directory\\cli"
-  [ -f "wine/drive_c/$menu/QuiverionSeries.lnk" ] || fail "im Startmenü fehlt das Programm"
+  for name in QuiverionSeries QuiverionView; do
+    [ -f "wine/drive_c/$menu/$name.lnk" ] || fail "im Startmenü fehlt $name"
+  done
   expect "foreign type" "$(value "$hive\\Software\\Classes\\.mak" /ve)" Fremd.Makro
   for type in mak:Makro vas:Vektorfeld col:Kollektion; do
-    key=$hive\\Software\\Classes\\QuiverionSeries.${type#*:}
-    expect "$type" "$(value "$key\\shell\\open\\command" /ve)" "\"$directory\\QuiverionSeries.exe\" \"%1\""
-    expect "$type" "$(value "$key\\DefaultIcon" /ve)" "$directory\\QuiverionSeries.exe,0"
+    key=$hive\\Software\\Classes\\QuiverionSeries.${type#*:} program=QuiverionSeries.exe
+    [ "$type" != vas:Vektorfeld ] || program=QuiverionView.exe
+    expect "$type" "$(value "$key\\shell\\open\\command" /ve)" "\"$directory\\$program\" \"%1\""
+    expect "$type" "$(value "$key\\DefaultIcon" /ve)" "$directory\\$program,0"
     run reg query "$hive\\Software\\Classes\\.${type%:*}\\OpenWithProgids" | grep -q "QuiverionSeries.${type#*:}" || fail "$type"
   done
   expect "own type" "$(value "$hive\\Software\\Classes\\.vas" /ve)" QuiverionSeries.Vektorfeld
@@ -120,7 +129,14 @@ try_scope AllUsers HKLM 'HKLM\SYSTEM\CurrentControlSet\Control\Session Manager\E
   'ProgramData/Microsoft/Windows/Start Menu/Programs' 3 quiverionseries-cli.exe series/run01.vas
 
 echo "== The ZIP"
+title=^QuiverionSeries
 use zip/cli/quiverionseries-cli.exe zip/QuiverionSeries.exe
 close_window
+for kind in png svg pdf; do
+  run zip/QuiverionView.exe --picture "bild.$kind" --background vorticity series/run01.vas
+  [ -s "bild.$kind" ] || fail "QuiverionView schreibt kein Bild ($kind)"
+done
+code=0 && timeout 60 wine zip/QuiverionView.exe --picture x.png nix.vas 2>nix.txt || code=$?
+expect "an unreadable field" "$code $(grep -c FEHLER nix.txt)" "1 1"
 echo "== Done"
 cd / && rm -rf "$root"

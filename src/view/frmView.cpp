@@ -12,6 +12,7 @@
 #include <algorithm>
 
 #include "dialogs/widgets/guarded.h"
+#include "dialogs/widgets/icons.h"
 #include "dialogs/widgets/native.h"
 #include "dialogs/widgets/qt_text.h"
 #include "dialogs/widgets/run_modal.h"
@@ -68,7 +69,9 @@ frmView::frmView(const ViewServices& services, QWidget* parent)
       sampler_(services.files, services.clock, [this] { ShowPicture(); }),
       ui_(std::make_unique<Ui::frmView>()) {
   log_.Attach(logText_);
+  UseIcons();
   ui_->setupUi(this);
+  setWindowIcon(QIcon(":/icons/viewer.ico"));
   setProperty("helpTopic", "frmView");
   AddQuantities();
   ConnectFileMenu();

@@ -1,8 +1,10 @@
 #include <QApplication>
 #include <QHashFunctions>
+#include <algorithm>
 
 #include "dialogs/application.h"
 #include "dialogs/help/help.h"
+#include "dialogs/widgets/native.h"
 #include "dialogs/widgets/qt_text.h"
 #include "platform/files/paths.h"
 #include "platform/process/clock.h"
@@ -16,7 +18,7 @@ namespace {
 // Pictures need fonts, but no display. The fonts of a PDF are in the order of a hash, which must not be another one each
 // time. What Qt notices about the environment is no message of this program.
 void PrepareDrawing() {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
+  DrawWithoutDisplay();
   QHashSeed::setDeterministicGlobalSeed();
   qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
 }
@@ -26,7 +28,9 @@ void PrepareDrawing() {
 int main(int argc, char** argv) {
   using namespace quiverion;
   PrepareProcess();
-  const ViewerArguments arguments = ReadArguments(CommandLineArguments(argc, argv));
+  const std::vector<std::string> words = CommandLineArguments(argc, argv);
+  if (std::ranges::any_of(words, [](const std::string& word) { return word.starts_with('-'); })) UseCallersConsole();
+  const ViewerArguments arguments = ReadArguments(words);
   if (arguments.exitCode) return *arguments.exitCode;
   if (arguments.picture) PrepareDrawing();
   int count = 1;  // not even Qt's options

@@ -12,4 +12,8 @@ bool CanAskHowToPrint(const QPrinter& /*printer*/) {
 
 void ChooseFonts() {}
 
+void DrawWithoutDisplay() {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
 }  // namespace quiverion

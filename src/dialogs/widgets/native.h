@@ -13,6 +13,9 @@ void SetSaveFilters(QFileDialog& dialog, const QStringList& filters);
 /// Whether the print dialog can be used. On Windows it needs a printer; elsewhere it can always print to a file.
 bool CanAskHowToPrint(const QPrinter& printer);
 
+/// Before the application is created: it needs no display, only fonts. On Windows there always is one.
+void DrawWithoutDisplay();
+
 /// Sets the fonts to use if that of the system is not installed.
 void ChooseFonts();
 

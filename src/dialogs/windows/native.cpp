@@ -38,4 +38,7 @@ void ChooseFonts() {
   }
 }
 
+// Without a display Qt would have no fonts here.
+void DrawWithoutDisplay() {}
+
 }  // namespace quiverion

@@ -145,4 +145,6 @@ void PrepareProcess() {
 #endif
 }
 
+void UseCallersConsole() {}
+
 }  // namespace quiverion

@@ -39,6 +39,10 @@ void CatchAbortRequests();
 /// True once such a request has been received.
 bool AbortRequested();
 
+/// For a program with windows that is called for its answer: its standard streams are those of the console that it was
+/// called from, unless they lead elsewhere already. Systems other than Windows do so by themselves.
+void UseCallersConsole();
+
 /// main calls this first. A broken pipe and a file beyond the allowed size become write errors instead of ending the
 /// program. A closed standard stream is occupied, so that no file opened later takes its number and receives what is
 /// printed. Freed memory, up to 256 MB, is kept instead of returned to the system, because the next command of a run

@@ -217,4 +217,16 @@ void PrepareProcess() {
   }
 }
 
+void UseCallersConsole() {
+  bool attached = false;
+  for (const DWORD stream : {STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
+    const HANDLE handle = ::GetStdHandle(stream);
+    if (handle != nullptr && handle != INVALID_HANDLE_VALUE && ::GetFileType(handle) != FILE_TYPE_UNKNOWN) continue;
+    attached = attached || ::AttachConsole(ATTACH_PARENT_PROCESS) != 0;
+    if (!attached) return;
+    ::SetStdHandle(stream, ::CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                         nullptr, OPEN_EXISTING, 0, nullptr));
+  }
+}
+
 }  // namespace quiverion
