@@ -18,7 +18,7 @@ namespace {
 // Pictures need fonts, but no display. The fonts of a PDF are in the order of a hash, which must not be another one each
 // time. What Qt notices about the environment is no message of this program.
 void PrepareDrawing() {
-  DrawWithoutDisplay();
+  quiverion::DrawWithoutDisplay();
   QHashSeed::setDeterministicGlobalSeed();
   qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
 }
