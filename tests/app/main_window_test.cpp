@@ -74,6 +74,36 @@ TEST_F(MainWindow, AVanishedDirectoryIsSaidAndLeft) {
   script.said.clear();  // the reason is the system's
 }
 
+// The viewer that is open; null if there is none.
+frmView* Viewer() {
+  for (QWidget* const window : QApplication::topLevelWidgets()) {
+    if (auto* const viewer = qobject_cast<frmView*>(window); viewer != nullptr && viewer->isVisible()) return viewer;
+  }
+  return nullptr;
+}
+
+TEST_F(MainWindow, FieldsAreSeenInOneViewer) {
+  Open();
+  QTest::keyClick(window.get(), Qt::Key_F3);
+  ASSERT_NE(Viewer(), nullptr);
+  EXPECT_EQ(Viewer()->CurrentPath(), place.At("serie/a.dat")) << "nothing is selected: the directory";
+  const frmView* const first = Viewer();
+  const QRect third = Files().visualRect(Files().model()->index(2, 0));
+  QTest::mouseClick(Files().viewport(), Qt::LeftButton, {}, third.center());
+  QTest::mouseDClick(Files().viewport(), Qt::LeftButton, {}, third.center());
+  EXPECT_EQ(Viewer()->CurrentPath(), place.At("serie/C.VEC"));
+  EXPECT_EQ(Viewer(), first);
+  EXPECT_FALSE(Viewer()->isModal());
+  Viewer()->close();
+  window->activateWindow();
+  EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  EXPECT_EQ(Viewer(), nullptr);
+  QTest::keyClick(window.get(), Qt::Key_F3);
+  EXPECT_NE(Viewer(), nullptr);
+  window.reset();
+  EXPECT_EQ(Viewer(), nullptr) << "it closes with the program";
+}
+
 // What the window system sends for files that are dropped.
 void Drop(QWidget& window, const Names& paths) {
   QMimeData data;
