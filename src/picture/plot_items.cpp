@@ -57,7 +57,9 @@ CellAxis CellAxisOf(const AxisPlaces& axis, double begin, double length, EdgeOf 
   }
   const double first = std::max(lowEdge(visible.front()), begin), last = std::min(highEdge(visible.back()), end);
   std::size_t n = 0;
-  for (double edge = first; edge < last; edge += 1.0) {
+  const auto pixels = static_cast<std::int32_t>(std::ceil(last - first));
+  for (std::int32_t k = 0; k < pixels; ++k) {
+    const double edge = first + k;
     while (n + 1 < visible.size() && highEdge(visible[n]) <= edge + 0.5) ++n;
     cells.edges.push_back(edge);
     cells.places.push_back(visible[n]);

@@ -104,8 +104,9 @@ std::vector<ProfileValue> ProfileAlong(const VectorField& field, const FieldSumm
   if (!(length > 0.0) || !std::isfinite(length) || !(step > 0.0)) return profile;
   const double count =
       std::min(std::ceil(length / step), 4.0 * (field.columnCount + static_cast<double>(field.rowCount)) + 4.0);
-  for (double k = 0.0; k <= count; ++k) {
-    const Point at{from.x + (to.x - from.x) * k / count, from.y + (to.y - from.y) * k / count};
+  for (std::int64_t k = 0; k <= static_cast<std::int64_t>(count); ++k) {
+    const double part = static_cast<double>(k) / count;
+    const Point at{from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part};
     const auto point = PointNear(summary, at);
     if (!point || (!profile.empty() && profile.back().point == *point)) continue;
     const VectorValues values = ValuesAt(field, *point);

@@ -51,7 +51,10 @@ Ticks TicksBetween(double lower, double upper, int atMost) {
   const double begin = std::ceil(lower / ticks.step - 1E-9);
   const double end = std::floor(upper / ticks.step + 1E-9);
   if (!(std::fabs(begin) < 1E15) || !(std::fabs(end) < 1E15)) return ticks;  // the step is lost in rounding
-  for (double k = begin; k <= end; ++k) ticks.values.push_back(k == 0.0 ? 0.0 : k * ticks.step);
+  const auto last = static_cast<std::int64_t>(end);
+  for (auto k = static_cast<std::int64_t>(begin); k <= last; ++k) {
+    ticks.values.push_back(static_cast<double>(k) * ticks.step);
+  }
   return ticks;
 }
 

@@ -140,7 +140,7 @@ class ContentUpdatedFile : public ContentFile<UpdatedFile> {
 
 class ContentOutputFile : public OutputFile {
  public:
-  using Finish = std::function<void(std::string)>;
+  using Finish = std::function<void(const std::string&)>;
   ContentOutputFile(bool isNew, Finish finish) : isNew_(isNew), finish_(std::move(finish)) {}
 
   std::size_t WriteSome(const void* source, std::size_t size) override {
@@ -148,7 +148,7 @@ class ContentOutputFile : public OutputFile {
     return size;
   }
   bool IsNew() const override { return isNew_; }
-  void Commit() override { finish_(std::move(bytes_)); }
+  void Commit() override { finish_(bytes_); }
 
  private:
   bool isNew_;
@@ -225,7 +225,7 @@ std::unique_ptr<InputFile> OverlayFiles::OpenForReading(const std::string& path)
 
 std::unique_ptr<OutputFile> OverlayFiles::CreateResultFile(const std::string& path, ExistingFile existing) {
   RequireWritable(path);
-  return std::make_unique<ContentOutputFile>(!Exists(path), [this, path, existing](std::string bytes) {
+  return std::make_unique<ContentOutputFile>(!Exists(path), [this, path, existing](const std::string& bytes) {
     if (existing == ExistingFile::keep && Exists(path)) throw SystemError(ErrorNumber::pathAccess);
     Entry& entry = EntryOf(path);
     entry.inPlace = false;
@@ -237,7 +237,7 @@ std::unique_ptr<OutputFile> OverlayFiles::CreateResultFile(const std::string& pa
 std::unique_ptr<OutputFile> OverlayFiles::OpenForAppending(const std::string& path) {
   RequireWritable(path);
   const bool isNew = !Exists(path);
-  return std::make_unique<ContentOutputFile>(isNew, [this, path, isNew](std::string bytes) {
+  return std::make_unique<ContentOutputFile>(isNew, [this, path, isNew](const std::string& bytes) {
     if (isNew) EntryOf(path).content = std::make_shared<Content>();
     const std::shared_ptr<Content> content = ContentToChange(path);
     content->WriteAt(content->Size(), bytes);
