@@ -123,7 +123,7 @@ void Frame::ChooseMap() {
     }
     map_ = MapWithin(margins);
     const Extent& extent = map_.extent;
-    xTicks_ = TicksBetween(extent.left, extent.right, std::max(2, static_cast<int>(map_.plot.width / (6.0 * text_))));
+    xTicks_ = TicksBetween(extent.left, extent.right, std::max(1, static_cast<int>(map_.plot.width / (6.0 * text_))));
     yTicks_ = TicksBetween(extent.lower, extent.upper, std::max(2, static_cast<int>(map_.plot.height / (3.0 * text_))));
     barTicks_ = TicksBetween(limits_.lower, limits_.upper,
                              std::clamp(static_cast<int>(map_.plot.height / (3.0 * text_)), 2, 8));
@@ -282,13 +282,15 @@ void Frame::AddReferenceArrow() {
   std::string text = scale.mode == ArrowMode::equalLength ? "gleiche Länge"
                                                           : NumberText(speed, 4) + " " + std::string(components.uUnit);
   if (scale.mode == ArrowMode::squareRoot) text += " (Wurzel)";
-  const Point end{map_.plot.Right(), map_.plot.Bottom() + kTick * text_ + 2.1 * text_};
-  AddLabel(end, text, Align::end);
   const double length = std::min(std::fabs(ArrowLength(scale, speed)), kLongestArrow * scale.step);
+  const double width = length + TextWidth(CharacterCount(text) + 1);
+  // Below the right corner of the plot, but not on the name of the axis.
+  const double right = std::max(map_.plot.Right(), map_.plot.left + map_.plot.width / 2.0 + 3.0 * text_ + width);
+  const Point end{right, map_.plot.Bottom() + kTick * text_ + 2.1 * text_};
+  AddLabel(end, text, Align::end);
   ArrowScale drawn = scale;
   drawn.anchor = ArrowAnchor::tail;
-  AppendArrow(AddShapes(ink_, 1.2), drawn, {end.x - TextWidth(CharacterCount(text) + 1) - length, end.y},
-              scale.factor < 0.0 ? -speed : speed, 0.0);
+  AppendArrow(AddShapes(ink_, 1.2), drawn, {end.x - width, end.y}, scale.factor < 0.0 ? -speed : speed, 0.0);
 }
 
 Label& Frame::AddLabel(Point at, std::string text, Align align) {

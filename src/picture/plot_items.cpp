@@ -299,7 +299,7 @@ ArrowScale ScaleOf(const FieldSummary& summary, const PictureChoices& choices, c
   return {.mode = choices.mode,
           .anchor = choices.anchor,
           .reference = choices.reference.value_or(summary.reference),
-          .step = std::min({stepX, stepY, std::max(map.plot.width, map.plot.height)}),
+          .step = std::min({stepX, stepY, std::max(map.plot.width, map.plot.height) / 4.0}),  // of a few vectors
           .factor = choices.factor};
 }
 
