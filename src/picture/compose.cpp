@@ -167,7 +167,10 @@ double SeriesScale::Reference() {
 }
 
 Limits SeriesScale::BarLimits() {
-  return RobustLimits(extremes_, TextsOf(quantity_).isSigned);
+  constexpr std::size_t kFew = 5;  // of so few fields none is left out
+  std::vector<double> extremes = extremes_;
+  if (!extremes.empty() && extremes.size() < kFew) std::ranges::fill(extremes, std::ranges::max(extremes));
+  return RobustLimits(extremes, TextsOf(quantity_).isSigned);
 }
 
 }  // namespace quiverion

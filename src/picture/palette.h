@@ -4,8 +4,8 @@
 
 #include "picture/picture.h"
 
-/// Colours for values. Neighbouring colours of a palette differ by the same amount everywhere (in Oklab, Ottosson 2020),
-/// and lightness alone tells their order, so that every kind of colour vision and grey print can read them.
+/// Colours for values. Neighbouring colours of a palette differ by the same amount everywhere (in Oklab, Ottosson
+/// 2020), and lightness alone tells their order, so that every kind of colour vision and grey print can read them.
 namespace quiverion {
 
 /// An odd number of colours: the middle one of a diverging palette stands for 0.
