@@ -225,7 +225,9 @@ void UseCallersConsole() {
   const HANDLE output = HandleOf(StandardStream::output), error = HandleOf(StandardStream::error);
   const bool keepsOutput = ::GetFileType(output) != FILE_TYPE_UNKNOWN;
   const bool keepsError = ::GetFileType(error) != FILE_TYPE_UNKNOWN;
-  if ((keepsOutput && keepsError) || ::AttachConsole(ATTACH_PARENT_PROCESS) == 0) return;
+  if (keepsOutput && keepsError) return;
+  // ERROR_ACCESS_DENIED: the process already has a console.
+  if (::AttachConsole(ATTACH_PARENT_PROCESS) == 0 && ::GetLastError() != ERROR_ACCESS_DENIED) return;
   // Attaching replaces both handles, even one that leads to a file.
   ::SetStdHandle(STD_OUTPUT_HANDLE, keepsOutput ? output : openConsole());
   ::SetStdHandle(STD_ERROR_HANDLE, keepsError ? error : openConsole());
