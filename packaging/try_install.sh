@@ -12,31 +12,47 @@ mount -t proc proc "$root/proc"
 inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 HOME=/root DEBIAN_FRONTEND=noninteractive "$@"; }
 cp "$package" "$root/tmp/"
 echo "== Installing"
-inside apt-get -qq install -y --no-install-recommends "/tmp/$(basename "$package")" shared-mime-info desktop-file-utils >>"$root.log" 2>&1 ||
+inside apt-get -qq install -y --no-install-recommends "/tmp/$(basename "$package")" shared-mime-info desktop-file-utils libglib2.0-bin >>"$root.log" 2>&1 ||
   { tail -20 "$root.log"; exit 1; }
 echo "== The command line"
 inside quiverionseries-cli --version
 inside quiverionseries-cli commands >/dev/null
-echo "== The desktop program: still there after five seconds, without a word"
-code=0
 inside mkdir -m 700 /tmp/runtime
-inside env QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR=/tmp/runtime timeout 5 QuiverionSeries >"$root.out" 2>&1 || code=$?
-if [ "$code" != 124 ] || grep -v propagateSizeHints "$root.out"; then
-  echo "ended with $code"
-  exit 1
-fi
-inside sh -c 'test "$(stat -c %s "$(dirname "$(readlink -f /usr/bin/QuiverionSeries)")/Quiverion.hlp")" -gt 100000'
-echo "== The viewer: a picture without a display"
-printf '%s\n' '"Korvo"' >"$root/tmp/kein.dat"
+for program in QuiverionSeries QuiverionView; do
+  echo "== $program: still there after five seconds, without a word; its manual is next to it"
+  code=0
+  inside env QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR=/tmp/runtime timeout 5 "$program" >"$root.out" 2>&1 || code=$?
+  if [ "$code" != 124 ] || grep -v propagateSizeHints "$root.out"; then
+    echo "ended with $code"
+    exit 1
+  fi
+  inside sh -c "test \"\$(stat -c %s \"\$(dirname \"\$(readlink -f /usr/bin/$program)\")/Quiverion.hlp\")\" -gt 100000"
+done
+echo "== The viewer: pictures without a display"
+build/bin/make_sample_series "$root/tmp/serie" --count 3 >/dev/null
+printf '%s\n' 'Date' >"$root/tmp/other.dat"
+for field in run01.vas run02.dat run03.vec; do
+  inside QuiverionView --picture /tmp/field.png "/tmp/serie/$field"
+  inside grep -qa PNG /tmp/field.png
+  rm "$root/tmp/field.png"
+done
 code=0
-inside QuiverionView --picture /tmp/a.png /tmp/kein.dat >"$root.out" 2>&1 || code=$?
-[ "$code" = 1 ] && [ ! -e "$root/tmp/a.png" ] || { cat "$root.out"; exit 1; }
-build/bin/make_sample_series "$root/tmp/serie" --count 1 >/dev/null
-inside QuiverionView --picture /tmp/a.png /tmp/serie/run01.vas
-[ "$(head -c 4 "$root/tmp/a.png" | tail -c 3)" = PNG ]
-grep -q 'x-quiverion-vector-field=org.quiverion.QuiverionView.desktop' "$root/usr/share/applications/mimeinfo.cache"
+inside QuiverionView --picture /tmp/field.png /tmp/other.dat >"$root.out" 2>&1 || code=$?
+[ "$code" = 1 ] && [ ! -e "$root/tmp/field.png" ] || { cat "$root.out"; exit 1; }
+echo "== File types: what a double-click opens"
+while read -r file type program; do
+  inside gio info -a standard::content-type "/tmp/$file" | grep -qx "  standard::content-type: $type"
+  [ -z "$program" ] || inside gio mime "$type" | grep "^Default" | grep -q "org.quiverion.$program.desktop"
+done <<'TYPES'
+serie/run01.vas application/x-quiverion-vector-field QuiverionView
+serie/run02.dat application/x-korvo-vector-field QuiverionView
+serie/run03.vec application/x-davis-vector-field QuiverionView
+other.dat text/plain
+TYPES
+for type in macro collection; do
+  inside gio mime "application/x-quiverion-$type" | grep "^Default" | grep -q org.quiverion.QuiverionSeries.desktop
+done
 grep -q x-quiverion-macro "$root/usr/share/mime/globs"
-grep -q x-quiverion-collection "$root/usr/share/applications/mimeinfo.cache"
 echo "== Removing"
 inside apt-get -qq purge -y quiverionseries >>"$root.log" 2>&1
 if find "$root/usr" "$root/etc" | grep -i quiverion; then

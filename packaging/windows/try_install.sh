@@ -132,9 +132,12 @@ echo "== The ZIP"
 title=^QuiverionSeries
 use zip/cli/quiverionseries-cli.exe zip/QuiverionSeries.exe
 close_window
-for kind in png svg pdf; do
-  run zip/QuiverionView.exe --picture "bild.$kind" --background vorticity series/run01.vas
-  [ -s "bild.$kind" ] || fail "QuiverionView schreibt kein Bild ($kind)"
+for field in run01.vas run02.dat run03.vec; do
+  for kind in png svg pdf; do
+    run zip/QuiverionView.exe --picture "picture.$kind" --background vorticity "series/$field"
+    head -c 100 "picture.$kind" | grep -qai "$kind" || fail "QuiverionView zeichnet $field nicht als $kind"
+    rm "picture.$kind"
+  done
 done
 code=0 && timeout 60 wine zip/QuiverionView.exe --picture x.png nix.vas 2>nix.txt || code=$?
 expect "an unreadable field" "$code $(grep -c FEHLER nix.txt)" "1 1"

@@ -218,15 +218,19 @@ void PrepareProcess() {
 }
 
 void UseCallersConsole() {
-  bool attached = false;
-  for (const DWORD stream : {STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
-    const HANDLE handle = ::GetStdHandle(stream);
-    if (handle != nullptr && handle != INVALID_HANDLE_VALUE && ::GetFileType(handle) != FILE_TYPE_UNKNOWN) continue;
-    attached = attached || ::AttachConsole(ATTACH_PARENT_PROCESS) != 0;
-    if (!attached) return;
-    ::SetStdHandle(stream, ::CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                         nullptr, OPEN_EXISTING, 0, nullptr));
-  }
+  const auto openConsole = [] {
+    return ::CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                         OPEN_EXISTING, 0, nullptr);
+  };
+  const HANDLE output = HandleOf(StandardStream::output), error = HandleOf(StandardStream::error);
+  const bool keepsOutput = ::GetFileType(output) != FILE_TYPE_UNKNOWN;
+  const bool keepsError = ::GetFileType(error) != FILE_TYPE_UNKNOWN;
+  if (keepsOutput && keepsError) return;
+  // ERROR_ACCESS_DENIED: the process already has a console.
+  if (::AttachConsole(ATTACH_PARENT_PROCESS) == 0 && ::GetLastError() != ERROR_ACCESS_DENIED) return;
+  // Attaching replaces both handles, even one that leads to a file.
+  ::SetStdHandle(STD_OUTPUT_HANDLE, keepsOutput ? output : openConsole());
+  ::SetStdHandle(STD_ERROR_HANDLE, keepsError ? error : openConsole());
 }
 
 }  // namespace quiverion
