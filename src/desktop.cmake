@@ -27,8 +27,8 @@ quiverion_windows(dialogs USES macro SOURCES
 target_sources(quiverion_dialogs PRIVATE dialogs/widgets/icons.qrc)
 target_link_libraries(quiverion_dialogs PUBLIC Qt6::PrintSupport)
 quiverion_windows(view USES picture dialogs SOURCES
-  field_series.cpp field_view.cpp frmView.cpp picture_files.cpp picture_painter.cpp profile_view.cpp
-  scale_sampler.cpp vector_table.cpp)
+  asked_numbers.cpp field_series.cpp field_view.cpp frmView.cpp picture_files.cpp picture_output.cpp
+  picture_painter.cpp profile_view.cpp scale_sampler.cpp vector_table.cpp)
 quiverion_windows(app USES view SOURCES
   directory_list.cpp file_list.cpp frmMain.cpp navigation.cpp qt_user_interface.cpp
   statistics_flow.cpp

@@ -6,57 +6,29 @@
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QMimeData>
-#include <QPrintDialog>
-#include <QPrinter>
 #include <QShortcut>
 #include <algorithm>
 
 #include "dialogs/widgets/guarded.h"
 #include "dialogs/widgets/icons.h"
-#include "dialogs/widgets/native.h"
 #include "dialogs/widgets/qt_text.h"
-#include "dialogs/widgets/run_modal.h"
 #include "field/formats/load_original_file.h"
 #include "picture/frame.h"
-#include "picture/scales.h"
 #include "platform/files/paths.h"
-#include "platform/text/numbers.h"
-#include "platform/text/text.h"
 #include "ui_frmView.h"
-#include "view/picture_files.h"
-#include "view/picture_painter.h"
+#include "view/asked_numbers.h"
+#include "view/picture_output.h"
 
 namespace quiverion {
 namespace {
 
-constexpr double kLonger = 1.25;            // factor of the length of arrows for one key
-constexpr double kScaleOfFiles = 2.0;       // pixels of a PNG or of the clipboard for one of the window
-constexpr std::size_t kMostRows = 1000000;  // of the table that are copied
-constexpr int kTen = 10;                    // fields for one page key
+constexpr double kLonger = 1.25;  // factor of the length of arrows for one key
+constexpr int kTen = 10;          // fields for one page key
 
 QAction* CheckIn(QActionGroup* group, QAction* action, bool checked) {
   group->addAction(action);
   action->setChecked(checked);
   return action;
-}
-
-// "1,5" and "1.5"; none if this is no number.
-std::optional<double> TypedNumber(std::string text) {
-  std::ranges::replace(text, ',', '.');
-  const std::string_view number = TrimBlanks(text);
-  if (number.empty()) return std::nullopt;
-  NumberPrefix read;
-  if (Attempt([&] { read = ReadNumberPrefix(number); }) || read.length != number.size()) return std::nullopt;
-  return read.value;
-}
-
-// Two numbers with a semicolon between them.
-std::optional<std::pair<double, double>> TypedNumbers(const std::string& text) {
-  const std::size_t at = text.find(';');
-  if (at == std::string::npos) return std::nullopt;
-  const auto first = TypedNumber(text.substr(0, at)), second = TypedNumber(text.substr(at + 1));
-  if (!first || !second) return std::nullopt;
-  return std::pair(*first, *second);
 }
 
 }  // namespace
@@ -129,9 +101,14 @@ void frmView::AddQuantities() {
 void frmView::ConnectFileMenu() {
   connect(ui_->mnuOpen, &QAction::triggered, this, &frmView::ChooseFiles);
   connect(ui_->mnuReload, &QAction::triggered, this, &frmView::Reload);
-  connect(ui_->mnuSavePicture, &QAction::triggered, this, &frmView::SavePictureAs);
-  connect(ui_->mnuCopyPicture, &QAction::triggered, this, &frmView::CopyPicture);
-  connect(ui_->mnuPrint, &QAction::triggered, this, &frmView::Print);
+  const auto onPicture = [this](QAction* item, std::function<void(const Picture&)> action) {
+    connect(item, &QAction::triggered, this, [this, action = std::move(action)] { WithPicture(action); });
+  };
+  onPicture(ui_->mnuSavePicture, [this](const Picture& picture) {
+    SavePictureAs({*this, services_.files, messages_, dialogs_}, picture, CurrentPath());
+  });
+  onPicture(ui_->mnuCopyPicture, CopyPicture);
+  onPicture(ui_->mnuPrint, [this](const Picture& picture) { PrintPicture(*this, messages_, picture); });
   connect(ui_->mnuClose, &QAction::triggered, this, &QWidget::close);
   connect(ui_->mnuShowHelp, &QAction::triggered, this, [this] { Guarded(services_.showHelp); });
   connect(ui_->mnuAbout, &QAction::triggered, this, [this] {
@@ -376,45 +353,32 @@ void frmView::SetPlaying(bool playing) {
 
 void frmView::AskLimits() {
   Guarded([this] {
-    for (std::string preset = wishes_.limits
-                                  ? NumberText(wishes_.limits->lower, 6) + "; " + NumberText(wishes_.limits->upper, 6)
-                                  : std::string();
-         ;) {
-      const auto answer = dialogs_.AskText({.title = "QuiverionView  -  Grenzen der Farbskala",
-                                            .prompt = "Kleinster und größter Wert, durch ein Semikolon getrennt; ohne "
-                                                      "Eingabe wie in der Datei oder automatisch:",
-                                            .preset = preset});
-      if (!answer) return;
-      const auto limits = TypedNumbers(*answer);
-      const bool automatic = TrimBlanks(*answer).empty();
-      if (automatic || (limits && limits->first < limits->second)) {
-        wishes_.limits.reset();
-        if (!automatic) wishes_.limits = Limits{limits->first, limits->second};
-        return ShowPicture();
-      }
-      messages_.Ask({.title = "QuiverionView  -  Grenzen der Farbskala",
-                     .text = "Das sind nicht zwei Zahlen, von denen die erste kleiner ist: '" + *answer + "'"});
-      preset = *answer;
-    }
+    std::string preset;
+    if (wishes_.limits) preset = TwoNumbersText(wishes_.limits->lower, wishes_.limits->upper);
+    const auto answer = AskTwoNumbers(dialogs_, messages_,
+                                      {.title = "QuiverionView  -  Grenzen der Farbskala",
+                                       .prompt = "Kleinster und größter Wert, durch ein Semikolon getrennt; ohne "
+                                                 "Eingabe wie in der Datei oder automatisch:",
+                                       .preset = preset},
+                                      TwoNumbersRule::ascendingOrNone);
+    if (!answer) return;
+    wishes_.limits.reset();
+    if (*answer) wishes_.limits = Limits{(*answer)->first, (*answer)->second};
+    ShowPicture();
   });
 }
 
 void frmView::AskVector() {
   Guarded([this] {
-    for (std::string preset = NumberText(wishes_.subtractU, 6) + "; " + NumberText(wishes_.subtractV, 6);;) {
-      const auto answer = dialogs_.AskText({.title = "QuiverionView  -  Geschwindigkeit abziehen",
-                                            .prompt = "x- und y-Komponente in m/s, durch ein Semikolon getrennt:",
-                                            .preset = preset});
-      const auto vector = answer ? TypedNumbers(*answer) : std::nullopt;
-      if (vector) {
-        wishes_.subtracted = Subtracted::typed;
-        std::tie(wishes_.subtractU, wishes_.subtractV) = *vector;
-        return;
-      }
-      if (!answer) break;
-      messages_.Ask({.title = "QuiverionView  -  Geschwindigkeit abziehen",
-                     .text = "Das sind nicht zwei Zahlen: '" + *answer + "'"});
-      preset = *answer;
+    const auto answer = AskTwoNumbers(dialogs_, messages_,
+                                      {.title = "QuiverionView  -  Geschwindigkeit abziehen",
+                                       .prompt = "x- und y-Komponente in m/s, durch ein Semikolon getrennt:",
+                                       .preset = TwoNumbersText(wishes_.subtractU, wishes_.subtractV)},
+                                      TwoNumbersRule::any);
+    if (answer) {
+      wishes_.subtracted = Subtracted::typed;
+      std::tie(wishes_.subtractU, wishes_.subtractV) = **answer;
+      return;
     }
     // Nothing has changed.
     ui_->mnuSubtractNothing->setChecked(wishes_.subtracted == Subtracted::nothing);
@@ -422,57 +386,10 @@ void frmView::AskVector() {
   });
 }
 
-void frmView::SavePictureAs() {
-  Guarded([this] {
-    if (!isLoaded_) return;
-    constexpr const char* title = "Bild speichern";
-    FileQuestion question{.kind = FileQuestion::Kind::save,
-                          .title = title,
-                          .filters = {"PNG-Bild (*.png)", "SVG-Bild (*.svg)", "PDF-Datei (*.pdf)"},
-                          .directory = std::string(DirectoryOf(CurrentPath())),
-                          .fileName = std::string(BaseNameOf(FileNameOf(CurrentPath()))) + ".png"};
-    const auto chosen = dialogs_.ChooseFile(question);
-    if (!chosen) return;
-    const std::string path = PictureFormatOf(*chosen) ? *chosen : *chosen + ".png";
-    if (FileExists(services_.files, path)) {
-      const MessageAnswer answer =
-          messages_.Ask({.title = title,
-                         .text = "'" + path + "' existiert bereits.\r\nSoll die Datei ersetzt werden?",
-                         .buttons = MessageButtons::yesNo,
-                         .preselected = MessageAnswer::no});
-      if (answer != MessageAnswer::yes) return;
-    }
-    const auto failure = SavePicture(services_.files, &messages_, path, ui_->FieldView->PictureForPaper(),
-                                     *PictureFormatOf(path), kScaleOfFiles);
-    if (failure) {
-      messages_.Ask({.title = title,
-                     .text = "Das Bild kann nicht gespeichert werden: '" + path + "'\r\n" + ErrorText(failure->error)});
-    }
-  });
-}
-
-void frmView::CopyPicture() {
-  if (isLoaded_) QGuiApplication::clipboard()->setImage(ImageOf(ui_->FieldView->PictureForPaper(), kScaleOfFiles));
-}
-
-void frmView::Print() {
-  Guarded([this] {
-    if (!isLoaded_) return;
-    QPrinter printer(QPrinter::HighResolution);
-    if (!CanAskHowToPrint(printer)) {
-      messages_.Ask({.title = "Bild drucken", .text = "Es ist kein Drucker eingerichtet!"});
-      return;
-    }
-    const Picture picture = ui_->FieldView->PictureForPaper();
-    if (picture.width > picture.height) printer.setPageOrientation(QPageLayout::Landscape);
-    QPrintDialog dialog(&printer, this);
-    dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
-    if (RunModal(dialog) != QDialog::Accepted) return;
-    QPainter painter(&printer);
-    const QRectF page = printer.pageLayout().paintRectPixels(printer.resolution());
-    const double scale = std::min(page.width() / picture.width, page.height() / picture.height);
-    painter.scale(scale, scale);
-    PaintPicture(painter, picture, kScaleOfFiles);
+// Does something with the picture as it is on paper, if there is one.
+void frmView::WithPicture(const std::function<void(const Picture&)>& action) {
+  Guarded([&] {
+    if (isLoaded_) action(ui_->FieldView->PictureForPaper());
   });
 }
 
@@ -501,20 +418,7 @@ void frmView::ShowPoints() {
 }
 
 void frmView::CopyRows() {
-  Guarded([this] {
-    std::vector<int> rows;
-    for (const QItemSelectionRange& range : ui_->tblVectors->selectionModel()->selection()) {
-      for (int row = range.top(); row <= range.bottom() && rows.size() <= kMostRows; ++row) rows.push_back(row);
-    }
-    if (rows.empty()) return;
-    if (rows.size() > kMostRows) {
-      messages_.Ask(
-          {.title = "Zeilen kopieren", .text = "Es können höchstens 1000000 Zeilen auf einmal kopiert werden!"});
-      return;
-    }
-    std::ranges::sort(rows);
-    QGuiApplication::clipboard()->setText(RowsAsText(table_, rows));
-  });
+  Guarded([this] { CopySelectedRows(table_, ui_->tblVectors->selectionModel()->selection(), messages_); });
 }
 
 void frmView::closeEvent(QCloseEvent* event) {

@@ -64,9 +64,7 @@ class frmView : public QMainWindow {
   void Guarded(const std::function<void()>& action);
 
   void ChooseFiles();
-  void SavePictureAs();
-  void CopyPicture();
-  void Print();
+  void WithPicture(const std::function<void(const Picture&)>& action);
   void AskLimits();
   void AskVector();
 

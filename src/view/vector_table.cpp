@@ -1,5 +1,9 @@
 #include "view/vector_table.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+#include <algorithm>
+
 #include "dialogs/widgets/qt_text.h"
 #include "picture/quantities.h"
 #include "picture/scales.h"
@@ -8,9 +12,25 @@ namespace quiverion {
 namespace {
 
 constexpr int kDigits = 7;
+constexpr std::size_t kMostRows = 1000000;
 
 QString Header(std::string_view name, std::string_view unit) {
   return unit.empty() ? ToQt(name) : ToQt(name) + " [" + ToQt(unit) + "]";
+}
+
+QString RowsAsText(const VectorTable& table, const std::vector<int>& rows) {
+  QString text;
+  for (int section = 0; section < VectorTable::kColumnCount; ++section) {
+    text += (section > 0 ? "\t" : "") + table.headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
+  }
+  text += '\n';
+  for (const int row : rows) {
+    for (int section = 0; section < VectorTable::kColumnCount; ++section) {
+      text += (section > 0 ? "\t" : "") + table.Text(row, section);
+    }
+    text += '\n';
+  }
+  return text;
 }
 
 }  // namespace
@@ -88,19 +108,18 @@ QVariant VectorTable::headerData(int section, Qt::Orientation orientation, int r
   }
 }
 
-QString RowsAsText(const VectorTable& table, const std::vector<int>& rows) {
-  QString text;
-  for (int section = 0; section < VectorTable::kColumnCount; ++section) {
-    text += (section > 0 ? "\t" : "") + table.headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
+void CopySelectedRows(const VectorTable& table, const QItemSelection& selection, UserInterface& messages) {
+  std::vector<int> rows;
+  for (const QItemSelectionRange& range : selection) {
+    for (int row = range.top(); row <= range.bottom() && rows.size() <= kMostRows; ++row) rows.push_back(row);
   }
-  text += '\n';
-  for (const int row : rows) {
-    for (int section = 0; section < VectorTable::kColumnCount; ++section) {
-      text += (section > 0 ? "\t" : "") + table.Text(row, section);
-    }
-    text += '\n';
+  if (rows.empty()) return;
+  if (rows.size() > kMostRows) {
+    messages.Ask({.title = "Zeilen kopieren", .text = "Es können höchstens 1000000 Zeilen auf einmal kopiert werden!"});
+    return;
   }
-  return text;
+  std::ranges::sort(rows);
+  QGuiApplication::clipboard()->setText(RowsAsText(table, rows));
 }
 
 }  // namespace quiverion

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QItemSelection>
 
 #include "field/vector_field.h"
+#include "messages/user_interface.h"
 #include "picture/statuses.h"
 
 namespace quiverion {
@@ -32,7 +34,7 @@ class VectorTable : public QAbstractTableModel {
   const VectorField* field_ = nullptr;
 };
 
-/// Selected rows as text: columns separated by tabs, a line with the names first.
-QString RowsAsText(const VectorTable& table, const std::vector<int>& rows);
+/// Copies the selected rows as text: columns separated by tabs, a line with the names first. Refuses more than a million.
+void CopySelectedRows(const VectorTable& table, const QItemSelection& selection, UserInterface& messages);
 
 }  // namespace quiverion
