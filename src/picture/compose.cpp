@@ -13,6 +13,7 @@ namespace quiverion {
 namespace {
 
 constexpr double kReferencePart = 0.95;
+constexpr double kExtremePart = 0.99;
 
 // Finite speeds of every `stride`-th valid vector.
 void AppendSpeeds(const VectorField& field, double subtractU, double subtractV, std::size_t stride,
@@ -151,7 +152,14 @@ void SeriesScale::Add(const VectorField& field, const Grid<double>* values) {
   std::size_t stride = field.status.Values().size() / perField_ + 1;
   while (std::gcd(stride, static_cast<std::size_t>(field.columnCount)) > 1) ++stride;  // not always the same columns
   AppendSpeeds(field, 0.0, 0.0, stride, speeds_);
-  if (values != nullptr) AppendValues(field, *values, stride, values_);
+  if (values == nullptr) return;
+  std::vector<double> ofField;
+  AppendValues(field, *values, stride, ofField);
+  if (ofField.empty()) return;
+  if (TextsOf(quantity_).isSigned) {
+    for (double& value : ofField) value = std::fabs(value);
+  }
+  extremes_.push_back(Quantile(ofField, kExtremePart));
 }
 
 double SeriesScale::Reference() {
@@ -159,7 +167,10 @@ double SeriesScale::Reference() {
 }
 
 Limits SeriesScale::BarLimits() {
-  return RobustLimits(values_, TextsOf(quantity_).isSigned);
+  constexpr std::size_t kFew = 5;  // of so few fields none is left out
+  std::vector<double> extremes = extremes_;
+  if (!extremes.empty() && extremes.size() < kFew) std::ranges::fill(extremes, std::ranges::max(extremes));
+  return RobustLimits(extremes, TextsOf(quantity_).isSigned);
 }
 
 }  // namespace quiverion

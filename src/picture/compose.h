@@ -105,7 +105,7 @@ class SeriesScale {
   Quantity quantity_;
   std::size_t perField_;
   std::vector<double> speeds_;
-  std::vector<double> values_;
+  std::vector<double> extremes_;  // one of each field, so that a broken field among them does not count
 };
 
 }  // namespace quiverion

@@ -32,7 +32,8 @@ std::string DrawnText(std::string_view text, std::size_t characters) {
     if (count + 1 == characters) lengthWithout = drawn.size();
     const char32_t character = TakeCodePoint(text);
     const bool control = character < 0x20 || (character >= 0x7F && character < 0xA0);
-    AppendUtf8(drawn, control ? U' ' : character);
+    const bool noCharacter = character == 0xFFFE || character == 0xFFFF;  // an SVG file with one cannot be read
+    AppendUtf8(drawn, control ? U' ' : noCharacter ? U'\uFFFD' : character);
   }
   return drawn;
 }
@@ -80,11 +81,12 @@ Frame::Margins Frame::MarginsFor(double leftLabels, double rightLabels) const {
   const double line = kLine * text_;
   Margins margins{.left = 0.5 * text_ + line + leftLabels + 2.0 * kTick * text_,
                   .top = 1.1 * text_ + line * static_cast<double>(CaptionLines().size()),
-                  .right = 1.5 * text_,
+                  .right = std::max(1.5 * text_, LabelsWidth(xTicks_.values, xTicks_.step) / 2.0),
                   .bottom = 2.5 * line + line * static_cast<double>(legendLines_.size()) + 0.5 * text_};
   if (HasBar()) {
     margins.top = std::max(margins.top, line) + line;  // its symbol stands above it
     margins.right = (1.0 + kBarWidth + 3.0 * kTick) * text_ + std::max(rightLabels, 4.0 * text_);
+    margins.right = std::max(margins.right, text_ + TextWidth(CharacterCount(SymbolOf(field_, choices_.quantity)) + 1));
   }
   return margins;
 }
@@ -275,22 +277,31 @@ void Frame::AddLegend() {
 }
 
 void Frame::AddReferenceArrow() {
-  const ArrowScale scale = ScaleOf(summary_, choices_, map_);
+  ArrowScale scale = ScaleOf(summary_, choices_, map_);
   if (!(scale.reference > 0.0) || !std::isfinite(scale.reference)) return;
+  const bool equal = scale.mode == ArrowMode::equalLength;
   const ComponentTexts components = ComponentsOf(field_);
-  const double speed = scale.mode == ArrowMode::equalLength ? scale.reference : RoundDown125(scale.reference);
-  std::string text = scale.mode == ArrowMode::equalLength ? "gleiche Länge"
-                                                          : NumberText(speed, 4) + " " + std::string(components.uUnit);
-  if (scale.mode == ArrowMode::squareRoot) text += " (Wurzel)";
-  const double length = std::min(std::fabs(ArrowLength(scale, speed)), kLongestArrow * scale.step);
-  const double width = length + TextWidth(CharacterCount(text) + 1);
-  // Below the right corner of the plot, but not on the name of the axis.
-  const double right = std::max(map_.plot.Right(), map_.plot.left + map_.plot.width / 2.0 + 3.0 * text_ + width);
-  const Point end{right, map_.plot.Bottom() + kTick * text_ + 2.1 * text_};
-  AddLabel(end, text, Align::end);
-  ArrowScale drawn = scale;
-  drawn.anchor = ArrowAnchor::tail;
-  AppendArrow(AddShapes(ink_, 1.2), drawn, {end.x - width, end.y}, scale.factor < 0.0 ? -speed : speed, 0.0);
+  const auto textOf = [&](double speed) -> std::string {
+    if (equal) return "gleiche Länge";
+    const std::string number = NumberText(speed, 4) + " " + std::string(components.uUnit);
+    return scale.mode == ArrowMode::squareRoot ? number + " (Wurzel)" : number;
+  };
+  const auto lengthOf = [&](double speed) { return std::fabs(ArrowLength(scale, speed)); };
+  const auto widthOf = [&](double speed) { return lengthOf(speed) + TextWidth(CharacterCount(textOf(speed)) + 1); };
+  // Below the right corner of the plot, but not on the name of the axis. A speed whose arrow would be cut or does not
+  // fit is halved.
+  const double begin = map_.plot.left + map_.plot.width / 2.0 + 3.0 * text_;
+  const auto fits = [&](double speed) {
+    return lengthOf(speed) <= kLongestArrow * scale.step && begin + widthOf(speed) <= choices_.width - 0.5 * text_;
+  };
+  double speed = equal ? scale.reference : RoundDown125(scale.reference);
+  while (!equal && speed > 0.0 && !fits(speed)) speed = RoundDown125(speed / 2.0);
+  if (!(speed > 0.0) || !fits(speed)) return;
+  const Point end{std::max(map_.plot.Right(), begin + widthOf(speed)),
+                  map_.plot.Bottom() + kTick * text_ + 2.1 * text_};
+  AddLabel(end, textOf(speed), Align::end);
+  scale.anchor = ArrowAnchor::tail;
+  AppendArrow(AddShapes(ink_, 1.2), scale, {end.x - widthOf(speed), end.y}, scale.factor < 0.0 ? -speed : speed, 0.0);
 }
 
 Label& Frame::AddLabel(Point at, std::string text, Align align) {

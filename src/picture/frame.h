@@ -8,8 +8,8 @@
 
 namespace quiverion {
 
-/// What is around the plot: caption, axes, colour bar, legend and reference arrow; and with these the place that is left
-/// for the plot. A picture that is too small for them has only the plot.
+/// What is around the plot: caption, axes, colour bar, legend and reference arrow; and with these the place that is
+/// left for the plot. A picture that is too small for them has only the plot.
 class Frame {
  public:
   Frame(const VectorField& field, const FieldSummary& summary, const ShownValues& values, const PictureChoices& choices,

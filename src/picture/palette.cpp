@@ -93,7 +93,7 @@ PaletteKind KindFor(const Limits& limits) {
   return limits.lower < 0.0 && limits.upper > 0.0 ? PaletteKind::diverging : PaletteKind::sequential;
 }
 
-PaletteScale::PaletteScale(const Limits& limits) {
+PaletteScale::PaletteScale(const Limits& limits) : limits_(limits) {
   const bool diverging = KindFor(limits) == PaletteKind::diverging;
   const double side = std::max(-limits.lower, limits.upper);
   const double lower = diverging ? -side : limits.lower;
@@ -103,7 +103,8 @@ PaletteScale::PaletteScale(const Limits& limits) {
 }
 
 std::size_t PaletteScale::IndexOf(double value) const {
-  const double index = value * factor_ - zero_ * factor_ + 0.5;
+  const double shown = std::clamp(value, limits_.lower, limits_.upper);
+  const double index = shown * factor_ - zero_ * factor_ + 0.5;
   return static_cast<std::size_t>(std::clamp(index, 0.0, static_cast<double>(kPaletteSize - 1)));
 }
 

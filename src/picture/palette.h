@@ -4,8 +4,8 @@
 
 #include "picture/picture.h"
 
-/// Colours for values. Neighbouring colours of a palette differ by the same amount everywhere (in Oklab, Ottosson 2020),
-/// and lightness alone tells their order, so that every kind of colour vision and grey print can read them.
+/// Colours for values. Neighbouring colours of a palette differ by the same amount everywhere (in Oklab, Ottosson
+/// 2020), and lightness alone tells their order, so that every kind of colour vision and grey print can read them.
 namespace quiverion {
 
 /// An odd number of colours: the middle one of a diverging palette stands for 0.
@@ -30,7 +30,7 @@ struct Limits {
 /// Limits around 0 take the diverging palette, whose middle is 0 even if one side is shorter.
 PaletteKind KindFor(const Limits& limits);
 
-/// Colours of values: the first one below the limits, the last one above them.
+/// Colours of values. Beyond the limits they are those of the nearer limit, as at the ends of the colour bar.
 class PaletteScale {
  public:
   explicit PaletteScale(const Limits& limits);
@@ -39,6 +39,7 @@ class PaletteScale {
   std::size_t IndexOf(double value) const;
 
  private:
+  Limits limits_;
   double factor_ = 0.0;
   double zero_ = 0.0;  // what has index 0.5
 };

@@ -289,7 +289,11 @@ Cells CellsOf(const VectorField& field, const FieldSummary& summary, const Grid<
       return shown ? static_cast<std::uint8_t>(scale.IndexOf(value)) : kMissing;
     });
   }
-  if (marks) painter.Mark(choices.hidden);
+  if (marks) {
+    std::array<bool, kStatusKinds> unmarked = choices.hidden;
+    unmarked[static_cast<std::size_t>(CommonKind(summary.counts))] = true;
+    painter.Mark(unmarked);
+  }
   return painter.Take(CellColours(choices, limits));
 }
 

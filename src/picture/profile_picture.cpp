@@ -9,6 +9,8 @@
 namespace quiverion {
 namespace {
 
+constexpr double kSmallestSide = 1E-290;  // pixels per unit are finite
+
 struct Curve {
   std::string_view name;
   double VectorValues::*value;
@@ -34,11 +36,11 @@ Extent ExtentOf(const std::vector<ProfileValue>& profile, const std::vector<Curv
       upper = std::max(upper, value);
     }
   }
-  if (lower == upper) upper = 1.0;
+  if (!(upper - lower > kSmallestSide)) upper = lower + 1.0;
   const double air = 0.05 * (upper - lower);
   double left = profile.empty() ? 0.0 : profile.front().distance,
          right = profile.empty() ? 1.0 : profile.back().distance;
-  if (!(left < right)) right = left + 1.0;
+  if (!(right - left > kSmallestSide)) right = left + 1.0;
   return {left, right, lower - (lower < 0.0 ? air : 0.0), upper + air};
 }
 

@@ -44,8 +44,8 @@ struct ProfileValue {
   VectorValues values;
 };
 
-/// The vectors nearest to a line between two positions (mm), each once, in its order: what was measured, with nothing in
-/// between.
+/// The vectors nearest to a line between two positions (mm), each once, in its order: what was measured, with nothing
+/// in between.
 std::vector<ProfileValue> ProfileAlong(const VectorField& field, const FieldSummary& summary, Point from, Point to);
 
 /// A profile as text for other programs: a line with the names, then one for each vector, columns separated by tabs.

@@ -60,7 +60,10 @@ Ticks TicksBetween(double lower, double upper, int atMost) {
 
 std::string TickText(double value, double step) {
   const double size = std::max(std::fabs(value), step);
-  if (size >= 1E6 || step < 1E-4) return NumberText(value, 6);
+  if (size >= 1E6 || step < 1E-4) {
+    const double digits = std::ceil(std::log10(size) - std::log10(step)) + 1.0;
+    return NumberText(value, static_cast<int>(std::clamp(digits, 6.0, 15.0)));
+  }
   const int places = std::clamp(static_cast<int>(std::ceil(-std::log10(step) - 1E-9)), 0, 6);
   const double scale = std::pow(10.0, places);
   return NumberText(std::round(value * scale) / scale, 12);

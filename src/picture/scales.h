@@ -30,8 +30,8 @@ std::string TickText(double value, double step);
 /// At most `digits` significant digits, with a decimal comma; "–" if the value is not finite.
 std::string NumberText(double value, int digits);
 
-/// Limits for a colour bar from the 1 % and 99 % quantiles of its values. Signed quantities are symmetric about 0, others
-/// begin at 0 if they have no negative value. Never empty: equal ends are moved apart.
+/// Limits for a colour bar from the 1 % and 99 % quantiles of its values. Signed quantities are symmetric about 0,
+/// others begin at 0 if they have no negative value. Never empty: equal ends are moved apart.
 Limits RobustLimits(std::vector<double>& values, bool isSigned);
 
 }  // namespace quiverion

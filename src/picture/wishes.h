@@ -31,9 +31,9 @@ struct HeldScale {
   Limits limits;
 };
 
-/// The choices for the picture of a field; `summary` is that of its velocities as they are. Limits are, in this order: typed ones, those of
-/// the file if its own background is shown, held ones, automatic ones. Held references are those of the velocities as
-/// they are, so they do not count if something is subtracted.
+/// The choices for the picture of a field; `summary` is that of its velocities as they are. Limits are, in this order:
+/// typed ones, those of the file if its own background is shown, held ones, automatic ones. Held references are those
+/// of the velocities as they are, so they do not count if something is subtracted.
 PictureChoices ChoicesFor(const VectorField& field, const FieldSummary& summary, const ViewWishes& wishes,
                           const std::optional<HeldScale>& held);
 

@@ -9,8 +9,9 @@
 
 namespace quiverion {
 
-/// The picture of a field in a window, with mouse and wheel: the wheel zooms about the mouse, dragging moves, a band drawn
-/// with Shift is zoomed into, a line drawn with Ctrl gives a profile, a click on a name of the legend is passed on.
+/// The picture of a field in a window, with mouse and wheel: the wheel zooms about the mouse, dragging moves, a band
+/// drawn with Shift is zoomed into, a line drawn with Ctrl gives a profile, a click on a name of the legend is passed
+/// on.
 class FieldView : public QWidget {
   Q_OBJECT
 

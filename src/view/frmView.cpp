@@ -81,6 +81,9 @@ frmView::frmView(const ViewServices& services, QWidget* parent)
   ui_->tblVectors->setModel(&table_);
   ui_->tblVectors->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
   ui_->tblVectors->horizontalHeader()->setDefaultSectionSize(fontMetrics().horizontalAdvance("-0,1234567") + 24);
+  for (const int column : {VectorTable::column, VectorTable::row, VectorTable::status}) {
+    ui_->tblVectors->setColumnWidth(column, fontMetrics().horizontalAdvance("Status") + 24);
+  }
   ui_->tabPages->hide();
   ui_->splitter->setStretchFactor(0, 3);
   ui_->splitter->setStretchFactor(1, 2);

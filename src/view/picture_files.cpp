@@ -13,6 +13,7 @@
 namespace quiverion {
 namespace {
 
+constexpr int kPngQuality = 80;  // quick compression: more effort saves hardly anything here
 constexpr double kPointsPerPixel = 72.0 / 96.0;
 constexpr double kCellResolution = 2.0;  // image pixels for each pixel of the picture, in a PDF
 
@@ -21,7 +22,7 @@ QByteArray PngOf(const Picture& picture, double scale) {
   QBuffer buffer(&bytes);
   buffer.open(QIODevice::WriteOnly);
   const QImage image = ImageOf(picture, scale);
-  if (image.isNull() || !image.save(&buffer, "PNG")) throw SystemError(ErrorNumber::outOfMemory);
+  if (image.isNull() || !image.save(&buffer, "PNG", kPngQuality)) throw SystemError(ErrorNumber::outOfMemory);
   return bytes;
 }
 

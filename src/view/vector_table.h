@@ -7,8 +7,8 @@
 
 namespace quiverion {
 
-/// All vectors of a field, row by row of its grid. Nothing is stored, so that a field of 16 million vectors scrolls like
-/// a small one.
+/// All vectors of a field, row by row of its grid. Nothing is stored, so that a field of 16 million vectors scrolls
+/// like a small one.
 class VectorTable : public QAbstractTableModel {
   Q_OBJECT
 

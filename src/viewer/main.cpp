@@ -15,8 +15,8 @@
 
 namespace {
 
-// Pictures need fonts, but no display. The fonts of a PDF are in the order of a hash, which must be the same one each
-// time. What Qt notices about the environment is no message of this program.
+// Pictures need fonts, but no display. The fonts of a PDF are in the order of a hash, which must not be another one
+// each time. What Qt notices about the environment is no message of this program.
 void PrepareDrawing() {
   quiverion::DrawWithoutDisplay();
   QHashSeed::setDeterministicGlobalSeed();

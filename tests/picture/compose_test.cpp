@@ -148,6 +148,20 @@ TEST(Compose, RejectedAndFilledVectorsNeverVanish) {
   }
 }
 
+// A fine grid of mostly filled vectors shows its background, too.
+TEST(Compose, TheCommonKindIsNotMarked) {
+  for (const int size : {20, 200}) {
+    VectorField field = MakeField(size, size);
+    std::ranges::fill(field.status.Values(), 3);
+    field.status(3, 3) = 0;
+    const Picture picture = Compose(field, {.width = 400.0, .height = 300.0, .quantity = Quantity::speed}).picture;
+    const Seen filled = SeenOf(picture, ColourOf(StatusKind::third, false));
+    EXPECT_EQ(filled.cells + static_cast<std::int64_t>(filled.marks), 0) << size;
+    const Seen rejected = SeenOf(picture, ColourOf(StatusKind::rejected, false));
+    EXPECT_GE(rejected.cells + static_cast<std::int64_t>(rejected.marks), 1) << size;
+  }
+}
+
 TEST(Compose, HolesAreNoValues) {
   VectorField field = MakeField(6, 5);
   field.velX(4, 4) = kNan;
@@ -170,6 +184,7 @@ TEST(Compose, OneBrokenFieldDoesNotMakeTheScaleOfASeries) {
     scale.Add(field);
   }
   EXPECT_LE(scale.Reference(), 20.0);
+  EXPECT_EQ(scale.BarLimits(), (Limits{-20.0, 20.0}));
   SeriesScale speeds(Quantity::none, 500);
   VectorField large = MakeField(1000, 30);
   SetVelocities(
@@ -220,7 +235,10 @@ TEST(Compose, HostileFieldsGiveSoundPictures) {
       }
     }
     const FieldSummary summary = Summarise(field);
-    ProfileAlong(field, summary, {-1e9, 0.0}, {1e9, 3.0});
+    for (const Point end : {Point{1e9, 3.0}, {12.0, 2.0}, {1e-300, 1e-300}}) {
+      const auto profile = ProfileAlong(field, summary, {-end.x, 1.0}, end);
+      ASSERT_EQ(WrongInPicture(ProfilePicture(field, profile, {})), "") << field.columnCount << " " << end.x;
+    }
     ReadoutText(field, {1, 1});
   }
 }

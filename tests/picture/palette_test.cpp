@@ -74,12 +74,17 @@ TEST(Palette, ValuesHaveTheirPlace) {
                         {{-2, 8}, 0, kMiddle},
                         {{-2, 8}, 8, kLast},
                         {{-8, 2}, 2, kMiddle + kMiddle / 4 + 1},
-                        {{-2, 8}, -8, 0},
+                        {{-2, 8}, -2, kMiddle - kMiddle / 4},
+                        {{-2, 8}, -8, kMiddle - kMiddle / 4},
+                        {{-8, 2}, 1e30, kMiddle + kMiddle / 4},
                         {{-5, -1}, -5, 0},
                         {{-5, -1}, -1, kLast},
                         {{-1e308, 1e308}, 0, kMiddle},
                         {{-1e308, 1e308}, 1e308, kLast},
                         {{1, 1 + 1e-15}, 1, 0}};
+  for (const Limits& around : {Limits{-2, 2}, {-2, 8}, {-8, 1e-3}, {-1e308, 1}}) {
+    EXPECT_EQ(PaletteScale(around).IndexOf(0.0), kMiddle) << around.lower;
+  }
   for (const Case& each : cases) {
     EXPECT_NEAR(static_cast<double>(PaletteScale(each.limits).IndexOf(each.value)), static_cast<double>(each.index),
                 1.0)

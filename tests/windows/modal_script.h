@@ -40,8 +40,8 @@ inline void Type(QWidget& window, const char* box, const char* text) {
   QTest::keyClicks(&edit, text);
 }
 
-/// Fails the test if a visible label, button or box of a shown window is smaller than its text, or if a control that takes
-/// the focus has neither a text nor a name for screen readers.
+/// Fails the test if a visible label, button or box of a shown window is smaller than its text, or if a control that
+/// takes the focus has neither a text nor a name for screen readers.
 inline void ExpectReadable(const QWidget& window) {
   for (const auto* control : window.findChildren<QWidget*>()) {
     const QString name = control->objectName();
