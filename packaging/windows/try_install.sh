@@ -141,5 +141,6 @@ for field in run01.vas run02.dat run03.vec; do
 done
 code=0 && timeout 60 wine zip/QuiverionView.exe --picture x.png nix.vas 2>nix.txt || code=$?
 expect "an unreadable field" "$code $(grep -c FEHLER nix.txt)" "1 1"
+wineserver -w  # it writes to the directory until it ends
 echo "== Done"
 cd / && rm -rf "$root"
