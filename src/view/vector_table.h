@@ -34,7 +34,8 @@ class VectorTable : public QAbstractTableModel {
   const VectorField* field_ = nullptr;
 };
 
-/// Copies the selected rows as text: columns separated by tabs, a line with the names first. Refuses more than a million.
+/// Copies the selected rows as text: columns separated by tabs, a line with the names first. Refuses more than a
+/// million.
 void CopySelectedRows(const VectorTable& table, const QItemSelection& selection, UserInterface& messages);
 
 }  // namespace quiverion
