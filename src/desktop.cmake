@@ -12,6 +12,16 @@ function(quiverion_windows name)
   target_link_libraries(quiverion_${name} PUBLIC Qt6::Widgets)
 endfunction()
 
+# A program from <library>/main.cpp, with a description and an icon for Windows.
+function(quiverion_window_program name library description icon)
+  add_executable(${name} ${library}/main.cpp)
+  target_link_libraries(${name} PRIVATE quiverion_${library})
+  set_target_properties(${name} PROPERTIES WIN32_EXECUTABLE TRUE QUIVERION_WINDOWS TRUE)
+  if(WIN32)
+    quiverion_describe(${name} "${description}" ${icon})
+  endif()
+endfunction()
+
 quiverion_windows(dialogs USES macro SOURCES
   application.cpp frmShowCollection.cpp frmShowLogFile.cpp frmShowProgress.cpp log_text.cpp
   macro_editing.cpp repaint_throttle.cpp
@@ -33,12 +43,7 @@ quiverion_windows(app USES view SOURCES
   directory_list.cpp file_list.cpp frmMain.cpp navigation.cpp qt_user_interface.cpp
   statistics_flow.cpp
   ${QUIVERION_SYSTEM}/drives.cpp)
-add_executable(QuiverionSeries app/main.cpp)
-target_link_libraries(QuiverionSeries PRIVATE quiverion_app)
-set_target_properties(QuiverionSeries PROPERTIES WIN32_EXECUTABLE TRUE QUIVERION_WINDOWS TRUE)
-if(WIN32)
-  quiverion_describe(QuiverionSeries "${PROJECT_DESCRIPTION}" program)
-endif()
+quiverion_window_program(QuiverionSeries app "${PROJECT_DESCRIPTION}" program)
 
 # The viewer: a window, or pictures without one.
 if(QUIVERION_CLI)
@@ -48,10 +53,5 @@ if(QUIVERION_CLI)
   if(NOT WIN32)
     target_link_libraries(quiverion_viewer PRIVATE CLI11::CLI11)
   endif()
-  add_executable(QuiverionView viewer/main.cpp)
-  target_link_libraries(QuiverionView PRIVATE quiverion_viewer)
-  set_target_properties(QuiverionView PROPERTIES WIN32_EXECUTABLE TRUE QUIVERION_WINDOWS TRUE)
-  if(WIN32)
-    quiverion_describe(QuiverionView "Vektorfelder ansehen" viewer)
-  endif()
+  quiverion_window_program(QuiverionView viewer "Vektorfelder ansehen" viewer)
 endif()

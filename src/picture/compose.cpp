@@ -79,9 +79,8 @@ FieldSummary Summarise(const VectorField& field, double subtractU, double subtra
   std::vector<double> speeds;
   speeds.reserve(field.status.Values().size());
   AppendSpeeds(field, subtractU, subtractV, 1, speeds);
-  std::int64_t valid = 0;
-  for (std::size_t k = 0; k < static_cast<std::size_t>(StatusKind::rejected); ++k) valid += summary.counts[k];
-  summary.notFinite = valid - static_cast<std::int64_t>(speeds.size());
+  for (std::size_t k = 0; k < static_cast<std::size_t>(StatusKind::rejected); ++k) summary.valid += summary.counts[k];
+  summary.notFinite = summary.valid - static_cast<std::int64_t>(speeds.size());
   summary.reference = ReferenceOf(speeds);
   return summary;
 }

@@ -23,6 +23,7 @@ struct FieldSummary {
   StatusCounts counts{};
   std::int64_t notFinite = 0;       ///< valid vectors whose velocity is not finite; they are not drawn
   double reference = 0.0;           ///< m/s, the 95 % quantile of the speeds of valid vectors
+  std::int64_t valid = 0;           ///< vectors
   double meanU = 0.0, meanV = 0.0;  ///< m/s, of valid vectors
 };
 

@@ -22,6 +22,12 @@ std::string Velocity(double u, double v) {
   return "(" + NumberText(u, 4) + "; " + NumberText(v, 4) + ")";
 }
 
+void AppendOutline(Shapes& shapes, const Rectangle& area) {
+  const Point corners[] = {
+      {area.left, area.top}, {area.Right(), area.top}, {area.Right(), area.Bottom()}, {area.left, area.Bottom()}};
+  for (std::size_t k = 0; k < 4; ++k) shapes.lines.push_back({corners[k], corners[(k + 1) % 4]});
+}
+
 }  // namespace
 
 std::string DrawnText(std::string_view text, std::size_t characters) {
@@ -77,6 +83,11 @@ double Frame::LabelsWidth(const std::vector<double>& values, double step) const 
   return TextWidth(longest);
 }
 
+std::string Frame::LegendText(StatusKind kind) const {
+  return NameOf(kind, OriginOf(field_, choices_.processed)) + " " +
+         std::to_string(summary_.counts[static_cast<std::size_t>(kind)]);
+}
+
 Frame::Margins Frame::MarginsFor(double leftLabels, double rightLabels) const {
   const double line = kLine * text_;
   Margins margins{.left = 0.5 * text_ + line + leftLabels + 2.0 * kTick * text_,
@@ -104,8 +115,7 @@ void Frame::ChooseMap() {
   for (std::size_t k = 0; k < kStatusKinds; ++k) {
     if (summary_.counts[k] == 0) continue;
     const auto kind = static_cast<StatusKind>(k);
-    const std::string name = NameOf(kind, OriginOf(field_, choices_.processed)) + std::to_string(summary_.counts[k]);
-    const double entry = TextWidth(CharacterCount(name) + 5);
+    const double entry = TextWidth(CharacterCount(LegendText(kind)) + 4);
     if (width + entry > choices_.width - 2.0 * text_ && !legendLines_.back().empty()) {
       legendLines_.emplace_back();
       width = 0.0;
@@ -143,10 +153,8 @@ std::vector<std::string> Frame::CaptionLines() const {
 
   std::string counts = field_.headerLines[0];
   if (!counts.empty()) counts += " · ";
-  std::int64_t valid = 0;
-  for (std::size_t k = 0; k < static_cast<std::size_t>(StatusKind::rejected); ++k) valid += summary_.counts[k];
   counts += std::to_string(field_.columnCount) + " x " + std::to_string(field_.rowCount) + " Vektoren, " +
-            std::to_string(valid) + " gültig";
+            std::to_string(summary_.valid) + " gültig";
   if (summary_.notFinite > 0) counts += ", " + std::to_string(summary_.notFinite) + " davon ohne endliche Werte";
   lines.push_back(std::move(counts));
   if (choices_.subtractU != 0.0 || choices_.subtractV != 0.0) {
@@ -171,9 +179,7 @@ void Frame::AddCaption() {
 void Frame::AddAxes() {
   const Rectangle& plot = map_.plot;
   Shapes& lines = AddShapes(ink_, 1.0);
-  const Point corners[] = {
-      {plot.left, plot.top}, {plot.Right(), plot.top}, {plot.Right(), plot.Bottom()}, {plot.left, plot.Bottom()}};
-  for (std::size_t k = 0; k < 4; ++k) lines.lines.push_back({corners[k], corners[(k + 1) % 4]});
+  AppendOutline(lines, plot);
   if (bare_) return;
   const double tick = kTick * text_;
   for (const double value : xTicks_.values) {
@@ -222,9 +228,7 @@ void Frame::AddBar() {
     AddShapes(palette[scale.IndexOf(value)], 0.0).areas.push_back({bar.left, bar.top, bar.width, height});
   }
   Shapes& frame = AddShapes(ink_, 1.0);
-  const Point corners[] = {
-      {bar.left, bar.top}, {bar.Right(), bar.top}, {bar.Right(), bar.Bottom()}, {bar.left, bar.Bottom()}};
-  for (std::size_t k = 0; k < 4; ++k) frame.lines.push_back({corners[k], corners[(k + 1) % 4]});
+  AppendOutline(frame, bar);
   const double tick = kTick * text_;
   for (const double value : barTicks_.values) {
     const double part = value / (limits_.upper - limits_.lower) - limits_.lower / (limits_.upper - limits_.lower);
@@ -258,8 +262,7 @@ void Frame::AddLegend() {
     double x = text_;
     for (const StatusKind kind : line) {
       const bool hidden = choices_.hidden[static_cast<std::size_t>(kind)];
-      const std::string name = NameOf(kind, OriginOf(field_, choices_.processed)) + " " +
-                               std::to_string(summary_.counts[static_cast<std::size_t>(kind)]);
+      const std::string name = LegendText(kind);
       const double width = TextWidth(CharacterCount(name) + 2);
       const bool common = kind == CommonKind(summary_.counts);
       const Colour colour = ColourOf(common ? StatusKind::valid : kind, choices_.darkPaper);

@@ -30,6 +30,7 @@ class Frame {
   bool HasBar() const;
   double TextWidth(std::size_t characters) const;
   double LabelsWidth(const std::vector<double>& values, double step) const;
+  std::string LegendText(StatusKind kind) const;
   Margins MarginsFor(double leftLabels, double rightLabels) const;
   PlotMap MapWithin(const Margins& margins) const;
   void ChooseMap();

@@ -12,6 +12,7 @@
 #include "macro/series_files.h"
 #include "messages/silent_user_interface.h"
 #include "picture/shown_field.h"
+#include "picture/wishes.h"
 #include "platform/files/overlay_files.h"
 #include "platform/files/paths.h"
 #include "platform/process/environment.h"
@@ -33,7 +34,7 @@ class PictureRun {
     if (!format) {
       return Refuse("'" + options_.output + "' endet weder auf .png noch auf .svg noch auf .pdf");
     }
-    return Write(inputs_.front(), options_.output, *format, {}) ? cli::kDone : cli::kFailed;
+    return Write(inputs_.front(), options_.output, *format) ? cli::kDone : cli::kFailed;
   }
 
  private:
@@ -86,32 +87,36 @@ class PictureRun {
       if (!keys.insert(FileNameKey(name)).second) return Refuse("Zwei Eingabedateien ergeben das Bild '" + name + "'");
       outputs.push_back(WithSeparator(options_.output) + name);
     }
-    const PictureChoices common = ChoicesForAll();
+    MeasureSeries();
+    session_.context.buffer = {};  // the second run over the files begins like the first
     bool failed = false;
-    for (std::size_t k = 0; k < inputs_.size(); ++k) failed = !Write(inputs_[k], outputs[k], format, common) || failed;
+    for (std::size_t k = 0; k < inputs_.size(); ++k) failed = !Write(inputs_[k], outputs[k], format) || failed;
     return failed ? cli::kFailed : cli::kDone;
   }
 
-  // Reference and limits of the whole series; a file that cannot be read is reported when its turn comes.
-  PictureChoices ChoicesForAll() {
-    PictureChoices common;
+  // One scale for all fields like the first one; a file that cannot be read is reported when its turn comes.
+  void MeasureSeries() {
+    VectorField& field = session_.context.field;
     std::optional<SeriesScale> scale;
-    Quantity quantity = Quantity::none;
+    HeldScale held;
     const std::size_t perField = std::clamp<std::size_t>(20000000 / inputs_.size(), 100, 5000);
     for (const std::string& input : inputs_) {
       cli::FirstLines ignored;
       if (!Load(input, ignored)) continue;
       if (!scale) {
-        quantity = options_.background.value_or(ChoicesOf(session_.context.field).quantity);
-        scale.emplace(quantity, perField);
+        held.quantity = QuantityFor(field, Wishes());
+        held.result = StatisticResultOf(field);
+        scale.emplace(held.quantity, perField);
       }
-      scale->Add(session_.context.field);
+      if (StatisticResultOf(field) == held.result) scale->Add(field);
     }
-    if (!scale) return common;
-    common.reference = scale->Reference();
-    if (options_.background && quantity != Quantity::none) common.limits = scale->BarLimits();
-    return common;
+    if (!scale) return;
+    held.reference = scale->Reference();
+    held.limits = scale->BarLimits();
+    held_ = held;
   }
+
+  ViewWishes Wishes() const { return {.quantity = options_.background, .limits = options_.limits}; }
 
   // False, with the reason in `lines`, if there is no field to show. What the macro writes is never written.
   bool Load(const std::string& input, cli::FirstLines& lines) {
@@ -130,22 +135,17 @@ class PictureRun {
     return !context.abortCurrentFile;
   }
 
-  bool Write(const std::string& input, const std::string& output, PictureFormat format, const PictureChoices& common) {
+  bool Write(const std::string& input, const std::string& output, PictureFormat format) {
     cli::FirstLines lines;
     const bool loaded = Load(input, lines);
     if (!loaded || session_.context.runHadError) terminal_.PrintError(lines.Text());
     if (!loaded) return false;
-    PictureChoices choices = ChoicesOf(session_.context.field);
+    ShownField field(session_.context.field);
+    PictureChoices choices = ChoicesFor(field.Field(), field.Summary(), Wishes(), held_);
     choices.processed = !session_.macro.empty();
     choices.width = options_.width;
     choices.height = options_.height;
-    choices.reference = options_.reference ? options_.reference : common.reference;
-    if (options_.background) {
-      choices.quantity = *options_.background;
-      choices.limits = common.limits;
-    }
-    if (options_.limits) choices.limits = options_.limits;
-    ShownField field(session_.context.field);
+    if (options_.reference) choices.reference = options_.reference;
     const auto failure = SavePicture(*files_, nullptr, output, field.Compose(choices).picture, format);
     if (failure) terminal_.PrintError("'" + output + "': " + ErrorText(failure->error) + "\n");
     return !failure && !session_.context.runHadError;
@@ -161,6 +161,7 @@ class PictureRun {
   Session session_{overlay_, ui_, log_, clock_};
   std::vector<std::string> inputs_;
   bool isDirectory_ = false;
+  std::optional<HeldScale> held_;  // of a series
 };
 
 }  // namespace
