@@ -88,7 +88,6 @@ class PictureRun {
       outputs.push_back(WithSeparator(options_.output) + name);
     }
     MeasureSeries();
-    session_.context.buffer = {};  // the second run over the files begins like the first
     bool failed = false;
     for (std::size_t k = 0; k < inputs_.size(); ++k) failed = !Write(inputs_[k], outputs[k], format) || failed;
     return failed ? cli::kFailed : cli::kDone;

@@ -100,15 +100,6 @@ TEST_F(PictureCommand, OneScaleForASeries) {
   EXPECT_TRUE(place.Has("alle/f0.png") && place.Has("alle/f1.png"));
 }
 
-// A series is measured and then drawn: both times as one run, which begins without a buffer.
-TEST_F(PictureCommand, TheBufferPassesFromFieldToFieldAsInARun) {
-  WriteMacro("m.mak", {MacroEvent(20005), MacroEvent(20001)});
-  EXPECT_EQ(Run({"--picture", "@bilder", "--macro", "@m.mak", "@f0.vas", "@f1.vas"}), 1);
-  EXPECT_FALSE(place.Has("bilder/f0.png")) << "nothing to subtract yet";
-  EXPECT_EQ(Run({"--picture", "@bilder", "--macro", "@m.mak", "--step", "0", "@f0.vas", "@f1.vas"}), 0) << err;
-  EXPECT_TRUE(place.Has("bilder/f0.png") && place.Has("bilder/f1.png"));
-}
-
 TEST_F(PictureCommand, ShowsTheFieldAfterAMacroAndWritesNothingElse) {
   MacroEvent add(40201), save(10001);
   add.Set("XComp", 100.0);
