@@ -24,6 +24,7 @@ declare -A allowed=(
   [export]="operations $core"
   [statistics]="operations $core"
   [macro]="statistics export operations $core"
+  [preview]="macro statistics export operations $core"
   [cli]="macro statistics export operations $core version.h nlohmann CLI"
   [dialogs/widgets]="macro statistics export operations $core Qt"
   [dialogs/help]="dialogs/widgets $core Qt"
