@@ -189,7 +189,8 @@ Histogram HistogramOf(const CriterionReport& criterion, int bins) {
   std::vector<double> values = criterion.values;
   if (!values.empty()) {
     const auto at = [&](double share) {
-      const auto place = values.begin() + static_cast<std::ptrdiff_t>(share * static_cast<double>(values.size() - 1));
+      const double index = share * static_cast<double>(values.size() - 1);
+      const auto place = values.begin() + static_cast<std::ptrdiff_t>(share < 0.5 ? index : std::ceil(index));
       std::ranges::nth_element(values, place);
       return *place;
     };
