@@ -37,5 +37,5 @@ quiverion_library(statistics USES operations SOURCES
 quiverion_library(macro USES export statistics SOURCES
   command_actions.cpp command_catalogue.cpp file_steps.cpp macro_event.cpp macro_file.cpp pre_run_checks.cpp
   run_driver.cpp series_files.cpp)
-quiverion_library(preview USES macro SOURCES
-  buffer_use.cpp macro_preview.cpp search_report.cpp series_sample.cpp)
+quiverion_library(preview USES macro picture SOURCES
+  buffer_use.cpp field_difference.cpp macro_preview.cpp search_report.cpp series_sample.cpp)

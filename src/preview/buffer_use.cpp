@@ -47,6 +47,10 @@ std::optional<std::size_t> FirstDependent(const MacroEventList& macro, MayHaveNa
 
 }  // namespace
 
+bool UsesBuffer(const MacroEventList& macro) {
+  return std::ranges::any_of(macro, [](const MacroEvent& event) { return UseOf(event) != Use::none; });
+}
+
 bool UsesBufferBeforeRun(const MacroEventList& macro, const std::string& copiedFrom) {
   return FirstDependent(macro, [&](const std::string& path) { return path == copiedFrom; }).has_value();
 }

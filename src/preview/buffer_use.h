@@ -16,6 +16,9 @@ struct BufferBefore {
   std::vector<std::string> earlierPaths;  ///< the files that the run would take before this one
 };
 
+/// True if a command fills or reads the buffer.
+bool UsesBuffer(const MacroEventList& macro);
+
 /// True if the outcome of the macro for the first file depends on what the buffer contains before the run.
 bool UsesBufferBeforeRun(const MacroEventList& macro, const std::string& copiedFrom);
 

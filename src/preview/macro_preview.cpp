@@ -250,21 +250,23 @@ bool MacroPreview::ComputeNext() {
   if (step > 0) MoveTo(step - 1);
   const std::shared_ptr<const State> before = currentState_;
   RunStep(step);
-  reports_.push_back(ReportOf(step));
-  current_ = step;
-  if (reports_.back().failed) ended_ = step;
-  const bool isLoaded = step > 0 || !reports_.back().failed;
-  if (isLoaded) {
-    currentState_ = machine_->Capture(step > 0 ? before.get() : nullptr);
-    StepReport& report = reports_.back();
-    const GridVectors& grids = *currentState_->grids;
-    const bool sameSize =
-        step > 0 && before->grids->columnCount == grids.columnCount && before->grids->rowCount == grids.rowCount;
-    report.changes = CountChanges(sameSize ? *before->grids : grids, grids);
-    states_.resize(step + 1);
-    if (step % stride_ == 0) states_[step] = currentState_;
-    Keep();
+  StepReport report = ReportOf(step);
+  if (report.failed && step == 0) {
+    ended_ = step;
+    reports_.push_back(std::move(report));
+    return true;
   }
+  const std::shared_ptr<const State> after = machine_->Capture(step > 0 ? before.get() : nullptr);
+  const bool sameSize = step > 0 && before->grids->columnCount == after->grids->columnCount &&
+                        before->grids->rowCount == after->grids->rowCount;
+  report.changes = CountChanges(sameSize ? *before->grids : *after->grids, *after->grids);
+  states_.resize(step + 1);
+  if (report.failed) ended_ = step;
+  reports_.push_back(std::move(report));
+  current_ = step;
+  currentState_ = after;
+  if (step % stride_ == 0) states_[step] = after;
+  Keep();
   return true;
 }
 

@@ -6,6 +6,7 @@
 #include "log/log_lines.h"
 #include "macro/command_actions.h"
 #include "messages/failure.h"
+#include "picture/scales.h"
 #include "platform/text/numbers.h"
 
 namespace quiverion {
@@ -134,15 +135,6 @@ void Fill(SearchReport& report, const VectorField& field, const FaultyVectorCrit
   }
 }
 
-// The greatest of 1, 2 and 5 times a power of ten that is not above `value`, which is positive.
-double RoundStep(double value) {
-  const double power = std::pow(10.0, std::floor(std::log10(value)));
-  for (const double factor : {5.0, 2.0}) {
-    if (factor * power <= value) return factor * power;
-  }
-  return power;
-}
-
 }  // namespace
 
 bool IsSearch(const MacroEvent& event) {
@@ -204,7 +196,7 @@ Histogram HistogramOf(const CriterionReport& criterion, int bins) {
   }
   const double width = upper - lower;
   if (std::isfinite(width) && width > 0.0) {
-    const double step = RoundStep(width / 8.0);
+    const double step = RoundDown125(width / 8.0);
     histogram.from = std::floor(lower / step) * step;
     histogram.to = std::ceil((upper + width * 0.02) / step) * step;
   }
@@ -223,7 +215,7 @@ Histogram HistogramOf(const CriterionReport& criterion, int bins) {
 std::string LimitText(const CriterionReport& criterion, const Histogram& histogram, double value) {
   const bool isSigned = criterion.name.ends_with("Komponente");
   if (!isSigned) value = std::max(value, 0.0);
-  double step = RoundStep((histogram.to - histogram.from) / 200.0);
+  double step = RoundDown125((histogram.to - histogram.from) / 200.0);
   if (criterion.wholeNumbers) step = std::max(step, 1.0);
   const double steps = std::nearbyint(value / step);
   // Dividing by the inverse of a step below 1 gives the decimal number that is nearest to what is meant.
