@@ -42,7 +42,7 @@ frmPreview::frmPreview(PreviewServices services, QWidget* parent)
   ui_->tblSteps->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
   ui_->tblSteps->horizontalHeader()->setSectionResizeMode(StepTable::title, QHeaderView::Interactive);
   ui_->tblSteps->setColumnWidth(StepTable::title, 24 * fontMetrics().averageCharWidth());
-  ui_->splitter->setSizes({460, 720});
+  ui_->splitter->setSizes({540, 640});
   ui_->splitterSteps->setSizes({420, 220});
   ui_->splitterPicture->setSizes({460, 220});
   ui_->pageSearch->hide();
@@ -90,7 +90,7 @@ void frmPreview::ConnectChoices() {
   connect(ui_->cmdFit, &QPushButton::clicked, this, [this] { ui_->Comparison->Fit(); });
   connect(ui_->tblSteps->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
           [this](const QModelIndex& current) {
-            if (current.isValid()) GoToStep(current.row());
+            if (current.isValid() && !isShowing_) GoToStep(current.row());
           });
   connect(ui_->sldStep, &QSlider::valueChanged, this, &frmPreview::GoToStep);
   connect(ui_->sldSeries, &QSlider::valueChanged, this, &frmPreview::GoToFile);
@@ -272,8 +272,9 @@ void frmPreview::ShowSteps() {
 }
 
 void frmPreview::ShowStep() {
-  const QSignalBlocker blocker(ui_->tblSteps->selectionModel());
+  isShowing_ = true;
   ui_->tblSteps->selectRow(step_);
+  isShowing_ = false;
   ui_->tblSteps->scrollTo(table_.index(step_, 0));
   const StepReport* const report = table_.Report(step_);
   ui_->txtStep->setHtml(report == nullptr ? QString() : StepDetails(*report));

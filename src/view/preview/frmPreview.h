@@ -95,6 +95,7 @@ class frmPreview : public QMainWindow {
   int step_ = 0;
   bool followsEnd_ = true;  // the last step is shown until somebody chooses one
   bool isStopped_ = false;
+  bool isShowing_ = false;  // the table is told the step, and does not choose it
   ViewWishes wishes_;
   std::uint64_t asked_ = 0;
 

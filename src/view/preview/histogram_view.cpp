@@ -128,7 +128,7 @@ void HistogramView::PaintCriterion(QPainter& painter, std::size_t index) const {
   painter.setPen(palette().color(QPalette::Text));
   QString heading = ToQt(criterion.name) + " in " + ToQt(criterion.unit) + ": allein " +
                     ShareText(criterion.rejectedAlone, report_.tested);
-  if (criterion.incomparable > 0) heading += QString(", %1 ohne Vergleich").arg(criterion.incomparable);
+  if (criterion.incomparable > 0) heading += QString(", davon %1 ohne Vergleichswert").arg(criterion.incomparable);
   painter.drawText(QRectF(plot.left(), plot.top() - 1.3 * line, plot.width(), line), Qt::AlignLeft | Qt::AlignVCenter,
                    heading);
   const std::int64_t most = std::max<std::int64_t>(*std::ranges::max_element(histogram.bins), 1);

@@ -130,7 +130,7 @@ QVariant StepTable::headerData(int section, Qt::Orientation orientation, int rol
   if (role != Qt::DisplayRole) return {};
   if (orientation == Qt::Vertical) return section;
   constexpr const char* names[] = {"Schritt", "verworfen",       "gefüllt", "geändert",
-                                   "gültig",  "größte Änderung", "Wirbel",  "Dateien"};
+                                   "gültig",  "größte Änd. [m/s]", "Wirbel",  "Dateien"};
   return QString::fromUtf8(names[section]);
 }
 
