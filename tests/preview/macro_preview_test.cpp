@@ -7,8 +7,8 @@
 #include <tuple>
 
 #include "field/formats/vas_file.h"
-#include "macro/command_catalogue.h"
 #include "macro/run_driver.h"
+#include "support/commands.h"
 #include "support/field_builder.h"
 #include "support/field_compare.h"
 #include "support/test_session.h"
@@ -35,18 +35,12 @@ std::string SampleBytes(int index) {
   return program.files.files["/x.vas"];
 }
 
-MacroEvent WithPresets(const CommandRow& row) {
-  MacroEvent event(row.eventId);
-  for (const Parameter& parameter : row.parameters) event.Set(parameter.key, PresetOf(parameter));
-  return event;
-}
-
 // Any command but the menus, with names that make results depend on each other.
 MacroEvent AnyCommand(std::mt19937& random) {
   const auto rows = CommandCatalogue();
   const CommandRow* row = &rows[random() % rows.size()];
   while (row->IsMenu()) row = &rows[random() % rows.size()];
-  MacroEvent event = WithPresets(*row);
+  MacroEvent event = Command(row->constantName.data());
   if (event.Find("Postfix") != nullptr) {
     const char* const names[] = {"", "neu/", "neu/tief/", "../"};
     event.Set("Prefix", names[random() % 4]);
@@ -144,7 +138,7 @@ TEST_F(MacroPreviewTest, EveryStateIsThatOfARunHoweverTheMacroWasEdited) {
 TEST_F(MacroPreviewTest, EveryCommandIsReported) {
   for (const CommandRow& row : CommandCatalogue()) {
     if (row.IsMenu()) continue;
-    MacroEvent event = WithPresets(row);
+    MacroEvent event = Command(row.constantName.data());
     if (event.Find("FileName") != nullptr) {
       event.Set("FileName", row.parameters[0].role == FileRole::reads ? "/serie/b.vas" : "/serie/neu.col");
     }
@@ -160,10 +154,10 @@ TEST_F(MacroPreviewTest, EveryCommandIsReported) {
 }
 
 TEST_F(MacroPreviewTest, CountsWhatAStepDoes) {
-  MacroEvent search = WithPresets(*FindCommand("evtFaultVectors"));
+  MacroEvent search = Command("evtFaultVectors");
   search.Set("ChkAbsInterval", 1);
   search.Set("TxtAbsIntMax", std::string("20"));
-  MacroEvent vortices = WithPresets(*FindCommand("evtVortexCentres"));
+  MacroEvent vortices = Command("evtVortexCentres");
   MacroPreview preview(below, clock, '.');
   preview.Begin(file, {search, MacroEvent(40001), MacroEvent(40103), vortices});
   while (preview.ComputeNext()) {
@@ -233,7 +227,7 @@ TEST_F(MacroPreviewTest, AStepThatDependsOnTheFilesBeforeIsNotGuessed) {
 }
 
 TEST_F(MacroPreviewTest, ACancelledComputationGoesOnLater) {
-  MacroEventList macro = {MacroEvent(40103), WithPresets(*FindCommand("evtSaveVas")), MacroEvent(40104)};
+  MacroEventList macro = {MacroEvent(40103), Command("evtSaveVas"), MacroEvent(40104)};
   MacroPreview whole(below, clock, '.');
   whole.Begin(file, macro);
   while (whole.ComputeNext()) {
@@ -259,7 +253,7 @@ TEST_F(MacroPreviewTest, ACancelledComputationGoesOnLater) {
 
 TEST_F(MacroPreviewTest, BadInputIsSaidInItsStep) {
   below.files["/serie/kaputt.vas"] = before["/serie/kaputt.vas"] = "kein Feld";
-  MacroEvent noName = WithPresets(*FindCommand("evtSaveVas"));
+  MacroEvent noName = Command("evtSaveVas");
   MacroEvent gone(20002), outside = noName;
   gone.Set("FileName", std::string("/serie/fehlt.vas"));
   outside.Set("Prefix", std::string("../../"));
