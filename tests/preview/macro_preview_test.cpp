@@ -11,6 +11,7 @@
 #include "support/commands.h"
 #include "support/field_builder.h"
 #include "support/field_compare.h"
+#include "support/slashes.h"
 #include "support/test_session.h"
 
 namespace quiverion::test {
@@ -92,9 +93,9 @@ class MacroPreviewTest : public testing::Test {
       run.program.context.field.derivedScalar = field->derivedScalar;  // part of no state
       ASSERT_EQ(FirstDifference(*field, run.program.context.field), "") << step << " " << report.title;
       for (const FileChange& change : report.files) {
-        ASSERT_EQ(change.kind == FileChangeKind::created,
-                  !below.files.contains(change.path) && !written.contains(change.path));
-        written.insert(change.path);
+        const std::string path = WithSlashes(change.path);
+        ASSERT_EQ(change.kind == FileChangeKind::created, !below.files.contains(path) && !written.contains(path));
+        written.insert(path);
       }
       for (const auto& [path, bytes] : run.program.files.files) {
         const auto old = below.files.find(path);
@@ -207,13 +208,14 @@ TEST_F(MacroPreviewTest, AStepThatDependsOnTheFilesBeforeIsNotGuessed) {
   };
   for (const auto& each : cases) {
     auto buffer = std::make_shared<BufferField>();
-    buffer->bufferFileName = each.copiedFrom;
+    buffer->bufferFileName = WithOwnSeparators(each.copiedFrom);
     buffer->bufferColumnCount = 14;
     buffer->bufferRowCount = 11;
     buffer->bufferVelX.Reset(14, 11);
     buffer->bufferVelY.Reset(14, 11);
     buffer->bufferStatus.Reset(14, 11);
-    file.earlierPaths = each.earlier;
+    file.earlierPaths.clear();
+    for (const std::string& path : each.earlier) file.earlierPaths.push_back(WithOwnSeparators(path));
     file.buffer = buffer;
     MacroPreview preview(below, clock, '.');
     preview.Begin(file, each.macro);
