@@ -263,7 +263,8 @@ void frmPreview::TakeAnswer(const PreviewAnswer& answer) {
     sample_ = *answer.sample;
     ShowSample();
   }
-  if (answer.search || answer.sample) ShowSearch();
+  // Over the sample, an answer for the file alone would show the limits as they were.
+  if (answer.sample || (answer.search && !ui_->chkSample->isChecked())) ShowSearch();
   if (!answer.error.empty()) ui_->Comparison->ShowMessage(ToQt(answer.error));
 }
 
