@@ -86,6 +86,7 @@ struct CommandRow {
   std::int32_t outputKilobytes;           // estimated size of its output per input file
   void (*run)(const CommandCall& call);   // null: a menu
   ParameterEditor editor = {};
+  std::string_view resultExtension = {};  // of a file named by Prefix and Postfix
 
   bool IsMenu() const { return run == nullptr; }
 };
