@@ -36,4 +36,5 @@ quiverion_library(statistics USES operations SOURCES
   statistic_steps.cpp valid_bits.cpp)
 quiverion_library(macro USES export statistics SOURCES
   command_actions.cpp command_catalogue.cpp directory_names.cpp file_steps.cpp macro_event.cpp macro_file.cpp
-  plan_findings.cpp pre_run_checks.cpp run_driver.cpp run_plan.cpp series_files.cpp)
+  plan_findings.cpp pre_run_checks.cpp run_driver.cpp run_plan.cpp run_table.cpp run_table_text.cpp
+  series_files.cpp)

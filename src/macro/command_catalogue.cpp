@@ -104,6 +104,15 @@ constexpr CommandRow Menu(std::int32_t eventId, std::string_view name, std::int3
   return {eventId, name, parent, shortText, longText, {}, 0, nullptr};
 }
 
+constexpr CommandRow Changing(StatusEffect statuses, CommandRow row) {
+  row.statuses = statuses;
+  return row;
+}
+constexpr CommandRow FindingVortices(CommandRow row) {
+  row.findsVortices = true;
+  return row;
+}
+
 // clang-format off
 constexpr CommandRow kRows[] = {
     Menu(10000, "evtFileMenu", 0, "Datei", "'Datei'-Menü"),
@@ -135,35 +144,35 @@ constexpr CommandRow kRows[] = {
      "Vektorfeld aus Datei in Buffer einladen", kBufferFile, 0, actions::LoadBuffer, Editor(EditorKind::bufferFile)},
     {20001, "evtCopyToBuffer", 20000, "Aktuelles Vektorfeld in Buffer kopieren",
      "Aktuelles Vektorfeld in Buffer kopieren", {}, 0, actions::Plain<CopyFieldToBuffer>},
-    {20003, "evtBufferAsMask", 20000, "Buffer als Maske benutzen",
-     "Vektorfeld im Buffer als Maske benutzen", {}, 0, actions::Plain<UseBufferAsMask>},
-    {20004, "evtAddBuffer", 20000, "Buffer zum Vektorfeld addieren",
-     "Buffer zu aktuellem Vektorfeld addieren", {}, 0, actions::Plain<AddBufferToField>},
-    {20005, "evtSubtractBuffer", 20000, "Buffer vom Vektorfeld subtrahieren",
-     "Buffer von aktuellem Vektorfeld subtrahieren", {}, 0, actions::Plain<SubtractBufferFromField>},
-    {20006, "evtSubtractFromBuffer", 20000, "Vektorfeld vom Buffer subtrahieren",
-     "Vektorfeld vom Buffer subtrahieren (verändert nicht Buffer, sondern Vektorfeld!)", {}, 0, actions::Plain<SubtractFieldFromBuffer>},
+    Changing(StatusEffect::changes, {20003, "evtBufferAsMask", 20000, "Buffer als Maske benutzen",
+     "Vektorfeld im Buffer als Maske benutzen", {}, 0, actions::Plain<UseBufferAsMask>}),
+    Changing(StatusEffect::changes, {20004, "evtAddBuffer", 20000, "Buffer zum Vektorfeld addieren",
+     "Buffer zu aktuellem Vektorfeld addieren", {}, 0, actions::Plain<AddBufferToField>}),
+    Changing(StatusEffect::changes, {20005, "evtSubtractBuffer", 20000, "Buffer vom Vektorfeld subtrahieren",
+     "Buffer von aktuellem Vektorfeld subtrahieren", {}, 0, actions::Plain<SubtractBufferFromField>}),
+    Changing(StatusEffect::changes, {20006, "evtSubtractFromBuffer", 20000, "Vektorfeld vom Buffer subtrahieren",
+     "Vektorfeld vom Buffer subtrahieren (verändert nicht Buffer, sondern Vektorfeld!)", {}, 0, actions::Plain<SubtractFieldFromBuffer>}),
     Menu(30000, "evtEditMenu", 0, "Bearbeiten", "'Bearbeiten'-Menü"),
-    {30001, "evtFaultVectors", 30000, "Fehlerhafte Vektoren suchen",
-     "Fehlerhafte Vektoren suchen", kFaultVectors, 0, actions::FaultVectors, Editor(EditorKind::faultVectors)},
-    {30002, "evtMirror", 30000, "Vektorfeld spiegeln",
-     "Vektorfeld spiegeln", kMirror, 0, actions::Mirror, Editor(EditorKind::mirror)},
+    Changing(StatusEffect::changes, {30001, "evtFaultVectors", 30000, "Fehlerhafte Vektoren suchen",
+     "Fehlerhafte Vektoren suchen", kFaultVectors, 0, actions::FaultVectors, Editor(EditorKind::faultVectors)}),
+    Changing(StatusEffect::moves, {30002, "evtMirror", 30000, "Vektorfeld spiegeln",
+     "Vektorfeld spiegeln", kMirror, 0, actions::Mirror, Editor(EditorKind::mirror)}),
     {30003, "evtXYTrafo", 30000, "Koordinatentransformation",
      "Koordinatentransformation", kXYTrafo, 0, actions::XYTrafo, Editor(EditorKind::coordinates)},
     Menu(40000, "evtCalcMenu", 0, "Berechnungen", "'Berechnungen'-Menü"),
-    {40001, "evtInterpolation", 40000, "Interpolation",
-     "Ungültige Vektoren durch Interpolation ersetzen", {}, 0, actions::Plain<InterpolateInvalidVectors>},
+    Changing(StatusEffect::changes, {40001, "evtInterpolation", 40000, "Interpolation",
+     "Ungültige Vektoren durch Interpolation ersetzen", {}, 0, actions::Plain<InterpolateInvalidVectors>}),
     Menu(40100, "evtFilterMenu", 40000, "Filter", "'Filter'-Menü"),
-    {40101, "evtRect3x3", 40100, "Rechteck (3x3)",
-     "Smoothing mit 3x3 Rechteck-Filter", {}, 0, actions::Plain<FilterRect3x3>},
-    {40102, "evtRect5x5", 40100, "Rechteck (5x5)",
-     "Smoothing mit 5x5 Rechteck-Filter", {}, 0, actions::Plain<FilterRect5x5>},
-    {40103, "evtGauss3x3", 40100, "Gauß (3x3)",
-     "Smoothing mit 3x3 Gauß-Filter", {}, 0, actions::Plain<FilterGauss3x3>},
-    {40104, "evtGauss5x5", 40100, "Gauß (5x5)",
-     "Smoothing mit 5x5 Gauß-Filter", {}, 0, actions::Plain<FilterGauss5x5>},
-    {40105, "evtVelocityProfile", 40100, "Geschwindigkeitsprofil",
-     "Geschwindigkeitsprofil erzeugen", {}, 0, actions::Plain<FilterVelocityProfile>},
+    Changing(StatusEffect::changes, {40101, "evtRect3x3", 40100, "Rechteck (3x3)",
+     "Smoothing mit 3x3 Rechteck-Filter", {}, 0, actions::Plain<FilterRect3x3>}),
+    Changing(StatusEffect::changes, {40102, "evtRect5x5", 40100, "Rechteck (5x5)",
+     "Smoothing mit 5x5 Rechteck-Filter", {}, 0, actions::Plain<FilterRect5x5>}),
+    Changing(StatusEffect::changes, {40103, "evtGauss3x3", 40100, "Gauß (3x3)",
+     "Smoothing mit 3x3 Gauß-Filter", {}, 0, actions::Plain<FilterGauss3x3>}),
+    Changing(StatusEffect::changes, {40104, "evtGauss5x5", 40100, "Gauß (5x5)",
+     "Smoothing mit 5x5 Gauß-Filter", {}, 0, actions::Plain<FilterGauss5x5>}),
+    Changing(StatusEffect::changes, {40105, "evtVelocityProfile", 40100, "Geschwindigkeitsprofil",
+     "Geschwindigkeitsprofil erzeugen", {}, 0, actions::Plain<FilterVelocityProfile>}),
     Menu(40200, "evtConstVectorMenu", 40000, "Konstanten Vektor...", "'Konstanten Vektor...'-Menü"),
     {40201, "evtAddConstVector", 40200, "...addieren",
      "Konstanten Vektor addieren", kConstVector, 0, actions::Components<AddConstantVector>,
@@ -171,8 +180,8 @@ constexpr CommandRow kRows[] = {
     {40202, "evtSubtractConstVector", 40200, "...subtrahieren",
      "Konstanten Vektor subtrahieren", kConstVector, 0, actions::Components<SubtractConstantVector>,
      ConstVector("Zu subtrahierender Vektor")},
-    {40002, "evtVortexCentres", 40000, "Wirbelzentren suchen",
-     "Wirbelzentren suchen", kVortexCentres, 0, actions::VortexCentres, Editor(EditorKind::vortexCentres)},
+    FindingVortices({40002, "evtVortexCentres", 40000, "Wirbelzentren suchen",
+     "Wirbelzentren suchen", kVortexCentres, 0, actions::VortexCentres, Editor(EditorKind::vortexCentres)}),
     Menu(50000, "evtViewMenu", 0, "Ansicht", "'Ansicht'-Menü"),
     {50001, "evtShowHeader", 50000, "Header anzeigen",
      "Header nach dem Öffnen in Quiverion automatisch anzeigen?", kChecked, 0, actions::Checked<SetShowHeader>,

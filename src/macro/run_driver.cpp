@@ -23,9 +23,20 @@ std::string_view Verdict(const Context& context) {
                                     : "Makro-Ausführung erfolgreich beendet";
 }
 
+// For a run that nobody watches.
+class NoObserver : public RunObserver {
+  void RunBegins(const Session& /*session*/) override {}
+  void FileBegins(std::size_t /*index*/) override {}
+  void Loaded(const Context& /*context*/) override {}
+  void Executing(const CommandRow* /*row*/, const Context& /*context*/) override {}
+  void Executed(const CommandRow* /*row*/, const Context& /*context*/) override {}
+  void FileEnds(bool /*interrupted*/) override {}
+  void RunEnds() override {}
+};
+
 class Run {
  public:
-  explicit Run(Session& session) : session_(session), context_(session.context) {
+  Run(Session& session, RunObserver& observer) : session_(session), context_(session.context), observer_(observer) {
     progress_.fileCount = session.SelectedFileCount();
   }
 
@@ -34,6 +45,7 @@ class Run {
     const float start = context_.clock.SecondsSinceMidnight();
     context_.userAbortRequested = false;
     context_.runHadError = false;
+    observer_.RunBegins(session_);
     for (const std::string& name : session_.selectedFiles) {
       ++progress_.currentFile;
       RunFile(name);
@@ -42,6 +54,7 @@ class Run {
       ShowProgress();
     }
     context_.ui.RunEnded();
+    observer_.RunEnds();
     WriteTitle(context_.log, Verdict(context_));
     const std::string duration = DurationText(context_.clock.SecondsSinceMidnight() - start);
     if (!duration.empty()) context_.log.WriteLogLine(duration);
@@ -53,15 +66,20 @@ class Run {
     progress_.fileName = TrimBlanks(name);
     progress_.event = "Laden der Orginaldatei";
     ShowProgress();
+    observer_.FileBegins(static_cast<std::size_t>(progress_.currentFile - 1));
     WriteTitle(context_.log, progress_.fileName);
     Yield();
     context_.abortCurrentFile = false;
     LoadStep(context_, session_.inputDirectory + name);
+    observer_.Loaded(context_);
+    bool interrupted = false;
     for (const MacroEvent& event : session_.macro) {
       if (context_.abortCurrentFile) break;
-      if (!RunCommand(event, name)) break;
+      interrupted = !RunCommand(event, name);
+      if (interrupted) break;
     }
     if (context_.abortCurrentFile) context_.runHadError = true;
+    observer_.FileEnds(interrupted);
   }
 
   // False if the user has asked to abort: the command was not started.
@@ -72,7 +90,9 @@ class Run {
     ShowProgress();
     Yield();
     if (context_.userAbortRequested) return false;
+    observer_.Executing(row, context_);
     RunStep(row, {context_, event, session_.inputDirectory, name});
+    observer_.Executed(row, context_);
     return true;
   }
 
@@ -88,6 +108,7 @@ class Run {
 
   Session& session_;
   Context& context_;
+  RunObserver& observer_;
   RunProgress progress_;
 };
 
@@ -100,8 +121,9 @@ std::string DurationText(float seconds) {
   return minutes > 0 ? "\r\nDauer: " + std::to_string(minutes) + " min " + rest : "\r\nDauer: " + rest;
 }
 
-void RunMacro(Session& session) {
-  Run(session).Execute();
+void RunMacro(Session& session, RunObserver* observer) {
+  NoObserver nobody;
+  Run(session, observer == nullptr ? nobody : *observer).Execute();
 }
 
 }  // namespace quiverion

@@ -1,5 +1,6 @@
 #include "operations/kernels/field_changes.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 
@@ -26,7 +27,34 @@ QUIVERION_MULTI_TARGET void CountRow(const std::int32_t* before, const std::int3
   changes.valid += valid;
 }
 
+// Sums of bytes, which the compiler can add side by side: a block has at most 255 vectors.
+QUIVERION_MULTI_TARGET void UpdateBlock(const std::int32_t* after, std::size_t count, unsigned char* flags,
+                                        FieldChanges& changes) {
+  unsigned char rejected = 0, filled = 0, valid = 0;
+  for (std::size_t k = 0; k < count; ++k) {
+    const unsigned char was = flags[k], is = after[k] > 0 ? 1 : 0;
+    rejected = static_cast<unsigned char>(rejected + (was & ~is));
+    filled = static_cast<unsigned char>(filled + (is & ~was));
+    valid = static_cast<unsigned char>(valid + is);
+    flags[k] = is;
+  }
+  changes.rejected += rejected;
+  changes.filled += filled;
+  changes.valid += valid;
+}
+
 }  // namespace
+
+FieldChanges UpdateValidFlags(ValidFlags& flags, const Grid<std::int32_t>& after) {
+  constexpr std::size_t block = 192;
+  const auto status = after.Values();
+  if (flags.size() != status.size()) flags.assign(status.size(), 0);
+  FieldChanges changes;
+  for (std::size_t k = 0; k < status.size(); k += block) {
+    UpdateBlock(status.data() + k, std::min(block, status.size() - k), flags.data() + k, changes);
+  }
+  return changes;
+}
 
 FieldChanges CountStatusChanges(const Grid<std::int32_t>& before, const Grid<std::int32_t>& after) {
   FieldChanges changes;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "field/vector_field.h"
 
@@ -21,5 +22,12 @@ FieldChanges CountChanges(const GridVectors& before, const GridVectors& after);
 
 /// The numbers of rejected, filled and valid vectors alone, from statuses of the same size.
 FieldChanges CountStatusChanges(const Grid<std::int32_t>& before, const Grid<std::int32_t>& after);
+
+/// Which vectors of a field are valid, a byte each (0 or 1), in the order of the grid.
+using ValidFlags = std::vector<unsigned char>;
+
+/// The same numbers compared with `flags`, which become those of `after`: faster than with a copy of the statuses. Flags
+/// of another size count as those of a field without valid vectors.
+FieldChanges UpdateValidFlags(ValidFlags& flags, const Grid<std::int32_t>& after);
 
 }  // namespace quiverion
