@@ -38,3 +38,5 @@ quiverion_library(macro USES export statistics SOURCES
   command_actions.cpp command_catalogue.cpp directory_names.cpp file_steps.cpp macro_event.cpp macro_file.cpp
   plan_findings.cpp pre_run_checks.cpp run_driver.cpp run_plan.cpp run_table.cpp run_table_text.cpp
   series_files.cpp)
+quiverion_library(preview USES macro picture SOURCES
+  buffer_use.cpp field_difference.cpp macro_preview.cpp search_report.cpp series_sample.cpp)

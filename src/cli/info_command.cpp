@@ -5,9 +5,9 @@
 #include <optional>
 
 #include "cli/commands.h"
-#include "cli/first_lines.h"
 #include "cli/services.h"
 #include "field/formats/load_original_file.h"
+#include "log/first_lines.h"
 #include "platform/text/numbers.h"
 #include "platform/text/text.h"
 
