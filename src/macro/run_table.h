@@ -93,6 +93,9 @@ std::span<const std::string_view> TableCaptions();
 /// A cell as text; empty if there is no value.
 std::string TableCell(const FileRow& row, std::size_t column, char decimalSeparator);
 
+/// "3000 Dateien, 3 mit Fehlern"
+std::string ErrorCountText(std::span<const FileRow> rows);
+
 /// The table as CSV: a line of captions and a line per row, "\r\n" at the end of each. Columns are separated by ";" and
 /// quoted if necessary. UTF-8 with a byte order mark, without which spreadsheets take it for another character set.
 /// `write` gets it in blocks.

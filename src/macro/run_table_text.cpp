@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 
 #include "macro/run_table.h"
@@ -56,6 +57,11 @@ std::string TableCell(const FileRow& row, std::size_t column, char decimalSepara
   }
   if (row.result == FileResult::notRun) return {};
   return FormatNumber(static_cast<double>(RoundToInt32(row.seconds * 1000.0)) / 1000.0, decimalSeparator);
+}
+
+std::string ErrorCountText(std::span<const FileRow> rows) {
+  return std::to_string(rows.size()) + (rows.size() == 1 ? " Datei, " : " Dateien, ") +
+         std::to_string(std::ranges::count_if(rows, &FileRow::HasErrors)) + " mit Fehlern";
 }
 
 void WriteTable(std::span<const FileRow> rows, char decimalSeparator,
