@@ -142,8 +142,7 @@ void frmMain::ConnectTools() {
       TellFiles();
     });
   });
-  connect(ui_->mnuLastRun, &QAction::triggered, this,
-          [this] { Guarded("mnuLastRun", [this] { lastRun_.ShowTable(*this); }); });
+  connect(ui_->mnuLastRun, &QAction::triggered, this, [this] { lastRun_.ShowTable(*this); });
   connect(&lastRun_, &LastRun::FieldWanted, this, [this](const std::string& path) { tools_.ShowField(path); });
   connect(&lastRun_, &LastRun::FilesChosen, this, [this](const std::string& directory, const auto& names) {
     if (OpenDirectory(directory)) ui_->Files->SelectNames(names);

@@ -2,11 +2,22 @@
 
 #include "dialogs/frmRunTable.h"
 #include "dialogs/frmShowLogFile.h"
+#include "dialogs/widgets/guarded.h"
 #include "dialogs/widgets/run_modal.h"
 #include "macro/pre_run_checks.h"
 #include "platform/files/paths.h"
 
 namespace quiverion {
+namespace {
+
+// As the directory list names it: without a separator at the end, except for a root.
+std::string Opened(const std::string& directory) {
+  const std::string_view name = DirectoryOf(directory);
+  return name.empty() || name.ends_with(':') ? directory : std::string(name);
+}
+
+}  // namespace
+
 bool LastRun::Start() {
   const AttachedSink attached(log_, logText_);  // the checks log nothing
   RunTable table(log_);
@@ -47,20 +58,22 @@ void LastRun::ShowTable(QWidget& parent) {
                              .icon = MessageIcon::information});
     return;
   }
-  ShowTableOver(parent, [this](QDialog& table, const FileRow& row) { ShowLogAt(row, table); });
+  Guarded(session_.context.ui,
+          [&] { ShowTableOver(parent, [this](QDialog& table, const FileRow& row) { ShowLogAt(row, table); }); });
 }
 
 void LastRun::ShowTableOver(QWidget& parent, const std::function<void(QDialog&, const FileRow&)>& showLog) {
   frmRunTable* shown = nullptr;
-  frmRunTable table({.rows = rows_,
-                     .directory = directory_,
-                     .decimalSeparator = machine_.decimalSeparator,
-                     .files = machine_.files,
-                     .messages = session_.context.ui,
-                     .showField = [this](const FileRow& row) { emit FieldWanted(directory_ + row.name); },
-                     .showLog = [&](const FileRow& row) { showLog(*shown, row); },
-                     .select = [this](const std::vector<std::string>& names) { emit FilesChosen(directory_, names); }},
-                    &parent);
+  frmRunTable table(
+      {.rows = rows_,
+       .directory = directory_,
+       .decimalSeparator = machine_.decimalSeparator,
+       .files = machine_.files,
+       .messages = session_.context.ui,
+       .showField = [this](const FileRow& row) { emit FieldWanted(directory_ + row.name); },
+       .showLog = [&](const FileRow& row) { showLog(*shown, row); },
+       .select = [this](const std::vector<std::string>& names) { emit FilesChosen(Opened(directory_), names); }},
+      &parent);
   shown = &table;
   RunModal(table);
 }

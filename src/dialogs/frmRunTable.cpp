@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QShortcut>
 #include <algorithm>
+#include <numeric>
 
 #include "dialogs/parameters/file_choices.h"
 #include "dialogs/parameters/parameter_windows.h"
@@ -73,8 +74,11 @@ std::vector<int> frmRunTable::ChosenRows() const {
   for (const QItemSelectionRange& range : ui_->tblRun->selectionModel()->selection()) {
     for (int row = range.top(); row <= range.bottom(); ++row) rows.push_back(row);
   }
+  if (rows.empty()) {
+    rows.resize(static_cast<std::size_t>(model_.rowCount()));
+    std::iota(rows.begin(), rows.end(), 0);
+  }
   std::ranges::sort(rows);
-  for (int row = 0; rows.empty() && row < model_.rowCount(); ++row) rows.push_back(row);
   return rows;
 }
 

@@ -1,6 +1,7 @@
 #include "macro/run_driver.h"
 
 #include <cmath>
+#include <utility>
 
 #include "log/log_lines.h"
 #include "macro/file_steps.h"
@@ -70,6 +71,7 @@ class Run {
     WriteTitle(context_.log, progress_.fileName);
     Yield();
     context_.abortCurrentFile = false;
+    const bool hadError = std::exchange(context_.runHadError, false);  // for this file alone
     LoadStep(context_, session_.inputDirectory + name);
     observer_.Loaded(context_);
     bool interrupted = false;
@@ -79,6 +81,8 @@ class Run {
       if (interrupted) break;
     }
     if (context_.abortCurrentFile) context_.runHadError = true;
+    progress_.filesWithErrors += context_.runHadError ? 1 : 0;
+    context_.runHadError = context_.runHadError || hadError;
     observer_.FileEnds(interrupted);
   }
 
@@ -86,7 +90,7 @@ class Run {
   bool RunCommand(const MacroEvent& event, const std::string& name) {
     const CommandRow* const row = FindStep(context_, event);
     if (!context_.abortCurrentFile) progress_.event = MacroEventDescription(event.EventId(), true);
-    progress_.errorOccurred = progress_.errorOccurred || context_.runHadError;
+    progress_.errorOccurred = progress_.errorOccurred || context_.runHadError || progress_.filesWithErrors > 0;
     ShowProgress();
     Yield();
     if (context_.userAbortRequested) return false;

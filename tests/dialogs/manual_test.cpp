@@ -114,8 +114,9 @@ TEST_F(Manual, ContentsAndIndexReachEverything) {
       EXPECT_FALSE(help.TargetOf(window).isEmpty()) << FromQt(window);
     }
   }
-  for (const char* item : {"mnuOpenMacroList", "mnuSaveMacroList", "mnuEditCollection", "mnuAverage", "mnuStdDeviation",
-                           "mnuAvgUsAndVs", "mnuAvgUsTimesVs", "mnuTu", "mnuDissipation", "mnuShowField"}) {
+  for (const char* item :
+       {"mnuOpenMacroList", "mnuSaveMacroList", "mnuEditCollection", "mnuAverage", "mnuStdDeviation", "mnuAvgUsAndVs",
+        "mnuAvgUsTimesVs", "mnuTu", "mnuDissipation", "mnuShowField", "mnuLastRun"}) {
     EXPECT_FALSE(help.TargetOf(item).isEmpty()) << item;
   }
 }
