@@ -1,6 +1,7 @@
 // Saves a picture of every window, filled from a series: make_shots MAKRO SERIE ZIEL [PUNKTE] [dunkel]
 #include <QApplication>
 #include <QDir>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
@@ -13,6 +14,7 @@
 #include "app/frmMain.h"
 #include "dialogs/application.h"
 #include "dialogs/frmShowCollection.h"
+#include "dialogs/frmShowLogFile.h"
 #include "dialogs/frmShowProgress.h"
 #include "dialogs/help/frmHelp.h"
 #include "dialogs/parameters/frmEditVector.h"
@@ -21,6 +23,7 @@
 #include "dialogs/parameters/frmPrefixPostfix.h"
 #include "dialogs/parameters/frmXYTrafo.h"
 #include "dialogs/parameters/parameter_editing.h"
+#include "dialogs/widgets/find_bar.h"
 #include "dialogs/widgets/message_box.h"
 #include "dialogs/widgets/qt_text.h"
 #include "macro/macro_file.h"
@@ -87,9 +90,28 @@ class Shots {
     main_.ComputationEnded();
 
     Modal("frmShowLogFile", [this] { main_.findChild<QPushButton*>("cmdOk")->click(); });
+    TakeFindBar();
+    Modal("frmRunTable", [this] { main_.findChild<QAction*>("mnuLastRun")->trigger(); });
     frmShowProgress progress(ui_);
-    progress.Show({12, 5, 4, "run05.vec", "Fehlerhafte Vektoren suchen", true});
+    progress.Show({12, 5, 4, "run05.vec", "Fehlerhafte Vektoren suchen", true, 1});
     Show(progress, "frmShowProgress");
+  }
+
+  // A log in which something is looked for.
+  void TakeFindBar() {
+    LogText text;
+    RunLog log;
+    log.Attach(text);
+    for (const char* piece : {"Orginaldatei 'run13.vas' einladen... ", "!!! FEHLER !!!\r\n", "    Dateiende\r\n"}) {
+      log.WriteLogLine(piece);
+    }
+    frmShowLogFile window(text, series_ + "/Log.rtf", *files_, ui_);
+    window.ShowSummary("13 Dateien, 1 mit Fehlern");
+    window.show();
+    window.findChild<FindBar*>()->Open();
+    window.findChild<QLineEdit*>("txtFind")->setText(QStringLiteral("Dateianfang"));
+    window.findChild<FindBar*>()->FindNext();
+    Show(window, "frmShowLogFile-Suchen");
   }
 
   // Fields in memory, with rejected and filled vectors over their vorticity.

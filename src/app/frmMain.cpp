@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QElapsedTimer>
-#include <QMimeData>
 #include <QShortcut>
 #include <QWindow>
 #include <algorithm>
@@ -12,6 +11,7 @@
 #include "app/navigation.h"
 #include "dialogs/frmShowCollection.h"
 #include "dialogs/parameters/file_choices.h"
+#include "dialogs/widgets/dropped_files.h"
 #include "dialogs/widgets/guarded.h"
 #include "dialogs/widgets/icons.h"
 #include "dialogs/widgets/qt_text.h"
@@ -27,13 +27,6 @@ namespace {
 
 constexpr const char* kCollectionTitle = "QuiverionSeries - Inhalt der Kollektion einsehen und bearbeiten";
 constexpr qint64 kPlacementTime = 300;  // ms to wait for the window manager to show the window again
-
-// Files are read where they are. If the drop were accepted as a move, its source would delete them.
-void CopyOnly(QDropEvent& event) {
-  if (!event.possibleActions().testFlag(Qt::CopyAction)) return event.ignore();
-  event.setDropAction(Qt::CopyAction);
-  event.accept();
-}
 
 }  // namespace
 
@@ -407,13 +400,9 @@ void frmMain::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void frmMain::dropEvent(QDropEvent* event) {
-  std::vector<std::string> paths;
-  for (const QUrl& url : event->mimeData()->urls()) {
-    if (url.isLocalFile()) paths.push_back(PathFromQt(url.toLocalFile()));
-  }
   CopyOnly(*event);
   // Not inside the drop handler, because the source waits until it ends. A run or a dialog may have begun by then.
-  const auto open = [this, paths] {
+  const auto open = [this, paths = LocalPaths(*event)] {
     if (isVisible() && !IsBehindDialog(*this)) OpenPaths(paths);
   };
   QMetaObject::invokeMethod(this, open, Qt::QueuedConnection);

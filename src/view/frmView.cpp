@@ -5,10 +5,10 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QHeaderView>
-#include <QMimeData>
 #include <QShortcut>
 #include <algorithm>
 
+#include "dialogs/widgets/dropped_files.h"
 #include "dialogs/widgets/guarded.h"
 #include "dialogs/widgets/icons.h"
 #include "dialogs/widgets/qt_text.h"
@@ -427,21 +427,14 @@ void frmView::closeEvent(QCloseEvent* event) {
 }
 
 void frmView::dragEnterEvent(QDragEnterEvent* event) {
-  if (!event->mimeData()->hasUrls() || !event->possibleActions().testFlag(Qt::CopyAction)) return;
-  event->setDropAction(Qt::CopyAction);
-  event->accept();
+  if (event->mimeData()->hasUrls()) CopyOnly(*event);
 }
 
 void frmView::dropEvent(QDropEvent* event) {
-  std::vector<std::string> paths;
-  for (const QUrl& url : event->mimeData()->urls()) {
-    if (url.isLocalFile()) paths.push_back(PathFromQt(url.toLocalFile()));
-  }
-  event->setDropAction(Qt::CopyAction);
-  event->accept();
+  CopyOnly(*event);
   // Not inside the drop handler, because the source waits until it ends.
   QMetaObject::invokeMethod(
-      this, [this, paths] { Guarded([&] { OpenPaths(paths); }); }, Qt::QueuedConnection);
+      this, [this, paths = LocalPaths(*event)] { Guarded([&] { OpenPaths(paths); }); }, Qt::QueuedConnection);
 }
 
 }  // namespace quiverion

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "dialogs/widgets/qt_text.h"
+#include "messages/failure.h"
 #include "ui_frmFaultVectors.h"
 
 namespace quiverion {
@@ -107,7 +108,7 @@ void frmFaultVectors::Store(MacroEvent& event) const {
   ParameterWindow::Store(event);
   for (const std::string interval : {"TxtAbsInt", "TxtXCompInt", "TxtYCompInt"}) {
     std::string lower = event.Text(interval + "Min"), upper = event.Text(interval + "Max");
-    OrderBounds(lower, upper);
+    if (Attempt([&] { OrderBounds(lower, upper); })) continue;  // a damaged macro holds what is no number
     event.Set(interval + "Min", lower);
     event.Set(interval + "Max", upper);
   }

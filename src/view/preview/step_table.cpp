@@ -129,7 +129,7 @@ QVariant StepTable::data(const QModelIndex& index, int role) const {
 QVariant StepTable::headerData(int section, Qt::Orientation orientation, int role) const {
   if (role != Qt::DisplayRole) return {};
   if (orientation == Qt::Vertical) return section;
-  constexpr const char* names[] = {"Schritt", "verworfen",       "gefüllt", "geändert",
+  constexpr const char* names[] = {"Schritt", "verworfen",         "gefüllt", "geändert",
                                    "gültig",  "größte Änd. [m/s]", "Wirbel",  "Dateien"};
   return QString::fromUtf8(names[section]);
 }
