@@ -5,6 +5,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
+#include <QThread>
 #include <QTimer>
 #include <QTreeWidget>
 #include <iostream>
@@ -93,7 +94,8 @@ class Shots {
     TakeFindBar();
     Modal("frmRunTable", [this] { main_.findChild<QAction*>("mnuLastRun")->trigger(); });
     frmShowProgress progress(ui_);
-    progress.Show({12, 5, 4, "run05.vec", "Fehlerhafte Vektoren suchen", true, 1});
+    QThread::msleep(200);  // so that there is a time left
+    progress.Show({500, 15, 14, "run15.vec", "Fehlerhafte Vektoren suchen", true, 1});
     Show(progress, "frmShowProgress");
   }
 

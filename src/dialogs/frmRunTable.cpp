@@ -34,9 +34,9 @@ frmRunTable::frmRunTable(RunTableServices services, QWidget* parent)
   header.setResizeContentsPrecision(200);  // rows that are measured
   table.resizeColumnsToContents();
   constexpr int name = 0, message = 3;
-  const int letter = fontMetrics().averageCharWidth();
-  header.resizeSection(name, std::min(header.sectionSize(name), 40 * letter));
-  header.resizeSection(message, std::clamp(header.sectionSize(message), 16 * letter, 50 * letter));
+  header.resizeSection(name, std::min(header.sectionSize(name), 40 * fontMetrics().averageCharWidth()));
+  header.moveSection(message, static_cast<int>(kTableColumns) - 1);  // it gets the rest of the width
+  header.setStretchLastSection(true);
   table.verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
   ui_->lblSummary->setText(ToQt(ErrorCountText(services_.rows)));
   connect(&table, &QTableView::doubleClicked, this, &frmRunTable::Open);
