@@ -34,7 +34,9 @@ frmRunTable::frmRunTable(RunTableServices services, QWidget* parent)
   header.setResizeContentsPrecision(200);  // rows that are measured
   table.resizeColumnsToContents();
   constexpr int name = 0, message = 3;
-  header.resizeSection(name, std::min(header.sectionSize(name), 40 * fontMetrics().averageCharWidth()));
+  const int letter = fontMetrics().averageCharWidth();
+  header.resizeSection(name, std::min(header.sectionSize(name), 40 * letter));
+  header.resizeSection(message, 24 * letter);
   header.moveSection(message, static_cast<int>(kTableColumns) - 1);  // it gets the rest of the width
   header.setStretchLastSection(true);
   table.verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
