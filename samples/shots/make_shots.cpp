@@ -1,6 +1,8 @@
 // Saves a picture of every window, filled from a series: make_shots MAKRO SERIE ZIEL [PUNKTE] [dunkel]
 #include <QApplication>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
@@ -34,6 +36,7 @@
 #include "platform/files/overlay_files.h"
 #include "platform/files/paths.h"
 #include "view/frmView.h"
+#include "view/preview/frmPreview.h"
 
 namespace quiverion {
 namespace {
@@ -46,6 +49,7 @@ class Shots {
   void TakeAll() {
     Windows();
     Viewer();
+    Preview();
     ParameterWindowsWithDefaults();
     Collection();
     HelpWindow();
@@ -138,6 +142,27 @@ class Shots {
     Show(viewer, "frmView");
     viewer.findChild<QAction*>("mnuTable")->trigger();
     Show(viewer, "frmView-Tabelle");
+  }
+
+  // Two limits are being sought: the wipe between before and after.
+  void Preview() {
+    MacroEvent search = Macro()[1];
+    AddDefaultParameters(search);
+    search.Set("ChkAbsDeviation", 1);
+    search.Set("ChkDirDeviation", 1);
+    search.Set("CompareVectorType", 3);
+    const BufferField buffer;
+    frmPreview preview({*files_, clock_, '.', [] {}, [&]() -> const BufferField& { return buffer; }});
+    preview.show();
+    preview.ShowMacro({search, MacroEvent(40001), MacroEvent(40103)}, 0);
+    preview.ShowFiles(WithSeparator(series_), Names());
+    preview.findChild<QAction*>("mnuWipe")->trigger();
+    const auto* const together = preview.findChild<QLabel*>("lblTogether");
+    QElapsedTimer time;
+    for (time.start(); time.elapsed() < 1500 || together->text().isEmpty();) {
+      QApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    Save(preview, "frmPreview");
   }
 
   template <class Window>
