@@ -43,8 +43,8 @@ class frmShowProgress : public QDialog {
 /// The caption after a file: it shows the progress in the task bar when the window is minimised.
 std::string ProgressCaption(bool minimised, std::int32_t filesDone, std::int32_t fileCount);
 
-/// The line below the labels: the time left after `seconds`, and the number of files with errors. Empty before the first
-/// file is done, unless there are errors.
+/// The line below the labels: the time left after `seconds`, and the number of files with errors. Empty before the
+/// first file is done.
 std::string RemainingText(const RunProgress& progress, double seconds);
 
 }  // namespace quiverion

@@ -26,8 +26,8 @@ FieldChanges CountStatusChanges(const Grid<std::int32_t>& before, const Grid<std
 /// Which vectors of a field are valid, a byte each (0 or 1), in the order of the grid.
 using ValidFlags = std::vector<unsigned char>;
 
-/// The same numbers compared with `flags`, which become those of `after`: faster than with a copy of the statuses. Flags
-/// of another size count as those of a field without valid vectors.
+/// The same numbers compared with `flags`, which become those of `after`: faster than with a copy of the statuses.
+/// Flags of another size count as those of a field without valid vectors.
 FieldChanges UpdateValidFlags(ValidFlags& flags, const Grid<std::int32_t>& after);
 
 }  // namespace quiverion
