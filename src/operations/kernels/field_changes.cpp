@@ -1,6 +1,5 @@
 #include "operations/kernels/field_changes.h"
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
 
@@ -27,32 +26,36 @@ QUIVERION_MULTI_TARGET void CountRow(const std::int32_t* before, const std::int3
   changes.valid += valid;
 }
 
-// Sums of bytes, which the compiler can add side by side: a block has at most 255 vectors.
-QUIVERION_MULTI_TARGET void UpdateBlock(const std::int32_t* after, std::size_t count, unsigned char* flags,
+// Counts the rejected and the valid vectors. The sums of a block are bytes, which the compiler adds side by side.
+QUIVERION_MULTI_TARGET void UpdateFlags(const std::int32_t* after, std::size_t count, unsigned char* flags,
                                         FieldChanges& changes) {
-  unsigned char rejected = 0, filled = 0, valid = 0;
-  for (std::size_t k = 0; k < count; ++k) {
-    const unsigned char was = flags[k], is = after[k] > 0 ? 1 : 0;
-    rejected = static_cast<unsigned char>(rejected + (was & ~is));
-    filled = static_cast<unsigned char>(filled + (is & ~was));
-    valid = static_cast<unsigned char>(valid + is);
-    flags[k] = is;
-  }
-  changes.rejected += rejected;
-  changes.filled += filled;
-  changes.valid += valid;
+  constexpr std::size_t block = 192;  // at most 255
+  std::size_t begin = 0;
+  const auto update = [&](std::size_t size) {
+    unsigned char rejected = 0, valid = 0;
+    for (std::size_t k = begin; k < begin + size; ++k) {
+      const unsigned char is = after[k] > 0 ? 1 : 0;
+      rejected = static_cast<unsigned char>(rejected + (flags[k] & ~is));
+      valid = static_cast<unsigned char>(valid + is);
+      flags[k] = is;
+    }
+    changes.rejected += rejected;
+    changes.valid += valid;
+    begin += size;
+  };
+  while (begin + block <= count) update(block);
+  update(count - begin);
 }
 
 }  // namespace
 
-FieldChanges UpdateValidFlags(ValidFlags& flags, const Grid<std::int32_t>& after) {
-  constexpr std::size_t block = 192;
+FieldChanges UpdateValidFlags(ValidFlags& before, const Grid<std::int32_t>& after) {
   const auto status = after.Values();
-  if (flags.size() != status.size()) flags.assign(status.size(), 0);
+  if (before.flags.size() != status.size()) before = {std::vector<unsigned char>(status.size()), 0};
   FieldChanges changes;
-  for (std::size_t k = 0; k < status.size(); k += block) {
-    UpdateBlock(status.data() + k, std::min(block, status.size() - k), flags.data() + k, changes);
-  }
+  UpdateFlags(status.data(), status.size(), before.flags.data(), changes);
+  changes.filled = changes.valid - (before.valid - changes.rejected);
+  before.valid = changes.valid;
   return changes;
 }
 
