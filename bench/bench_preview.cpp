@@ -9,38 +9,30 @@
 
 #include "bench_support.h"
 #include "generator/sample_files.h"
-#include "macro/command_catalogue.h"
 #include "macro/run_driver.h"
 #include "platform/files/overlay_files.h"
+#include "support/commands.h"
 #include "view/preview/frmPreview.h"
 
 namespace quiverion::bench {
 namespace {
 
-MacroEvent With(const char* name, std::initializer_list<std::pair<const char*, MacroValue>> values = {}) {
-  const CommandRow& row = *FindCommand(name);
-  MacroEvent event(row.eventId);
-  for (const Parameter& parameter : row.parameters) event.Set(parameter.key, PresetOf(parameter));
-  for (const auto& [key, value] : values) event.Set(key, value);
-  return event;
-}
-
 // Ten steps; `percent` is the limit that changes.
 MacroEventList TenSteps(const char* percent, const std::string& directory) {
-  return {With("evtFaultVectors", {{"ChkAbsDeviation", 1},
-                                   {"TxtAbsDeviation", std::string(percent)},
-                                   {"CompareVectorType", 3},
-                                   {"CboMedianX", 2},
-                                   {"CboMedianY", 2}}),
-          With("evtInterpolation"),
-          With("evtGauss3x3"),
-          With("evtVortexCentres", {{"FileName", directory + "Wirbel.txt"}}),
-          With("evtInsertComment", {{"Comment", std::string("gefiltert")}}),
-          With("evtGauss5x5"),
-          With("evtTecPlotVorticity"),
-          With("evtStanfordVectorField"),
-          With("evtVorticityBackground"),
-          With("evtSaveVas", {{"Postfix", std::string("_g")}})};
+  return {test::Command("evtFaultVectors", {{"ChkAbsDeviation", 1},
+                                            {"TxtAbsDeviation", std::string(percent)},
+                                            {"CompareVectorType", 3},
+                                            {"CboMedianX", 2},
+                                            {"CboMedianY", 2}}),
+          test::Command("evtInterpolation"),
+          test::Command("evtGauss3x3"),
+          test::Command("evtVortexCentres", {{"FileName", directory + "Wirbel.txt"}}),
+          test::Command("evtInsertComment", {{"Comment", std::string("gefiltert")}}),
+          test::Command("evtGauss5x5"),
+          test::Command("evtTecPlotVorticity"),
+          test::Command("evtStanfordVectorField"),
+          test::Command("evtVorticityBackground"),
+          test::Command("evtSaveVas", {{"Postfix", std::string("_g")}})};
 }
 
 std::string WriteField(const ScratchDirectory& directory, int columns, double outliers) {

@@ -72,8 +72,8 @@ class MacroPreview {
   /// Of a step that is done.
   const StepReport& Report(std::size_t step) const { return reports_[step]; }
 
-  /// The field after a step that is done; that of the last step that was run. If the file could not be loaded, it has no
-  /// vectors. Throws PreviewCancelled, and SystemError 75 if the file is needed again and cannot be read any more.
+  /// The field after a step that is done; that of the last step that was run. Without vectors if the file could not be
+  /// loaded. Throws PreviewCancelled, and SystemError 75 if the file is needed again and cannot be read any more.
   std::unique_ptr<VectorField> FieldAfter(std::size_t step);
 
   /// Bytes of the states that are kept.

@@ -48,6 +48,7 @@ void MarkOdd(std::vector<SampledFile>& files) {
   }
   for (double (SampledFile::*const share)() const : {&SampledFile::RejectedShare, &SampledFile::FilledShare}) {
     std::vector<double> shares;
+    shares.reserve(counted.size());
     for (const SampledFile* const file : counted) shares.push_back((file->*share)());
     const std::vector<double> distances = RobustDistances(shares, kLeastDeviation);
     for (std::size_t k = 0; k < counted.size(); ++k) counted[k]->isOdd = counted[k]->isOdd || distances[k] > kOdd;

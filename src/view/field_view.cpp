@@ -177,17 +177,18 @@ void FieldView::PaintOther(QPainter& painter) {
 
 void FieldView::PaintTags(QPainter& painter) const {
   const Rectangle& plot = composition_.map.plot;
-  const auto paint = [&](const QString& text, double right) {
+  const auto paint = [&](const QString& text, bool left) {
     if (text.isEmpty()) return;
     const QSizeF size = fontMetrics().size(0, text) + QSizeF(12, 6);
-    const QRectF place(right - size.width() - 6, plot.top + 6, size.width(), size.height());
+    const double x = left ? plot.left + 6 : plot.left + plot.width - size.width() - 6;
+    const QRectF place(x, plot.top + 6, size.width(), size.height());
     painter.fillRect(place, palette().color(QPalette::Highlight));
     painter.setPen(palette().color(QPalette::HighlightedText));
     painter.drawText(place, Qt::AlignCenter, text);
   };
   painter.setClipRect(QRectF(plot.left, plot.top, plot.width, plot.height));
-  paint(tag_, plot.left + plot.width);
-  if (other_ != nullptr) paint(otherTag_, WipeX());
+  paint(tag_, false);
+  if (other_ != nullptr) paint(otherTag_, true);
   painter.setClipping(false);
 }
 

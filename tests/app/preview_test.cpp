@@ -2,6 +2,7 @@
 #include <QTableView>
 
 #include "app/window_fixture.h"
+#include "support/commands.h"
 #include "view/preview/histogram_view.h"
 #include "view/preview/step_table.h"
 
@@ -14,10 +15,7 @@ class PreviewOfTheProgram : public MainWindow {
   frmPreview& OpenPreview() {
     place.Write("serie/a.vas", samples::VasBytes(samples::MakeSampleField({.columns = 20, .rows = 15})));
     Open();
-    MacroEvent search(30001);
-    for (const Parameter& parameter : ParametersOf(30001)) search.Set(parameter.key, PresetOf(parameter));
-    search.Set("ChkAbsDeviation", 1);
-    TheSession().macro = {search};
+    TheSession().macro = {Command("evtFaultVectors", {{"ChkAbsDeviation", 1}})};
     window->ShowMacro(0);
     Files().SelectNames({"a.vas"});
     Trigger("mnuShowPreview");

@@ -7,10 +7,11 @@
 #include <tuple>
 
 #include "field/formats/vas_file.h"
-#include "macro/command_catalogue.h"
 #include "macro/run_driver.h"
+#include "support/commands.h"
 #include "support/field_builder.h"
 #include "support/field_compare.h"
+#include "support/slashes.h"
 #include "support/test_session.h"
 
 namespace quiverion::test {
@@ -35,18 +36,12 @@ std::string SampleBytes(int index) {
   return program.files.files["/x.vas"];
 }
 
-MacroEvent WithPresets(const CommandRow& row) {
-  MacroEvent event(row.eventId);
-  for (const Parameter& parameter : row.parameters) event.Set(parameter.key, PresetOf(parameter));
-  return event;
-}
-
 // Any command but the menus, with names that make results depend on each other.
 MacroEvent AnyCommand(std::mt19937& random) {
   const auto rows = CommandCatalogue();
   const CommandRow* row = &rows[random() % rows.size()];
   while (row->IsMenu()) row = &rows[random() % rows.size()];
-  MacroEvent event = WithPresets(*row);
+  MacroEvent event = Command(row->constantName.data());
   if (event.Find("Postfix") != nullptr) {
     const char* const names[] = {"", "neu/", "neu/tief/", "../"};
     event.Set("Prefix", names[random() % 4]);
@@ -98,9 +93,9 @@ class MacroPreviewTest : public testing::Test {
       run.program.context.field.derivedScalar = field->derivedScalar;  // part of no state
       ASSERT_EQ(FirstDifference(*field, run.program.context.field), "") << step << " " << report.title;
       for (const FileChange& change : report.files) {
-        ASSERT_EQ(change.kind == FileChangeKind::created,
-                  !below.files.contains(change.path) && !written.contains(change.path));
-        written.insert(change.path);
+        const std::string path = WithSlashes(change.path);
+        ASSERT_EQ(change.kind == FileChangeKind::created, !below.files.contains(path) && !written.contains(path));
+        written.insert(path);
       }
       for (const auto& [path, bytes] : run.program.files.files) {
         const auto old = below.files.find(path);
@@ -144,7 +139,7 @@ TEST_F(MacroPreviewTest, EveryStateIsThatOfARunHoweverTheMacroWasEdited) {
 TEST_F(MacroPreviewTest, EveryCommandIsReported) {
   for (const CommandRow& row : CommandCatalogue()) {
     if (row.IsMenu()) continue;
-    MacroEvent event = WithPresets(row);
+    MacroEvent event = Command(row.constantName.data());
     if (event.Find("FileName") != nullptr) {
       event.Set("FileName", row.parameters[0].role == FileRole::reads ? "/serie/b.vas" : "/serie/neu.col");
     }
@@ -160,10 +155,10 @@ TEST_F(MacroPreviewTest, EveryCommandIsReported) {
 }
 
 TEST_F(MacroPreviewTest, CountsWhatAStepDoes) {
-  MacroEvent search = WithPresets(*FindCommand("evtFaultVectors"));
+  MacroEvent search = Command("evtFaultVectors");
   search.Set("ChkAbsInterval", 1);
   search.Set("TxtAbsIntMax", std::string("20"));
-  MacroEvent vortices = WithPresets(*FindCommand("evtVortexCentres"));
+  MacroEvent vortices = Command("evtVortexCentres");
   MacroPreview preview(below, clock, '.');
   preview.Begin(file, {search, MacroEvent(40001), MacroEvent(40103), vortices});
   while (preview.ComputeNext()) {
@@ -213,13 +208,14 @@ TEST_F(MacroPreviewTest, AStepThatDependsOnTheFilesBeforeIsNotGuessed) {
   };
   for (const auto& each : cases) {
     auto buffer = std::make_shared<BufferField>();
-    buffer->bufferFileName = each.copiedFrom;
+    buffer->bufferFileName = WithOwnSeparators(each.copiedFrom);
     buffer->bufferColumnCount = 14;
     buffer->bufferRowCount = 11;
     buffer->bufferVelX.Reset(14, 11);
     buffer->bufferVelY.Reset(14, 11);
     buffer->bufferStatus.Reset(14, 11);
-    file.earlierPaths = each.earlier;
+    file.earlierPaths.clear();
+    for (const std::string& path : each.earlier) file.earlierPaths.push_back(WithOwnSeparators(path));
     file.buffer = buffer;
     MacroPreview preview(below, clock, '.');
     preview.Begin(file, each.macro);
@@ -233,7 +229,7 @@ TEST_F(MacroPreviewTest, AStepThatDependsOnTheFilesBeforeIsNotGuessed) {
 }
 
 TEST_F(MacroPreviewTest, ACancelledComputationGoesOnLater) {
-  MacroEventList macro = {MacroEvent(40103), WithPresets(*FindCommand("evtSaveVas")), MacroEvent(40104)};
+  MacroEventList macro = {MacroEvent(40103), Command("evtSaveVas"), MacroEvent(40104)};
   MacroPreview whole(below, clock, '.');
   whole.Begin(file, macro);
   while (whole.ComputeNext()) {
@@ -259,7 +255,7 @@ TEST_F(MacroPreviewTest, ACancelledComputationGoesOnLater) {
 
 TEST_F(MacroPreviewTest, BadInputIsSaidInItsStep) {
   below.files["/serie/kaputt.vas"] = before["/serie/kaputt.vas"] = "kein Feld";
-  MacroEvent noName = WithPresets(*FindCommand("evtSaveVas"));
+  MacroEvent noName = Command("evtSaveVas");
   MacroEvent gone(20002), outside = noName;
   gone.Set("FileName", std::string("/serie/fehlt.vas"));
   outside.Set("Prefix", std::string("../../"));

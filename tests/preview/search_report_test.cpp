@@ -9,6 +9,7 @@
 #include "macro/command_actions.h"
 #include "operations/kernels/faulty_vectors_plain.h"
 #include "preview/series_sample.h"
+#include "support/commands.h"
 #include "support/field_builder.h"
 
 namespace quiverion::test {
@@ -29,9 +30,7 @@ VectorField NoisyField(unsigned seed) {
 }
 
 MacroEvent SearchEvent() {
-  MacroEvent event(30001);
-  for (const Parameter& parameter : ParametersOf(30001)) event.Set(parameter.key, PresetOf(parameter));
-  return event;
+  return Command("evtFaultVectors");
 }
 
 std::int64_t RejectedByRun(VectorField field, const MacroEvent& event) {

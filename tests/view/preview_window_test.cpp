@@ -10,8 +10,8 @@
 #include <map>
 
 #include "generator/sample_files.h"
-#include "macro/command_catalogue.h"
 #include "platform/text/numbers.h"
+#include "support/commands.h"
 #include "support/workplace.h"
 #include "view/preview/frmPreview.h"
 #include "view/preview/histogram_view.h"
@@ -21,16 +21,8 @@
 namespace quiverion::test {
 namespace {
 
-MacroEvent With(const char* name, std::initializer_list<std::pair<const char*, MacroValue>> values = {}) {
-  const CommandRow& row = *FindCommand(name);
-  MacroEvent event(row.eventId);
-  for (const Parameter& parameter : row.parameters) event.Set(parameter.key, PresetOf(parameter));
-  for (const auto& [key, value] : values) event.Set(key, value);
-  return event;
-}
-
 MacroEvent Search(const char* largest) {
-  return With("evtFaultVectors", {{"ChkAbsInterval", 1}, {"TxtAbsIntMax", std::string(largest)}});
+  return Command("evtFaultVectors", {{"ChkAbsInterval", 1}, {"TxtAbsIntMax", std::string(largest)}});
 }
 
 class PreviewWindow : public testing::Test {
@@ -72,8 +64,8 @@ class PreviewWindow : public testing::Test {
 };
 
 TEST_F(PreviewWindow, ShowsEveryStepAndFollowsTheMacro) {
-  MacroEventList macro = {Search("12"), With("evtInterpolation"), With("evtGauss3x3"),
-                          With("evtSaveVas", {{"Prefix", std::string("neu/")}}), With("evtSaveVas")};
+  MacroEventList macro = {Search("12"), Command("evtInterpolation"), Command("evtGauss3x3"),
+                          Command("evtSaveVas", {{"Prefix", std::string("neu/")}}), Command("evtSaveVas")};
   window.ShowMacro(macro, -1);
   ASSERT_TRUE(Await([&] { return Cell(5, StepTable::files) == "1"; }));
   EXPECT_EQ(Step(), 5);
@@ -112,7 +104,7 @@ TEST_F(PreviewWindow, ShowsEveryStepAndFollowsTheMacro) {
 }
 
 TEST_F(PreviewWindow, ComparesBeforeAndAfter) {
-  window.ShowMacro({With("evtGauss3x3")}, 0);
+  window.ShowMacro({Command("evtGauss3x3")}, 0);
   const auto picture = [&] { return View().grab().toImage(); };
   ASSERT_TRUE(Await([&] { return Cell(1, StepTable::changed) != "" && View().HasField(); }));
   View().setFocus();
@@ -191,9 +183,9 @@ TEST_F(PreviewWindow, TheSampleLeadsToTheOddFile) {
 TEST_F(PreviewWindow, DamagedAndVanishedFilesAndHurryAreSaid) {
   place.Write("t/kaputt.vas", "kein Feld");
   window.ShowFiles(place.Path() + "t/", {"kaputt.vas", "fehlt.vas"});
-  window.ShowMacro({With("evtGauss3x3"), MacroEvent(99), MacroEvent()}, -1);
+  window.ShowMacro({Command("evtGauss3x3"), MacroEvent(99), MacroEvent()}, -1);
   ASSERT_TRUE(Await([&] { return Cell(0, 0) != "" && !View().HasField(); }));
-  MacroEventList macro(2000, With("evtGauss3x3"));
+  MacroEventList macro(2000, Command("evtGauss3x3"));
   for (int k = 0; k < 40; ++k) {
     macro[static_cast<std::size_t>(k)] = Search(k % 2 == 0 ? "12" : "3");
     window.ShowMacro(macro, k * 7 % 50);
@@ -207,7 +199,7 @@ TEST_F(PreviewWindow, DamagedAndVanishedFilesAndHurryAreSaid) {
   }
   window.Reload();
   window.show();
-  window.ShowMacro({With("evtGauss3x3")}, -1);
+  window.ShowMacro({Command("evtGauss3x3")}, -1);
   window.ShowFiles(place.Path() + "s/", {"f0.vas"});
   EXPECT_TRUE(Await([&] { return Table().model()->rowCount() == 2 && Cell(1, StepTable::changed) != ""; }));
 }

@@ -21,6 +21,7 @@ inline double MedianOf(std::vector<double> values) {
 inline std::vector<double> RobustDistances(const std::vector<double>& values, double floor) {
   const double median = MedianOf(values);
   std::vector<double> distances;
+  distances.reserve(values.size());
   for (const double value : values) distances.push_back(std::fabs(value - median));
   const double deviation = std::max(1.4826 * MedianOf(distances), floor);
   for (double& distance : distances) distance /= deviation;

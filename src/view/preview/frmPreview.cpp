@@ -231,6 +231,7 @@ void frmPreview::Ask() {
     ui_->Comparison->ShowMessage("Im Verzeichnis ist kein Vektorfeld.");
     return;
   }
+  if (!ui_->Comparison->MainView().HasField()) ui_->Comparison->ShowMessage("Die Vorschau wird berechnet...");
   asked_ = worker_.Ask({.directory = directory_,
                         .names = names_,
                         .file = static_cast<std::size_t>(file_),

@@ -21,7 +21,7 @@ const QColor kKept(0x56, 0xB4, 0xE9);
 
 QString ShareText(std::int64_t count, std::int64_t total) {
   const double percent = total > 0 ? 100.0 * static_cast<double>(count) / static_cast<double>(total) : 0.0;
-  return QString("%1 von %2 Vektoren (%3 %)").arg(count).arg(total).arg(ToQt(NumberText(percent, 3)));
+  return QString("%1 von %2 (%3 %)").arg(count).arg(total).arg(ToQt(NumberText(percent, 3)));
 }
 
 bool IsRejected(const CriterionReport& criterion, double value) {
@@ -37,7 +37,7 @@ QString TogetherText(const SearchReport& report) {
   if (!report.error.empty()) return "Die Suche schlägt fehl: " + ToQt(report.error);
   if (report.criteria.empty()) return QStringLiteral("Keine Bedingung ist markiert: Die Suche verwirft nichts.");
   QString text = "Zusammen verworfen: " + ShareText(report.rejected, report.tested);
-  if (report.criteria.size() > 1) text += report.anyOf ? "; eine Bedingung genügt" : "; alle müssen zutreffen";
+  if (report.criteria.size() > 1) text += report.anyOf ? ", eine Bedingung genügt" : ", alle müssen zutreffen";
   return text;
 }
 
@@ -69,6 +69,11 @@ void HistogramView::Show(const SearchReport& report) {
 QSize HistogramView::sizeHint() const {
   const int line = fontMetrics().lineSpacing();
   return {40 * line, static_cast<int>(std::max<std::size_t>(report_.criteria.size(), 1)) * 7 * line};
+}
+
+QSize HistogramView::minimumSizeHint() const {
+  const int line = fontMetrics().lineSpacing();
+  return {15 * line, static_cast<int>(std::max<std::size_t>(report_.criteria.size(), 1)) * 5 * line};
 }
 
 QRectF HistogramView::PlotOf(std::size_t criterion) const {
@@ -130,7 +135,7 @@ void HistogramView::PaintCriterion(QPainter& painter, std::size_t index) const {
                     ShareText(criterion.rejectedAlone, report_.tested);
   if (criterion.incomparable > 0) heading += QString(", davon %1 ohne Vergleichswert").arg(criterion.incomparable);
   painter.drawText(QRectF(plot.left(), plot.top() - 1.3 * line, plot.width(), line), Qt::AlignLeft | Qt::AlignVCenter,
-                   heading);
+                   fontMetrics().elidedText(heading, Qt::ElideRight, static_cast<int>(plot.width())));
   const std::int64_t most = std::max<std::int64_t>(*std::ranges::max_element(histogram.bins), 1);
   const double scale = plot.height() / std::log1p(static_cast<double>(most));
   const double width = plot.width() / kBins, step = (histogram.to - histogram.from) / kBins;

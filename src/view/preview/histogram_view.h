@@ -20,6 +20,7 @@ class HistogramView : public QWidget {
   void Show(const SearchReport& report);
 
   QSize sizeHint() const override;
+  QSize minimumSizeHint() const override;
 
  signals:
   /// Somebody moves a limit: the parameter's key and its new text.

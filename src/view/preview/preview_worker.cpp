@@ -16,6 +16,8 @@ namespace {
 // follow at once.
 constexpr std::chrono::milliseconds kMayFinish{60};
 
+constexpr std::chrono::milliseconds kShowSteps{300};  // of a large field, while it computes
+
 std::string VersionOf(const std::string& path) {
   const QFileInfo file(PathToQt(path));
   if (!file.exists()) return "-";
@@ -59,8 +61,12 @@ struct PreviewWorker::Sampling {
 };
 
 PreviewWorker::PreviewWorker(FileSystem& files, const Clock& clock, char decimalSeparator)
-    : preview_(files, clock, decimalSeparator), samplePreview_(files, clock, decimalSeparator, 0) {
-  for (MacroPreview* const each : {&preview_, &samplePreview_}) each->CancelIf([this] { return IsCancelled(); });
+    : preview_(files, clock, decimalSeparator), makeSamplePreview_([this, &files, &clock, decimalSeparator] {
+        auto preview = std::make_unique<MacroPreview>(files, clock, decimalSeparator, 0);
+        preview->CancelIf([this] { return IsCancelled(); });
+        return preview;
+      }) {
+  preview_.CancelIf([this] { return IsCancelled(); });
   thread_ = std::thread([this] { Loop(); });
 }
 
@@ -157,7 +163,12 @@ PreviewFile PreviewWorker::FileOf(std::size_t index) const {
 }
 
 void PreviewWorker::ComputeTo(std::size_t step) {
+  auto shown = std::chrono::steady_clock::now();
   while (preview_.StepsDone() <= step && preview_.ComputeNext()) {
+    const auto now = std::chrono::steady_clock::now();
+    if (now - shown < kShowSteps) continue;
+    shown = now;
+    PostSteps({});
   }
 }
 
@@ -212,10 +223,12 @@ void PreviewWorker::AnswerSearch() {
 
 void PreviewWorker::SampleNext() {
   const std::size_t index = sampling_->indices[sampling_->files.size()];
-  samplePreview_.Begin(FileOf(index), sampling_->macro);
-  SampledFile file = SampleFile(samplePreview_, sampling_->macro, sampling_->searchStep);
+  if (samplePreview_ == nullptr) samplePreview_ = makeSamplePreview_();
+  samplePreview_->Begin(FileOf(index), sampling_->macro);
+  SampledFile file = SampleFile(*samplePreview_, sampling_->macro, sampling_->searchStep);
   file.index = index;
   sampling_->files.push_back(std::move(file));
+  if (sampling_->files.size() == sampling_->indices.size()) samplePreview_.reset();  // its memory
   MarkOdd(sampling_->files);
   Post({.sample = sampling_->files});
 }

@@ -100,7 +100,8 @@ class PreviewWorker : public QObject {
   bool IsCancelled() const;
 
   MacroPreview preview_;
-  MacroPreview samplePreview_;
+  std::function<std::unique_ptr<MacroPreview>()> makeSamplePreview_;
+  std::unique_ptr<MacroPreview> samplePreview_;  // while there is a sample to compute
 
   // Of the thread.
   PreviewRequest request_;
