@@ -238,9 +238,10 @@ class Monkey : public QObject {
   void Key(QWidget& window) {
     static const QStringList keys =
         QString(
-            "Return Tab Backtab Space Up Down Left Right Home End PgUp F1 F2 F4 F5 F10 Del Esc Menu Backspace "
+            "Return Tab Backtab Space Up Down Left Right Home End PgUp F1 F2 F3 F4 F5 F6 F8 F10 Del Esc Menu Backspace "
             "Shift+Down Ctrl+O "
-            "Ctrl+S Ctrl+A Ctrl+C Ctrl+V Ctrl+Z Alt+Up Alt+Down Alt+Left Alt+D Alt+S Alt+E Alt+P Alt+L Alt+O Alt+J")
+            "Ctrl+S Ctrl+A Ctrl+C Ctrl+F Ctrl+V Ctrl+Z Alt+Up Alt+Down Alt+Left Alt+D Alt+S Alt+E Alt+P Alt+L Alt+O "
+            "Alt+J")
             .split(' ');
     const QString key = OneOf(keys);
     Note(window, "key " + FromQt(key));

@@ -23,14 +23,14 @@ function(quiverion_window_program name library description icon)
 endfunction()
 
 quiverion_windows(dialogs USES macro SOURCES
-  application.cpp frmShowCollection.cpp frmShowLogFile.cpp frmShowProgress.cpp log_text.cpp
-  macro_editing.cpp repaint_throttle.cpp
+  application.cpp frmRunTable.cpp frmShowCollection.cpp frmShowLogFile.cpp frmShowProgress.cpp log_text.cpp
+  macro_editing.cpp repaint_throttle.cpp run_table_model.cpp
   help/frmHelp.cpp help/help.cpp help/help_browser.cpp help/help_pages.cpp
   parameters/fault_vector_rules.cpp parameters/file_choices.cpp parameters/frmChooseMacroEvent.cpp
   parameters/frmEditVector.cpp parameters/frmFaultVectors.cpp
   parameters/frmMirrorOptions.cpp parameters/frmPrefixPostfix.cpp parameters/frmXYTrafo.cpp
   parameters/parameter_editing.cpp parameters/parameter_window.cpp parameters/parameter_windows.cpp
-  widgets/elided_label.cpp widgets/filtered_line_edit.cpp
+  widgets/elided_label.cpp widgets/filtered_line_edit.cpp widgets/find_bar.cpp
   widgets/guarded.cpp widgets/icons.cpp
   widgets/key_filter.cpp widgets/message_box.cpp widgets/wrapped_label.cpp
   ${QUIVERION_SYSTEM}/native.cpp ${QUIVERION_SYSTEM}/qt_paths.cpp)
@@ -42,7 +42,7 @@ quiverion_windows(view USES picture preview dialogs SOURCES
   preview/comparison_view.cpp preview/frmPreview.cpp preview/histogram_view.cpp
   preview/preview_worker.cpp preview/sample_strip.cpp preview/step_table.cpp)
 quiverion_windows(app USES view SOURCES
-  directory_list.cpp file_list.cpp frmMain.cpp navigation.cpp qt_user_interface.cpp
+  directory_list.cpp file_list.cpp frmMain.cpp last_run.cpp navigation.cpp qt_user_interface.cpp
   statistics_flow.cpp tool_windows.cpp
   ${QUIVERION_SYSTEM}/drives.cpp)
 quiverion_window_program(QuiverionSeries app "${PROJECT_DESCRIPTION}" program)

@@ -3,9 +3,11 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
+#include <QThread>
 #include <QTimer>
 #include <QTreeWidget>
 #include <iostream>
@@ -15,6 +17,7 @@
 #include "app/frmMain.h"
 #include "dialogs/application.h"
 #include "dialogs/frmShowCollection.h"
+#include "dialogs/frmShowLogFile.h"
 #include "dialogs/frmShowProgress.h"
 #include "dialogs/help/frmHelp.h"
 #include "dialogs/parameters/frmEditVector.h"
@@ -23,6 +26,7 @@
 #include "dialogs/parameters/frmPrefixPostfix.h"
 #include "dialogs/parameters/frmXYTrafo.h"
 #include "dialogs/parameters/parameter_editing.h"
+#include "dialogs/widgets/find_bar.h"
 #include "dialogs/widgets/message_box.h"
 #include "dialogs/widgets/qt_text.h"
 #include "macro/macro_file.h"
@@ -91,9 +95,29 @@ class Shots {
     main_.ComputationEnded();
 
     Modal("frmShowLogFile", [this] { main_.findChild<QPushButton*>("cmdOk")->click(); });
+    TakeFindBar();
+    Modal("frmRunTable", [this] { main_.findChild<QAction*>("mnuLastRun")->trigger(); });
     frmShowProgress progress(ui_);
-    progress.Show({12, 5, 4, "run05.vec", "Fehlerhafte Vektoren suchen", true});
+    QThread::msleep(200);  // so that there is a time left
+    progress.Show({500, 15, 14, "run15.vec", "Fehlerhafte Vektoren suchen", true, 1});
     Show(progress, "frmShowProgress");
+  }
+
+  // A log in which something is looked for.
+  void TakeFindBar() {
+    LogText text;
+    RunLog log;
+    log.Attach(text);
+    for (const char* piece : {"Orginaldatei 'run13.vas' einladen... ", "!!! FEHLER !!!\r\n", "    Dateiende\r\n"}) {
+      log.WriteLogLine(piece);
+    }
+    frmShowLogFile window(text, series_ + "/Log.rtf", *files_, ui_);
+    window.ShowSummary("13 Dateien, 1 mit Fehlern");
+    window.show();
+    window.findChild<FindBar*>()->Open();
+    window.findChild<QLineEdit*>("txtFind")->setText(QStringLiteral("Dateianfang"));
+    window.findChild<FindBar*>()->FindNext();
+    Show(window, "frmShowLogFile-Suchen");
   }
 
   // Fields in memory, with rejected and filled vectors over their vorticity.

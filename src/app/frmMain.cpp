@@ -10,7 +10,6 @@
 #include "app/mouse_rules.h"
 #include "app/navigation.h"
 #include "dialogs/frmShowCollection.h"
-#include "dialogs/frmShowLogFile.h"
 #include "dialogs/parameters/file_choices.h"
 #include "dialogs/widgets/dropped_files.h"
 #include "dialogs/widgets/guarded.h"
@@ -18,7 +17,6 @@
 #include "dialogs/widgets/qt_text.h"
 #include "dialogs/widgets/run_modal.h"
 #include "macro/macro_file.h"
-#include "macro/pre_run_checks.h"
 #include "messages/failure.h"
 #include "platform/files/paths.h"
 #include "platform/text/text.h"
@@ -38,7 +36,6 @@ frmMain::frmMain(const Machine& machine, QWidget* parent)
       session_(machine.files, messages_, log_, machine.clock),
       ui_(std::make_unique<Ui::frmMain>()) {
   session_.context.decimalSeparator = machine.decimalSeparator;
-  log_.Attach(logText_);
   UseIcons();
   ui_->setupUi(this);
   for (QPushButton* const arrow : {ui_->cmdMoveUp, ui_->cmdMoveDown}) arrow->setIcon(InTextColour(arrow->icon()));
@@ -137,6 +134,11 @@ void frmMain::ConnectTools() {
       tools_.ShowPreview();
       TellFiles();
     });
+  });
+  connect(ui_->mnuLastRun, &QAction::triggered, this, [this] { lastRun_.ShowTable(*this); });
+  connect(&lastRun_, &LastRun::FieldWanted, this, [this](const std::string& path) { tools_.ShowField(path); });
+  connect(&lastRun_, &LastRun::FilesChosen, this, [this](const std::string& directory, const auto& names) {
+    if (OpenDirectory(directory)) ui_->Files->SelectNames(names);
   });
   connect(ui_->lstMacroList, &QListWidget::itemSelectionChanged, this, [this] { tools_.MacroChanged(SelectedLine()); });
   connect(ui_->Files->selectionModel(), &QItemSelectionModel::selectionChanged, this, &frmMain::TellFiles);
@@ -271,10 +273,9 @@ void frmMain::Start() {
   Guarded("pruefungen", [this, place] {
     session_.selectedFiles = ui_->Files->SelectedNames();
     session_.inputDirectory = WithSeparator(ui_->Directory->Path());
-    logText_.Clear();
     tools_.StopPreview();
-    if (!StartRun(session_)) return;
-    ShowLog();
+    if (!lastRun_.Start()) return;
+    if (!quitting_) lastRun_.ShowLog();
     if (quitting_) return;
     ShowAt(place);
     ReadLists();
@@ -300,14 +301,6 @@ void frmMain::WaitUntilPlaced() {
   }
 }
 
-void frmMain::ShowLog() {
-  if (!quitting_) {
-    frmShowLogFile log(logText_, session_.inputDirectory + "Log.rtf", machine_.files, messages_);
-    RunModal(log);
-  }
-  logText_.Clear();
-}
-
 bool frmMain::RefuseWhileBusy(std::string_view title) {
   if (!session_.context.busy) return false;
   messages_.Ask({.title = std::string(title), .text = "Es wird bereits eine Statistik berechnet!"});
@@ -317,14 +310,14 @@ bool frmMain::RefuseWhileBusy(std::string_view title) {
 void frmMain::RunStatistic(const StatisticTexts& texts) {
   Guarded(texts.item, [this, &texts] {
     if (RefuseWhileBusy(texts.title)) return;
-    logText_.Clear();
+    LogText log;
+    const AttachedSink attached(log_, log);
     session_.context.runHadError = false;
     const bool begun = StatisticsCommandFlow(session_.context, dialogs_, texts, ui_->Directory->Path());
     // The result is saved as in a run, so errors are in the log.
     if (begun && session_.context.runHadError) {
-      messages_.Ask({.title = std::string(texts.title), .text = logText_.Text()});
+      messages_.Ask({.title = std::string(texts.title), .text = log.Text()});
     }
-    logText_.Clear();
     if (begun && !quitting_) ReadLists();
     tools_.Reload();
   });

@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "app/last_run.h"
 #include "app/machine.h"
 #include "app/main_window.h"
 #include "app/qt_user_interface.h"
 #include "app/statistics_flow.h"
 #include "app/tool_windows.h"
 #include "dialogs/help/help.h"
-#include "dialogs/log_text.h"
 #include "dialogs/macro_editing.h"
 #include "dialogs/parameters/parameter_windows.h"
 #include "macro/session.h"
@@ -100,8 +100,6 @@ class frmMain : public QMainWindow, public MainWindow {
   // The files that a run would take, or all if none is selected.
   void TellFiles();
 
-  void ShowLog();
-
   // Shows the hidden window at its old position; the window manager would choose a new one.
   void ShowAt(QPoint place);
   void WaitUntilPlaced();
@@ -110,10 +108,10 @@ class frmMain : public QMainWindow, public MainWindow {
 
   Machine machine_;
   RunLog log_;
-  LogText logText_;
   QtUserInterface messages_{*this};
   Session session_;
   ParameterWindows dialogs_{*this, messages_};
+  LastRun lastRun_{machine_, session_, log_};
   MacroEditing editing_{session_, dialogs_};
   Help help_{machine_.helpFile, [this] { return dialogs_.Topic(); }, *this, messages_};
   ToolWindows tools_{machine_, session_, dialogs_, editing_, help_};

@@ -14,7 +14,8 @@ namespace quiverion::cli {
 
 struct RunOptions {
   std::string macro;
-  std::string log;  // empty: none; ends in ".rtf" or ".txt"
+  std::string log;    // empty: none; ends in ".rtf" or ".txt"
+  std::string table;  // empty: none
   MessageAnswer onProblem = MessageAnswer::abort;
   char decimalSeparator = '.';
   std::vector<std::string> inputs;

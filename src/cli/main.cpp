@@ -40,6 +40,21 @@ CLI::Option* AddChoice(CLI::App* command, const std::string& name, std::string& 
           ""));
 }
 
+// The path ends in one of one or two extensions, in upper or lower case.
+CLI::Validator EndsIn(const std::vector<std::string>& extensions) {
+  return CLI::Validator(
+      [extensions](std::string& path) {
+        const std::string upper = AsciiUpper(path);
+        const auto fits = [&](const std::string& extension) { return upper.ends_with(AsciiUpper(extension)); };
+        if (std::ranges::any_of(extensions, fits)) return std::string();
+        const std::string& first = extensions.front();
+        return "'" + path + "' endet " +
+               (extensions.size() == 1 ? "nicht auf " + first
+                                       : "weder auf " + first + " noch auf " + extensions.back());
+      },
+      "");
+}
+
 struct RunArguments {
   RunOptions options;
   std::string onProblem = "abort";
@@ -52,13 +67,10 @@ void AddRun(CLI::App& app, Action& action, RunArguments& arguments) {
   AddPath(run, "--macro", options.macro, "Makrodatei (*.mak)");
   Shown(run->add_option("--log", options.log, "Log auch speichern: als *.rtf formatiert, als *.txt ohne Format"))
       ->type_name("")
-      ->check(CLI::Validator(
-          [](std::string& value) {
-            const std::string end = AsciiUpper(value.size() < 4 ? value : value.substr(value.size() - 4));
-            return end == ".RTF" || end == ".TXT" ? std::string()
-                                                  : "'" + value + "' endet weder auf .rtf noch auf .txt";
-          },
-          ""));
+      ->check(EndsIn({".rtf", ".txt"}));
+  Shown(run->add_option("--table", options.table, "Tabelle der Dateien speichern (*.csv): Ergebnis, Fehler, Vektoren"))
+      ->type_name("")
+      ->check(EndsIn({".csv"}));
   AddChoice(run, "--on-problem", arguments.onProblem, "Antwort auf Probleme vor dem Lauf: abort (Vorgabe) oder ignore",
             {"abort", "ignore"});
   AddChoice(run, "--decimal", arguments.decimal, "Dezimaltrennzeichen der geschriebenen Zahlen: . oder ,", {".", ","});

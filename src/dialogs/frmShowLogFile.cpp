@@ -3,13 +3,14 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTextBlock>
 #include <QTextCursor>
 
-#include "dialogs/widgets/dark_palette.h"
 #include "dialogs/widgets/native.h"
 #include "dialogs/widgets/qt_text.h"
 #include "dialogs/widgets/run_modal.h"
+#include "log/log_lines.h"
 #include "log/log_writers.h"
 #include "macro/log_messages.h"
 #include "messages/system_error.h"
@@ -19,14 +20,6 @@
 
 namespace quiverion {
 namespace {
-
-constexpr LogColours kOnPaper = {qRgb(0, 0, 0), qRgb(200, 0, 0), qRgb(0, 200, 0)};
-
-// The same ones where the ground is light, else lighter ones.
-LogColours OnScreen(const QPalette& palette) {
-  if (!IsDark(palette)) return kOnPaper;
-  return {palette.color(QPalette::Text).rgb(), qRgb(255, 120, 120), qRgb(90, 220, 90)};
-}
 
 // Writes the pieces of a log into a document.
 class DocumentSink : public LogSink {
@@ -68,12 +61,54 @@ frmShowLogFile::frmShowLogFile(const LogText& log, std::string path, FileSystem&
   // The verdict is at the end.
   ui_->RichTextBox->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   ui_->RichTextBox->moveCursor(QTextCursor::End);
+  ui_->FindBar->Use(*ui_->RichTextBox);
+  ui_->lblSummary->hide();
+  AddKeys();
   connect(ui_->cmdOk, &QPushButton::clicked, this, &QDialog::accept);
   connect(ui_->cmdPrint, &QPushButton::clicked, this, &frmShowLogFile::Print);
   connect(ui_->cmdSave, &QPushButton::clicked, this, &frmShowLogFile::Save);
 }
 
 frmShowLogFile::~frmShowLogFile() = default;
+
+void frmShowLogFile::AddKeys() {
+  const auto add = [this](QKeySequence keys, auto* receiver, auto action) {
+    connect(new QShortcut(keys, this), &QShortcut::activated, receiver, action);
+  };
+  add(Qt::CTRL | Qt::Key_F, ui_->FindBar, &FindBar::Open);
+  add(Qt::Key_F3, ui_->FindBar, &FindBar::FindNext);
+  add(Qt::SHIFT | Qt::Key_F3, ui_->FindBar, &FindBar::FindPrevious);
+  add(Qt::Key_F8, this, &frmShowLogFile::GoToNextError);
+  add(Qt::Key_F6, this, &frmShowLogFile::TableWanted);
+}
+
+void frmShowLogFile::ShowSummary(const std::string& summary) {
+  ui_->lblSummary->setText(ToQt(summary + "   (F8: nächster Fehler, Strg+F: suchen, F6: Tabelle)"));
+  ui_->lblSummary->show();
+}
+
+void frmShowLogFile::SelectLine(const QTextBlock& line) {
+  QTextCursor cursor(line);
+  cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+  ui_->RichTextBox->setTextCursor(cursor);
+  ui_->RichTextBox->centerCursor();
+}
+
+void frmShowLogFile::GoTo(std::size_t place) {
+  const QString before = LinesToQt(std::string_view(log_.Text()).substr(0, place));
+  SelectLine(ui_->RichTextBox->document()->findBlock(static_cast<int>(before.size())));
+}
+
+// The lines after the cursor, then those before it. A mark ends its line, but a name may contain it, too.
+void frmShowLogFile::GoToNextError() {
+  const QTextBlock here = ui_->RichTextBox->textCursor().block();
+  QTextBlock line = here;
+  do {
+    line = line.next().isValid() ? line.next() : ui_->RichTextBox->document()->firstBlock();
+    const QString text = line.text();
+    if (text.endsWith(ToQt(kErrorMark)) || text.endsWith(ToQt(kWarningMark))) return SelectLine(line);
+  } while (line != here);
+}
 
 void frmShowLogFile::ShowIn(const LogColours& colours) {
   if (colours == colours_) return;
@@ -115,7 +150,7 @@ void frmShowLogFile::PrintTo(QPrinter& printer) {
   const bool selected = ui_->RichTextBox->textCursor().hasSelection();
   printer.setPrintRange(selected ? QPrinter::Selection : QPrinter::AllPages);
   const LogColours shown = colours_;
-  ShowIn(kOnPaper);
+  ShowIn(kLogColoursOnPaper);
   ui_->RichTextBox->print(&printer);
   ShowIn(shown);
 }

@@ -1,23 +1,22 @@
 #pragma once
 
 #include <QDialog>
-#include <array>
 #include <memory>
 #include <string>
 
 #include "dialogs/log_text.h"
+#include "dialogs/widgets/log_colours.h"
 #include "messages/user_interface.h"
 #include "platform/files/file_system.h"
 
 class QPrinter;
+class QTextBlock;
 
 namespace Ui {
 class frmShowLogFile;
 }
 
 namespace quiverion {
-
-using LogColours = std::array<QRgb, 3>;  // in the order of LogColour
 
 /// The log of the last run: to read, to print, to save as RTF.
 class frmShowLogFile : public QDialog {
@@ -29,14 +28,27 @@ class frmShowLogFile : public QDialog {
                  QWidget* parent = nullptr);
   ~frmShowLogFile() override;
 
+  /// Shows a line below the log: what it says of the run, and the keys.
+  void ShowSummary(const std::string& summary);
+
+  /// Scrolls to the place after so many bytes of the log and selects its line.
+  void GoTo(std::size_t place);
+
   /// Prints the selected text, or the whole log if nothing is selected.
   void PrintTo(QPrinter& printer);
+
+ signals:
+  /// The table of the run is wanted.
+  void TableWanted();
 
  protected:
   void changeEvent(QEvent* event) override;
 
  private:
   void ShowIn(const LogColours& colours);
+  void AddKeys();
+  void GoToNextError();
+  void SelectLine(const QTextBlock& line);
   void Print();
   void Save();
 

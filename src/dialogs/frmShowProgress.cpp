@@ -1,12 +1,26 @@
 #include "dialogs/frmShowProgress.h"
 
 #include <QCloseEvent>
+#include <cmath>
 
 #include "dialogs/widgets/qt_text.h"
 #include "platform/text/numbers.h"
 #include "ui_frmShowProgress.h"
 
 namespace quiverion {
+namespace {
+
+// The smaller unit is left out if it would not matter.
+std::string TimeText(long long seconds) {
+  const auto number = [](long long count, const char* unit) { return std::to_string(count) + unit; };
+  if (seconds < 60) return number(seconds, " s");
+  const long long minutes = seconds / 60;
+  if (minutes < 10) return number(minutes, " min ") + number(seconds % 60, " s");
+  if (minutes < 60) return number(minutes, " min");
+  return number(minutes / 60, " h ") + number(minutes % 60, " min");
+}
+
+}  // namespace
 
 std::string ProgressCaption(bool minimised, std::int32_t filesDone, std::int32_t fileCount) {
   if (!minimised) return "QuiverionSeries  -  Makro wird bearbeitet";
@@ -14,9 +28,22 @@ std::string ProgressCaption(bool minimised, std::int32_t filesDone, std::int32_t
   return "QuiverionSeries (" + std::to_string(RoundToInt32(percent)) + "%)";
 }
 
+std::string RemainingText(const RunProgress& progress, double seconds) {
+  std::string text;
+  const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : ",  ") + part; };
+  if (progress.filesDone > 0) {
+    const double left = seconds / progress.filesDone * (progress.fileCount - progress.filesDone);
+    add("noch etwa " + TimeText(std::llround(left)));
+  }
+  if (progress.filesWithErrors == 1) add("1 Datei mit Fehlern");
+  if (progress.filesWithErrors > 1) add(std::to_string(progress.filesWithErrors) + " Dateien mit Fehlern");
+  return text;
+}
+
 frmShowProgress::frmShowProgress(UserInterface& messages)
     : messages_(messages), ui_(std::make_unique<Ui::frmShowProgress>()) {
   ui_->setupUi(this);
+  time_.start();
   setWindowFlag(Qt::WindowMinimizeButtonHint);
 }
 
@@ -30,6 +57,7 @@ void frmShowProgress::Show(const RunProgress& progress) {
                                    std::to_string(progress.fileCount) + "):  " + progress.fileName));
   }
   ui_->lblRunningEvent->setText(ToQt(progress.event));
+  ui_->lblRemaining->setText(ToQt(RemainingText(progress, static_cast<double>(time_.elapsed()) / 1000.0)));
   if (progress.errorOccurred) ui_->Frame1->setTitle(QStringLiteral("Fortschritt  (Fehler aufgetreten)"));
   if (progress.filesDone != filesDone_) {
     filesDone_ = progress.filesDone;

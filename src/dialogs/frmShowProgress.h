@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QElapsedTimer>
 #include <memory>
 
 #include "messages/user_interface.h"
@@ -34,11 +35,16 @@ class frmShowProgress : public QDialog {
   UserInterface& messages_;
   std::unique_ptr<Ui::frmShowProgress> ui_;
   std::int32_t filesDone_ = 0;  // as the caption shows it
+  QElapsedTimer time_;          // since the window was created
   bool asking_ = false;
   bool abortRequested_ = false;
 };
 
 /// The caption after a file: it shows the progress in the task bar when the window is minimised.
 std::string ProgressCaption(bool minimised, std::int32_t filesDone, std::int32_t fileCount);
+
+/// The line below the labels: the time left after `seconds`, and the number of files with errors. Empty before the
+/// first file is done.
+std::string RemainingText(const RunProgress& progress, double seconds);
 
 }  // namespace quiverion

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "field/buffer_field.h"
 #include "field/vector_field.h"
 #include "log/run_log.h"
@@ -23,6 +25,8 @@ struct Context {
 
   VectorField field;
   BufferField buffer;  // outlives the files of a run, and the run
+
+  std::int64_t vortexCentres = 0;  // found by the last search
 
   bool abortCurrentFile = false;    // skip the remaining commands for this file
   bool runHadError = false;         // the run has seen an error or a warning

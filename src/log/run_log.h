@@ -50,6 +50,19 @@ class RunLog {
   LogFormat format_;
 };
 
+/// The sink receives the log for as long as this lives.
+class AttachedSink {
+ public:
+  AttachedSink(RunLog& log, LogSink& sink) : log_(log), sink_(sink) { log_.Attach(sink_); }
+  ~AttachedSink() { log_.Detach(sink_); }
+  AttachedSink(const AttachedSink&) = delete;
+  AttachedSink& operator=(const AttachedSink&) = delete;
+
+ private:
+  RunLog& log_;
+  LogSink& sink_;
+};
+
 /// A title line of 101 characters: dashes around `text`. A text of more than 98 characters is returned
 /// unchanged.
 std::string MakeTitleLine(std::string_view text);

@@ -48,16 +48,18 @@ FaultyVectorCriteria FaultyVectorCriteriaOf(const MacroEvent& event) {
   return criteria;
 }
 
-std::string OutputPath(const CommandCall& call, std::string_view extension) {
+std::string OutputPath(const CommandCall& call) {
+  const CommandRow* const row = FindCommand(call.event.EventId());
   std::string name = call.event.Text("Prefix");
-  name.append(BaseNameOf(call.fileName)).append(call.event.Text("Postfix")).append(extension);
+  name.append(BaseNameOf(call.fileName)).append(call.event.Text("Postfix"));
+  if (row != nullptr) name.append(row->resultExtension);
   name = WithOwnSeparators(name);
   RequireBelow(name);
   return call.inputDirectory + name;
 }
 
 void SaveAsVas(const CommandCall& call) {
-  SaveVas(call.context, OutputPath(call, ".vas"));
+  SaveVas(call.context, OutputPath(call));
 }
 
 void InsertComment(const CommandCall& call) {

@@ -7,8 +7,8 @@
 /// The functions of the catalogue rows. Each takes its parameters from the event and calls the operation.
 namespace quiverion::actions {
 
-/// `inputDirectory` + Prefix + base name of the file + Postfix + `extension`.
-std::string OutputPath(const CommandCall& call, std::string_view extension);
+/// `inputDirectory` + Prefix + base name of the file + Postfix + extension of the command's results.
+std::string OutputPath(const CommandCall& call);
 
 /// The criteria of the search for faulty vectors, from its command. Throws SystemError if a value is missing.
 FaultyVectorCriteria FaultyVectorCriteriaOf(const MacroEvent& event);
@@ -44,13 +44,8 @@ void Components(const CommandCall& call) {
 
 /// An export to a text file next to the input.
 template <void (*operation)(Context&, const std::string&)>
-void TextExport(const CommandCall& call) {
-  operation(call.context, OutputPath(call, ".txt"));
-}
-
-template <void (*operation)(Context&, const std::string&)>
-void CsvExport(const CommandCall& call) {
-  operation(call.context, OutputPath(call, ".csv"));
+void Export(const CommandCall& call) {
+  operation(call.context, OutputPath(call));
 }
 
 void SaveAsVas(const CommandCall& call);

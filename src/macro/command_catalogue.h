@@ -76,6 +76,13 @@ struct CommandCall {
   const std::string& fileName;        // of the current file, without directory
 };
 
+/// What a command does with the statuses of the vectors.
+enum class StatusEffect : std::uint8_t {
+  none,
+  changes,  // vectors become valid or invalid
+  moves,    // they go with the vectors to other places
+};
+
 struct CommandRow {
   std::int32_t eventId;
   std::string_view constantName;
@@ -86,6 +93,9 @@ struct CommandRow {
   std::int32_t outputKilobytes;           // estimated size of its output per input file
   void (*run)(const CommandCall& call);   // null: a menu
   ParameterEditor editor = {};
+  std::string_view resultExtension = {};  // of a file named by Prefix and Postfix
+  StatusEffect statuses = StatusEffect::none;
+  bool findsVortices = false;  // leaves their number in Context::vortexCentres
 
   bool IsMenu() const { return run == nullptr; }
 };

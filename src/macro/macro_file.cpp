@@ -77,6 +77,53 @@ std::optional<std::string> FindLostText(const MacroEventList& macro) {
   return std::nullopt;
 }
 
+// "Befehl 2, Konstanten Vektor addieren: "
+std::string Place(std::size_t position, const MacroEvent& event) {
+  return "Befehl " + std::to_string(position + 1) + ", " + std::string(MacroEventDescription(event.EventId(), true)) +
+         ": ";
+}
+
+// Calls `visit(place, value)` for each number that a macro file stores as a whole one.
+template <class Visit>
+void ForEachWholeNumber(const MacroEventList& macro, Visit visit) {
+  for (std::size_t k = 0; k < macro.size(); ++k) {
+    for (const Parameter& parameter : ParametersOf(macro[k].EventId())) {
+      if (parameter.encoding != FileEncoding::int32 || macro[k].Find(parameter.key) == nullptr) continue;
+      visit(Place(k, macro[k]), macro[k].Number(parameter.key));
+    }
+  }
+}
+
+bool FitsInt32(double value) {
+  return !Attempt([value] { RoundToInt32(value); });
+}
+
+// A line for each number that is stored as another one, for the first ten.
+std::string RoundedNumbers(const Session& session) {
+  constexpr int shown = 10;
+  int count = 0;
+  std::string lines;
+  ForEachWholeNumber(session.macro, [&](const std::string& place, double value) {
+    const std::int32_t stored = RoundToInt32(value);
+    if (stored == value || ++count > shown) return;
+    lines += "\r\n" + place + FormatNumber(value, session.context.decimalSeparator) + " wird als " +
+             std::to_string(stored) + " gespeichert.";
+  });
+  if (count > shown) lines += "\r\n... und " + std::to_string(count - shown) + " weitere";
+  return lines;
+}
+
+// A line for each number that is too large, an empty text if there is another reason.
+std::string HugeNumbers(const Session& session) {
+  std::string lines;
+  ForEachWholeNumber(session.macro, [&](const std::string& place, double value) {
+    if (FitsInt32(value)) return;
+    lines +=
+        "\r\n" + place + FormatNumber(value, session.context.decimalSeparator) + " ist zu groß für eine Makrodatei.";
+  });
+  return lines;
+}
+
 bool Fail(Session& session, const std::string& text) {
   session.context.ui.Ask({.title = "QuiverionSeries", .text = text});
   return false;
@@ -117,8 +164,19 @@ bool SaveMacroFile(Session& session, const std::string& path) {
   }
   const auto failure =
       SaveResult(session.context.files, nullptr, path, [&](ResultFile& file) { WriteMacro(file, session.macro); });
-  if (!failure) return true;
-  return Fail(session, failure->atOpening ? "Fehler beim Öffnen der Datei" : "Fehler beim Schreiben in die Datei");
+  if (failure) {
+    if (failure->atOpening) return Fail(session, "Fehler beim Öffnen der Datei");
+    std::string reason;
+    Attempt([&] { reason = HugeNumbers(session); });  // a damaged macro may lack a value
+    return Fail(session, "Fehler beim Schreiben in die Datei" + reason);
+  }
+  if (const std::string rounded = RoundedNumbers(session); !rounded.empty()) {
+    session.context.ui.Ask(
+        {.title = "QuiverionSeries",
+         .text = "Das Makro ist gespeichert. Einige Zahlen enthält die Datei aber nur gerundet:" + rounded,
+         .icon = MessageIcon::information});
+  }
+  return true;
 }
 
 }  // namespace quiverion

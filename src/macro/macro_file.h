@@ -20,7 +20,8 @@ bool LoadMacroFile(Session& session, const std::string& path);
 
 /// Saves the session's macro; missing directories are created. A failure shows a message and leaves an old file as it
 /// was. It is also a failure if a text has a character that is not in Windows-1252: texts are file names, which must
-/// not change silently. Returns true if it was saved.
+/// not change silently. If the file stores a number as another one (a component of a constant vector), the macro is
+/// saved, and a message says so. Returns true if it was saved.
 bool SaveMacroFile(Session& session, const std::string& path);
 
 }  // namespace quiverion

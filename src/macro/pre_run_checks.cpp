@@ -88,7 +88,7 @@ bool PreRunChecks(Session& session) {
   return CheckDiskSpace(session, session.SelectedFileCount() * kilobytesPerFile);
 }
 
-bool StartRun(Session& session, const std::function<void()>& beforeRun) {
+bool StartRun(Session& session, const std::function<void()>& beforeRun, RunObserver* observer) {
   const BusyGuard guard(session.context);
   if (!guard.Entered()) return false;
   if (session.selectedFiles.empty()) {
@@ -100,7 +100,7 @@ bool StartRun(Session& session, const std::function<void()>& beforeRun) {
   }
   if (!PreRunChecks(session)) return false;
   if (beforeRun) beforeRun();
-  RunMacro(session);
+  RunMacro(session, observer);
   return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "macro/run_observer.h"
 #include "macro/session.h"
 
 namespace quiverion {
@@ -14,6 +15,6 @@ bool PreRunChecks(Session& session);
 /// The action of the Start button: requires files and commands, makes the checks, and runs the macro. `beforeRun` is
 /// called when nothing can prevent the run any more. Returns false if nothing was run: the checks refused it, or
 /// another entry point is running (without a message).
-bool StartRun(Session& session, const std::function<void()>& beforeRun = {});
+bool StartRun(Session& session, const std::function<void()>& beforeRun = {}, RunObserver* observer = nullptr);
 
 }  // namespace quiverion

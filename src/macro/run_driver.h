@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "macro/run_observer.h"
 #include "macro/session.h"
 
 namespace quiverion {
@@ -11,7 +12,9 @@ namespace quiverion {
 /// only there can an abort request arrive. It ends the run before the next command; a load that follows it is
 /// completed. What an operation does not handle itself is caught per command, logged, and ends the file. The outcome is
 /// in the flags of the context.
-void RunMacro(Session& session);
+///
+/// `observer` is told of every step; null: nobody.
+void RunMacro(Session& session, RunObserver* observer = nullptr);
 
 /// "\r\nDauer: ..." with minutes if there are any; empty for a duration that is not positive (a run across midnight).
 std::string DurationText(float seconds);

@@ -25,9 +25,10 @@ struct RunProgress {
   std::int32_t fileCount = 0;
   std::int32_t currentFile = 0;  // counted from 1
   std::int32_t filesDone = 0;
-  std::string fileName;        // of the current file, without blanks around it
-  std::string_view event;      // "Laden der Orginaldatei", then the long description of the running command
-  bool errorOccurred = false;  // shown from the first command that runs after the error
+  std::string fileName;              // of the current file, without blanks around it
+  std::string_view event;            // "Laden der Orginaldatei", then the long description of the running command
+  bool errorOccurred = false;        // shown from the first command that runs after the error
+  std::int32_t filesWithErrors = 0;  // of those that are done; warnings count
 };
 
 /// The only way for the core to ask, show progress and let window events be processed. Implementations: a terminal,

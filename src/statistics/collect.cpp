@@ -17,24 +17,13 @@
 namespace quiverion {
 namespace {
 
-// The path as stored in a record: of a path that is too long, the end.
-Windows1252Text StoredPath(std::string_view path) {
-  constexpr std::string_view mark = "...";
-  std::string_view kept = path;
-  const std::size_t count = CharacterCount(path);
-  const bool cut = count > collection::kPathBytes;
-  for (std::size_t k = collection::kPathBytes - mark.size(); cut && k < count; ++k) TakeCodePoint(kept);
-  Windows1252Text stored = Windows1252FromUtf8(kept);
-  if (cut) stored.bytes.insert(0, mark);
-  stored.bytes.resize(collection::kPathBytes, ' ');
-  return stored;
-}
-
 // A record of the current field, ready to be written.
 class Record {
  public:
   explicit Record(const VectorField& field)
-      : field_(field), sourcePath_(StoredPath(field.filePath)), validBits_(PackValidBits(field.status.Values())) {}
+      : field_(field),
+        sourcePath_(StoredSourcePath(field.filePath)),
+        validBits_(PackValidBits(field.status.Values())) {}
 
   // Source path, velocities, bits.
   std::array<std::string_view, 4> Pieces() const {

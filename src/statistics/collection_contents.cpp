@@ -158,6 +158,16 @@ std::optional<CollectionContents> ReadCollectionContents(Context& context, const
   return std::nullopt;
 }
 
+void VisitSourcePaths(FileSystem& files, const std::string& collectionPath,
+                      const std::function<bool(const std::string&)>& visit) {
+  const auto file = files.OpenForReading(collectionPath);
+  BinaryReader reader(*file);
+  const CollectionHeader header = ReadHeader(reader);
+  for (std::int32_t k = 0; k < header.fieldCount; ++k) {
+    if (!visit(ReadSourcePath(*file, header, k))) return;
+  }
+}
+
 RemovalOutcome RemoveRecords(Context& context, const std::string& collectionPath,
                              const std::vector<std::int32_t>& numbers, const std::vector<std::string>& listed) {
   const BusyGuard guard(context);

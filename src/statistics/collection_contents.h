@@ -25,6 +25,11 @@ std::optional<CollectionContents> ReadCollectionContents(
     Context& context, const std::string& collectionPath,
     const std::function<void(const CollectionHeader&)>& onHeader = [](const CollectionHeader&) {});
 
+/// Passes the source path of each record to `visit` (UTF-8, without blanks around it), without a message box, until it
+/// returns false. Throws SystemError and FormatError.
+void VisitSourcePaths(FileSystem& files, const std::string& collectionPath,
+                      const std::function<bool(const std::string&)>& visit);
+
 enum class RemovalOutcome {
   removed,            // read the list again
   collectionDeleted,  // no field was left; a message box has been shown

@@ -37,6 +37,22 @@ std::string ReadSourcePath(InputFile& file, const CollectionHeader& header, std:
   return Utf8FromWindows1252(TrimBlanks(bytes));
 }
 
+Windows1252Text StoredSourcePath(std::string_view path) {
+  constexpr std::string_view mark = "...";
+  std::string_view kept = path;
+  const std::size_t count = CharacterCount(path);
+  const bool cut = count > collection::kPathBytes;
+  for (std::size_t k = collection::kPathBytes - mark.size(); cut && k < count; ++k) TakeCodePoint(kept);
+  Windows1252Text stored = Windows1252FromUtf8(kept);
+  if (cut) stored.bytes.insert(0, mark);
+  stored.bytes.resize(collection::kPathBytes, ' ');
+  return stored;
+}
+
+std::string SourcePathInCollection(std::string_view path) {
+  return Utf8FromWindows1252(TrimBlanks(StoredSourcePath(path).bytes));
+}
+
 void WriteFieldCount(UpdatedFile& file, std::int32_t fieldCount, WriteRetry& retry) {
   std::array pieces = {BytesOf(std::span(&fieldCount, 1))};
   WriteAllAt(file, collection::kFieldCountAt, pieces, retry);

@@ -1,8 +1,10 @@
 // The whole way of a user through the program, with clicks and keys: compose, save, load and run a macro, abort a run,
 // read and save the log. The command line gives the same results, bit for bit.
+#include <QCheckBox>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPrinter>
+#include <QTableView>
 #include <QTreeWidget>
 
 #include <QTextBlock>
@@ -174,6 +176,54 @@ TEST_F(WholeWay, QuittingWhileABoxOfTheRunIsOpenEndsIt) {
   EXPECT_FALSE(TheSession().context.busy);
 }
 
+// The way from a run with errors to a second one with the files that failed.
+TEST_F(WholeWay, TheTableOfTheRunLeadsToItsFilesAndItsLog) {
+  place.Write("serie/a!.vas", "kaputt");
+  place.Write("serie/z.vas", "kaputt");
+  Open();
+  SetMacro({40001, 40103});
+  script.ExpectBox(QMessageBox::Ok);
+  Trigger("mnuLastRun");  // there was no run yet
+  Files().selectAll();
+  std::string place1, place2;
+  const auto selected = [](QDialog& log) {
+    return FromQt(Find<QPlainTextEdit>(log, "RichTextBox").textCursor().block().text());
+  };
+  const auto open = [](QDialog& table, int row) {
+    auto& view = Find<QTableView>(table, "tblRun");
+    view.selectRow(row);
+    QTest::keyClick(&view, Qt::Key_Return);
+  };
+  QDialog* log = nullptr;
+  script.Expect<QDialog>("quiverion::frmShowLogFile", [&](QDialog& dialog) {
+    log = &dialog;
+    script.Expect<QDialog>("quiverion::frmRunTable", [&](QDialog& table) {
+      Find<QCheckBox>(table, "chkOnlyErrors").click();
+      EXPECT_EQ(Find<QTableView>(table, "tblRun").model()->rowCount(), 2);
+      open(table, 1);
+    });
+    QTest::keyClick(&dialog, Qt::Key_F6);
+    place1 = selected(dialog);
+    Press(dialog, "cmdOk");
+  });
+  Click("cmdOk");
+  EXPECT_EQ(place1, "Orginaldatei '" + place.At("serie/z.vas") + "' einladen... !!! FEHLER !!!");
+  window->OpenDirectory(place.Path() + "leer");
+  script.Expect<QDialog>("quiverion::frmRunTable", [&](QDialog& table) {
+    script.Expect<QDialog>("quiverion::frmShowLogFile", [&](QDialog& dialog) {
+      place2 = selected(dialog);
+      QTest::keyClick(&dialog, Qt::Key_F6);
+    });
+    open(table, 0);
+    Find<QCheckBox>(table, "chkOnlyErrors").click();
+    Press(table, "cmdSelect");
+  });
+  QTest::keyClick(window.get(), Qt::Key_F6);
+  EXPECT_EQ(place2, "Orginaldatei '" + place.At("serie/a!.vas") + "' einladen... !!! FEHLER !!!");
+  EXPECT_EQ(Directory().Path(), place.Path() + "serie");
+  EXPECT_EQ(Files().SelectedNames(), (std::vector<std::string>{"a!.vas", "z.vas"}));
+}
+
 // A log window on its own, with the text of a run.
 class LogWindow : public MainWindow {
  protected:
@@ -235,6 +285,44 @@ TEST_F(LogWindow, FollowsThePaletteOnTheScreenButNotOnPaper) {
             "!!! FEHLER !!!=#ff7878 10|");
   EXPECT_EQ(FromQt(Find<QPlainTextEdit>(shown, "RichTextBox").textCursor().selectedText()), "aden.");
   EXPECT_EQ(Printed(shown, "dark.pdf"), onPaper);
+}
+
+TEST_F(LogWindow, FindsTextsAndErrors) {
+  RunLog run;
+  run.Attach(log);
+  for (const char* piece :
+       {"Laden von '!!! FEHLER !!!.vas'... ", "fertig\r\n", "!!! WARNUNG !!!\r\n", "    Klein\r\n"}) {
+    run.WriteLogLine(piece);
+  }
+  frmShowLogFile shown(log, place.Path() + "Log.rtf", *files, ui);
+  shown.show();
+  shown.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&shown));
+  auto& text = Find<QPlainTextEdit>(shown, "RichTextBox");
+  const auto line = [&] { return text.textCursor().blockNumber(); };
+  std::vector<int> lines;
+  for (int k = 0; k < 3; ++k) {
+    QTest::keyClick(&shown, Qt::Key_F8);
+    lines.push_back(line());
+  }
+  EXPECT_EQ(lines, (std::vector{3, 5, 3})) << "a name is no error; after the last comes the first";
+  QTest::keyClick(&shown, Qt::Key_F, Qt::ControlModifier);
+  auto& typed = Find<QLineEdit>(shown, "txtFind");
+  EXPECT_EQ(FromQt(typed.text()), "!!! FEHLER !!!");
+  QTest::keyClicks(&typed, "klein");
+  lines = {line()};
+  const std::pair<Qt::Key, Qt::KeyboardModifiers> keys[] = {
+      {Qt::Key_Return, {}}, {Qt::Key_F3, {}}, {Qt::Key_F3, Qt::ShiftModifier}, {Qt::Key_F3, Qt::ShiftModifier}};
+  for (const auto& [key, modifiers] : keys) {
+    QTest::keyClick(&typed, key, modifiers);
+    lines.push_back(line());
+  }
+  EXPECT_EQ(lines, (std::vector{6, 2, 6, 2, 6}));
+  EXPECT_FALSE(Find<QLabel>(shown, "lblNotFound").isVisible());
+  QTest::keyClicks(&typed, "er");
+  EXPECT_TRUE(Find<QLabel>(shown, "lblNotFound").isVisible());
+  QTest::keyClick(&typed, Qt::Key_Escape);
+  EXPECT_TRUE(shown.isVisible() && text.hasFocus() && !typed.isVisible());
 }
 
 TEST_F(LogWindow, PrintsWhatIsSelectedOrEverything) {

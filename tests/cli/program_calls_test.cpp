@@ -79,6 +79,8 @@ TEST_F(ProgramCalls, ThatAreRefusedHaveTheirReasonAndLeaveFilesAlone) {
                                "run --macro fehlt.mak serie",
                                "run --macro kaputt.mak serie",
                                "run --macro s.mak --log s.mak/log.txt serie",
+                               "run --macro s.mak --table t.txt serie",
+                               "run --macro s.mak --table s.mak/t.csv serie",
                                "run --macro s.mak --log neu/l.txt serie/x.vas serie/b.vas",
                                "run --macro leer.mak serie",
                                "run --macro s.mak leer",

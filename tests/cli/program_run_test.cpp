@@ -81,6 +81,26 @@ TEST_F(ProgramRun, SaysWhatIsWrongWithADamagedFile) {
   EXPECT_EQ(place.Read("serie/b_s.vas"), place.Read("serie/b.vas"));
 }
 
+TEST_F(ProgramRun, WritesATableInWhichOnlyTheSecondsVary) {
+  place.Write("serie/a.dat", "leer");
+  std::string tables[2];
+  for (std::string& table : tables) {
+    EXPECT_EQ(RunProgram(place, {"run", "--macro", "s.mak", "--table", "neu/T.CSV", "--decimal", ",", "serie/a.dat",
+                                 "serie/b.vas"})
+                  .code,
+              1);
+    table = place.Read("neu/T.CSV");
+    for (std::size_t end = table.find("\r\n") + 2; (end = table.find("\r\n", end)) != std::string::npos; end += 2) {
+      const std::size_t begin = table.rfind(';', end) + 1;
+      EXPECT_EQ(table.substr(begin, end - begin).find_first_not_of("0123456789,"), std::string::npos) << table;
+      table.erase(begin, end - begin);
+      end = begin;
+    }
+  }
+  EXPECT_EQ(tables[0], tables[1]);
+  EXPECT_NE(tables[0].find("b.vas;fertig;0;;19;19;0;0;;\r\n"), std::string::npos) << tables[0];
+}
+
 TEST_F(ProgramRun, TakesFileNamesOfAnyKind) {
   for (const std::string name : {"Düse 3 – Ω 🌀", " blanks ", "-dash", "it's $(quoted) %s"}) TakesFile(name);
   EXPECT_EQ(RunProgram(place, {"run", "--macro", "s.mak", "--log", "log.txt", "Reihe ä"}).code, 0);

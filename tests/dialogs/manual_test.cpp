@@ -116,7 +116,7 @@ TEST_F(Manual, ContentsAndIndexReachEverything) {
   }
   for (const char* item :
        {"mnuOpenMacroList", "mnuSaveMacroList", "mnuEditCollection", "mnuAverage", "mnuStdDeviation", "mnuAvgUsAndVs",
-        "mnuAvgUsTimesVs", "mnuTu", "mnuDissipation", "mnuShowField", "mnuShowPreview"}) {
+        "mnuAvgUsTimesVs", "mnuTu", "mnuDissipation", "mnuShowField", "mnuShowPreview", "mnuLastRun"}) {
     EXPECT_FALSE(help.TargetOf(item).isEmpty()) << item;
   }
 }

@@ -41,6 +41,24 @@ TEST(ProgressCaption, TellsPercentOnlyWhereTheWindowIsMinimised) {
   EXPECT_EQ(ProgressCaption(true, 3, 8), "QuiverionSeries (38%)");
 }
 
+TEST(ProgressWindow, SaysHowLongItTakesAndHowManyFilesHaveErrors) {
+  const struct {
+    int files, done, errors;
+    double seconds;
+    const char* text;
+  } cases[] = {{4, 0, 0, 9.0, ""},
+               {4, 1, 0, 1.5, "noch etwa 5 s"},  // 4.5, away from zero
+               {4, 1, 1, 20.0, "noch etwa 1 min 0 s,  1 Datei mit Fehlern"},
+               {3000, 1000, 3, 1000.0, "noch etwa 33 min,  3 Dateien mit Fehlern"},
+               {100, 1, 0, 74.0, "noch etwa 2 h 2 min"},
+               {4, 4, 2, 8.0, "noch etwa 0 s,  2 Dateien mit Fehlern"}};
+  for (const auto& c : cases) {
+    RunProgress progress{
+        .fileCount = c.files, .filesDone = c.done, .fileName = "", .event = "", .filesWithErrors = c.errors};
+    EXPECT_EQ(RemainingText(progress, c.seconds), c.text);
+  }
+}
+
 TEST(ProgressWindow, ShowsWhereTheRunIs) {
   test::ScriptedUi ui;
   frmShowProgress window(ui);
@@ -54,7 +72,7 @@ TEST(ProgressWindow, ShowsWhereTheRunIs) {
   EXPECT_EQ(shown({4, 0, 0, "", ""}), "||Fortschritt|0/4");
   EXPECT_EQ(shown({4, 3, 2, "<b>.vas", "Interpolation", true}),
             "Aktuelle Datei (3 von 4):  <b>.vas|Interpolation|Fortschritt  (Fehler aufgetreten)|2/4");
-  for (const char* label : {"lblFileName", "lblRunningEvent"}) {
+  for (const char* label : {"lblFileName", "lblRunningEvent", "lblRemaining"}) {
     auto& shownLabel = Find<QLabel>(window, label);
     EXPECT_EQ(QAccessible::queryAccessibleInterface(&shownLabel)->text(QAccessible::Name), shownLabel.text());
   }

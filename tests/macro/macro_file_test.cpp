@@ -25,6 +25,7 @@ class MacroFile : public testing::Test {
   std::string Save(const MacroEventList& macro) {
     program.session.macro = macro;
     EXPECT_TRUE(SaveMacroFile(program.session, "/m.mak"));
+    program.ui.messages.clear();  // what is rounded
     return program.files.files["/m.mak"];
   }
   MacroEventList Load(const std::string& bytes) {
@@ -128,6 +129,11 @@ TEST_F(MacroFile, LeavesTheOldFileWhereAMacroCannotBeSaved) {
     EXPECT_EQ(program.files.openWrittenFiles, 0);
     EXPECT_EQ(program.session.macro.size(), macro.size());
   }
+  program.session.context.decimalSeparator = ',';
+  program.session.macro = {Event(40103), Event(40201, {{"XComp", 2.5}, {"YComp", -1}}),
+                           Event(40202, {{"XComp", 4}, {"YComp", -1.5}})};
+  EXPECT_TRUE(SaveMacroFile(program.session, "/m.mak")) << "what is rounded is said";
+  EXPECT_EQ(program.session.macro[1].Number("XComp"), 2.5);
   ExpectApproved("unsaved_macros.txt", program.ui.TakeBoxes());
 }
 

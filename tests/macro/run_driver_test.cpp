@@ -94,7 +94,8 @@ TEST_F(RunDriver, ShowsTheErrorFromTheFirstCommandBehindIt) {
   std::string told = RunLogOf({Event(50101), Event(50102)});
   for (const RunProgress& p : ui.progress) {
     told += std::to_string(p.currentFile) + "/" + std::to_string(p.fileCount) + " " + p.fileName + ", done " +
-            std::to_string(p.filesDone) + (p.errorOccurred ? ", error: " : ": ") + std::string(p.event) + "\n";
+            std::to_string(p.filesDone) + ", bad " + std::to_string(p.filesWithErrors) +
+            (p.errorOccurred ? ", error: " : ": ") + std::string(p.event) + "\n";
   }
   ExpectApproved("run_progress.txt", told);
 }

@@ -171,6 +171,7 @@ void FindVortexCentres(Context& context, const std::string& textPath, bool autoT
   CalcSwirlingStrength(context.field);
   Marks marks;
   MarkMaxima(context.field.derivedScalar, marks);
+  context.vortexCentres = std::ranges::count_if(marks.Values(), [](std::int16_t mark) { return mark != 0; });
   if (textPath.empty()) {
     LogLines(context.log, {kDoneText});
   } else if (AppendMaxima(context, textPath, marks) == SaveOutcome::cancelled) {

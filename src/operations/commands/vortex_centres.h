@@ -7,7 +7,7 @@
 namespace quiverion {
 
 /// Finds vortex centres as local maxima of the squared swirling strength, which is in derivedScalar afterwards, and
-/// logs the steps.
+/// logs the steps. Their number is in `vortexCentres` of the context.
 ///
 /// The maxima are appended to the text file `textPath` unless that is empty. A failure is logged and sets
 /// `runHadError`; Cancel on a full disk also sets `userAbortRequested` and ends the command at once. Both leave the

@@ -26,7 +26,38 @@ QUIVERION_MULTI_TARGET void CountRow(const std::int32_t* before, const std::int3
   changes.valid += valid;
 }
 
+// Counts the rejected and the valid vectors. The sums of a block are bytes, which the compiler adds side by side.
+QUIVERION_MULTI_TARGET void UpdateFlags(const std::int32_t* after, std::size_t count, unsigned char* flags,
+                                        FieldChanges& changes) {
+  constexpr std::size_t block = 192;  // at most 255
+  std::size_t begin = 0;
+  const auto update = [&](std::size_t size) {
+    unsigned char rejected = 0, valid = 0;
+    for (std::size_t k = begin; k < begin + size; ++k) {
+      const unsigned char is = after[k] > 0 ? 1 : 0;
+      rejected = static_cast<unsigned char>(rejected + (flags[k] & ~is));
+      valid = static_cast<unsigned char>(valid + is);
+      flags[k] = is;
+    }
+    changes.rejected += rejected;
+    changes.valid += valid;
+    begin += size;
+  };
+  while (begin + block <= count) update(block);
+  update(count - begin);
+}
+
 }  // namespace
+
+FieldChanges UpdateValidFlags(ValidFlags& before, const Grid<std::int32_t>& after) {
+  const auto status = after.Values();
+  if (before.flags.size() != status.size()) before = {std::vector<unsigned char>(status.size()), 0};
+  FieldChanges changes;
+  UpdateFlags(status.data(), status.size(), before.flags.data(), changes);
+  changes.filled = changes.valid - (before.valid - changes.rejected);
+  before.valid = changes.valid;
+  return changes;
+}
 
 FieldChanges CountStatusChanges(const Grid<std::int32_t>& before, const Grid<std::int32_t>& after) {
   FieldChanges changes;
