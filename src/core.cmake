@@ -31,9 +31,18 @@ quiverion_library(picture USES operations SOURCES
   statuses.cpp svg.cpp wishes.cpp)
 quiverion_library(export USES operations SOURCES
   table_writer.cpp text_exports.cpp)
+if(WIN32)
+  set(ZLIB_USE_STATIC_LIBS ON)
+endif()
+find_package(ZLIB REQUIRED)
+quiverion_library(exchange USES field SOURCES
+  build_fields.cpp columns.cpp formats.cpp grid_points.cpp inflate.cpp mat_file.cpp netcdf_file.cpp
+  read_davis_text.cpp read_mat.cpp read_netcdf.cpp read_number_lines.cpp read_pivlab_text.cpp read_tecplot.cpp
+  read_vc7.cpp read_vtk.cpp statuses.cpp tecplot_header.cpp text_file.cpp text_table.cpp units.cpp)
+target_link_libraries(quiverion_exchange PRIVATE ZLIB::ZLIB)
 quiverion_library(statistics USES operations SOURCES
   collect.cpp collection_contents.cpp collection_file.cpp compute_statistic.cpp record_sums.cpp
   statistic_steps.cpp valid_bits.cpp)
-quiverion_library(macro USES export statistics SOURCES
+quiverion_library(macro USES exchange export statistics SOURCES
   command_actions.cpp command_catalogue.cpp macro_event.cpp macro_file.cpp pre_run_checks.cpp
   run_driver.cpp series_files.cpp)
