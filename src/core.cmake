@@ -36,9 +36,11 @@ if(WIN32)
 endif()
 find_package(ZLIB REQUIRED)
 quiverion_library(exchange USES field SOURCES
-  build_fields.cpp columns.cpp formats.cpp grid_points.cpp inflate.cpp mat_file.cpp netcdf_file.cpp
+  build_fields.cpp columns.cpp formats.cpp grid_points.cpp import_file.cpp inflate.cpp mat_file.cpp netcdf_file.cpp
   read_davis_text.cpp read_mat.cpp read_netcdf.cpp read_number_lines.cpp read_pivlab_text.cpp read_tecplot.cpp
-  read_vc7.cpp read_vtk.cpp statuses.cpp tecplot_header.cpp text_file.cpp text_table.cpp units.cpp)
+  read_vc7.cpp read_vtk.cpp statuses.cpp tecplot_header.cpp text_file.cpp text_table.cpp units.cpp
+  write_matlab.cpp write_netcdf.cpp write_text.cpp write_vtk.cpp)
+target_compile_definitions(quiverion_exchange PRIVATE QUIVERION_VERSION="${PROJECT_VERSION}")
 target_link_libraries(quiverion_exchange PRIVATE ZLIB::ZLIB)
 quiverion_library(statistics USES operations SOURCES
   collect.cpp collection_contents.cpp collection_file.cpp compute_statistic.cpp record_sums.cpp
