@@ -31,10 +31,6 @@ quiverion_library(picture USES operations SOURCES
   statuses.cpp svg.cpp wishes.cpp)
 quiverion_library(export USES operations SOURCES
   table_writer.cpp text_exports.cpp)
-if(WIN32)
-  set(ZLIB_USE_STATIC_LIBS ON)
-endif()
-find_package(ZLIB REQUIRED)
 quiverion_library(exchange USES field SOURCES
   build_fields.cpp columns.cpp formats.cpp grid_points.cpp import_file.cpp inflate.cpp mat_file.cpp netcdf_file.cpp
   read_davis_text.cpp read_mat.cpp read_netcdf.cpp read_number_lines.cpp read_pivlab_text.cpp read_tecplot.cpp

@@ -218,8 +218,9 @@ void ScaleVelocities(RawField& raw, const Scale& value, bool yAscends) {
   const std::size_t count = raw.u.size();
   const double sign = yAscends ? 1.0 : -1.0;
   for (std::size_t p = 0; p < count; ++p) {
-    raw.u[p] = raw.u[p] * value.factor + value.offset;
-    raw.v[p] = raw.v[p] * value.factor * sign;
+    const bool isVector = raw.status[p] != 0;  // what is none stays (0, 0)
+    raw.u[p] = isVector ? raw.u[p] * value.factor + value.offset : 0.0;
+    raw.v[p] = isVector ? raw.v[p] * value.factor * sign : 0.0;
   }
 }
 

@@ -1,11 +1,11 @@
 #include "exchange/text_file.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "messages/failure.h"
-#include "messages/system_error.h"
+#include "platform/numeric/multi_target.h"
 #include "platform/text/numbers.h"
 #include "platform/text/text.h"
 
@@ -17,6 +17,11 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
+}
+
+// Without a branch, so that it compiles to vector instructions.
+QUIVERION_MULTI_TARGET void ReplaceAll(char* text, std::size_t size, char from, char to) {
+  for (std::size_t k = 0; k < size; ++k) text[k] = text[k] == from ? to : text[k];
 }
 
 struct Special {
@@ -122,10 +127,11 @@ void TextFile::RefuseAt(const char* at, const std::string& reason) const {
 }
 
 void TextFile::ReplaceDecimalCommas(const char* at) {
-  const char* const point = std::find(at, end_, '.');
-  if (point != end_) RefuseAt(point, "Dezimalpunkt in einer Datei mit Dezimalkommas");
-  char* const first = text_.get() + (at - text_.get());
-  std::replace(first, text_.get() + (end_ - text_.get()), ',', '.');
+  const auto size = static_cast<std::size_t>(end_ - at);
+  if (const void* const point = std::memchr(at, '.', size); point != nullptr) {
+    RefuseAt(static_cast<const char*>(point), "Dezimalpunkt in einer Datei mit Dezimalkommas");
+  }
+  ReplaceAll(text_.get() + (at - text_.get()), size, ',', '.');
 }
 
 NumberStyle StyleOf(std::string_view table) {

@@ -64,7 +64,9 @@ const char* TableReader::ReadOdd(const char* at, double& value) const {
 }
 
 const char* TableReader::SkipWord(const char* at) const {
-  while (!EndsNumber(*at) || (*at == '\0' && at != file_.End())) ++at;
+  // What is no number may contain blanks if something else separates.
+  const char stop = separator_ == Separator::comma ? ',' : separator_ == Separator::semicolon ? ';' : ' ';
+  while (at != file_.End() && *at != stop && !IsLineEnd(*at) && (stop != ' ' || *at != '\t')) ++at;
   return at;
 }
 
@@ -191,7 +193,9 @@ Values Take(const std::vector<Column>& columns, TablePoints& points, Role role) 
 
 void CheckCounts(const GridLayout& layout, const HeaderCounts& counts) {
   const auto fast = static_cast<std::int64_t>(layout.FastCount()), slow = static_cast<std::int64_t>(layout.SlowCount());
-  if ((counts.fast == 0 || counts.fast == fast) && (counts.slow == 0 || counts.slow == slow)) return;
+  if (counts.fast == 0 || (counts.fast == fast && counts.slow == slow)) return;
+  // In a single row or column the fast coordinate is the one that has more than one value.
+  if (slow == 1 && counts.fast == 1 && counts.slow == fast) return;
   throw FormatError(counts.place + ": der Kopf nennt " + std::to_string(counts.fast) + " x " +
                     std::to_string(counts.slow) + " Punkte, die Punkte selbst bilden " + std::to_string(fast) + " x " +
                     std::to_string(slow));
