@@ -154,8 +154,9 @@ class Planes {
   Planes(const char* bytes, std::size_t count, const BufferFormat& format, std::size_t position)
       : bytes_(bytes), count_(count), format_(format), position_(position) {}
 
-  // Velocities as they are stored, and statuses: the number of the peak, 0 without a vector.
-  void Take(RawField& raw) const {
+  // Velocities, and statuses: the number of the peak, 0 without a vector, which is (0, 0).
+  void Take(const Scale& scale, bool yAscends, RawField& raw) const {
+    const double sign = yAscends ? 1.0 : -1.0;
     raw.u.resize(count_);
     raw.v.resize(count_);
     raw.status.resize(count_);
@@ -168,8 +169,8 @@ class Planes {
       }
       const std::size_t plane =
           (format_.hasChoice ? 1 : 0) + format_.components * (static_cast<std::size_t>(choice) - 1);
-      raw.u[p] = static_cast<double>(Value(plane, p));
-      raw.v[p] = static_cast<double>(Value(plane + 1, p));
+      raw.u[p] = static_cast<double>(Value(plane, p)) * scale.factor + scale.offset;
+      raw.v[p] = static_cast<double>(Value(plane + 1, p)) * scale.factor * sign;
     }
   }
 
@@ -212,16 +213,6 @@ Values Positions(std::int32_t count, const Scale& scale, double grid) {
     positions[k] = scale.offset + (static_cast<double>(k) + 0.5) * grid * scale.factor;
   }
   return positions;
-}
-
-void ScaleVelocities(RawField& raw, const Scale& value, bool yAscends) {
-  const std::size_t count = raw.u.size();
-  const double sign = yAscends ? 1.0 : -1.0;
-  for (std::size_t p = 0; p < count; ++p) {
-    const bool isVector = raw.status[p] != 0;  // what is none stays (0, 0)
-    raw.u[p] = isVector ? raw.u[p] * value.factor + value.offset : 0.0;
-    raw.v[p] = isVector ? raw.v[p] * value.factor * sign : 0.0;
-  }
 }
 
 // "300 us"
@@ -271,8 +262,6 @@ Contents ReadContents(const FileBytes& bytes) {
   }
   const Tags tags(bytes, tagsBegin);
   Contents contents;
-  Planes(data, count, format, kHeaderSize).Take(contents.raw);
-
   const Scale x = tags.ScaleFor("FrameScaleX0", 1), y = tags.ScaleFor("FrameScaleY0", 2),
               value = tags.ScaleFor("FrameScaleI0", 4);
   RawField& raw = contents.raw;
@@ -282,7 +271,7 @@ Contents ReadContents(const FileBytes& bytes) {
   raw.gridStep = header.grid;
   raw.pulseDelay = Microseconds(tags.Attribute("FrameDt0"));
   TakeTime(tags, raw);
-  ScaleVelocities(raw, value, y.factor > 0);
+  Planes(data, count, format, kHeaderSize).Take(value, y.factor > 0, raw);
 
   FileFacts& facts = contents.facts;
   facts.hasStatus = format.hasChoice;

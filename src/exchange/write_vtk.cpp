@@ -72,8 +72,10 @@ void WriteValue(BlockWriter& writer, Value value) {
 // Three components of each vector.
 QUIVERION_MULTI_TARGET void Interleave(const double* u, const double* v, std::size_t count, char* target) {
   for (std::size_t k = 0; k < count; ++k) {
-    const double vector[3] = {u[k], v[k], 0.0};
-    std::memcpy(target + sizeof vector * k, vector, sizeof vector);
+    const double w = 0.0;
+    std::memcpy(target + 24 * k, u + k, 8);
+    std::memcpy(target + 24 * k + 8, v + k, 8);
+    std::memcpy(target + 24 * k + 16, &w, 8);
   }
 }
 

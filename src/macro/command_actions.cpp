@@ -1,6 +1,7 @@
 #include "macro/command_actions.h"
 #include "operations/commands/find_faulty_vectors.h"
 
+#include "exchange/field_exports.h"
 #include "field/formats/vas_file.h"
 #include "field/frames.h"
 #include "operations/commands/buffer_commands.h"
@@ -54,6 +55,18 @@ std::string OutputPath(const CommandCall& call, std::string_view extension) {
   name = WithOwnSeparators(name);
   RequireBelow(name);
   return call.inputDirectory + name;
+}
+
+void NetCdfExport(const CommandCall& call) {
+  exchange::ExportNetCdf(call.context, OutputPath(call, ".nc"));
+}
+
+void VtkExport(const CommandCall& call) {
+  exchange::ExportVtk(call.context, OutputPath(call, ".vti"));
+}
+
+void TecplotFieldExport(const CommandCall& call) {
+  exchange::ExportTecplotField(call.context, OutputPath(call, ".tec"));
 }
 
 void SaveAsVas(const CommandCall& call) {

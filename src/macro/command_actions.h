@@ -53,6 +53,10 @@ void CsvExport(const CommandCall& call) {
   operation(call.context, OutputPath(call, ".csv"));
 }
 
+void NetCdfExport(const CommandCall& call);
+void VtkExport(const CommandCall& call);
+void TecplotFieldExport(const CommandCall& call);
+
 void SaveAsVas(const CommandCall& call);
 void InsertComment(const CommandCall& call);
 void LoadBuffer(const CommandCall& call);

@@ -219,6 +219,14 @@ constexpr CommandRow kRows[] = {
     {60001, "evtCollectStatistics", 60000, "Vektorfeld für Statistik sammeln",
      "Vektorfeld für Statistik in Datei (Kollektion) sammeln", kCollection, 0, actions::CollectStatistics,
      Editor(EditorKind::collectionFile)},
+    Menu(70000, "evtExtensionsMenu", 0, "Erweiterungen", "'Erweiterungen'-Menü"),
+    Menu(70100, "evtExchangeMenu", 70000, "Exportieren", "'Exportieren'-Menü"),
+    {70101, "evtExportNetCdf", 70100, "netCDF",
+     "Vektorfeld als netCDF exportieren", kNames, 330, actions::NetCdfExport, kNamesEditor},
+    {70102, "evtExportVtk", 70100, "VTK (ParaView)",
+     "Vektorfeld für VTK (ParaView) exportieren", kNames, 350, actions::VtkExport, kNamesEditor},
+    {70103, "evtExportTecplotField", 70100, "Tecplot (alle Größen)",
+     "Vektorfeld für Tecplot exportieren (alle Größen)", kNames, 1100, actions::TecplotFieldExport, kNamesEditor},
 };
 // clang-format on
 
