@@ -6,7 +6,6 @@
 #include <bit>
 #include <cstdint>
 #include <cstdio>
-#include <initializer_list>
 #include <stdexcept>
 #include <vector>
 
@@ -316,8 +315,8 @@ std::string NetCdf(const SampleField& field) {
   const auto columns = static_cast<std::uint32_t>(field.columns), rows = static_cast<std::uint32_t>(field.rows);
   // The offsets are filled in when the sizes are known.
   std::vector<std::size_t> places;
-  const auto variable = [&](std::string_view title, std::initializer_list<int> dimensions, std::string_view text,
-                            int type, std::uint32_t size) {
+  const auto variable = [&](std::string_view title, const std::vector<int>& dimensions, std::string_view text, int type,
+                            std::uint32_t size) {
     name(title);
     file.Put(static_cast<std::uint32_t>(dimensions.size()));
     for (const int dimension : dimensions) file.Put(dimension);
@@ -333,8 +332,7 @@ std::string NetCdf(const SampleField& field) {
   file.Put(rows);
   name("t");
   file.Put(1).Put(0).Put(0).Put(11).Put(6);
-  const std::initializer_list<int> all =
-      pivPy ? std::initializer_list<int>{1, 0, 2} : std::initializer_list<int>{2, 1, 0};
+  const std::vector<int> all = pivPy ? std::vector{1, 0, 2} : std::vector{2, 1, 0};
   variable("x", {0}, "mm", 6, 8 * columns);
   variable("y", {1}, "mm", 6, 8 * rows);
   variable("t", {2}, "s", 6, 8);

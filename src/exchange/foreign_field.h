@@ -16,14 +16,14 @@ enum class Column5 { guessed, signalToNoise, invalid, valid };
 
 /// What a file does not say, or says wrongly. The defaults leave every decision to the reader.
 struct ImportOptions {
-  std::string format;  // a name of ForeignFormats(); empty: by content
-  std::optional<bool> yPointsDown;
-  std::optional<bool> zerosAreInvalid;
+  std::string format{};  // a name of ForeignFormats(); empty: by content
+  std::optional<bool> yPointsDown{};
+  std::optional<bool> zerosAreInvalid{};
   Column5 column5 = Column5::guessed;
-  std::string lengthUnit;  // goes before the unit in the file
-  std::string velocityUnit;
-  std::optional<double> lengthFactor;    // to mm; goes before any unit
-  std::optional<double> velocityFactor;  // to m/s
+  std::string lengthUnit{};  // goes before the unit in the file
+  std::string velocityUnit{};
+  std::optional<double> lengthFactor{};    // to mm; goes before any unit
+  std::optional<double> velocityFactor{};  // to m/s
 };
 
 /// What was found in a file and what had to be assumed, for a report line and for a window that asks.

@@ -49,15 +49,17 @@ AxisFault CheckRegular(std::span<const double> positions, const char* name) {
     if (!std::isfinite(positions[k])) return {k, std::string(name) + " ist keine Zahl"};
   }
   if (count < 2) return {};
+  for (std::size_t k = 1; k < count; ++k) {
+    if (positions[k] == positions[k - 1]) {
+      return {k, std::string("doppelter Punkt, ") + name + " = " + FormatNumber(positions[k]) + " kommt wieder"};
+    }
+  }
   const double first = positions.front();
   const double step = (positions.back() - first) / static_cast<double>(count - 1);
   if (step == 0) return {1, std::string("doppelter Punkt, ") + name + " = " + FormatNumber(first) + " kommt wieder"};
   const double most = kLargestDeviation * std::fabs(step);
   for (std::size_t k = 1; k < count; ++k) {
     if (std::fabs(positions[k] - (first + static_cast<double>(k) * step)) <= most) continue;
-    if (positions[k] == positions[k - 1]) {
-      return {k, std::string("doppelter Punkt, ") + name + " = " + FormatNumber(positions[k]) + " kommt wieder"};
-    }
     return {k, std::string("das Gitter ist nicht gleichmäßig, ") + name + " = " + FormatNumber(positions[k]) +
                    " statt " + FormatNumber(first + static_cast<double>(k) * step)};
   }
@@ -169,7 +171,8 @@ GridLayout FindGrid(std::span<const double> xs, std::span<const double> ys, cons
     if (fault.point == kNone) return layout;
     if (!first) first = std::move(fault);
   }
-  Refuse(placeOf(first->point), first->reason);
+  const bool isSlanting = xChanges && yChanges && first->point == 1;
+  Refuse(placeOf(first->point), isSlanting ? "die Punkte liegen nicht in Zeilen und Spalten" : first->reason);
 }
 
 GridLayout GridOfAxes(std::span<const double> x, std::span<const double> y) {

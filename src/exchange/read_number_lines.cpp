@@ -12,6 +12,7 @@ namespace {
 constexpr std::size_t kMostUnnamed = 6;
 
 std::size_t NumbersIn(std::string_view head, std::string_view line) {
+  if (line.empty()) return 0;
   const auto rest = static_cast<std::size_t>(head.data() + head.size() - line.data());
   return CountNumbers(line, StyleOf({line.data(), rest}), kMostUnnamed + 1);
 }
@@ -95,7 +96,7 @@ ForeignFile ReadOpenPiv(const ForeignSource& source) {
   const char* const at = BeforeNumbers(file, names);
   Table table;
   table.columns = names.empty() ? ColumnsOfNumbers(file, at) : ColumnsOf(names);
-  table.facts.dialect = names.empty() ? "OpenPIV (Zahlen ohne Kopf)" : "OpenPIV";
+  table.facts.dialect = names.empty() ? "Zahlen ohne Kopf (OpenPIV oder JPIV)" : "OpenPIV";
   return ReadTable(file, at, table, source.options);
 }
 

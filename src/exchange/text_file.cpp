@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "messages/failure.h"
+#include "messages/system_error.h"
 #include "platform/numeric/multi_target.h"
 #include "platform/text/numbers.h"
 #include "platform/text/text.h"
@@ -51,11 +52,21 @@ const char* ReadSpecial(const char* at, const char* end, double& value) {
   return nullptr;
 }
 
+// A number that is too large for a double is infinite.
+NumberPrefix ReadPrefix(std::string_view text) {
+  try {
+    return ReadNumberPrefix(text);
+  } catch (const SystemError&) {
+    const double sign = text.front() == '-' ? -1.0 : 1.0;
+    return {sign * kInfinity, std::min(text.find_first_not_of("+-.0123456789eE"), text.size())};
+  }
+}
+
 // "1D+03": Fortran's letter for the exponent of a double.
 const char* ReadFortran(const char* at, const char* letter, const char* end, double& value) {
   std::string text(at, std::min(letter + 8, end));
   text[static_cast<std::size_t>(letter - at)] = 'E';
-  const NumberPrefix number = ReadNumberPrefix(text);
+  const NumberPrefix number = ReadPrefix(text);
   value = number.value;
   return at + number.length;
 }
@@ -137,9 +148,9 @@ void TextFile::ReplaceDecimalCommas(const char* at) {
 NumberStyle StyleOf(std::string_view table) {
   const std::string_view sample = SampleOf(table);
   NumberStyle style;
-  if (sample.find(';') != std::string_view::npos) style.separator = Separator::semicolon;
-  if (sample.find(',') == std::string_view::npos) return style;
   const std::string_view line = TrimBlanks(sample.substr(0, sample.find_first_of("\r\n")));
+  if (line.find(';') != std::string_view::npos) style.separator = Separator::semicolon;
+  if (sample.find(',') == std::string_view::npos) return style;
   const bool somethingElseSeparates =
       style.separator == Separator::semicolon || line.find_first_of(" \t") != std::string_view::npos;
   style.decimalComma = somethingElseSeparates && AllCommasAreDecimal(sample);
@@ -149,7 +160,7 @@ NumberStyle StyleOf(std::string_view table) {
 
 const char* ReadAnyNumber(const char* at, const char* end, double& value) {
   if (const char* const special = ReadSpecial(at, end, value); special != nullptr) return special;
-  const NumberPrefix number = ReadNumberPrefix({at, static_cast<std::size_t>(end - at)});
+  const NumberPrefix number = ReadPrefix({at, static_cast<std::size_t>(end - at)});
   if (number.length == 0) return nullptr;
   value = number.value;
   const char* const after = at + number.length;

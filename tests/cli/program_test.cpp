@@ -24,7 +24,7 @@ TEST_F(Program, SpeaksGermanInItsHelpAndHasItsOptionsInTheManuals) {
   std::erase(page, '\\');
   const std::vector<std::string> pages[] = {
       {},       {"run"},      {"macro"},      {"macro", "show"}, {"macro", "export"},    {"macro", "import"},
-      {"info"}, {"commands"}, {"statistics"}, {"collection"},    {"collection", "list"}, {"collection", "remove"}};
+      {"info"}, {"commands"}, {"import"}, {"export"}, {"statistics"}, {"collection"},    {"collection", "list"}, {"collection", "remove"}};
   for (std::vector<std::string> words : pages) {
     words.emplace_back("--help");
     const Outcome outcome = RunProgram(place, words);
