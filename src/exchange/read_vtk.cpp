@@ -73,7 +73,9 @@ class VtkImage {
     const std::string_view all = bytes_.At(0, bytes_.Size());
     const std::size_t appended = all.find("<AppendedData");
     head_ = all.substr(0, appended);
-    const Element root = Require("VTKFile"), image = Require("ImageData");
+    const Element root = Require("VTKFile");
+    if (root.Get("type") == "Collection") FileBytes::Refuse(0, "das ist eine Liste von VTK-Dateien; diese importieren");
+    const Element image = Require("ImageData");
     if (root.Get("byte_order") == "BigEndian" || !root.Get("compressor").empty()) {
       FileBytes::Refuse(0, "nur unkomprimierte VTK-Dateien in der Reihenfolge LittleEndian können gelesen werden");
     }

@@ -201,6 +201,7 @@ const Case kRefused[] = {
     {"netcdf without variables", std::string("CDF\x02", 4) + std::string(28, '\0')},
     {"mat cut off", "MATLAB 5.0 MAT-file" + std::string(40, ' ')},
     {"vtk of another kind", "<?xml version=\"1.0\"?>\n<VTKFile type=\"PolyData\"></VTKFile>\n"},
+    {"list of vtk files", "<?xml version=\"1.0\"?>\n<VTKFile type=\"Collection\"></VTKFile>\n"},
     {"vc7 image", Vc7Header(0, -4, 10, 10)},
     {"vc7 packed in an old way", Vc7Header(1, 3, 10, 10) + std::string(1000, '\0')},
     {"vc7 of 2^31 points", Vc7Header(0, 3, 46341, 46341) + std::string(1000, '\0')},
