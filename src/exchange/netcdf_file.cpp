@@ -222,8 +222,8 @@ Values NetCdfFile::Line(const Variable& variable) const {
 }
 
 Values NetCdfFile::PlaneOf(const Variable& variable, std::uint64_t offset, Run slow, Run fast) const {
-  const auto [rows, slowStride] = slow;
-  const auto [columns, fastStride] = fast;
+  const std::uint64_t rows = slow.count, columns = fast.count;
+  const std::uint64_t slowStride = slow.stride, fastStride = fast.stride;
   const std::uint64_t size = bytes_.Size();
   const auto reaches = [&](std::uint64_t count, std::uint64_t stride) {
     return count > 1 && stride != 0 && count - 1 > size / stride;

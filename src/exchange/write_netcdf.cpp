@@ -90,10 +90,10 @@ std::string HeaderText(const Sizes& sizes, std::size_t count, const SeriesPlace&
   };
   header.Word(kVariables).Word(7);
   variable("x", {kX});
-  header.Word(3).Attribute("units", "mm").Attribute("long_name", "x").Attribute("axis", "X");
+  header.Word(2).Attribute("units", "mm").Attribute("long_name", "x");  // with an axis, VTK takes it for a longitude
   end(kDouble, 8 * sizes.columns);
   variable("y", {kY});
-  header.Word(3).Attribute("units", "mm").Attribute("long_name", "y").Attribute("axis", "Y");
+  header.Word(2).Attribute("units", "mm").Attribute("long_name", "y");
   end(kDouble, 8 * sizes.rows);
   variable("t", {kT});
   header.Word(4).Attribute("units", place.isSeconds ? "s" : "frame").Attribute("long_name", "time");
