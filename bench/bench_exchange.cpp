@@ -95,6 +95,7 @@ void WriteNewFiles(benchmark::State& state, Write write) {
 
 void Export(benchmark::State& state, const exchange::ExportKind& kind) {
   BenchSession bench;
+  PrepareProcess();
   const VectorField field = FieldOf(state);
   WriteNewFiles(state, [&](const std::string& path) {
     const auto failure = SaveResult(*bench.files, nullptr, path,

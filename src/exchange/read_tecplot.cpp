@@ -1,5 +1,6 @@
 // Tecplot text files, and those of programs that write them in their own way: Insight, DaVis, PIVview, PIVlab.
 #include <algorithm>
+#include <cstring>
 
 #include "exchange/readers.h"
 #include "exchange/tecplot_header.h"
@@ -80,7 +81,8 @@ class ZoneReader {
 
  private:
   void Begin(const TecplotZone& first) {
-    hasRepeats_ = std::find(first.numbers, file_.End(), '*') != file_.End();  // searched for only once
+    // Searched for only once.
+    hasRepeats_ = std::memchr(first.numbers, '*', static_cast<std::size_t>(file_.End() - first.numbers)) != nullptr;
     TakeDialect(header_, dialect_, facts_);
     TakeUnits(header_.columns, facts_);
   }

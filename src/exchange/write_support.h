@@ -79,7 +79,7 @@ class BlockWriter {
   static constexpr std::size_t kMostRoom = 64 * 1024;
 
  private:
-  static constexpr std::size_t kSize = 4 * kMostRoom;
+  static constexpr std::size_t kSize = 64 * kMostRoom;  // few system calls: they cost more than the copying
   static constexpr std::size_t kLongestNumber = 32;
 
   ResultFile& file_;
