@@ -127,7 +127,7 @@ std::string AsJson(const VectorField& field, const Summary& summary) {
 bool IsForeign(FileSystem& files, const std::string& path) {
   const exchange::ForeignFormat* format = nullptr;
   const auto failure = Attempt([&] { format = exchange::RecogniseFormat(*files.OpenForReading(path)); });
-  return !failure && format != nullptr && format->name != "vas" && format->name != "dat" && format->name != "vec";
+  return !failure && format != nullptr && format->isForeign;
 }
 
 std::string ForeignText(const exchange::ForeignFile& foreign, const std::string& text) {

@@ -2,6 +2,7 @@
 
 #include "exchange/writers.h"
 #include "field/frames.h"
+#include "messages/failure.h"
 
 namespace quiverion::exchange {
 namespace {
@@ -9,7 +10,13 @@ namespace {
 void Export(Context& context, std::string_view what, const std::string& path, FieldWriter write) {
   context.log.WriteLogLine("Vektorfeld " + std::string(what) + " unter '" + path + "' exportieren... ");
   CreatePathDirectories(context.files, path);
-  RunSaveFrame(context, path, [&](ResultFile& file) { write(file, context.field, {.hasTime = false}); });
+  RunSaveFrame(context, path, [&](ResultFile& file) {
+    try {
+      write(file, context.field, {.hasTime = false});
+    } catch (const FormatError& error) {  // the log indents what explains an error
+      throw FormatError("    " + error.Message());
+    }
+  });
 }
 
 }  // namespace

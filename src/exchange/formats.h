@@ -21,6 +21,7 @@ struct ForeignFormat {
   std::string_view title;
   bool (*recognises)(std::string_view head);  // the first kHeadSize bytes of a file, without a byte order mark
   ForeignFile (*read)(const ForeignSource& source);
+  bool isForeign = true;  // false: a format that the program loads by itself
 };
 
 inline constexpr std::size_t kHeadSize = 64 * 1024;

@@ -84,8 +84,12 @@ std::string_view FirstLine(std::string_view head) {
 }
 
 bool IsOpenPiv(std::string_view head) {
-  const std::string_view line = FirstLine(head);
-  if (TrimBlanks(line).starts_with('#')) return IsNames(line);
+  std::string_view line = FirstLine(head);
+  while (TrimBlanks(line).starts_with('#')) {
+    if (IsNames(line)) return true;
+    head.remove_prefix(static_cast<std::size_t>(line.data() + line.size() - head.data()));
+    line = FirstLine(head);
+  }
   const std::size_t count = NumbersIn(head, line);
   return count >= 4 && count <= kMostUnnamed;
 }

@@ -238,32 +238,51 @@ struct Contents {
   FileFacts facts;
 };
 
+// The planes of the file, and where the tags begin.
+struct PlaneBytes {
+  ByteBlock inflated;
+  const char* data = nullptr;
+  std::size_t end = 0;
+};
+
+PlaneBytes ReadPlanes(const FileBytes& bytes, const Header& header, std::size_t size) {
+  PlaneBytes planes;
+  if (header.pack != 2) {
+    planes.data = bytes.At(kHeaderSize, size).data();
+    planes.end = kHeaderSize + size;
+    return planes;
+  }
+  const auto length = bytes.Read<std::int32_t>(kHeaderSize);
+  if (length < 0) FileBytes::Refuse(kHeaderSize, "unmögliche Größe der Daten");
+  constexpr std::size_t kBegin = kHeaderSize + 4;
+  const std::string_view stream = bytes.At(kBegin, static_cast<std::size_t>(length));
+  planes.inflated = Inflate(stream, size, kBegin);
+  planes.data = planes.inflated.data();
+  planes.end = kBegin + stream.size();
+  return planes;
+}
+
+std::string DialectOf(const Header& header, const Tags& tags) {
+  std::string version(tags.Attribute("_DaVisVersion"));
+  ReplaceControls(version, "");
+  return "DaVis " + (version.empty() ? "" : version + " ") + "(VC7, Format " + std::to_string(header.format) +
+         (header.pack == 2 ? ", zlib)" : ")");
+}
+
 Contents ReadContents(const FileBytes& bytes) {
   const Header header = HeaderOf(bytes.At(0, kHeaderSize));
   CheckHeader(header);
   const BufferFormat& format = kBufferFormats[header.format - 1];
-  // Both counts are below 2^31, and a number of planes that no file contains ends at the file's size.
+  // Both counts are below 2^31, so nothing overflows below this limit, which no file reaches.
   const std::uint64_t points = static_cast<std::uint64_t>(header.columns) * static_cast<std::uint64_t>(header.rows);
   if (points > (std::uint64_t{1} << 40)) FileBytes::Refuse(8, "die Datei endet zu früh");
   const auto count = static_cast<std::size_t>(points);
-  const std::size_t size = 4 * format.planes * count;
-  ByteBlock inflated;
-  std::size_t tagsBegin = kHeaderSize + size;
-  const char* data = nullptr;
-  if (header.pack == 2) {
-    const auto length = bytes.Read<std::int32_t>(kHeaderSize);
-    if (length < 0) FileBytes::Refuse(kHeaderSize, "unmögliche Größe der Daten");
-    const std::string_view stream = bytes.At(kHeaderSize + 4, static_cast<std::size_t>(length));
-    inflated = Inflate(stream, size, kHeaderSize + 4);
-    data = inflated.data();
-    tagsBegin = kHeaderSize + 4 + stream.size();
-  } else {
-    data = bytes.At(kHeaderSize, size).data();
-  }
-  const Tags tags(bytes, tagsBegin);
-  Contents contents;
+  const PlaneBytes planes = ReadPlanes(bytes, header, 4 * format.planes * count);
+  const Tags tags(bytes, planes.end);
   const Scale x = tags.ScaleFor("FrameScaleX0", 1), y = tags.ScaleFor("FrameScaleY0", 2),
               value = tags.ScaleFor("FrameScaleI0", 4);
+
+  Contents contents;
   RawField& raw = contents.raw;
   raw.columnPositions = Positions(header.columns, x, header.grid);
   raw.rowPositions = Positions(header.rows, y, header.grid);
@@ -271,20 +290,17 @@ Contents ReadContents(const FileBytes& bytes) {
   raw.gridStep = header.grid;
   raw.pulseDelay = Microseconds(tags.Attribute("FrameDt0"));
   TakeTime(tags, raw);
-  Planes(data, count, format, kHeaderSize).Take(value, y.factor > 0, raw);
+  Planes(planes.data, count, format, kHeaderSize).Take(value, y.factor > 0, raw);
 
   FileFacts& facts = contents.facts;
   facts.hasStatus = format.hasChoice;
   facts.statusRule = format.hasChoice ? "Status aus der Wahl des Peaks" : "kein Status in der Datei";
   if (header.extra == 1) {
-    const std::string_view mask = EnabledMask(bytes, tagsBegin, tags.End(), count);
+    const std::string_view mask = EnabledMask(bytes, planes.end, tags.End(), count);
     TakeMask(mask, raw.status);
     if (!mask.empty()) facts.statusRule += " und aus der Maske";
   }
-  std::string version(tags.Attribute("_DaVisVersion"));
-  ReplaceControls(version, "");
-  facts.dialect = "DaVis " + (version.empty() ? "" : version + " ") + "(VC7, Format " + std::to_string(header.format) +
-                  (header.pack == 2 ? ", zlib)" : ")");
+  facts.dialect = DialectOf(header, tags);
   facts.lengthUnit = x.unit;
   facts.velocityUnit = value.unit;
   facts.yPointsDown = y.factor > 0;

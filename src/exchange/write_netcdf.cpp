@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <bit>
 
 #include "exchange/write_support.h"
@@ -62,6 +63,38 @@ struct Sizes {
   std::uint64_t Points() const { return columns * rows; }
 };
 
+// The variables of the header one after the other. Their data follow each other from `begin` on.
+class Variables {
+ public:
+  Variables(Header& header, std::uint64_t begin) : header_(header), begin_(begin) {}
+
+  // `attributes` of them follow, then End.
+  Header& Begin(std::string_view name, std::initializer_list<Dimension> dimensions, std::uint64_t attributes) {
+    header_.Name(name).Word(dimensions.size());
+    for (const Dimension dimension : dimensions) header_.Word(dimension);
+    return header_.Word(kAttributes).Word(attributes);
+  }
+  void End(Type type, std::uint64_t size) {
+    header_.Word(type).Word(Padded(size)).Long(begin_);
+    begin_ += Padded(size);
+  }
+
+  void Axis(std::string_view name, Dimension dimension, std::uint64_t count) {
+    // With an attribute "axis", VTK takes it for a longitude or a latitude.
+    Begin(name, {dimension}, 2).Attribute("units", "mm").Attribute("long_name", name);
+    End(kDouble, 8 * count);
+  }
+  void Velocity(const std::string& name, std::string_view longName, std::uint64_t points) {
+    Begin(name, {kT, kY, kX}, 3).Attribute("units", "m/s").Attribute("standard_name", name + "_velocity");
+    header_.Attribute("long_name", longName);
+    End(kDouble, 8 * points);
+  }
+
+ private:
+  Header& header_;
+  std::uint64_t begin_;
+};
+
 // Everything up to the data. The offsets of the variables are part of it, so it is made twice.
 std::string HeaderText(const Sizes& sizes, std::size_t count, const SeriesPlace& place, const VectorField& first,
                        const std::string& sources, std::uint64_t dataBegin) {
@@ -78,42 +111,23 @@ std::string HeaderText(const Sizes& sizes, std::size_t count, const SeriesPlace&
       .Attribute("delta_t", first.pulseDelay)
       .Attribute("delta_t_units", "us")
       .Attribute("pivpy_schema_version", "1");
-  std::uint64_t begin = dataBegin;
-  const auto variable = [&](std::string_view name, std::initializer_list<Dimension> dimensions) {
-    header.Name(name).Word(dimensions.size());
-    for (const Dimension dimension : dimensions) header.Word(dimension);
-    header.Word(kAttributes);
-  };
-  const auto end = [&](Type type, std::uint64_t size) {
-    header.Word(type).Word(Padded(size)).Long(begin);
-    begin += Padded(size);
-  };
   header.Word(kVariables).Word(7);
-  variable("x", {kX});
-  header.Word(2).Attribute("units", "mm").Attribute("long_name", "x");  // with an axis, VTK takes it for a longitude
-  end(kDouble, 8 * sizes.columns);
-  variable("y", {kY});
-  header.Word(2).Attribute("units", "mm").Attribute("long_name", "y");
-  end(kDouble, 8 * sizes.rows);
-  variable("t", {kT});
-  header.Word(4).Attribute("units", place.isSeconds ? "s" : "frame").Attribute("long_name", "time");
+  Variables variables(header, dataBegin);
+  variables.Axis("x", kX, sizes.columns);
+  variables.Axis("y", kY, sizes.rows);
+  variables.Begin("t", {kT}, 4).Attribute("units", place.isSeconds ? "s" : "frame").Attribute("long_name", "time");
   header.Attribute("standard_name", "time").Attribute("axis", "T");
-  end(kDouble, 8);
-  for (const std::string name : {"u", "v"}) {
-    variable(name, {kT, kY, kX});
-    header.Word(3).Attribute("units", "m/s").Attribute("standard_name", name + "_velocity");
-    header.Attribute("long_name", "velocity in " + std::string(name == "u" ? "x" : "y"));
-    end(kDouble, 8 * sizes.Points());
-  }
-  variable("chc", {kT, kY, kX});
-  header.Word(4).Attribute("standard_name", "validity_flag").Attribute("long_name", "1 where the vector is valid");
+  variables.End(kDouble, 8);
+  variables.Velocity("u", "velocity in x", sizes.Points());
+  variables.Velocity("v", "velocity in y", sizes.Points());
+  variables.Begin("chc", {kT, kY, kX}, 4).Attribute("standard_name", "validity_flag");
+  header.Attribute("long_name", "1 where the vector is valid");
   header.Flags("flag_values", std::array{0, 1}, kByte).Attribute("flag_meanings", "invalid valid");
-  end(kByte, sizes.Points());
-  variable("status", {kT, kY, kX});
-  header.Word(3).Attribute("long_name", "status of the vector, valid above 0");
+  variables.End(kByte, sizes.Points());
+  variables.Begin("status", {kT, kY, kX}, 3).Attribute("long_name", "status of the vector, valid above 0");
   header.Flags("flag_values", std::array{-1, 0, 1, 2, 3, 4}, kInteger);
   header.Attribute("flag_meanings", "masked rejected valid valid_second filled valid_fourth");
-  end(kInteger, 4 * sizes.Points());
+  variables.End(kInteger, 4 * sizes.Points());
   return header.Get();
 }
 

@@ -41,6 +41,7 @@ const Case kRead[] = {
     {"openpiv, six columns without names", "1 1 2 2 0 0\n2 1 3 3 1 0\n3 1 4 4 2 0\n4 1 5 5 0 1\n"},
     {"openpiv, mask of five columns", "# x\ty\tu\tv\tmask\n 1.0\t1\t2\t3\t 0.0\n2\t1\t2\t3\t1\n"},
     {"openpiv, commas and byte order mark", "\xEF\xBB\xBF# x,y,u,v,flags,mask\n1e0,1,2,3,0,0\n2,1,0,0,0,1\n"},
+    {"comments without names", "# made by hand\n#\n1 2 3 4\n2 2 5 6\n"},
     {"row order and y down", kUnnamed, {.yPointsDown = true}},
     {"columns from the right, x slow", "2 1 1 1\n2 2 2 2\n1 1 3 3\n1 2 4 4\n"},
     {"units and factors by option",
