@@ -123,7 +123,7 @@ class Export {
     });
     if (failure) return Fail(path, {*failure});
     std::vector<std::string> names;
-    const bool isBeside = IsSameFile(AbsolutePath(DirectoryPrefixOf(path)), AbsolutePath(call_.directory));
+    const bool isBeside = IsSameFile(DirectoryPrefixOf(path), WithSeparator(AbsolutePath(call_.directory)));
     for (std::size_t k = 0; k < paths_.size(); ++k) {
       if (Aborted()) return kAborted;
       if (!One(k)) return kFailed;

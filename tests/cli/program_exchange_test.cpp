@@ -17,6 +17,7 @@ class ProgramExchange : public ProgramRun {
     const auto bytes = [&](std::string_view name) { return samples::ForeignSampleOf(name).bytes(sample); };
     place.Write("fremd/a.txt", bytes("openpiv5.txt"));
     place.Write("fremd/b.vc7", bytes("vc7_3.vc7"));
+    place.Write("zeiten.dat", "VARIABLES = x y u v\nZONE I=1 J=1\n0 0 1 1\nZONE I=1 J=1\n0 0 2 2\n");
     place.Write("fremd/zeiten.dat",
                 "VARIABLES = x y u v\nZONE I=2 J=1 SOLUTIONTIME=0.5\n0 0 1 1\n1 0 1 1\nZONE I=2 J=1\n"
                 "0 0 2 2\n1 0 0 0\n");
@@ -62,7 +63,7 @@ TEST_F(ProgramExchange, SaysWhatItAssumesAndGoesOnAfterAnError) {
                            "import|a.vec",
                            "import|--to|aus",
                            "info|a.vec",
-                           "info|--json|fremd/zeiten.dat",
+                           "info|--json|zeiten.dat",
                            "info|hdf5.nc",
                            "info|kurz.txt",
                            "export|--as|netcdf|--to|aus|reihe",
