@@ -96,6 +96,7 @@ MatFile::MatFile(InputFile& file, bool (*wants)(std::string_view)) : bytes_(file
       if (type == kMatrix) TakeVariable(bytes_.At(at, 8 + std::size_t{size}), wants);
       at += 8 + (std::size_t{size} + 7) / 8 * 8;
     }
+    if (at < bytes_.Size() && bytes_.Size() - at < 8) FileBytes::Refuse(at, "die Datei endet zu früh");
   }
 }
 

@@ -134,6 +134,7 @@ class HeaderReader {
 NetCdfFile::NetCdfFile(InputFile& file) : bytes_(file) {
   ReadHeader();
   FindStrides();
+  RequireWhole();
 }
 
 void NetCdfFile::ReadHeader() {
@@ -205,6 +206,21 @@ void NetCdfFile::FindStrides() {
                              std::to_string(fitting));
   }
   dimensions_[*recordDimension_].length = recordCount_;
+}
+
+// A file that was cut off is refused, even if what it lacks is not needed. Doubles are exact enough for sizes of files,
+// and do not overflow.
+void NetCdfFile::RequireWhole() const {
+  for (const Variable& variable : variables_) {
+    double end = static_cast<double>(variable.begin) + static_cast<double>(SizeOf(variable.type));
+    bool isEmpty = false;
+    for (std::size_t d = 0; d < variable.dimensions.size(); ++d) {
+      isEmpty = isEmpty || Length(variable, d) == 0;
+      end += (static_cast<double>(Length(variable, d)) - 1) * static_cast<double>(variable.strides[d]);
+    }
+    if (isEmpty || end <= static_cast<double>(bytes_.Size())) continue;
+    FileBytes::Refuse(bytes_.Size(), "die Datei endet vor dem Ende der Variable '" + variable.name + "'");
+  }
 }
 
 const NetCdfFile::Variable* NetCdfFile::Find(const std::string& name) const {

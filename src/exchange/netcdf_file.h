@@ -62,6 +62,7 @@ class NetCdfFile {
   };
   void ReadHeader();
   void FindStrides();
+  void RequireWhole() const;
   Values PlaneOf(const Variable& variable, std::uint64_t offset, Run slow, Run fast) const;
   static void Unpack(const Variable& variable, Values& values);
 

@@ -130,22 +130,30 @@ std::optional<std::size_t> EndOfScalars(const FileBytes& bytes, std::size_t at) 
   return at;
 }
 
-// One byte per vector, not 0 if it is enabled; empty if all are.
+// One byte per vector, not 0 if it is enabled; empty if all are. The scalars that follow have to end where the file or
+// its directory says, with the mask or without it.
 std::string_view EnabledMask(const FileBytes& bytes, std::size_t tagsBegin, std::size_t tagsEnd, std::size_t count) {
   constexpr std::size_t kDirectorySize = 32 * 8;
   const std::size_t size = bytes.Size();
-  if (size >= tagsEnd + kDirectorySize) {
-    const std::size_t directory = size - kDirectorySize;
-    const auto tags = bytes.Read<std::uint64_t>(directory), mask = bytes.Read<std::uint64_t>(directory + 16);
-    if (tags == tagsBegin && mask == 0) return {};
-    if (tags == tagsBegin && mask == tagsEnd) return bytes.At(tagsEnd, count);
+  const bool hasDirectory =
+      size >= tagsEnd + kDirectorySize && bytes.Read<std::uint64_t>(size - kDirectorySize) == tagsBegin;
+  bool hasOtherParts = false;  // between the scalars and the directory
+  for (std::size_t slot = 4; hasDirectory && slot < 32; ++slot) {
+    hasOtherParts = hasOtherParts || bytes.Read<std::uint64_t>(size - kDirectorySize + 8 * slot) != 0;
   }
-  const auto isEnd = [&](std::optional<std::size_t> end) {
-    return end && (*end == size || *end + kDirectorySize == size);
+  const auto isWhole = [&](std::size_t begin) {
+    const auto end = EndOfScalars(bytes, begin);
+    const std::size_t expected = size - (hasDirectory ? kDirectorySize : 0);
+    return end && (*end == expected || (hasOtherParts && *end < expected));
   };
-  if (isEnd(EndOfScalars(bytes, tagsEnd))) return {};
-  if (count <= size && isEnd(EndOfScalars(bytes, tagsEnd + count))) return bytes.At(tagsEnd, count);
-  FileBytes::Refuse(tagsEnd, "nach den Einträgen fehlen die Maske oder die Skalare");
+  const bool mayHaveMask = count <= size - tagsEnd;
+  if (hasDirectory && bytes.Read<std::uint64_t>(size - kDirectorySize + 16) == tagsEnd) {
+    if (mayHaveMask && isWhole(tagsEnd + count)) return bytes.At(tagsEnd, count);
+  } else {
+    if (isWhole(tagsEnd)) return {};
+    if (mayHaveMask && isWhole(tagsEnd + count)) return bytes.At(tagsEnd, count);
+  }
+  FileBytes::Refuse(tagsEnd, "die Maske oder die Skalare nach den Einträgen sind nicht vollständig");
 }
 
 // Everything the planes say.

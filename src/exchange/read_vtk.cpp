@@ -73,6 +73,9 @@ class VtkImage {
     const std::string_view all = bytes_.At(0, bytes_.Size());
     const std::size_t appended = all.find("<AppendedData");
     head_ = all.substr(0, appended);
+    if (all.substr(all.size() - std::min<std::size_t>(all.size(), 64)).find("</VTKFile>") == std::string_view::npos) {
+      FileBytes::Refuse(all.size(), "die VTK-Datei hat kein Ende");
+    }
     const Element root = Require("VTKFile");
     if (root.Get("type") == "Collection") FileBytes::Refuse(0, "das ist eine Liste von VTK-Dateien; diese importieren");
     const Element image = Require("ImageData");

@@ -9,6 +9,11 @@
 
 namespace quiverion::exchange {
 
+/// True for "\n" and "\r".
+constexpr bool IsLineEnd(char c) {
+  return c == '\n' || c == '\r';
+}
+
 /// The whole content of a text file. Lines end with CR LF, LF or CR; a byte order mark is left out.
 class TextFile {
  public:
@@ -23,6 +28,9 @@ class TextFile {
   std::string_view LineAt(const char* at) const;
   /// The beginning of the next line.
   const char* AfterLine(const char* at) const;
+
+  /// False if the last line has no end, as in a file that was cut off.
+  bool EndsWithLine() const { return begin_ == end_ || IsLineEnd(end_[-1]); }
 
   /// "Zeile 12".
   std::string PlaceOf(const char* at) const;
@@ -48,11 +56,6 @@ struct NumberStyle {
 
 /// The style of a table of numbers, from its first 50 lines (and from more if these have neither a point nor a comma).
 NumberStyle StyleOf(std::string_view table);
-
-/// True for "\n" and "\r".
-constexpr bool IsLineEnd(char c) {
-  return c == '\n' || c == '\r';
-}
 
 constexpr bool IsBlank(char c) {
   return c == ' ' || c == '\t';

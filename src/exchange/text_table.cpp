@@ -229,6 +229,9 @@ RawField FieldOfTable(const TextFile& file, const std::vector<Column>& columns, 
     if (IsStatus(columns[c].role)) statuses.push_back({columns[c].role, columns[c].name, std::move(points.columns[c])});
   }
   raw.status = StatusesOf(statuses, points.count, dialect, placeOf, facts);
+  if (!file.EndsWithLine() && facts.warnings.empty()) {
+    facts.warnings.emplace_back("Die letzte Zeile hat kein Zeilenende: vielleicht fehlt etwas am Ende der Datei");
+  }
   return raw;
 }
 
