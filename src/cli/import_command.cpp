@@ -34,8 +34,11 @@ class Import {
       RequireNewNames(path, foreign.fields.size());
     };
     if (const auto failure = Attempt(read)) return Fail(path, FailureText(*failure));
-    std::string said = "'" + path + "': " + foreign.report.Line() + "\n";
-    for (const std::string& warning : foreign.report.warnings) said += "'" + path + "': Warnung: " + warning + "\n";
+    const std::string name = "'" + path + "': ";
+    std::string said = name + foreign.report.Line() + "\n";
+    for (const std::string& warning : foreign.report.warnings) {
+      said.append(name).append("Warnung: ").append(warning).append("\n");
+    }
     services_.terminal.PrintError(said);
 
     FirstLines lines;

@@ -1,9 +1,12 @@
 #include "exchange/import_file.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "exchange/formats.h"
+#include "exchange/readers.h"
 #include "field/formats/vas_file.h"
+#include "messages/failure.h"
 #include "messages/system_error.h"
 #include "platform/files/paths.h"
 #include "platform/process/environment.h"
@@ -17,11 +20,56 @@ std::string NumberText(std::size_t number) {
   return std::string(4 - std::min<std::size_t>(4, digits.size()), '0') + digits;
 }
 
+// What an XML attribute holds.
+std::string Unescaped(std::string text) {
+  for (const auto& [code, sign] : {std::pair("&lt;", "<"), {"&quot;", "\""}, {"&amp;", "&"}}) {
+    for (std::size_t at = text.find(code); at != std::string::npos; at = text.find(code, at + 1)) {
+      text.replace(at, std::string_view(code).size(), sign);
+    }
+  }
+  return text;
+}
+
+void Append(ForeignFile item, const std::optional<double>& time, ForeignFile& all) {
+  if (all.fields.empty()) {
+    all = std::move(item);
+  } else {
+    if (item.report.columnCount != all.report.columnCount || item.report.rowCount != all.report.rowCount) {
+      throw FormatError("die Felder der Liste sind verschieden groß");
+    }
+    all.report.validCount += item.report.validCount;
+    all.report.vectorCount += item.report.vectorCount;
+    all.report.fieldCount += item.report.fieldCount;
+    std::ranges::move(item.fields, std::back_inserter(all.fields));
+  }
+  if (time) all.fields.back().time = time;
+}
+
+// The fields of all files of a list, which lie beside it.
+ForeignFile ReadListed(FileSystem& files, InputFile& list, const std::string& path, const ImportOptions& options) {
+  ForeignFile all;
+  for (const VtkListItem& item : ReadVtkList(list)) {
+    const std::string name = Unescaped(item.file);
+    const bool isAbsolute = !name.empty() && (IsPathSeparator(name.front()) || name.find(':') == 1);
+    const std::string itemPath = isAbsolute ? name : DirectoryPrefixOf(path) + name;
+    const auto failure = Attempt([&] {
+      const auto file = files.OpenForReading(itemPath);
+      Append(ReadForeignFile(*file, itemPath, options), item.time, all);
+    });
+    if (!failure) continue;
+    throw FormatError("'" + name + "': " + failure->formatMessage.value_or(ErrorText(failure->error)));
+  }
+  return all;
+}
+
 }  // namespace
 
 ForeignFile ReadForeignFile(FileSystem& files, const std::string& path, const ImportOptions& options) {
   const auto file = files.OpenForReading(path);
-  return ReadForeignFile(*file, path, options);
+  std::string head(static_cast<std::size_t>(std::min<std::uint64_t>(file->Size(), 1024)), '\0');
+  head.resize(file->Read(head.data(), head.size()));
+  file->Seek(0);
+  return IsVtkList(head) ? ReadListed(files, *file, path, options) : ReadForeignFile(*file, path, options);
 }
 
 std::string ImportedPath(const std::string& source, const std::string& directory, std::size_t number,

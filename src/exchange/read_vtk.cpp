@@ -77,7 +77,6 @@ class VtkImage {
       FileBytes::Refuse(all.size(), "die VTK-Datei hat kein Ende");
     }
     const Element root = Require("VTKFile");
-    if (root.Get("type") == "Collection") FileBytes::Refuse(0, "das ist eine Liste von VTK-Dateien; diese importieren");
     const Element image = Require("ImageData");
     if (root.Get("byte_order") == "BigEndian" || !root.Get("compressor").empty()) {
       FileBytes::Refuse(0, "nur unkomprimierte VTK-Dateien in der Reihenfolge LittleEndian können gelesen werden");
@@ -217,6 +216,23 @@ class VtkImage {
 };
 
 }  // namespace
+
+std::vector<VtkListItem> ReadVtkList(InputFile& file) {
+  const FileBytes bytes(file);
+  const std::string_view all = bytes.At(0, bytes.Size());
+  std::vector<VtkListItem> items;
+  for (auto item = FindElement(all, "DataSet", 0); item; item = FindElement(all, "DataSet", item->end)) {
+    const NumberPrefix time = ReadNumberPrefix(item->Get("timestep"));
+    items.push_back({item->Get("file"), time.length > 0 ? std::optional(time.value) : std::nullopt});
+  }
+  if (items.empty()) FileBytes::Refuse(0, "die Liste nennt keine VTK-Datei");
+  return items;
+}
+
+bool IsVtkList(std::string_view head) {
+  const auto root = FindElement(head, "VTKFile", 0);
+  return IsVtk(head) && root && root->Get("type") == "Collection";
+}
 
 bool IsVtk(std::string_view head) {
   const std::size_t root = head.substr(0, 1024).find("<VTKFile");

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "exchange/formats.h"
 
 /// The recogniser and the reader of every format, for the table in formats.cpp.
@@ -16,6 +20,14 @@ ForeignFile ReadMatFile(const ForeignSource& source);
 
 bool IsVtk(std::string_view head);
 ForeignFile ReadVtk(const ForeignSource& source);
+
+/// ParaView's list of the files of a series (.pvd).
+bool IsVtkList(std::string_view head);
+struct VtkListItem {
+  std::string file;  // relative to the list
+  std::optional<double> time;
+};
+std::vector<VtkListItem> ReadVtkList(InputFile& file);
 
 bool IsVc7(std::string_view head);
 ForeignFile ReadVc7(const ForeignSource& source);

@@ -105,5 +105,23 @@ TEST(Exports, OfASeriesComeBackOneByOneWithTheirTimes) {
   }
 }
 
+TEST(Exports, ListedForParaViewComeBackWithTheTimesOfTheList) {
+  MemoryFileSystem files;
+  const auto write = [&](const std::string& path, auto action) {
+    EXPECT_FALSE(SaveResult(files, nullptr, path, action));
+  };
+  for (const std::size_t k : {1, 2}) {
+    write("/aus/a&b " + std::to_string(k) + ".vti", [&](ResultFile& file) { WriteVtk(file, FieldOf(4, 3, k), {}); });
+  }
+  const std::vector<std::string> names = {"a&b 1.vti", "a&b 2.vti"};
+  write("/aus/s.pvd", [&](ResultFile& file) { WriteParaViewIndex(file, names, 0.125); });
+  const ForeignFile back = ReadForeignFile(files, "/aus/s.pvd", {});
+  ASSERT_EQ(back.fields.size(), 2u);
+  EXPECT_EQ(back.fields[1].time, 0.125);
+  EXPECT_TRUE(SameItem(back.fields[1].field.velX, FieldOf(4, 3, 2).velX));
+  files.files.erase("/aus/a&b 2.vti");
+  EXPECT_TRUE(Attempt([&] { ReadForeignFile(files, "/aus/s.pvd", {}); }));
+}
+
 }  // namespace
 }  // namespace quiverion::exchange::test
