@@ -148,6 +148,7 @@ std::vector<Column> ColumnsOf(std::string_view line) {
   const std::vector<std::string_view> parts = CutNames(line);
   if (parts.size() > kMostColumns) throw FormatError("Die Zeile mit den Namen hat zu viele Spalten.");
   std::vector<Column> columns;
+  columns.reserve(parts.size());
   for (const std::string_view part : parts) columns.push_back(ColumnOf(part));
   DropDoubles(columns);
   return columns;

@@ -136,8 +136,7 @@ Fault CheckRows(const Axis& fast, const Axis& slow, std::size_t length) {
 
 Fault TryGrid(const Axis& fast, const Axis& slow, GridLayout& layout) {
   const std::size_t length = LengthOfRow(fast.values);
-  const Fault fault = CheckRows(fast, slow, length);
-  if (fault.point != kNone) return fault;
+  if (Fault fault = CheckRows(fast, slow, length); fault.point != kNone) return fault;
   const std::size_t rows = fast.values.size() / length;
   const bool fastAscends = length < 2 || fast.values[length - 1] > fast.values[0];
   const bool slowAscends = rows < 2 || slow.values[(rows - 1) * length] > slow.values[0];

@@ -56,7 +56,7 @@ Header ReadHeader(const TextFile& file, std::string_view line) {
   ReplaceControls(header.version, "");
   const std::vector<std::int64_t> numbers = WholeNumbers(words);
   if (numbers.size() < 3) file.RefuseAt(file.Begin(), "der Kopf nennt keine Gittergröße");
-  header.counts = {numbers[numbers.size() - 1], numbers[numbers.size() - 2], file.PlaceOf(file.Begin())};
+  header.counts = {numbers[numbers.size() - 1], numbers[numbers.size() - 2], file.Begin()};
   const std::vector<std::string> texts = Quoted(line);
   const bool areNames = line.find("\";\"") != std::string_view::npos;
   if (areNames) {

@@ -98,7 +98,7 @@ class ZoneReader {
   HeaderCounts CountsOf(const TecplotZone& zone) const {
     // A list of points has only one count.
     if (zone.i == 0 || zone.j == 0) return {};
-    return {zone.i, zone.j, file_.PlaceOf(zone.record)};
+    return {zone.i, zone.j, zone.record};
   }
 
   const char* ReadNumbers(const TecplotZone& zone, TablePoints& points) {

@@ -169,6 +169,7 @@ const char* ReadAnyNumber(const char* at, const char* end, double& value) {
 }
 
 std::size_t CountNumbers(std::string_view line, const NumberStyle& style, std::size_t most) {
+  if (line.empty()) return 0;
   const char* at = line.data();
   const char* const end = at + line.size();
   std::size_t count = 0;

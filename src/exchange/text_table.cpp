@@ -5,6 +5,7 @@
 #include "messages/failure.h"
 #include "messages/system_error.h"
 #include "platform/text/numbers.h"
+#include "platform/text/text.h"
 
 namespace quiverion::exchange {
 namespace {
@@ -58,8 +59,10 @@ const char* TableReader::NextLine(const char* at) const {
 const char* TableReader::ReadOdd(const char* at, double& value) const {
   const char* const after = ReadAnyNumber(at, file_.End(), value);
   if (after == nullptr || !EndsNumber(*after)) {
-    const std::string word(at, std::min(SkipWord(at) + 1, at + 20));
-    file_.RefuseAt(at, "'" + word.substr(0, word.find_first_of("\r\n")) + "' ist keine Zahl");
+    std::string word(at, std::min(SkipWord(at) + 1, std::min(at + 20, file_.End())));
+    word.resize(std::min(word.find_first_of("\r\n"), word.size()));
+    ReplaceControls(word, "");
+    file_.RefuseAt(at, "'" + word + "' ist keine Zahl");
   }
   return after;
 }
@@ -133,8 +136,11 @@ const char* TableReader::Read(const char* at, std::size_t expected, TablePoints&
     ++row;
   }
   points.count = row;
+  const bool isWasteful = capacity > 2 * row + 1000;  // a short zone of a long file
   for (Values& column : points.columns) {
-    if (!column.empty()) column.resize(row);
+    if (column.empty()) continue;
+    column.resize(row);
+    if (isWasteful) column.shrink_to_fit();
   }
   return at;
 }
@@ -193,14 +199,14 @@ Values Take(const std::vector<Column>& columns, TablePoints& points, Role role) 
   return std::move(points.columns[static_cast<std::size_t>(column - columns.begin())]);
 }
 
-void CheckCounts(const GridLayout& layout, const HeaderCounts& counts) {
+void CheckCounts(const TextFile& file, const GridLayout& layout, const HeaderCounts& counts) {
   const auto fast = static_cast<std::int64_t>(layout.FastCount()), slow = static_cast<std::int64_t>(layout.SlowCount());
   if (counts.fast == 0 || (counts.fast == fast && counts.slow == slow)) return;
   // In a single row or column the fast coordinate is the one that has more than one value.
   if (slow == 1 && counts.fast == 1 && counts.slow == fast) return;
-  throw FormatError(counts.place + ": der Kopf nennt " + std::to_string(counts.fast) + " x " +
-                    std::to_string(counts.slow) + " Punkte, die Punkte selbst bilden " + std::to_string(fast) + " x " +
-                    std::to_string(slow));
+  file.RefuseAt(counts.place, "der Kopf nennt " + std::to_string(counts.fast) + " x " + std::to_string(counts.slow) +
+                                  " Punkte, die Punkte selbst bilden " + std::to_string(fast) + " x " +
+                                  std::to_string(slow));
 }
 
 }  // namespace
@@ -214,11 +220,11 @@ RawField FieldOfTable(const TextFile& file, const std::vector<Column>& columns, 
   {
     const Values x = Take(columns, points, Role::x), y = Take(columns, points, Role::y);
     if (promised > 0 && promised != static_cast<std::int64_t>(points.count)) {
-      throw FormatError(counts.place + ": der Kopf nennt " + std::to_string(counts.fast) + " x " +
-                        std::to_string(counts.slow) + " Punkte, es sind " + std::to_string(points.count));
+      file.RefuseAt(counts.place, "der Kopf nennt " + std::to_string(counts.fast) + " x " +
+                                      std::to_string(counts.slow) + " Punkte, es sind " + std::to_string(points.count));
     }
     raw.layout = FindGrid(x, y, placeOf);
-    CheckCounts(raw.layout, counts);
+    CheckCounts(file, raw.layout, counts);
     raw.columnPositions = ColumnPositions(raw.layout, x);
     raw.rowPositions = RowPositions(raw.layout, y);
   }

@@ -55,7 +55,7 @@ std::string PlaceOfPoint(const TextFile& file, const TablePoints& points, std::s
 /// A field of the points of a table; counts that contradict `fastCount` and `slowCount` (0: unknown) are refused.
 struct HeaderCounts {
   std::int64_t fast = 0, slow = 0;
-  std::string place;  // of the header
+  const char* place = nullptr;  // of the header
 };
 RawField FieldOfTable(const TextFile& file, const std::vector<Column>& columns, TablePoints& points,
                       const HeaderCounts& counts, const StatusDialect& dialect, FileFacts& facts);

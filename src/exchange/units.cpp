@@ -17,7 +17,7 @@ constexpr std::array kPowers = {1E-9, 1E-8, 1E-7, 1E-6, 1E-5, 1E-4, 1E-3, 1E-2, 
                                 1E1,  1E2,  1E3,  1E4,  1E5,  1E6,  1E7,  1E8,  1E9};
 
 double PowerOfTen(int exponent) {
-  return kPowers[static_cast<std::size_t>(exponent + 9)];
+  return kPowers[static_cast<std::size_t>(exponent) + 9];
 }
 
 template <std::size_t size>

@@ -30,8 +30,8 @@ Axis AxisOf(std::size_t count, At at, const char* name) {
 // An array of the appended data, and the place of the next one.
 std::string DataArray(std::string_view type, std::string_view name, std::string_view more, std::uint64_t size,
                       std::uint64_t& offset) {
-  const std::string element = "<DataArray type=\"" + std::string(type) + "\" Name=\"" + std::string(name) + "\" " +
-                              std::string(more) + " format=\"appended\" offset=\"" + std::to_string(offset) + "\"/>\n";
+  std::string element = "<DataArray type=\"" + std::string(type) + "\" Name=\"" + std::string(name) + "\" " +
+                        std::string(more) + " format=\"appended\" offset=\"" + std::to_string(offset) + "\"/>\n";
   offset += 8 + size;
   return element;
 }
