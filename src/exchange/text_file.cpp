@@ -159,13 +159,14 @@ NumberStyle StyleOf(std::string_view table) {
 }
 
 const char* ReadAnyNumber(const char* at, const char* end, double& value) {
+  if (at == end) return nullptr;
   if (const char* const special = ReadSpecial(at, end, value); special != nullptr) return special;
-  const NumberPrefix number = ReadPrefix({at, static_cast<std::size_t>(end - at)});
+  const std::string_view text(at, static_cast<std::size_t>(end - at));
+  const NumberPrefix number = ReadPrefix(text);
   if (number.length == 0) return nullptr;
   value = number.value;
-  const char* const after = at + number.length;
-  if (after != end && (*after == 'D' || *after == 'd')) return ReadFortran(at, after, end, value);
-  return after;
+  const bool isFortran = number.length < text.size() && (text[number.length] == 'D' || text[number.length] == 'd');
+  return isFortran ? ReadFortran(at, at + number.length, end, value) : at + number.length;
 }
 
 std::size_t CountNumbers(std::string_view line, const NumberStyle& style, std::size_t most) {
