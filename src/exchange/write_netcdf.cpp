@@ -205,8 +205,10 @@ void WriteNetCdfRecord(ResultFile& file, const VectorField& vectors, const Serie
   const AscendingField field(vectors);
   const std::size_t columns = field.Columns(), rows = field.Rows();
   const bool turn = field.ColumnsTurn();
+  char time[8];
+  SwapDoubles(&place.time, 1, time);
+  file.Write({time, sizeof time});
   BlockWriter writer(file);
-  WriteRow(writer, &place.time, 1, false, 8, SwapDoubles);
   for (std::size_t j = 0; j < rows; ++j) WriteRow(writer, field.U(j), columns, turn, 8, SwapDoubles);
   for (std::size_t j = 0; j < rows; ++j) WriteRow(writer, field.V(j), columns, turn, 8, SwapDoubles);
   for (std::size_t j = 0; j < rows; ++j) WriteRow(writer, field.Status(j), columns, turn, 1, Validity);

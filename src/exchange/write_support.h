@@ -41,11 +41,15 @@ class AscendingField {
 class BlockWriter {
  public:
   explicit BlockWriter(ResultFile& file)
-      : file_(file), block_(std::make_unique_for_overwrite<char[]>(kSize)), end_(block_.get()) {}
+      : file_(file), memory_(std::make_unique_for_overwrite<char[]>(kSize + kAlignment)) {
+    void* begin = memory_.get();
+    std::size_t space = kSize + kAlignment;
+    begin_ = end_ = static_cast<char*>(std::align(kAlignment, kSize, begin, space));
+  }
 
   /// Room for `size` (at most kMostRoom) bytes; Advance says how many were used.
   char* Room(std::size_t size) {
-    if (static_cast<std::size_t>(block_.get() + kSize - end_) < size) Finish();
+    if (static_cast<std::size_t>(begin_ + kSize - end_) < size) Finish();
     return end_;
   }
   void Advance(std::size_t size) { end_ += size; }
@@ -72,18 +76,20 @@ class BlockWriter {
 
   /// Passes everything to the file.
   void Finish() {
-    file_.Write({block_.get(), static_cast<std::size_t>(end_ - block_.get())});
-    end_ = block_.get();
+    file_.Write({begin_, static_cast<std::size_t>(end_ - begin_)});
+    end_ = begin_;
   }
 
   static constexpr std::size_t kMostRoom = 64 * 1024;
 
  private:
   static constexpr std::size_t kSize = 64 * kMostRoom;  // few system calls: they cost more than the copying
+  static constexpr std::size_t kAlignment = 64;         // of whole vectors, for the first item of a block
   static constexpr std::size_t kLongestNumber = 32;
 
   ResultFile& file_;
-  std::unique_ptr<char[]> block_;
+  std::unique_ptr<char[]> memory_;
+  char* begin_;
   char* end_;
 };
 
