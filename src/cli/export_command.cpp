@@ -71,14 +71,20 @@ class Export {
   void LoadForSeries(std::size_t k) {
     if (!Load(k))
       throw FormatError("Die Serie wird nicht geschrieben, weil '" + paths_[k] + "' nicht gelesen werden kann.");
+    const VectorField& field = Field();
     if (k == 0) {
-      columns_ = Field().columnCount;
-      rows_ = Field().rowCount;
+      x_ = field.posX;
+      y_ = field.posY;
     }
-    if (Field().columnCount == columns_ && Field().rowCount == rows_) return;
+    if (field.posX == x_ && field.posY == y_) return;
+    const bool isSize = field.posX.size() != x_.size() || field.posY.size() != y_.size();
+    const auto size = [](std::size_t columns, std::size_t rows) {
+      return std::to_string(columns) + " x " + std::to_string(rows);
+    };
     throw FormatError("Die Serie wird nicht geschrieben, weil '" + paths_[k] + "' ein anderes Gitter hat: " +
-                      std::to_string(Field().columnCount) + " x " + std::to_string(Field().rowCount) + " statt " +
-                      std::to_string(columns_) + " x " + std::to_string(rows_) + ".");
+                      (isSize ? size(field.posX.size(), field.posY.size()) + " statt " + size(x_.size(), y_.size())
+                              : std::string("andere Positionen")) +
+                      ".");
   }
 
   void Append(ResultFile& file, std::size_t k) {
@@ -139,7 +145,7 @@ class Export {
   const ExportCall& call_;
   const ExportKind& kind_;
   std::vector<std::string> paths_;
-  std::int32_t columns_ = 0, rows_ = 0;
+  decltype(VectorField::posX) x_, y_;  // of the first field of a series
 };
 
 // A series without a directory of its own is among the other results.
@@ -155,6 +161,10 @@ int ExportFields(const ExportCall& call) {
   std::vector<std::string> paths;
   if (const auto failure = Attempt([&] { paths = FilesOf(*services.files, call.inputs, IsSeriesFile); })) {
     services.terminal.PrintError(ErrorText(failure->error) + "\n");
+    return kFailed;
+  }
+  if (paths.empty()) {
+    services.terminal.PrintError("Die angegebenen Verzeichnisse enthalten keine passende Datei.\n");
     return kFailed;
   }
   const bool oneFile = !call.series.empty() && call.kind != "vtk";

@@ -82,6 +82,10 @@ int ImportFields(const ImportCall& call) {
     services.terminal.PrintError(ErrorText(failure->error) + "\n");
     return kFailed;
   }
+  if (paths.empty()) {
+    services.terminal.PrintError("Die angegebenen Verzeichnisse enthalten keine passende Datei.\n");
+    return kFailed;
+  }
   if (const auto same = FilesOfSameName(paths); !same.empty()) {
     services.terminal.PrintError("Zwei Eingabedateien haben denselben Namen: '" + same[0] + "' und '" + same[1] +
                                  "'\n");

@@ -22,12 +22,16 @@ class ProgramExchange : public ProgramRun {
                 "VARIABLES = x y u v\nZONE I=2 J=1 SOLUTIONTIME=0.5\n0 0 1 1\n1 0 1 1\nZONE I=2 J=1\n"
                 "0 0 2 2\n1 0 0 0\n");
     place.Write("fremd/.versteckt", "x");
+    place.Write("leer/.versteckt", "x");
     place.Write("kurz.txt", bytes("openpiv5.txt").substr(0, 100));
     place.Write("a.vec", bytes("insight.vec"));
     place.Write("hdf5.nc", "\x89HDF\r\n\x1A\n");
     place.Write("csv.vas", "x,y,u,v\n1,1,1,1\n");
     place.Write("reihe/x1.vas", samples::VasBytes(sample));
     place.Write("reihe/x2.vas", samples::VasBytes(samples::MakeSampleField({.index = 1, .columns = 4, .rows = 3})));
+    samples::SampleField moved = sample;
+    moved.firstPixelX += 1;
+    place.Write("verschoben.vas", samples::VasBytes(moved));
     place.Write("groß.vas", samples::VasBytes(samples::MakeSampleField({.columns = 5, .rows = 3})));
     place.Write("kaputt.vas", "Quiverion");
   }
@@ -73,11 +77,14 @@ TEST_F(ProgramExchange, SaysWhatItAssumesAndGoesOnAfterAnError) {
                            "export|--as|matlab|--to|aus|kaputt.vas|reihe/x1.vas",
                            "export|--as|csv|--to|aus|--series|s.csv|reihe",
                            "export|--as|netcdf|--to|aus|--series|s.nc|reihe/x1.vas|groß.vas",
+                           "export|--as|tecplot|--to|aus|--series|s.tec|reihe/x1.vas|verschoben.vas",
                            "export|--as|vtk|--to|aus|--series|s.pvd|reihe/x1.vas|kaputt.vas",
                            "export|--as|csv|--to|aus|--dt|0|reihe",
                            "export|--as|csv|--to|aus|fehlt.vas",
                            "export|--as|word|--to|aus|reihe",
-                           "export|--to|aus|reihe"}) {
+                           "export|--to|aus|reihe",
+                           "export|--as|netcdf|--to|aus|--series|s.nc|fremd",
+                           "import|--to|aus|leer"}) {
     said += Says(call);
   }
   ExpectApproved(place, "exchange_calls.txt", said);
