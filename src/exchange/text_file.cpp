@@ -13,7 +13,7 @@
 namespace quiverion::exchange {
 namespace {
 
-constexpr std::size_t kPadding = 16;
+constexpr std::size_t kPadding = 32;  // readers look at whole words
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool IsDigit(char c) {

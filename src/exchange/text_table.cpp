@@ -29,7 +29,18 @@ inline const char* ReadNumber(const char* at, const char* end, double& value) {
 }  // namespace
 
 TableReader::TableReader(const TextFile& file, std::vector<Column> columns, Separator separator)
-    : file_(file), columns_(std::move(columns)), separator_(separator) {}
+    : file_(file), columns_(std::move(columns)), separator_(separator), repeats_(columns_.size(), nullptr) {
+  bool hasStatus = false;
+  for (std::size_t c = 0; c < columns_.size(); ++c) {
+    const Role role = columns_[c].role;
+    if (role == Role::x) repeats_[c] = &x_;
+    if (role == Role::y) repeats_[c] = &y_;
+    if (IsStatus(role) && role != Role::column5 && !hasStatus) {
+      repeats_[c] = &status_;
+      hasStatus = true;
+    }
+  }
+}
 
 void TableReader::Grow(TablePoints& points, std::size_t capacity) {
   points.columns.resize(columns_.size());
@@ -96,12 +107,21 @@ const char* TableReader::TakeSeparator(const char* at, std::size_t column) const
   return isComma || isSemicolon ? SkipBlanks(after + 1) : after;
 }
 
+const char* TableReader::ReadColumn(const char* at, std::size_t column, double& value) {
+  RepeatedTexts* const repeats = repeats_[column];
+  if (repeats != nullptr) {
+    if (const char* const after = repeats->Find(at, value); after != nullptr) return after;
+  }
+  const char* after = ReadNumber(at, file_.End(), value);
+  if (after == nullptr) after = ReadOdd(at, value);
+  if (repeats != nullptr) repeats->Add(at, after, value);
+  return after;
+}
+
 const char* TableReader::ReadPoint(const char* at, std::size_t row) {
   for (std::size_t c = 0; c < columns_.size(); ++c) {
     if (double* const target = targets_[c]; target != nullptr) {
-      const char* after = ReadNumber(at, file_.End(), target[row]);
-      if (after == nullptr) after = ReadOdd(at, target[row]);
-      at = after;
+      at = ReadColumn(at, c, target[row]);
     } else {
       at = SkipWord(at);
     }

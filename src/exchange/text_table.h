@@ -6,6 +6,7 @@
 
 #include "exchange/columns.h"
 #include "exchange/raw_field.h"
+#include "exchange/repeated_texts.h"
 #include "exchange/text_file.h"
 
 namespace quiverion::exchange {
@@ -36,6 +37,7 @@ class TableReader {
 
  private:
   const char* ReadPoint(const char* at, std::size_t row);
+  const char* ReadColumn(const char* at, std::size_t column, double& value);
   const char* ReadOdd(const char* at, double& value) const;
   const char* SkipWord(const char* at) const;
   const char* TakeSeparator(const char* at, std::size_t column) const;
@@ -46,7 +48,9 @@ class TableReader {
   const TextFile& file_;
   std::vector<Column> columns_;
   Separator separator_;
-  std::vector<double*> targets_;  // one per column, null without a role
+  std::vector<double*> targets_;         // one per column, null without a role
+  std::vector<RepeatedTexts*> repeats_;  // likewise, null where numbers do not repeat
+  RepeatedTexts x_, y_, status_;
 };
 
 /// "Zeile 12" for a point of a table.
