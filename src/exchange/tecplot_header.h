@@ -29,8 +29,8 @@ struct TecplotHeader {
   std::vector<std::string> comments;
 };
 
-/// Reads records from `at` on, until the numbers of a zone begin. Returns the zone, or nothing if the file ends. What was
-/// known before stays. Throws FormatError.
+/// Reads records from `at` on, until the numbers of a zone begin. Returns the zone, or nothing if the file ends. What
+/// was known before stays. Throws FormatError.
 std::optional<TecplotZone> ReadTecplotRecords(const TextFile& file, const char* at, TecplotHeader& header);
 
 }  // namespace quiverion::exchange

@@ -25,8 +25,8 @@ class TableReader {
  public:
   TableReader(const TextFile& file, std::vector<Column> columns, Separator separator);
 
-  /// Reads points from `at` on, until a line begins with a letter or the file ends, and returns where that is. `expected`
-  /// is the number of points, 0 if unknown; a file that is too small for it is noticed by the caller.
+  /// Reads points from `at` on, until a line begins with a letter or the file ends, and returns where that is.
+  /// `expected` is the number of points, 0 if unknown; a file with fewer is no error here.
   const char* Read(const char* at, std::size_t expected, TablePoints& points);
 
   /// Numbers that go on over line ends, possibly with repeats ("3*0.5"): `count` points, one after the other or, with
