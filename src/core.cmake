@@ -23,7 +23,7 @@ quiverion_library(operations USES field SOURCES
   commands/vortex_centres.cpp
   kernels/buffer_combination.cpp kernels/compare_local_mean.cpp kernels/compare_median_network.cpp
   kernels/compare_median_ranks.cpp kernels/compare_selection_sort.cpp kernels/derived_scalar.cpp
-  kernels/faulty_vectors.cpp kernels/filter_kernel.cpp kernels/interpolation.cpp
+  kernels/faulty_vectors.cpp kernels/field_changes.cpp kernels/filter_kernel.cpp kernels/interpolation.cpp
   kernels/mathematical.cpp kernels/velocity_changes.cpp kernels/vortex_maxima.cpp)
 quiverion_library(picture USES operations SOURCES
   arrows.cpp axes.cpp compose.cpp frame.cpp palette.cpp plot_items.cpp profile_picture.cpp
@@ -42,5 +42,7 @@ quiverion_library(statistics USES operations SOURCES
   collect.cpp collection_contents.cpp collection_file.cpp compute_statistic.cpp record_sums.cpp
   statistic_steps.cpp valid_bits.cpp)
 quiverion_library(macro USES exchange export statistics SOURCES
-  command_actions.cpp command_catalogue.cpp macro_event.cpp macro_file.cpp pre_run_checks.cpp
+  command_actions.cpp command_catalogue.cpp file_steps.cpp macro_event.cpp macro_file.cpp pre_run_checks.cpp
   run_driver.cpp series_files.cpp)
+quiverion_library(preview USES macro picture SOURCES
+  buffer_use.cpp field_difference.cpp macro_preview.cpp search_report.cpp series_sample.cpp)

@@ -36,12 +36,14 @@ quiverion_windows(dialogs USES macro SOURCES
   ${QUIVERION_SYSTEM}/native.cpp ${QUIVERION_SYSTEM}/qt_paths.cpp)
 target_sources(quiverion_dialogs PRIVATE dialogs/widgets/icons.qrc)
 target_link_libraries(quiverion_dialogs PUBLIC Qt6::PrintSupport)
-quiverion_windows(view USES picture dialogs SOURCES
+quiverion_windows(view USES picture preview dialogs SOURCES
   asked_numbers.cpp field_series.cpp field_view.cpp frmView.cpp picture_files.cpp picture_output.cpp
-  picture_painter.cpp profile_view.cpp scale_sampler.cpp vector_table.cpp)
+  picture_painter.cpp profile_view.cpp scale_sampler.cpp vector_table.cpp
+  preview/comparison_view.cpp preview/frmPreview.cpp preview/histogram_view.cpp
+  preview/preview_worker.cpp preview/sample_strip.cpp preview/step_table.cpp)
 quiverion_windows(app USES view SOURCES
   directory_list.cpp file_list.cpp frmMain.cpp navigation.cpp qt_user_interface.cpp
-  statistics_flow.cpp
+  statistics_flow.cpp tool_windows.cpp
   ${QUIVERION_SYSTEM}/drives.cpp)
 quiverion_window_program(QuiverionSeries app "${PROJECT_DESCRIPTION}" program)
 

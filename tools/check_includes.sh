@@ -25,6 +25,7 @@ declare -A allowed=(
   [export]="operations $core"
   [statistics]="operations $core"
   [macro]="statistics export exchange operations $core"
+  [preview]="macro picture statistics export exchange operations $core"
   [cli]="macro statistics export exchange operations $core version.h nlohmann CLI"
   [dialogs/widgets]="macro statistics export exchange operations $core Qt"
   [dialogs/help]="dialogs/widgets $core Qt"
@@ -32,11 +33,12 @@ declare -A allowed=(
   [dialogs/posix]="dialogs/widgets $core Qt"
   [dialogs/windows]="dialogs/widgets platform/windows $core Qt"
   [dialogs]="dialogs macro statistics export exchange operations $core Qt"
+  [view/preview]="view preview picture dialogs macro statistics export exchange operations $core Qt"
   [view]="picture dialogs macro statistics export exchange operations $core Qt"
   [viewer]="view cli picture dialogs macro statistics export exchange operations $core version.h CLI Qt"
   [app/posix]="app dialogs $core Qt"
   [app/windows]="app dialogs $core Qt"
-  [app]="view picture dialogs macro statistics export exchange operations $core Qt"
+  [app]="view preview picture dialogs macro statistics export exchange operations $core Qt"
 )
 
 # Whether a file of the folder `room` may include the file `target` in the folder `home`.

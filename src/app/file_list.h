@@ -42,6 +42,9 @@ class FileList : public QListView {
   /// The name that has the keyboard's focus; empty if there is none.
   std::string CurrentName() const;
 
+  /// All names, in the order of the list.
+  const std::vector<std::string>& Names() const { return model_->Names(); }
+
   /// Selected names in the order of the list.
   std::vector<std::string> SelectedNames() const;
   void SelectNames(const std::vector<std::string>& names);

@@ -52,14 +52,13 @@ frmMain::frmMain(const Machine& machine, QWidget* parent)
   ConnectMacroControls();
   ConnectFileControls();
   ConnectMenus();
+  ConnectTools();
   ReadDrives();
   OpenDirectory(NearestDirectory(machine_.files, machine_.startDirectory, drives_));
   ui_->lstMacroList->setFocus();
 }
 
-frmMain::~frmMain() {
-  delete viewer_;
-}
+frmMain::~frmMain() = default;
 
 void frmMain::Guarded(std::string_view topic, const std::function<void()>& action) {
   dialogs_.SetTopic(topic);
@@ -125,10 +124,6 @@ void frmMain::ConnectMenus() {
     auto* const item = findChild<QAction*>(ToQt(texts.item));
     connect(item, &QAction::triggered, this, [this, &texts] { RunStatistic(texts); });
   }
-  connect(ui_->mnuShowField, &QAction::triggered, this, [this] {
-    const std::vector<std::string> selected = ui_->Files->SelectedNames();
-    ShowField(selected.empty() ? std::string() : selected.front());
-  });
   connect(ui_->mnuEditCollection, &QAction::triggered, this, &frmMain::EditCollection);
   connect(ui_->mnuShowHelp, &QAction::triggered, this, [this] { Guarded({}, [this] { help_.ShowContents(); }); });
   connect(ui_->mnuHelpIndex, &QAction::triggered, this, [this] { Guarded({}, [this] { help_.ShowIndex(); }); });
@@ -137,6 +132,29 @@ void frmMain::ConnectMenus() {
       messages_.Ask({.title = "Über das Programm", .text = "QuiverionSeries V1.0", .icon = MessageIcon::information});
     });
   });
+}
+
+void frmMain::ConnectTools() {
+  connect(ui_->mnuShowField, &QAction::triggered, this, [this] {
+    const std::vector<std::string> selected = ui_->Files->SelectedNames();
+    ShowField(selected.empty() ? std::string() : selected.front());
+  });
+  connect(ui_->mnuShowPreview, &QAction::triggered, this, [this] {
+    Guarded("mnuShowPreview", [this] {
+      tools_.ShowPreview();
+      TellFiles();
+    });
+  });
+  connect(ui_->lstMacroList, &QListWidget::itemSelectionChanged, this, [this] { tools_.MacroChanged(SelectedLine()); });
+  connect(ui_->Files->selectionModel(), &QItemSelectionModel::selectionChanged, this, &frmMain::TellFiles);
+  connect(ui_->Files->model(), &QAbstractItemModel::modelReset, this, &frmMain::TellFiles);
+}
+
+void frmMain::TellFiles() {
+  if (!tools_.HasPreview()) return;
+  std::vector<std::string> names = ui_->Files->SelectedNames();
+  if (names.empty()) names = ui_->Files->Names();
+  tools_.FilesChanged(WithSeparator(ui_->Directory->Path()), std::move(names));
 }
 
 int frmMain::SelectedLine() const {
@@ -152,6 +170,7 @@ void frmMain::ShowMacro(int selected) {
   // The keyboard focus continues from its position, even if no line is selected.
   const int line = selected >= 0 ? selected : std::min(current, list->count() - 1);
   list->setCurrentRow(line, selected >= 0 ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate);
+  tools_.MacroChanged(selected);
 }
 
 void frmMain::InsertCommand() {
@@ -260,12 +279,14 @@ void frmMain::Start() {
     session_.selectedFiles = ui_->Files->SelectedNames();
     session_.inputDirectory = WithSeparator(ui_->Directory->Path());
     logText_.Clear();
+    tools_.StopPreview();
     if (!StartRun(session_)) return;
     ShowLog();
     if (quitting_) return;
     ShowAt(place);
     ReadLists();
   });
+  if (!quitting_) tools_.Reload();
   if (isVisible() || quitting_) return;
   messages_.RunEnded();  // an error ended the run: the window must not stay hidden
   ShowAt(place);
@@ -312,6 +333,7 @@ void frmMain::RunStatistic(const StatisticTexts& texts) {
     }
     logText_.Clear();
     if (begun && !quitting_) ReadLists();
+    tools_.Reload();
   });
 }
 
@@ -334,15 +356,8 @@ void frmMain::ShowCollection(const std::string& path) {
 
 void frmMain::ShowField(const std::string& name) {
   Guarded("mnuShowField", [&] {
-    if (viewer_ == nullptr) {
-      viewer_ = new frmView({machine_.files, machine_.clock, [this] { help_.ShowFor(*viewer_); }});
-      viewer_->setAttribute(Qt::WA_DeleteOnClose);
-    }
     const std::string& directory = ui_->Directory->Path();
-    viewer_->show();
-    viewer_->OpenPaths({name.empty() ? directory : WithSeparator(directory) + name});
-    viewer_->raise();
-    viewer_->activateWindow();
+    tools_.ShowField(name.empty() ? directory : WithSeparator(directory) + name);
   });
 }
 

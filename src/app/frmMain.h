@@ -1,38 +1,28 @@
 #pragma once
 
 #include <QMainWindow>
-#include <QPointer>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "app/machine.h"
 #include "app/main_window.h"
 #include "app/qt_user_interface.h"
 #include "app/statistics_flow.h"
+#include "app/tool_windows.h"
 #include "dialogs/help/help.h"
 #include "dialogs/log_text.h"
 #include "dialogs/macro_editing.h"
 #include "dialogs/parameters/parameter_windows.h"
 #include "macro/session.h"
-#include "view/frmView.h"
 
 namespace Ui {
 class frmMain;
 }
 
 namespace quiverion {
-
-/// What the program needs from the machine it runs on. The references must outlive the window.
-struct Machine {
-  FileSystem& files;
-  const Clock& clock;
-  std::function<std::vector<std::string>()> listDrives;
-  std::string startDirectory;
-  char decimalSeparator = '.';
-  std::string helpFile = {};
-};
 
 /// The main window: the macro, the files of the series, Start. It owns the session. Everything runs in its event
 /// handlers; a run or a computation processes further events when it yields.
@@ -102,8 +92,13 @@ class frmMain : public QMainWindow, public MainWindow {
   // During a statistic, refuses a second entry point with a message. True if it was refused.
   bool RefuseWhileBusy(std::string_view title);
 
-  // Opens the viewer, or the one that is open, with a file of the list or, if there is none, with the directory.
+  void ConnectTools();
+
+  // Shows a file of the list or, if there is no name, the first one of the directory.
   void ShowField(const std::string& name);
+
+  // The files that a run would take, or all if none is selected.
+  void TellFiles();
 
   void ShowLog();
 
@@ -121,7 +116,7 @@ class frmMain : public QMainWindow, public MainWindow {
   ParameterWindows dialogs_{*this, messages_};
   MacroEditing editing_{session_, dialogs_};
   Help help_{machine_.helpFile, [this] { return dialogs_.Topic(); }, *this, messages_};
-  QPointer<frmView> viewer_;  // deletes itself when it is closed
+  ToolWindows tools_{machine_, session_, dialogs_, editing_, help_};
   std::vector<std::string> drives_;
   bool quitting_ = false;
   std::unique_ptr<Ui::frmMain> ui_;

@@ -1,10 +1,10 @@
 #include <unordered_set>
 
 #include "cli/commands.h"
-#include "cli/first_lines.h"
 #include "cli/input_names.h"
 #include "cli/services.h"
 #include "exchange/import_file.h"
+#include "log/first_lines.h"
 #include "messages/failure.h"
 #include "platform/files/paths.h"
 #include "platform/process/environment.h"

@@ -5,11 +5,11 @@
 #include <optional>
 
 #include "cli/commands.h"
-#include "cli/first_lines.h"
 #include "cli/services.h"
 #include "exchange/formats.h"
 #include "exchange/import_file.h"
 #include "field/formats/load_original_file.h"
+#include "log/first_lines.h"
 #include "messages/failure.h"
 #include "platform/text/numbers.h"
 #include "platform/text/text.h"

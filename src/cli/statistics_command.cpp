@@ -1,6 +1,6 @@
 #include "cli/commands.h"
-#include "cli/first_lines.h"
 #include "cli/services.h"
+#include "log/first_lines.h"
 #include "platform/process/environment.h"
 
 namespace quiverion::cli {

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "dialogs/parameters/parameter_editing.h"
-
 namespace quiverion {
 namespace {
 
@@ -14,14 +12,24 @@ bool HasParameters(const MacroEvent& event) {
 
 }  // namespace
 
+EditOutcome MacroEditing::AskAbout(MacroEvent& event, std::size_t position, bool isNew, const std::string& directory) {
+  EditingServices services{session_.context, dialogs_, directory};
+  if (showDraft_) {
+    services.draft = [&](const MacroEvent& draft) { showDraft_(DraftCommand{position, !isNew, draft}); };
+  }
+  const auto outcome = AskParameters(services, event, isNew);
+  if (showDraft_) showDraft_(std::nullopt);
+  return outcome;
+}
+
 int MacroEditing::Insert(int selected, const std::string& directory) {
   const auto eventId = dialogs_.ChooseCommand();
   if (!eventId) return -1;
   MacroEvent currentMacroEvent(*eventId);
-  EditingServices services{session_.context, dialogs_, directory};
-  if (AskParameters(services, currentMacroEvent, true) != EditOutcome::stored) return -1;
   MacroEventList& macro = session_.macro;
   const int position = IsCommand(selected) ? selected : static_cast<int>(macro.size());
+  const EditOutcome outcome = AskAbout(currentMacroEvent, static_cast<std::size_t>(position), true, directory);
+  if (outcome != EditOutcome::stored) return -1;
   macro.insert(macro.begin() + position, currentMacroEvent);
   return position;
 }
@@ -36,8 +44,7 @@ bool MacroEditing::Edit(int selected, const std::string& directory) {
                              .icon = MessageIcon::information});
     return false;
   }
-  EditingServices services{session_.context, dialogs_, directory};
-  switch (AskParameters(services, currentMacroEvent, false)) {
+  switch (AskAbout(currentMacroEvent, static_cast<std::size_t>(selected), false, directory)) {
     case EditOutcome::cancelled:
       return false;
     case EditOutcome::removeCommand:

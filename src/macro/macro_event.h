@@ -34,6 +34,8 @@ class MacroEvent {
 
   const std::vector<std::pair<std::string, MacroValue>>& Values() const { return values_; }
 
+  bool operator==(const MacroEvent&) const = default;
+
  private:
   const MacroValue& Get(std::string_view key) const;
 

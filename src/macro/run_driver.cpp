@@ -2,10 +2,8 @@
 
 #include <cmath>
 
-#include "field/formats/load_original_file.h"
 #include "log/log_lines.h"
-#include "macro/command_catalogue.h"
-#include "messages/failure.h"
+#include "macro/file_steps.h"
 #include "platform/text/numbers.h"
 #include "platform/text/text.h"
 
@@ -58,7 +56,7 @@ class Run {
     WriteTitle(context_.log, progress_.fileName);
     Yield();
     context_.abortCurrentFile = false;
-    Guarded([&] { LoadOriginalFile(context_, session_.inputDirectory + name); });
+    LoadStep(context_, session_.inputDirectory + name);
     for (const MacroEvent& event : session_.macro) {
       if (context_.abortCurrentFile) break;
       if (!RunCommand(event, name)) break;
@@ -68,19 +66,13 @@ class Run {
 
   // False if the user has asked to abort: the command was not started.
   bool RunCommand(const MacroEvent& event, const std::string& name) {
-    const CommandRow* row = nullptr;
-    Guarded([&] {
-      const std::int32_t eventId = event.EventId();
-      row = FindCommand(eventId);
-      progress_.event = MacroEventDescription(eventId, true);
-    });
+    const CommandRow* const row = FindStep(context_, event);
+    if (!context_.abortCurrentFile) progress_.event = MacroEventDescription(event.EventId(), true);
     progress_.errorOccurred = progress_.errorOccurred || context_.runHadError;
     ShowProgress();
     Yield();
     if (context_.userAbortRequested) return false;
-    if (row != nullptr && row->run != nullptr) {
-      Guarded([&] { row->run({context_, event, session_.inputDirectory, name}); });
-    }
+    RunStep(row, {context_, event, session_.inputDirectory, name});
     return true;
   }
 
@@ -92,15 +84,6 @@ class Run {
   void Yield() {
     context_.log.Flush();
     if (context_.ui.Yield()) context_.userAbortRequested = true;
-  }
-
-  template <class Action>
-  void Guarded(Action action) {
-    if (const auto failure = Attempt(action)) {
-      LogLines(context_.log, {kErrorMark, ErrorLine(failure->error)});
-      context_.abortCurrentFile = true;
-      context_.runHadError = true;
-    }
   }
 
   Session& session_;

@@ -16,6 +16,7 @@ constexpr int kStillAfter = 150;       // ms without a change
 constexpr std::size_t kMany = 100000;  // vectors: more are drawn in less detail while something moves
 constexpr double kClick = 4.0;         // pixels that a click may move
 constexpr double kQuickSpacing = 16.0;
+constexpr double kGrip = 6.0;  // pixels from a line that can be dragged
 
 bool IsUsable(const Extent& extent, const Extent& whole) {
   const double scale = extent.Width() / whole.Width();
@@ -37,6 +38,7 @@ FieldView::FieldView(QWidget* parent) : QWidget(parent) {
 
 void FieldView::ShowField(ShownField& field, const PictureChoices& choices) {
   field_ = &field;
+  other_ = nullptr;
   choices_ = choices;
   message_.clear();
   const Extent whole = field.Summary(choices.subtractU, choices.subtractV).extent;
@@ -46,8 +48,25 @@ void FieldView::ShowField(ShownField& field, const PictureChoices& choices) {
   Recompose(false);
 }
 
+void FieldView::ShowLeftOfLine(ShownField* other) {
+  other_ = field_ == nullptr ? nullptr : other;
+  Recompose(false);
+}
+
+void FieldView::ShowTag(const QString& tag, const QString& tagLeftOfLine) {
+  tag_ = tag;
+  otherTag_ = tagLeftOfLine;
+  update();
+}
+
+void FieldView::SetView(const std::optional<Extent>& view) {
+  if (view_ == view) return;
+  view_ = view;
+  RecomposeMoving();
+}
+
 void FieldView::ShowMessage(const QString& text) {
-  field_ = nullptr;
+  field_ = other_ = nullptr;
   message_ = text;
   still_.stop();
   update();
@@ -56,6 +75,7 @@ void FieldView::ShowMessage(const QString& text) {
 void FieldView::Fit() {
   view_.reset();
   Recompose(false);
+  emit ViewChanged();
 }
 
 void FieldView::MarkPoints(const std::vector<GridPoint>& points) {
@@ -102,6 +122,7 @@ void FieldView::ChangeView(const Extent& view) {
   if (!IsUsable(view, whole_)) return;
   view_ = view;
   RecomposeMoving();
+  emit ViewChanged();
 }
 
 void FieldView::paintEvent(QPaintEvent* /*event*/) {
@@ -115,10 +136,59 @@ void FieldView::paintEvent(QPaintEvent* /*event*/) {
   if (!isPainted_ || image_.devicePixelRatio() != devicePixelRatioF()) {
     image_ = ImageOf(composition_.picture, devicePixelRatioF());
     image_.setDevicePixelRatio(devicePixelRatioF());
+    otherImage_ = {};
     isPainted_ = true;
   }
   painter.drawImage(0, 0, image_);
+  if (other_ != nullptr) PaintOther(painter);
+  PaintTags(painter);
   PaintMarks(painter);
+}
+
+double FieldView::WipeX() const {
+  const Rectangle& plot = composition_.map.plot;
+  return plot.left + wipe_ * plot.width;
+}
+
+bool FieldView::IsOnLine(Point at) const {
+  return other_ != nullptr && composition_.map.plot.Contains(at) && std::fabs(at.x - WipeX()) <= kGrip;
+}
+
+void FieldView::PaintOther(QPainter& painter) {
+  if (otherImage_.isNull()) {
+    PictureChoices choices = ChoicesForSize();
+    choices.view = view_.value_or(whole_);
+    choices.quick = still_.isActive();
+    if (choices.quick) choices.spacing = kQuickSpacing;
+    otherImage_ = ImageOf(other_->Compose(choices).picture, devicePixelRatioF());
+    otherImage_.setDevicePixelRatio(devicePixelRatioF());
+  }
+  const Rectangle& plot = composition_.map.plot;
+  const double x = WipeX();
+  painter.setClipRect(QRectF(plot.left, plot.top, x - plot.left, plot.height));
+  painter.drawImage(0, 0, otherImage_);
+  painter.setClipping(false);
+  painter.setPen(QPen(palette().color(QPalette::Highlight), 2.0));
+  painter.drawLine(QPointF(x, plot.top), QPointF(x, plot.top + plot.height));
+  painter.setBrush(palette().color(QPalette::Highlight));
+  painter.drawEllipse(QPointF(x, plot.top + plot.height / 2.0), kGrip, kGrip);
+  painter.setBrush(Qt::NoBrush);
+}
+
+void FieldView::PaintTags(QPainter& painter) const {
+  const Rectangle& plot = composition_.map.plot;
+  const auto paint = [&](const QString& text, double right) {
+    if (text.isEmpty()) return;
+    const QSizeF size = fontMetrics().size(0, text) + QSizeF(12, 6);
+    const QRectF place(right - size.width() - 6, plot.top + 6, size.width(), size.height());
+    painter.fillRect(place, palette().color(QPalette::Highlight));
+    painter.setPen(palette().color(QPalette::HighlightedText));
+    painter.drawText(place, Qt::AlignCenter, text);
+  };
+  painter.setClipRect(QRectF(plot.left, plot.top, plot.width, plot.height));
+  paint(tag_, plot.left + plot.width);
+  if (other_ != nullptr) paint(otherTag_, WipeX());
+  painter.setClipping(false);
 }
 
 void FieldView::PaintMarks(QPainter& painter) const {
@@ -176,7 +246,7 @@ void FieldView::mousePressEvent(QMouseEvent* event) {
   if (field_ == nullptr || event->button() != Qt::LeftButton) return event->ignore();
   pressed_ = now_ = At(*event);
   pressedExtent_ = composition_.map.extent;
-  drag_ = Drag::undecided;
+  drag_ = IsOnLine(pressed_) ? Drag::wipe : Drag::undecided;
 }
 
 void FieldView::mouseMoveEvent(QMouseEvent* event) {
@@ -189,6 +259,12 @@ void FieldView::mouseMoveEvent(QMouseEvent* event) {
             : event->modifiers().testFlag(Qt::ControlModifier) ? Drag::line
                                                                : Drag::move;
   }
+  if (drag_ == Drag::wipe) {
+    const Rectangle& plot = composition_.map.plot;
+    wipe_ = std::clamp((now_.x - plot.left) / plot.width, 0.0, 1.0);
+    return update();
+  }
+  if (drag_ == Drag::none) setCursor(IsOnLine(now_) ? Qt::SplitHCursor : Qt::ArrowCursor);
   if (drag_ == Drag::move) {
     const double dx = (pressed_.x - now_.x) / composition_.map.PixelsPerMmX();
     const double dy = (now_.y - pressed_.y) / composition_.map.PixelsPerMmY();

@@ -22,6 +22,17 @@ class FieldView : public QWidget {
   /// same area as the one before.
   void ShowField(ShownField& field, const PictureChoices& choices);
 
+  /// Shows another field left of a line that can be dragged; null ends that. Both must have the same choices; the other
+  /// field must outlive the view, or the next call of this or of ShowField.
+  void ShowLeftOfLine(ShownField* other);
+
+  /// A word in the corner of the plot, such as which of two fields this is; empty for none.
+  void ShowTag(const QString& tag, const QString& tagLeftOfLine = {});
+
+  /// The part that is shown; everything if none. Emits nothing.
+  void SetView(const std::optional<Extent>& view);
+  const std::optional<Extent>& View() const { return view_; }
+
   /// Shows lines of text in place of a picture.
   void ShowMessage(const QString& text);
 
@@ -41,6 +52,7 @@ class FieldView : public QWidget {
   void PointClicked(GridPoint point);
   void LineDrawn(Point from, Point to);  ///< positions in mm
   void LegendClicked(StatusKind kind);
+  void ViewChanged();  ///< somebody has zoomed or moved
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -53,7 +65,7 @@ class FieldView : public QWidget {
   void leaveEvent(QEvent* event) override;
 
  private:
-  enum class Drag { none, undecided, move, band, line };
+  enum class Drag { none, undecided, move, band, line, wipe };
 
   PictureChoices ChoicesForSize() const;
   void Recompose(bool quick);
@@ -62,6 +74,10 @@ class FieldView : public QWidget {
   void EndBand();
   Point At(const QMouseEvent& event) const;
   void PaintMarks(QPainter& painter) const;
+  void PaintTags(QPainter& painter) const;
+  void PaintOther(QPainter& painter);
+  double WipeX() const;
+  bool IsOnLine(Point at) const;
 
   ShownField* field_ = nullptr;
   PictureChoices choices_;
@@ -70,6 +86,10 @@ class FieldView : public QWidget {
   Composition composition_;
   QImage image_;
   bool isPainted_ = false;  // the image is that of the composition
+  ShownField* other_ = nullptr;
+  QImage otherImage_;
+  double wipe_ = 0.5;  // place of the line, as a share of the plot
+  QString tag_, otherTag_;
   QString message_;
   std::vector<GridPoint> marked_;
   QTimer still_;  // runs while something moves

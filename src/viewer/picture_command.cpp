@@ -4,9 +4,9 @@
 #include <set>
 
 #include "cli/exit_code.h"
-#include "cli/first_lines.h"
 #include "cli/terminal.h"
 #include "field/formats/load_original_file.h"
+#include "log/first_lines.h"
 #include "macro/macro_file.h"
 #include "macro/run_driver.h"
 #include "macro/series_files.h"
@@ -100,7 +100,7 @@ class PictureRun {
     HeldScale held;
     const std::size_t perField = std::clamp<std::size_t>(20000000 / inputs_.size(), 100, 5000);
     for (const std::string& input : inputs_) {
-      cli::FirstLines ignored;
+      FirstLines ignored;
       if (!Load(input, ignored)) continue;
       if (!scale) {
         held.quantity = QuantityFor(field, Wishes());
@@ -118,7 +118,7 @@ class PictureRun {
   ViewWishes Wishes() const { return {.quantity = options_.background, .limits = options_.limits}; }
 
   // False, with the reason in `lines`, if there is no field to show. What the macro writes is never written.
-  bool Load(const std::string& input, cli::FirstLines& lines) {
+  bool Load(const std::string& input, FirstLines& lines) {
     Context& context = session_.context;
     log_.Attach(lines);
     context.abortCurrentFile = context.runHadError = false;
@@ -135,7 +135,7 @@ class PictureRun {
   }
 
   bool Write(const std::string& input, const std::string& output, PictureFormat format) {
-    cli::FirstLines lines;
+    FirstLines lines;
     const bool loaded = Load(input, lines);
     if (!loaded || session_.context.runHadError) terminal_.PrintError(lines.Text());
     if (!loaded) return false;

@@ -76,12 +76,12 @@ TEST(ParameterWindowsTest, GiveBackWhatTheyWereGiven) {
       script.Expect<QDialog>("quiverion::" + className, [button](QDialog& window) { Press(window, button); });
     };
     press("cmdOk");
-    EXPECT_TRUE(windows.EditInWindow(*FindCommand(id), event)) << id;
+    EXPECT_TRUE(windows.EditInWindow(*FindCommand(id), event, {})) << id;
     EXPECT_EQ(event.Values(), given.Values()) << id;
     press("cmdCancel");
     MacroEvent untouched(id);
     AddDefaultParameters(untouched);
-    EXPECT_FALSE(windows.EditInWindow(*FindCommand(id), untouched)) << id;
+    EXPECT_FALSE(windows.EditInWindow(*FindCommand(id), untouched, {})) << id;
   }
 }
 

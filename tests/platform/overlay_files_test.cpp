@@ -66,7 +66,16 @@ TEST(OverlayFiles, BehaveAsIfTheyWereTheFilesBelow) {
     MemoryFileSystem real = below;
     const auto before = below.files;
     OverlayFiles overlay(below);
-    for (int step = 0; step < 12; ++step) {
+    std::shared_ptr<const OverlayFiles::State> saved = overlay.Save();
+    MemoryFileSystem realThen = real;
+    for (int step = 0; step < 16; ++step) {
+      if (const unsigned turn = random() % 8; turn == 0) {
+        saved = overlay.Save();
+        realThen = real;
+      } else if (turn == 1) {
+        overlay.Restore(*saved);
+        real = realThen;
+      }
       const std::string& path = paths[random() % std::size(paths)];
       const auto action = static_cast<unsigned>(random());
       const std::string bytes(1 + random() % 9, static_cast<char>('a' + step));
@@ -105,9 +114,27 @@ TEST(OverlayFiles, ListWhatWouldHaveHappened) {
                                             {Kind::replaced, "/a/alt.vas"},
                                             {Kind::removed, "/a/weg.vas"}};
   EXPECT_EQ(overlay.Changes(), expected);
+  EXPECT_EQ(overlay.TakeJournal(), expected);
+  WriteAll(*overlay.CreateResultFile("/a/neu.vas", ExistingFile::replace), "y");
+  EXPECT_EQ(overlay.TakeJournal(), (std::vector<FileChange>{{Kind::replaced, "/a/neu.vas"}}));
   overlay.Clear();
   EXPECT_TRUE(overlay.Changes().empty());
   EXPECT_EQ(ContentOf(overlay, "/a/weg.vas"), "3");
+}
+
+// What nobody reads needs no memory, but is listed.
+TEST(OverlayFiles, KeepOnlyTheContentsThatAreRead) {
+  MemoryFileSystem below;
+  below.files = {{"/a/lang.txt", "12"}};
+  OverlayFiles overlay(below);
+  overlay.KeepContentsOf([](const std::string& path) { return path.ends_with(".col"); });
+  WriteAll(*overlay.CreateResultFile("/a/neu.vas", ExistingFile::replace), "bytes");
+  WriteAll(*overlay.OpenForAppending("/a/lang.txt"), "345");
+  WriteAll(*overlay.CreateResultFile("/a/neu.col", ExistingFile::replace), "bytes");
+  EXPECT_EQ(overlay.Changes().size(), 3u);
+  EXPECT_EQ(overlay.OpenForReading("/a/lang.txt")->Size(), 5u);
+  EXPECT_THROW(ContentOf(overlay, "/a/neu.vas"), SystemError);
+  EXPECT_EQ(ContentOf(overlay, "/a/neu.col"), "bytes");
 }
 
 }  // namespace

@@ -50,7 +50,8 @@ class ScriptedDialogs : public ParameterDialogs {
     fileQuestions.push_back(question);
     return Next(files);
   }
-  bool EditInWindow(const CommandRow& /*command*/, MacroEvent& event) override {
+  bool EditInWindow(const CommandRow& /*command*/, MacroEvent& event,
+                    const std::function<void(const MacroEvent&)>& /*draft*/) override {
     edited.push_back(event);
     if (edit) edit(event);
     return edit != nullptr;

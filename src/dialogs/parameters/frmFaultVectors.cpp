@@ -105,6 +105,12 @@ void frmFaultVectors::Load(const MacroEvent& event) {
 
 void frmFaultVectors::Store(MacroEvent& event) const {
   ParameterWindow::Store(event);
+  for (const std::string interval : {"TxtAbsInt", "TxtXCompInt", "TxtYCompInt"}) {
+    std::string lower = event.Text(interval + "Min"), upper = event.Text(interval + "Max");
+    OrderBounds(lower, upper);
+    event.Set(interval + "Min", lower);
+    event.Set(interval + "Max", upper);
+  }
   event.Set("CompareVectorType", static_cast<std::int32_t>(Choices().compareWith));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@ struct TextQuestion {
   std::string title;
   std::string prompt;
   std::string preset;
+  std::function<void(const std::string&)> typed = {};  // called with the text after each change
 };
 
 /// A file dialog. Paths are the bytes that the system uses.
@@ -50,8 +52,10 @@ class ParameterDialogs {
   virtual std::optional<std::string> ChooseFile(const FileQuestion& question) = 0;
 
   /// Shows the parameter window of a command with the values of `event`, which must be complete, and stores what the
-  /// user confirms. False if the user cancels; the event is then unchanged.
-  virtual bool EditInWindow(const CommandRow& command, MacroEvent& event) = 0;
+  /// user confirms. False if the user cancels; the event is then unchanged. If `draft` is set, it is called after each
+  /// change with what would be stored.
+  virtual bool EditInWindow(const CommandRow& command, MacroEvent& event,
+                            const std::function<void(const MacroEvent&)>& draft) = 0;
 };
 
 }  // namespace quiverion

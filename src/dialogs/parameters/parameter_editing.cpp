@@ -111,6 +111,17 @@ EditOutcome AskYesOrNo(const Editing& editing) {
   return EditOutcome::stored;
 }
 
+// Shows a number while it is being typed, if it could be stored.
+void DraftNumber(const Editing& editing, const std::string& text) {
+  const Parameter& parameter = editing.command.parameters.front();
+  double value = 0.0;
+  if (text.empty() || Attempt([&] { value = ReadParameterNumber(text); })) return;
+  if (value < parameter.low || value > parameter.high) return;
+  MacroEvent draft = editing.event;
+  draft.Set("Value", value);
+  editing.services.draft(draft);
+}
+
 // A number out of bounds is refused with a message. True if it was.
 bool RefuseOutOfBounds(const Editing& editing, double value) {
   const Parameter& parameter = editing.command.parameters.front();
@@ -127,10 +138,14 @@ bool RefuseOutOfBounds(const Editing& editing, double value) {
 
 EditOutcome AskNumber(const Editing& editing) {
   const ParameterEditor& editor = editing.command.editor;
-  const auto answer =
-      editing.services.dialogs.AskText({std::string(editor.title), std::string(editor.text),
-                                        editing.isNew ? std::string(editing.command.parameters.front().preset)
-                                                      : FormatNumber(editing.event.Number("Value"))});
+  TextQuestion question{std::string(editor.title), std::string(editor.text),
+                        editing.isNew ? std::string(editing.command.parameters.front().preset)
+                                      : FormatNumber(editing.event.Number("Value"))};
+  if (editing.services.draft) {
+    question.typed = [&editing](const std::string& text) { DraftNumber(editing, text); };
+    DraftNumber(editing, question.preset);
+  }
+  const auto answer = editing.services.dialogs.AskText(question);
   if (!answer || answer->empty()) return EditOutcome::cancelled;
   double value = 0.0;
   if (Attempt([&] { value = ReadParameterNumber(*answer); })) {
@@ -218,7 +233,7 @@ EditOutcome AskParameters(EditingServices& services, MacroEvent& event, bool isN
       break;
   }
   AddDefaultParameters(event);
-  return services.dialogs.EditInWindow(*command, event) ? EditOutcome::stored : EditOutcome::cancelled;
+  return services.dialogs.EditInWindow(*command, event, services.draft) ? EditOutcome::stored : EditOutcome::cancelled;
 }
 
 }  // namespace quiverion

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -10,12 +11,13 @@
 /// an answer means.
 namespace quiverion {
 
-/// What the questions need: message boxes and files (from the context), the dialogs, and the current directory of the
-/// main window.
+/// What the questions need: message boxes and files (from the context), the dialogs, the current directory of the main
+/// window, and who wants to see the command while it is being edited.
 struct EditingServices {
   Context& context;
   ParameterDialogs& dialogs;
   std::string directory;
+  std::function<void(const MacroEvent&)> draft = {};
 };
 
 enum class EditOutcome {

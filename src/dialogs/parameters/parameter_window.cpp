@@ -67,6 +67,29 @@ void ParameterWindow::Store(MacroEvent& event) const {
   }
 }
 
+MacroEvent ParameterWindow::Draft(const MacroEvent& event) const {
+  MacroEvent draft = event;
+  if (Attempt([&] { Store(draft); })) return event;
+  return draft;
+}
+
+void ParameterWindow::ReportChanges(const std::function<void()>& changed) {
+  for (const auto* const box : findChildren<QLineEdit*>()) connect(box, &QLineEdit::textChanged, this, changed);
+  for (const auto* const button : findChildren<QAbstractButton*>()) {
+    if (button->isCheckable()) connect(button, &QAbstractButton::toggled, this, changed);
+  }
+  for (const auto* const choice : findChildren<QComboBox*>()) {
+    connect(choice, &QComboBox::currentIndexChanged, this, changed);
+  }
+  changed();
+}
+
+void ParameterWindow::ShowText(std::string_view key, const std::string& text) {
+  const auto parameter = std::ranges::find(parameters_, key, &Parameter::key);
+  if (parameter == parameters_.end()) return;
+  if (auto* const box = ControlOf<FilteredLineEdit>(*this, *parameter)) box->ShowText(text);
+}
+
 int ParameterWindow::ChoiceOf(const MacroEvent& event, std::string_view key) const {
   const Parameter& parameter = *std::ranges::find(parameters_, key, &Parameter::key);
   return static_cast<int>(std::clamp<double>(event.Integer(key), parameter.low, parameter.high));

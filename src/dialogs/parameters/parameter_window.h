@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <functional>
 #include <optional>
 #include <span>
 
@@ -25,6 +26,15 @@ class ParameterWindow : public QDialog {
 
   /// Puts what the window shows of the loaded command into `event`.
   virtual void Store(MacroEvent& event) const;
+
+  /// What Store would make of `event`; as it is if a number is too large.
+  MacroEvent Draft(const MacroEvent& event) const;
+
+  /// Calls `changed` now and after every change of a control.
+  void ReportChanges(const std::function<void()>& changed);
+
+  /// Puts a text into the box of a parameter; nothing if there is none.
+  void ShowText(std::string_view key, const std::string& text);
 
  protected:
   /// An integer of the command that is loaded, within its bounds.

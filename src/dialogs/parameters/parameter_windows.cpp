@@ -78,6 +78,10 @@ std::optional<std::string> ParameterWindows::AskText(const TextQuestion& questio
   box.layout()->setSizeConstraint(QLayout::SetDefaultConstraint);  // otherwise the minimum size of the layout wins
   box.setMinimumWidth(WidthOfTitle(box));
   box.findChild<QLabel*>()->setWordWrap(true);  // with large letters it can be wider than the screen
+  if (question.typed) {
+    QObject::connect(&box, &QInputDialog::textValueChanged, &box,
+                     [&question](const QString& text) { question.typed(FromQt(text)); });
+  }
   if (RunModal(box) != QDialog::Accepted) return std::nullopt;
   return FromQt(box.textValue());
 }
@@ -105,13 +109,20 @@ std::optional<std::string> ParameterWindows::ChooseFile(const FileQuestion& ques
   return isComplete ? path : path + "." + question.extension;
 }
 
-bool ParameterWindows::EditInWindow(const CommandRow& command, MacroEvent& event) {
+bool ParameterWindows::EditInWindow(const CommandRow& command, MacroEvent& event,
+                                    const std::function<void(const MacroEvent&)>& draft) {
   const auto window = MakeWindow(command.editor, messages_, &parent_);
   if (!window) return false;
   window->Load(event);
+  if (draft) window->ReportChanges([&] { draft(window->Draft(event)); });
+  open_ = window.get();
   if (RunModal(*window) != QDialog::Accepted) return false;
   window->Store(event);
   return true;
+}
+
+void ParameterWindows::ShowText(std::string_view key, const std::string& text) {
+  if (open_) open_->ShowText(key, text);
 }
 
 }  // namespace quiverion

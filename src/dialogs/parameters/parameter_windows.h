@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 #include <memory>
 
 #include "dialogs/parameters/frmChooseMacroEvent.h"
 #include "dialogs/parameters/parameter_dialogs.h"
+#include "dialogs/parameters/parameter_window.h"
 #include "messages/user_interface.h"
 
 namespace quiverion {
@@ -21,12 +23,17 @@ class ParameterWindows : public ParameterDialogs {
   std::optional<std::int32_t> ChooseCommand() override;
   std::optional<std::string> AskText(const TextQuestion& question) override;
   std::optional<std::string> ChooseFile(const FileQuestion& question) override;
-  bool EditInWindow(const CommandRow& command, MacroEvent& event) override;
+  bool EditInWindow(const CommandRow& command, MacroEvent& event,
+                    const std::function<void(const MacroEvent&)>& draft) override;
+
+  /// Puts a text into the box of a parameter if a parameter window that has it is open.
+  void ShowText(std::string_view key, const std::string& text);
 
  private:
   QWidget& parent_;
   UserInterface& messages_;
   std::string topic_;
+  QPointer<ParameterWindow> open_;
   frmChooseMacroEvent* commandTree_ = nullptr;  // owned by the parent
 };
 

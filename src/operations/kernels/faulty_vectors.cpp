@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -156,19 +157,102 @@ class CriteriaRows {
   std::vector<double> cosines_;
 };
 
-class Search {
+constexpr double kNotTested = std::numeric_limits<double>::quiet_NaN();
+constexpr double kIncomparable = std::numeric_limits<double>::infinity();
+
+double PercentOf(double magnitude, double compareMagnitude) {
+  if (!(compareMagnitude > 0.0)) return kIncomparable;
+  return std::fabs(compareMagnitude - magnitude) * 100.0 / compareMagnitude;
+}
+
+double DegreesBetween(const Row& row, std::size_t i) {
+  const double x = row.compareX[i], y = row.compareY[i];
+  const double length = VectorLength(x, y);
+  if (!(length > 0.0) || !(row.magnitude[i] > 0.0)) return kIncomparable;
+  const double cosine = (x * row.u[i] + y * row.v[i]) / row.magnitude[i] / length;
+  return std::fabs(cosine) <= 1.0 ? ArcCos(cosine) / 3.141592654 * 180.0 : kIncomparable;
+}
+
+// The vectors to compare with and the rows of everything that the criteria need.
+class ComparedRows {
  public:
-  Search(VectorField& field, const FaultyVectorCriteria& criteria)
+  ComparedRows(const VectorField& field, const FaultyVectorCriteria& criteria)
       : field_(field), criteria_(criteria), compare_(criteria) {
     // Half widths are not negative. If no window is needed, they do not matter.
     window_ = {std::min(std::max(criteria.halfWidthX, 0), field.columnCount - 1),
                std::min(std::max(criteria.halfWidthY, 0), field.rowCount - 1)};
   }
 
-  void Run() {
+  // May throw an arithmetic error.
+  void PrepareCommon() {
     if (criteria_.NeedsCompareVector() && !HasWindow()) {
       common_ = plain::CommonCompareVector<CheckedReal>(field_, criteria_);
     }
+  }
+
+  void Prepare() {
+    magnitudes_ = MagnitudesOf(field_);
+    if (HasWindow()) {
+      compare_.Resize(field_.columnCount, field_.rowCount);
+      if (criteria_.compareVectorType == CompareVectorType::localMean) {
+        LocalMeans(field_, magnitudes_, window_, compare_);
+      } else {
+        Medians(field_, magnitudes_, window_, compare_);
+      }
+    } else {
+      const auto columns = static_cast<std::size_t>(field_.columnCount);
+      commonMagnitude_.assign(columns, common_.magnitude.Value());
+      commonX_.assign(columns, common_.x.Value());
+      commonY_.assign(columns, common_.y.Value());
+    }
+  }
+
+  Row At(std::int32_t j) const {
+    const auto compare = [&](const Grid<double>& own, const std::vector<double>& common, bool isNeeded) {
+      return !isNeeded ? nullptr : HasWindow() ? own.Row(j) : common.data();
+    };
+    return {static_cast<std::size_t>(field_.columnCount),
+            field_.status.Row(j),
+            field_.velX.Row(j),
+            field_.velY.Row(j),
+            magnitudes_.values.Row(j),
+            compare(compare_.magnitude, commonMagnitude_, compare_.needMagnitude),
+            compare(compare_.x, commonX_, compare_.needDirection),
+            compare(compare_.y, commonY_, compare_.needDirection)};
+  }
+
+  bool HasWindow() const {
+    return criteria_.NeedsCompareVector() && (criteria_.compareVectorType == CompareVectorType::localMean ||
+                                              criteria_.compareVectorType == CompareVectorType::median);
+  }
+
+  Window SeenWindow() const { return HasWindow() ? window_ : Window{0, 0}; }
+
+  plain::CompareVector<CheckedReal> CompareVectorOf(std::int32_t i, std::int32_t j) const {
+    if (!HasWindow()) return common_;
+    plain::CompareVector<CheckedReal> compare;
+    if (compare_.needMagnitude) compare.magnitude = compare_.magnitude(i, j);
+    if (compare_.needDirection) compare.x = compare_.x(i, j), compare.y = compare_.y(i, j);
+    return compare;
+  }
+
+ private:
+  const VectorField& field_;
+  const FaultyVectorCriteria& criteria_;
+  Window window_{};
+  Magnitudes magnitudes_;
+  CompareVectors compare_;
+  plain::CompareVector<CheckedReal> common_;
+  std::vector<double> commonMagnitude_, commonX_, commonY_;  // a row of it
+};
+
+class Search {
+ public:
+  Search(VectorField& field, const FaultyVectorCriteria& criteria)
+      : field_(field), criteria_(criteria), compared_(field, criteria) {}
+
+  void Run() {
+    compared_.PrepareCommon();
     Grid<std::int32_t> statuses;
     statuses.ResetUninitialised(field_.columnCount, field_.rowCount);
     std::int32_t rejected = 0;
@@ -181,40 +265,13 @@ class Search {
   }
 
  private:
-  bool HasWindow() const {
-    return criteria_.NeedsCompareVector() && (criteria_.compareVectorType == CompareVectorType::localMean ||
-                                              criteria_.compareVectorType == CompareVectorType::median);
-  }
-
   std::int32_t TestAll(Grid<std::int32_t>& statuses) {
-    magnitudes_ = MagnitudesOf(field_);
-    if (HasWindow()) {
-      compare_.Resize(field_.columnCount, field_.rowCount);
-      if (criteria_.compareVectorType == CompareVectorType::localMean) {
-        LocalMeans(field_, magnitudes_, window_, compare_);
-      } else {
-        Medians(field_, magnitudes_, window_, compare_);
-      }
-    }
+    compared_.Prepare();
     const auto columns = static_cast<std::size_t>(field_.columnCount);
-    const std::vector<double> commonMagnitude(HasWindow() ? 0 : columns, common_.magnitude.Value());
-    const std::vector<double> commonX(HasWindow() ? 0 : columns, common_.x.Value());
-    const std::vector<double> commonY(HasWindow() ? 0 : columns, common_.y.Value());
-    const auto compareRow = [&](const Grid<double>& own, const std::vector<double>& common, bool isNeeded,
-                                std::int32_t j) {
-      return !isNeeded ? nullptr : HasWindow() ? own.Row(j) : common.data();
-    };
     CriteriaRows rows(criteria_, columns);
     std::int32_t rejected = 0;
     for (std::int32_t j = 1; j <= field_.rowCount; ++j) {
-      const Row row = {columns,
-                       field_.status.Row(j),
-                       field_.velX.Row(j),
-                       field_.velY.Row(j),
-                       magnitudes_.values.Row(j),
-                       compareRow(compare_.magnitude, commonMagnitude, compare_.needMagnitude, j),
-                       compareRow(compare_.x, commonX, compare_.needDirection, j),
-                       compareRow(compare_.y, commonY, compare_.needDirection, j)};
+      const Row row = compared_.At(j);
       rejected += ApplyRow(row.status, rows.Evaluate(row), columns, statuses.Row(j));
     }
     return rejected;
@@ -225,12 +282,13 @@ class Search {
   void TestChecked() {
     const WindowCounts overflows(field_.columnCount, field_.rowCount,
                                  [this](std::int32_t i, std::int32_t j) { return MagnitudeOverflows(i, j); });
-    const Window seen = HasWindow() ? window_ : Window{0, 0};
+    const Window seen = compared_.SeenWindow();
     for (std::int32_t i = 1; i <= field_.columnCount; ++i) {
       for (std::int32_t j = 1; j <= field_.rowCount; ++j) {
         if (field_.status(i, j) < 1) continue;
         if (overflows.Around(i, j, seen) > 0) throw SystemError(ErrorNumber::overflow);
-        if (plain::IsFaulty<CheckedReal>(criteria_, field_.velX(i, j), field_.velY(i, j), CompareVectorOf(i, j))) {
+        if (plain::IsFaulty<CheckedReal>(criteria_, field_.velX(i, j), field_.velY(i, j),
+                                         compared_.CompareVectorOf(i, j))) {
           field_.status(i, j) = plain::kFaulty;
         }
       }
@@ -244,20 +302,9 @@ class Search {
     return HasOverflowed(u, u, u * u) || HasOverflowed(v, v, v * v) || HasOverflowed(u * u, v * v, u * u + v * v);
   }
 
-  plain::CompareVector<CheckedReal> CompareVectorOf(std::int32_t i, std::int32_t j) const {
-    if (!HasWindow()) return common_;
-    plain::CompareVector<CheckedReal> compare;
-    if (compare_.needMagnitude) compare.magnitude = compare_.magnitude(i, j);
-    if (compare_.needDirection) compare.x = compare_.x(i, j), compare.y = compare_.y(i, j);
-    return compare;
-  }
-
   VectorField& field_;
   const FaultyVectorCriteria& criteria_;
-  Window window_{};
-  Magnitudes magnitudes_;
-  CompareVectors compare_;
-  plain::CompareVector<CheckedReal> common_;
+  ComparedRows compared_;
 };
 
 void CheckCriteria(const FaultyVectorCriteria& criteria) {
@@ -287,6 +334,31 @@ void RejectFaultyVectors(VectorField& field, const FaultyVectorCriteria& criteri
   if (criteria.SelectedCount() == 0) return;
   CheckCriteria(criteria);
   Search(field, criteria).Run();
+}
+
+Deviations DeviationsOf(const VectorField& field, const FaultyVectorCriteria& criteria) {
+  Deviations deviations;
+  if (!criteria.NeedsCompareVector()) return deviations;
+  CheckCriteria(criteria);
+  ComparedRows compared(field, criteria);
+  compared.PrepareCommon();
+  compared.Prepare();
+  if (criteria.magnitudeDeviation) deviations.magnitudePercent.ResetUninitialised(field.columnCount, field.rowCount);
+  if (criteria.directionDeviation) deviations.directionDegrees.ResetUninitialised(field.columnCount, field.rowCount);
+  for (std::int32_t j = 1; j <= field.rowCount; ++j) {
+    const Row row = compared.At(j);
+    for (std::size_t k = 0; k < row.count; ++k) {
+      const bool isTested = row.status[k] > 0;
+      if (criteria.magnitudeDeviation) {
+        deviations.magnitudePercent.Row(j)[k] =
+            isTested ? PercentOf(row.magnitude[k], row.compareMagnitude[k]) : kNotTested;
+      }
+      if (criteria.directionDeviation) {
+        deviations.directionDegrees.Row(j)[k] = isTested ? DegreesBetween(row, k) : kNotTested;
+      }
+    }
+  }
+  return deviations;
 }
 
 }  // namespace quiverion

@@ -46,4 +46,14 @@ struct FaultyVectorCriteria {
 /// the faulty vectors before it have status 5, and nothing else has changed.
 void RejectFaultyVectors(VectorField& field, const FaultyVectorCriteria& criteria);
 
+/// What the search compares with the limits of its two deviations, for each grid point. Points that are not tested have
+/// NaN. Infinity stands for a vector that has nothing to be compared with: it meets the criterion whatever the limit.
+struct Deviations {
+  Grid<double> magnitudePercent;  // of the compare vector's; empty if the criterion is not selected
+  Grid<double> directionDegrees;
+};
+
+/// Errors as RejectFaultyVectors, but no arithmetic error of a single vector: its value is unspecified.
+Deviations DeviationsOf(const VectorField& field, const FaultyVectorCriteria& criteria);
+
 }  // namespace quiverion

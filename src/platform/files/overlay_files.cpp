@@ -30,8 +30,15 @@ class OverlayFiles::Content {
 
   std::uint64_t Size() const { return size_; }
 
+  // Of a result that nobody reads: its length alone.
+  void ForgetBytes(std::uint64_t size) {
+    size_ = size;
+    isForgotten_ = true;
+  }
+
   std::size_t ReadAt(std::uint64_t position, char* target, std::size_t size) {
     if (position >= size_) return 0;
+    if (isForgotten_) throw SystemError(ErrorNumber::pathAccess);
     const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(size, size_ - position));
     ReadBelow(position, target, count);
     auto piece = pieces_.upper_bound(position);
@@ -93,6 +100,7 @@ class OverlayFiles::Content {
   std::string path_;
   std::uint64_t size_ = 0;
   std::uint64_t belowSize_ = 0;
+  bool isForgotten_ = false;
   std::map<std::uint64_t, std::string> pieces_;  // by position; they do not overlap
 };
 
@@ -140,20 +148,32 @@ class ContentUpdatedFile : public ContentFile<UpdatedFile> {
 
 class ContentOutputFile : public OutputFile {
  public:
-  using Finish = std::function<void(const std::string&)>;
-  ContentOutputFile(bool isNew, Finish finish) : isNew_(isNew), finish_(std::move(finish)) {}
+  using Finish = std::function<void(const ContentOutputFile&)>;
+  ContentOutputFile(bool isNew, bool keepsBytes, Finish finish)
+      : isNew_(isNew), keepsBytes_(keepsBytes), finish_(std::move(finish)) {}
 
   std::size_t WriteSome(const void* source, std::size_t size) override {
-    bytes_.append(static_cast<const char*>(source), size);
+    if (keepsBytes_) bytes_.append(static_cast<const char*>(source), size);
+    size_ += size;
     return size;
   }
   bool IsNew() const override { return isNew_; }
-  void Commit() override { finish_(bytes_); }
+  void Commit() override { finish_(*this); }
+
+  void PutInto(OverlayFiles::Content& content) const {
+    if (keepsBytes_) {
+      content.WriteAt(content.Size(), bytes_);
+    } else {
+      content.ForgetBytes(content.Size() + size_);
+    }
+  }
 
  private:
   bool isNew_;
+  bool keepsBytes_;
   Finish finish_;
   std::string bytes_;
+  std::uint64_t size_ = 0;
 };
 
 }  // namespace
@@ -168,7 +188,7 @@ OverlayFiles::Entry* OverlayFiles::Find(const std::string& path) {
 OverlayFiles::Entry& OverlayFiles::EntryOf(const std::string& path) {
   const auto [place, isNew] = entries_.try_emplace(KeyOf(path));
   Entry& entry = place->second;
-  if (isNew) entry = {path, FileExists(below_, path), false, nullptr, entries_.size()};
+  if (isNew) entry = {path, FileExists(below_, path), false, false, nullptr, entries_.size()};
   return entry;
 }
 
@@ -189,8 +209,40 @@ std::shared_ptr<OverlayFiles::Content> OverlayFiles::ContentToChange(const std::
   if (entry.content == nullptr) {
     entry.content = std::make_shared<Content>(below_, path, below_.OpenForReading(path)->Size());
     entry.inPlace = true;
+  } else if (entry.isShared) {
+    entry.content = std::make_shared<Content>(*entry.content);
   }
+  entry.isShared = false;
   return entry.content;
+}
+
+std::shared_ptr<const OverlayFiles::State> OverlayFiles::Save() {
+  for (auto& [key, entry] : entries_) entry.isShared = true;
+  return std::make_shared<const State>(State{entries_, directories_, writable_});
+}
+
+void OverlayFiles::Restore(const State& state) {
+  entries_ = state.entries;
+  journal_.clear();
+  directories_ = state.directories;
+  writable_ = state.writable;
+}
+
+// A file that is gone again before anybody has asked leaves no note.
+void OverlayFiles::Note(FileChangeKind kind, const std::string& path) {
+  const auto same = [&](const FileChange& change) { return KeyOf(change.path) == KeyOf(path); };
+  const auto noted = std::ranges::find_if(journal_, same);
+  if (noted == journal_.end()) {
+    journal_.push_back({kind, path});
+  } else if (kind == FileChangeKind::removed && noted->kind == FileChangeKind::created) {
+    journal_.erase(noted);
+  } else if (kind == FileChangeKind::removed || noted->kind == FileChangeKind::removed) {
+    noted->kind = kind == FileChangeKind::created ? FileChangeKind::replaced : kind;
+  }
+}
+
+std::vector<FileChange> OverlayFiles::TakeJournal() {
+  return std::exchange(journal_, {});
 }
 
 std::vector<FileChange> OverlayFiles::Changes() const {
@@ -212,41 +264,51 @@ std::vector<FileChange> OverlayFiles::Changes() const {
 
 void OverlayFiles::Clear() {
   entries_.clear();
+  journal_.clear();
   directories_.clear();
   writable_.clear();
 }
 
 std::unique_ptr<InputFile> OverlayFiles::OpenForReading(const std::string& path) {
   const Entry* const entry = Find(path);
-  if (entry == nullptr) return below_.OpenForReading(path);
+  if (entry == nullptr) {
+    // The files below do not know the directory.
+    if (directories_.contains(KeyOf(std::string(DirectoryOf(path))))) throw SystemError(ErrorNumber::fileNotFound);
+    return below_.OpenForReading(path);
+  }
   if (entry->content == nullptr) throw SystemError(ErrorNumber::fileNotFound);
   return std::make_unique<ContentFile<InputFile>>(entry->content);
 }
 
 std::unique_ptr<OutputFile> OverlayFiles::CreateResultFile(const std::string& path, ExistingFile existing) {
   RequireWritable(path);
-  return std::make_unique<ContentOutputFile>(!Exists(path), [this, path, existing](const std::string& bytes) {
-    if (existing == ExistingFile::keep && Exists(path)) throw SystemError(ErrorNumber::pathAccess);
+  const auto finish = [this, path, existing](const ContentOutputFile& file) {
+    const bool exists = Exists(path);
+    if (existing == ExistingFile::keep && exists) throw SystemError(ErrorNumber::pathAccess);
+    Note(exists ? FileChangeKind::replaced : FileChangeKind::created, path);
     Entry& entry = EntryOf(path);
-    entry.inPlace = false;
+    entry.inPlace = entry.isShared = false;
     entry.content = std::make_shared<Content>();
-    entry.content->WriteAt(0, bytes);
-  });
+    file.PutInto(*entry.content);
+  };
+  return std::make_unique<ContentOutputFile>(!Exists(path), KeepsContent(path), finish);
 }
 
 std::unique_ptr<OutputFile> OverlayFiles::OpenForAppending(const std::string& path) {
   RequireWritable(path);
   const bool isNew = !Exists(path);
-  return std::make_unique<ContentOutputFile>(isNew, [this, path, isNew](const std::string& bytes) {
+  const auto finish = [this, path, isNew](const ContentOutputFile& file) {
+    Note(isNew ? FileChangeKind::created : FileChangeKind::extended, path);
     if (isNew) EntryOf(path).content = std::make_shared<Content>();
-    const std::shared_ptr<Content> content = ContentToChange(path);
-    content->WriteAt(content->Size(), bytes);
-  });
+    file.PutInto(*ContentToChange(path));
+  };
+  return std::make_unique<ContentOutputFile>(isNew, KeepsContent(path), finish);
 }
 
 std::unique_ptr<UpdatedFile> OverlayFiles::OpenForUpdating(const std::string& path) {
   RequireWritable(path);
   if (!Exists(path)) throw SystemError(ErrorNumber::fileNotFound);
+  Note(FileChangeKind::extended, path);
   return std::make_unique<ContentUpdatedFile>(ContentToChange(path), FreeDiskBytes(std::string(DirectoryOf(path))));
 }
 
@@ -255,7 +317,9 @@ void OverlayFiles::SetFileSize(const std::string& path, std::uint64_t newLength)
 }
 
 void OverlayFiles::RemoveFileQuietly(const std::string& path) {
-  if (Exists(path)) EntryOf(path).content = nullptr;
+  if (!Exists(path)) return;
+  Note(FileChangeKind::removed, path);
+  EntryOf(path).content = nullptr;
 }
 
 void OverlayFiles::CreateDirectoryQuietly(const std::string& path) {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/files/file_system.h"
@@ -38,8 +40,21 @@ class OverlayFiles : public FileSystem {
   /// listed.
   std::vector<FileChange> Changes() const;
 
+  /// What has happened since the last call, in its order: here a file that was written before is replaced.
+  std::vector<FileChange> TakeJournal();
+
   /// Forgets everything that was written.
   void Clear();
+
+  /// From now on keeps only the contents of files for which `isRead` is true. Of other results only the length is
+  /// known: reading one throws SystemError 75.
+  void KeepContentsOf(std::function<bool(const std::string& path)> isRead) { isRead_ = std::move(isRead); }
+
+  struct State;
+
+  /// What was written until now, to come back to it later. Cheap: contents are shared until they change.
+  std::shared_ptr<const State> Save();
+  void Restore(const State& state);
 
   std::unique_ptr<InputFile> OpenForReading(const std::string& path) override;
   std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) override;
@@ -63,6 +78,7 @@ class OverlayFiles : public FileSystem {
     std::string path;
     bool existedBelow = false;
     bool inPlace = false;              // extended or changed, not replaced
+    bool isShared = false;             // with a saved state: the content must not change
     std::shared_ptr<Content> content;  // null: removed
     std::size_t order = 0;
   };
@@ -72,11 +88,20 @@ class OverlayFiles : public FileSystem {
   std::shared_ptr<Content> ContentToChange(const std::string& path);
   bool Exists(const std::string& path);
   void RequireWritable(const std::string& path);
+  bool KeepsContent(const std::string& path) const { return !isRead_ || isRead_(path); }
+  void Note(FileChangeKind kind, const std::string& path);
 
   FileSystem& below_;
+  std::function<bool(const std::string& path)> isRead_;
   std::map<std::string, Entry> entries_;
+  std::vector<FileChange> journal_;
   std::set<std::string> directories_;  // created here
   std::set<std::string> writable_;     // whose read-only attribute was removed here
+};
+
+struct OverlayFiles::State {
+  std::map<std::string, Entry> entries;
+  std::set<std::string> directories, writable;
 };
 
 }  // namespace quiverion
