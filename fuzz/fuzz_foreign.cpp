@@ -1,5 +1,5 @@
-// Every reader of foreign files: the first byte chooses the format, and bits of the second one the options. What is read
-// must come back from an export with the same bits.
+// Every reader of foreign files: the first byte chooses the format, and bits of the second one the options. What is
+// read must come back from an export with the same bits.
 #include <cstddef>
 #include <cstdint>
 

@@ -45,8 +45,8 @@ Role RoleOf(std::string_view name);
 /// "X mm", "x [m]", "x (mm)[mm]", "u [m/s]", "x_mm", "CHC": name, unit and role.
 Column ColumnOf(std::string_view text);
 
-/// The columns of a line of names, separated by tabs, semicolons, commas or blanks. Throws FormatError if there are more
-/// than any known program writes.
+/// The columns of a line of names, separated by tabs, semicolons, commas or blanks. Throws FormatError if there are
+/// more than any known program writes.
 std::vector<Column> ColumnsOf(std::string_view line);
 
 /// Columns without names: x, y, u, v, then what `rest` says.

@@ -23,7 +23,7 @@ struct Axis {
   const char* name;
 };
 
-// The first of `values` that is further from `expected` than `most`; kNone if there is none. NaN is far from everything.
+// How many of `values` are further from `expected` than `most`. NaN is far from everything.
 QUIVERION_MULTI_TARGET std::size_t CountFar(const double* values, const double* expected, std::size_t count,
                                             double most) {
   std::size_t far = 0;

@@ -11,8 +11,8 @@ namespace quiverion::exchange {
 /// Reads a file of another program. Throws as ReadForeignFile does.
 ForeignFile ReadForeignFile(FileSystem& files, const std::string& path, const ImportOptions& options);
 
-/// The path of field `number` (from 1) of `count`: the directory, the name of the source without its extension, a number
-/// of four digits if there are several, ".vas".
+/// The path of field `number` (from 1) of `count`: the directory, the name of the source without its extension, a
+/// number of four digits if there are several, ".vas".
 std::string ImportedPath(const std::string& source, const std::string& directory, std::size_t number,
                          std::size_t count);
 
