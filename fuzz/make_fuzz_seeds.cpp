@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "exchange/formats.h"
+#include "generator/foreign_files.h"
 #include "generator/sample_files.h"
 #include "macro/command_catalogue.h"
 #include "macro/macro_file.h"
@@ -86,6 +88,19 @@ void WriteFieldSeeds(SeedWriter& seeds) {
   }
 }
 
+// Two bytes in front choose the format and the options.
+void WriteForeignSeeds(SeedWriter& seeds) {
+  const samples::SampleField small = samples::MakeSampleField({.columns = 5, .rows = 4});
+  for (const samples::ForeignSample& kind : samples::ForeignSamples()) {
+    const std::string bytes = kind.bytes(small);
+    const auto formats = exchange::ForeignFormats();
+    const auto row = std::ranges::find(formats, kind.format, &exchange::ForeignFormat::name);
+    const auto number = static_cast<char>(row - formats.begin() + 1);
+    seeds.Put("foreign/" + std::string(kind.name), std::string(2, '\0') + bytes);
+    seeds.Put("foreign/" + std::string(kind.name) + ".options", std::string{number, '\x4F'} + bytes);
+  }
+}
+
 void WriteMacroSeeds(SeedWriter& seeds) {
   MacroEventList all;
   for (const CommandRow& row : CommandCatalogue()) {
@@ -121,6 +136,7 @@ int main(int argc, char** argv) {
   try {
     quiverion::fuzz::SeedWriter seeds(argv[1]);
     quiverion::fuzz::WriteFieldSeeds(seeds);
+    quiverion::fuzz::WriteForeignSeeds(seeds);
     quiverion::fuzz::WriteMacroSeeds(seeds);
     quiverion::fuzz::WriteCollectionSeeds(seeds);
   } catch (const std::exception& error) {

@@ -31,10 +31,17 @@ quiverion_library(picture USES operations SOURCES
   statuses.cpp svg.cpp wishes.cpp)
 quiverion_library(export USES operations SOURCES
   table_writer.cpp text_exports.cpp)
+quiverion_library(exchange USES field SOURCES
+  build_fields.cpp columns.cpp field_exports.cpp formats.cpp grid_points.cpp import_file.cpp inflate.cpp mat_file.cpp netcdf_file.cpp
+  read_davis_text.cpp read_mat.cpp read_netcdf.cpp read_number_lines.cpp read_pivlab_text.cpp read_tecplot.cpp
+  read_vc7.cpp read_vtk.cpp statuses.cpp tecplot_header.cpp text_file.cpp text_table.cpp units.cpp
+  write_matlab.cpp write_netcdf.cpp write_text.cpp write_vtk.cpp)
+target_compile_definitions(quiverion_exchange PRIVATE QUIVERION_VERSION="${PROJECT_VERSION}")
+target_link_libraries(quiverion_exchange PRIVATE ZLIB::ZLIB)
 quiverion_library(statistics USES operations SOURCES
   collect.cpp collection_contents.cpp collection_file.cpp compute_statistic.cpp record_sums.cpp
   statistic_steps.cpp valid_bits.cpp)
-quiverion_library(macro USES export statistics SOURCES
+quiverion_library(macro USES exchange export statistics SOURCES
   command_actions.cpp command_catalogue.cpp directory_names.cpp file_steps.cpp macro_event.cpp macro_file.cpp
   plan_findings.cpp pre_run_checks.cpp run_driver.cpp run_plan.cpp run_table.cpp run_table_text.cpp
   series_files.cpp)

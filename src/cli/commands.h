@@ -6,6 +6,7 @@
 
 #include "cli/exit_code.h"
 #include "cli/terminal.h"
+#include "exchange/foreign_field.h"
 #include "statistics/compute_statistic.h"
 
 /// The commands of quiverionseries-cli. Each prints its result on standard output and errors on standard error, and
@@ -37,5 +38,23 @@ int RemoveFromCollection(const std::string& path, const std::vector<std::int32_t
 int ShowInfo(const std::string& path, bool json);
 
 int ListCommands(bool json);
+
+struct ImportCall {
+  exchange::ImportOptions options;
+  std::string directory;
+  std::vector<std::string> inputs;  // files, or directories that stand for all their files
+};
+
+int ImportFields(const ImportCall& call);
+
+struct ExportCall {
+  std::string kind;
+  std::string directory;
+  std::string series;               // empty: a file for each field; without a directory: in `directory`
+  double timeStep = 0.0;            // seconds between fields; 0: unknown
+  std::vector<std::string> inputs;  // files, or directories that stand for their VAS, DAT and VEC files
+};
+
+int ExportFields(const ExportCall& call);
 
 }  // namespace quiverion::cli

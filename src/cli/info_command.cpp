@@ -6,8 +6,11 @@
 
 #include "cli/commands.h"
 #include "cli/services.h"
+#include "exchange/formats.h"
+#include "exchange/import_file.h"
 #include "field/formats/load_original_file.h"
 #include "log/first_lines.h"
+#include "messages/failure.h"
 #include "platform/text/numbers.h"
 #include "platform/text/text.h"
 
@@ -120,10 +123,56 @@ std::string AsJson(const VectorField& field, const Summary& summary) {
   return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
+// True for a file that another program has written, by its content. One that cannot be opened is none.
+bool IsForeign(FileSystem& files, const std::string& path) {
+  const exchange::ForeignFormat* format = nullptr;
+  const auto failure = Attempt([&] { format = exchange::RecogniseFormat(*files.OpenForReading(path)); });
+  return !failure && format != nullptr && format->isForeign;
+}
+
+std::string ForeignText(const exchange::ForeignFile& foreign, const std::string& text) {
+  const std::size_t second = text.find('\n') + 1;  // after the line with the path
+  std::string said = Line("Format", foreign.report.Line());
+  for (const std::string& warning : foreign.report.warnings) said += Line("Warnung", warning);
+  ReplaceControls(said, "\n\t");
+  return text.substr(0, second) + said + text.substr(second);
+}
+
+std::string ForeignJson(const exchange::ForeignFile& foreign, const std::string& text) {
+  const exchange::ImportReport& report = foreign.report;
+  Json object = {{"format", report.format},
+                 {"dialect", report.dialect},
+                 {"fieldCount", report.fieldCount},
+                 {"lengthUnit", report.lengthUnit},
+                 {"velocityUnit", report.velocityUnit},
+                 {"y", report.yPointsDown ? "down" : "up"},
+                 {"statusRule", report.statusRule},
+                 {"warnings", report.warnings}};
+  object.update(Json::parse(text));
+  return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+// What would be imported; of several fields, the first one in detail.
+int ShowForeign(Services& services, const std::string& path, bool json) {
+  exchange::ForeignFile foreign;
+  if (const auto failure = Attempt([&] { foreign = exchange::ReadForeignFile(*services.files, path, {}); })) {
+    services.terminal.PrintError("'" + path + "': " + failure->formatMessage.value_or(ErrorText(failure->error)) +
+                                 "\n");
+    return kFailed;
+  }
+  VectorField& field = foreign.fields.front().field;
+  field.filePath = path;
+  const Summary summary = Summarise(field);
+  services.terminal.Print(json ? ForeignJson(foreign, AsJson(field, summary))
+                               : ForeignText(foreign, AsText(field, summary)));
+  return services.Done();
+}
+
 }  // namespace
 
 int ShowInfo(const std::string& path, bool json) {
   Services services;
+  if (IsForeign(*services.files, path)) return ShowForeign(services, path, json);
   FirstLines lines;
   services.log.Attach(lines);
   Context& context = services.session.context;

@@ -5,6 +5,8 @@
 
 #include "cli/commands.h"
 #include "cli/german_usage.h"
+#include "exchange/formats.h"
+#include "exchange/writers.h"
 #include "field/formats/vas_file.h"
 #include "messages/system_error.h"
 #include "platform/files/paths.h"
@@ -217,6 +219,97 @@ void AddQueries(CLI::App& app, Action& action, FileArguments& files) {
   commands->callback([&] { action = [&files] { return ListCommands(files.json); }; });
 }
 
+// A number above 0, the whole text.
+double FactorOf(const char* option, const std::string& text) {
+  try {
+    const NumberPrefix number = ReadNumberPrefix(text);
+    if (number.length == text.size() && number.value > 0.0) return number.value;
+  } catch (const SystemError&) {  // too large for a number
+  }
+  throw CLI::ValidationError(option, "'" + text + "' ist keine Zahl über 0");
+}
+
+struct ImportArguments {
+  ImportCall call;
+  std::string y, units, length, velocity, zeros, column5;
+};
+
+exchange::Column5 Column5Of(const std::string& text) {
+  if (text == "snr") return exchange::Column5::signalToNoise;
+  if (text == "invalid") return exchange::Column5::invalid;
+  return text == "valid" ? exchange::Column5::valid : exchange::Column5::guessed;
+}
+
+void TakeImportOptions(const ImportArguments& arguments, exchange::ImportOptions& options) {
+  if (!arguments.y.empty()) options.yPointsDown = arguments.y == "down";
+  if (!arguments.zeros.empty()) options.zerosAreInvalid = arguments.zeros == "invalid";
+  options.column5 = Column5Of(arguments.column5);
+  if (!arguments.length.empty()) options.lengthFactor = FactorOf("--length", arguments.length);
+  if (!arguments.velocity.empty()) options.velocityFactor = FactorOf("--velocity", arguments.velocity);
+  if (arguments.units.empty()) return;
+  const std::size_t cut = arguments.units.find(';');
+  if (cut == std::string::npos) {
+    throw CLI::ValidationError("--units", "'" + arguments.units + "': zwei Einheiten wie in 'mm;m/s' sind verlangt");
+  }
+  options.lengthUnit = arguments.units.substr(0, cut);
+  options.velocityUnit = arguments.units.substr(cut + 1);
+}
+
+void AddImport(CLI::App& app, Action& action, ImportArguments& arguments) {
+  CLI::App* const command = app.add_subcommand("import", "Vektorfelder anderer Programme als VAS-Dateien schreiben");
+  ImportCall& call = arguments.call;
+  AddPath(command, "--to", call.directory, "Verzeichnis der VAS-Dateien");
+  std::vector<std::string> formats;
+  for (const exchange::ForeignFormat& format : exchange::ForeignFormats()) formats.emplace_back(format.name);
+  AddChoice(command, "--format", call.options.format, "Format, wenn es falsch erkannt wird (z. B. pivlab oder jpiv)",
+            formats);
+  AddChoice(command, "--y", arguments.y, "wohin y in der Datei zeigt: up oder down (wie in einem Bild)",
+            {"up", "down"});
+  command->add_option("--units", arguments.units, "Einheiten der Datei, z. B. \"mm;m/s\"")->type_name("");
+  command->add_option("--length", arguments.length, "Faktor der Positionen zu mm")->type_name("");
+  command->add_option("--velocity", arguments.velocity, "Faktor der Geschwindigkeiten zu m/s")->type_name("");
+  AddChoice(command, "--zeros", arguments.zeros, "ob Vektoren (0, 0) gültig sind: valid oder invalid",
+            {"valid", "invalid"});
+  AddChoice(command, "--column5", arguments.column5,
+            "fünfte Spalte ohne Namen: snr (Signal/Rauschen), invalid oder valid", {"snr", "invalid", "valid"});
+  Shown(command->add_option("INPUT", call.inputs, "Dateien, oder Verzeichnisse mit solchen"))
+      ->required()
+      ->type_name("");
+  command->callback([&] {
+    TakeImportOptions(arguments, arguments.call.options);
+    action = [&arguments] { return ImportFields(arguments.call); };
+  });
+}
+
+struct ExportArguments {
+  ExportCall call;
+  std::string timeStep;
+};
+
+void AddExport(CLI::App& app, Action& action, ExportArguments& arguments) {
+  CLI::App* const command = app.add_subcommand("export", "Vektorfelder für andere Programme schreiben");
+  ExportCall& call = arguments.call;
+  std::vector<std::string> kinds;
+  for (const exchange::ExportKind& kind : exchange::ExportKinds()) kinds.emplace_back(kind.name);
+  AddChoice(command, "--as", call.kind, "netcdf, vtk, tecplot, matlab oder csv", kinds)->required();
+  AddPath(command, "--to", call.directory, "Verzeichnis der Dateien");
+  Shown(command->add_option("--series", call.series,
+                            "eine Datei für alle Felder (netcdf, tecplot) oder deren Verzeichnis (*.pvd für vtk)"))
+      ->type_name("");
+  command->add_option("--dt", arguments.timeStep, "Sekunden zwischen zwei Feldern")->type_name("");
+  Shown(command->add_option("INPUT", call.inputs, "Dateien oder Verzeichnisse (alle *.vas, *.vec, *.dat darin)"))
+      ->required()
+      ->type_name("");
+  command->callback([&] {
+    ExportCall& chosen = arguments.call;
+    if (!arguments.timeStep.empty()) chosen.timeStep = FactorOf("--dt", arguments.timeStep);
+    if (!chosen.series.empty() && exchange::FindExportKind(chosen.kind)->seriesExtension.empty()) {
+      throw CLI::ValidationError("--series", "geht nur mit netcdf, vtk und tecplot");
+    }
+    action = [&arguments] { return ExportFields(arguments.call); };
+  });
+}
+
 int Main(int argc, char** argv) {
   PrepareProcess();
   CLI::App app("QuiverionSeries " QUIVERION_VERSION ": Serienauswertung von PIV-Daten", "quiverionseries-cli");
@@ -228,10 +321,14 @@ int Main(int argc, char** argv) {
   FileArguments fileArguments;
   StatisticsArguments statisticsArguments;
   CollectionArguments collectionArguments;
+  ImportArguments importArguments;
+  ExportArguments exportArguments;
   AddRun(app, action, runArguments);
   AddMacro(app, action, fileArguments);
   AddStatistics(app, action, statisticsArguments);
   AddCollection(app, action, collectionArguments);
+  AddImport(app, action, importArguments);
+  AddExport(app, action, exportArguments);
   AddQueries(app, action, fileArguments);
   UseGerman(app, std::make_shared<GermanHelp>());
 

@@ -42,7 +42,7 @@ void Components(const CommandCall& call) {
   operation(call.context, call.event.Number("XComp"), call.event.Number("YComp"));
 }
 
-/// An export to a text file next to the input.
+/// An export to a file next to the input.
 template <void (*operation)(Context&, const std::string&)>
 void Export(const CommandCall& call) {
   operation(call.context, OutputPath(call));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "exchange/field_exports.h"
 #include "export/text_exports.h"
 #include "macro/command_actions.h"
 #include "operations/commands/buffer_commands.h"
@@ -228,6 +229,14 @@ constexpr CommandRow kRows[] = {
     {60001, "evtCollectStatistics", 60000, "Vektorfeld für Statistik sammeln",
      "Vektorfeld für Statistik in Datei (Kollektion) sammeln", kCollection, 0, actions::CollectStatistics,
      Editor(EditorKind::collectionFile)},
+    Menu(70000, "evtExtensionsMenu", 0, "Erweiterungen", "'Erweiterungen'-Menü"),
+    Menu(70100, "evtExchangeMenu", 70000, "Exportieren", "'Exportieren'-Menü"),
+    {70101, "evtExportNetCdf", 70100, "netCDF",
+     "Vektorfeld als netCDF exportieren", kNames, 330, actions::Export<exchange::ExportNetCdf>, kNamesEditor, ".nc"},
+    {70102, "evtExportVtk", 70100, "VTK (ParaView)",
+     "Vektorfeld für VTK (ParaView) exportieren", kNames, 350, actions::Export<exchange::ExportVtk>, kNamesEditor, ".vti"},
+    {70103, "evtExportTecplotField", 70100, "Tecplot (alle Größen)",
+     "Vektorfeld für Tecplot exportieren (alle Größen)", kNames, 1100, actions::Export<exchange::ExportTecplotField>, kNamesEditor, ".tec"},
 };
 // clang-format on
 

@@ -22,9 +22,20 @@ TEST_F(Program, SpeaksGermanInItsHelpAndHasItsOptionsInTheManuals) {
   const std::string manual = TextOf(HELP_PAGES "/befehlszeile.html");
   std::string page = TextOf(MANUAL_PAGES "/quiverionseries-cli.1.in");
   std::erase(page, '\\');
-  const std::vector<std::string> pages[] = {
-      {},       {"run"},      {"macro"},      {"macro", "show"}, {"macro", "export"},    {"macro", "import"},
-      {"info"}, {"commands"}, {"statistics"}, {"collection"},    {"collection", "list"}, {"collection", "remove"}};
+  const std::vector<std::string> pages[] = {{},
+                                            {"run"},
+                                            {"macro"},
+                                            {"macro", "show"},
+                                            {"macro", "export"},
+                                            {"macro", "import"},
+                                            {"info"},
+                                            {"commands"},
+                                            {"import"},
+                                            {"export"},
+                                            {"statistics"},
+                                            {"collection"},
+                                            {"collection", "list"},
+                                            {"collection", "remove"}};
   for (std::vector<std::string> words : pages) {
     words.emplace_back("--help");
     const Outcome outcome = RunProgram(place, words);

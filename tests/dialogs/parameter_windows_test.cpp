@@ -100,7 +100,7 @@ TEST(ParameterWindowsTest, TheTreeHoldsEveryCommandAndKeepsItsState) {
   script.Expect<QDialog>("quiverion::frmChooseMacroEvent", [&](QDialog& window) {
     auto& tree = Find<QTreeWidget>(window, "tvwMacroEvents");
     auto& ok = Find<QPushButton>(window, "cmdOk");
-    EXPECT_EQ(tree.topLevelItemCount(), 6);
+    EXPECT_EQ(tree.topLevelItemCount(), 7);
     EXPECT_FALSE(ok.isEnabled());
     tree.setCurrentItem(node(window, "K40100"));
     EXPECT_FALSE(ok.isEnabled());

@@ -63,7 +63,8 @@ TEST_F(PreRun, AsksForDiskSpaceUntilItIsThere) {
   const std::pair<MacroEventList, std::uint64_t> cases[] = {
       {{Event(10001), Event(10001), Event(40103)}, 360},
       {{Event(10101), Event(10102), Event(10103), Event(10104), Event(10201), Event(10202), Event(10301), Event(10302)},
-       3220}};
+       3220},
+      {{Event(70101), Event(70102), Event(70103)}, 3560}};
   for (const auto& [macro, needed] : cases) {
     program.files.freeBytes = {needed * kKilobyte};
     EXPECT_TRUE(Check(macro)) << needed;

@@ -70,6 +70,9 @@ std::vector<WrittenKind> WrittenKinds(const std::string& directory) {
     const std::string target = id < 10300 ? "ziel/a.txt" : "ziel/a.csv";
     kinds.push_back({"export " + std::to_string(id), SaveEvent(id, "ziel\\"), target});
   }
+  kinds.push_back({"export 70101", SaveEvent(70101, "ziel\\"), "ziel/a.nc"});
+  kinds.push_back({"export 70102", SaveEvent(70102, "ziel\\"), "ziel/a.vti"});
+  kinds.push_back({"export 70103", SaveEvent(70103, "ziel\\"), "ziel/a.tec"});
   for (const Tree& old : {Tree(), oldVortices}) {
     kinds.push_back({"vortex text", FileEvent(40002, directory + vortices), vortices, old, false, true});
   }

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <charconv>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "field/vector_field.h"
+#include "platform/files/result_file.h"
+
+namespace quiverion::exchange {
+
+/// A field with its columns and rows in another order: x and y ascend, as far as the field is sorted at all.
+class AscendingField {
+ public:
+  explicit AscendingField(const VectorField& field)
+      : field_(field),
+        columnsTurn_(field.posX.size() > 1 && field.posX.front() > field.posX.back()),
+        rowsTurn_(field.posY.size() > 1 && field.posY.front() > field.posY.back()) {}
+
+  std::size_t Columns() const { return field_.posX.size(); }
+  std::size_t Rows() const { return field_.posY.size(); }
+  bool ColumnsTurn() const { return columnsTurn_; }
+
+  double X(std::size_t i) const { return field_.posX[columnsTurn_ ? Columns() - 1 - i : i]; }
+  double Y(std::size_t j) const { return field_.posY[rowsTurn_ ? Rows() - 1 - j : j]; }
+  /// The first column of a row, counted from 0, in the order of the field.
+  const double* U(std::size_t j) const { return field_.velX.Row(Row(j)); }
+  const double* V(std::size_t j) const { return field_.velY.Row(Row(j)); }
+  const std::int32_t* Status(std::size_t j) const { return field_.status.Row(Row(j)); }
+
+ private:
+  std::int32_t Row(std::size_t j) const { return static_cast<std::int32_t>(rowsTurn_ ? Rows() - j : j + 1); }
+
+  const VectorField& field_;
+  bool columnsTurn_, rowsTurn_;
+};
+
+/// Gathers what a writer makes, item by item, in one block that goes to the file when it is full.
+class BlockWriter {
+ public:
+  explicit BlockWriter(ResultFile& file)
+      : file_(file), memory_(std::make_unique_for_overwrite<char[]>(kSize + kAlignment)) {
+    void* begin = memory_.get();
+    std::size_t space = kSize + kAlignment;
+    begin_ = end_ = static_cast<char*>(std::align(kAlignment, kSize, begin, space));
+  }
+
+  /// Room for `size` (at most kMostRoom) bytes; Advance says how many were used.
+  char* Room(std::size_t size) {
+    if (static_cast<std::size_t>(begin_ + kSize - end_) < size) Finish();
+    return end_;
+  }
+  void Advance(std::size_t size) { end_ += size; }
+
+  void Text(std::string_view text) {
+    if (text.size() > kMostRoom) {
+      Finish();
+      file_.Write(text);
+      return;
+    }
+    std::memcpy(Room(text.size()), text.data(), text.size());
+    Advance(text.size());
+  }
+
+  /// The shortest text that reads back as the same double.
+  void Number(double value) {
+    char* const begin = Room(kLongestNumber);
+    end_ = std::to_chars(begin, begin + kLongestNumber, value).ptr;
+  }
+  void Whole(std::int64_t value) {
+    char* const begin = Room(kLongestNumber);
+    end_ = std::to_chars(begin, begin + kLongestNumber, value).ptr;
+  }
+
+  /// Passes everything to the file.
+  void Finish() {
+    file_.Write({begin_, static_cast<std::size_t>(end_ - begin_)});
+    end_ = begin_;
+  }
+
+  static constexpr std::size_t kMostRoom = 64 * 1024;
+
+ private:
+  static constexpr std::size_t kSize = 64 * kMostRoom;  // few system calls: they cost more than the copying
+  static constexpr std::size_t kAlignment = 64;         // of whole vectors, for the first item of a block
+  static constexpr std::size_t kLongestNumber = 32;
+
+  ResultFile& file_;
+  std::unique_ptr<char[]> memory_;
+  char* begin_;
+  char* end_;
+};
+
+/// The shortest text that reads back as the same double.
+inline std::string ShortestText(double value) {
+  char buffer[32];
+  return {buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr};
+}
+
+}  // namespace quiverion::exchange
