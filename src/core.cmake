@@ -32,7 +32,7 @@ quiverion_library(picture USES operations SOURCES
 quiverion_library(export USES operations SOURCES
   table_writer.cpp text_exports.cpp)
 quiverion_library(exchange USES field SOURCES
-  build_fields.cpp columns.cpp field_exports.cpp formats.cpp grid_points.cpp import_file.cpp inflate.cpp mat_file.cpp netcdf_file.cpp
+  build_fields.cpp columns.cpp export_files.cpp field_exports.cpp formats.cpp grid_points.cpp import_file.cpp inflate.cpp load_any_field.cpp mat_file.cpp netcdf_file.cpp
   read_davis_text.cpp read_mat.cpp read_netcdf.cpp read_number_lines.cpp read_pivlab_text.cpp read_tecplot.cpp
   read_vc7.cpp read_vtk.cpp statuses.cpp tecplot_header.cpp text_file.cpp text_table.cpp units.cpp
   write_matlab.cpp write_netcdf.cpp write_text.cpp write_vtk.cpp)

@@ -25,6 +25,8 @@ endfunction()
 quiverion_windows(dialogs USES macro SOURCES
   application.cpp frmRunTable.cpp frmShowCollection.cpp frmShowLogFile.cpp frmShowProgress.cpp log_text.cpp
   macro_editing.cpp repaint_throttle.cpp run_table_model.cpp
+  exchange/background_tasks.cpp exchange/export_list.cpp exchange/frmExport.cpp exchange/frmImport.cpp
+  exchange/import_choices.cpp exchange/import_list.cpp exchange/import_work.cpp
   help/frmHelp.cpp help/help.cpp help/help_browser.cpp help/help_pages.cpp
   parameters/fault_vector_rules.cpp parameters/file_choices.cpp parameters/frmChooseMacroEvent.cpp
   parameters/frmEditVector.cpp parameters/frmFaultVectors.cpp
@@ -42,7 +44,7 @@ quiverion_windows(view USES picture preview dialogs SOURCES
   preview/comparison_view.cpp preview/frmPreview.cpp preview/histogram_view.cpp
   preview/preview_worker.cpp preview/sample_strip.cpp preview/step_table.cpp)
 quiverion_windows(app USES view SOURCES
-  directory_list.cpp file_list.cpp frmMain.cpp last_run.cpp navigation.cpp qt_user_interface.cpp
+  directory_list.cpp exchange_windows.cpp file_list.cpp frmMain.cpp last_run.cpp navigation.cpp qt_user_interface.cpp
   statistics_flow.cpp tool_windows.cpp
   ${QUIVERION_SYSTEM}/drives.cpp)
 quiverion_window_program(QuiverionSeries app "${PROJECT_DESCRIPTION}" program)

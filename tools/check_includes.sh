@@ -28,6 +28,7 @@ declare -A allowed=(
   [preview]="macro picture statistics export exchange operations $core"
   [cli]="macro statistics export exchange operations $core version.h nlohmann CLI"
   [dialogs/widgets]="macro statistics export exchange operations $core Qt"
+  [dialogs/exchange]="dialogs/widgets macro exchange $core Qt"
   [dialogs/help]="dialogs/widgets $core Qt"
   [dialogs/parameters]="dialogs/widgets macro statistics export exchange operations $core Qt"
   [dialogs/posix]="dialogs/widgets $core Qt"

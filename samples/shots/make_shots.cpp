@@ -1,5 +1,6 @@
 // Saves a picture of every window, filled from a series: make_shots MAKRO SERIE ZIEL [PUNKTE] [dunkel]
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
@@ -7,15 +8,19 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
+#include <QTableView>
 #include <QThread>
 #include <QTimer>
 #include <QTreeWidget>
+#include <fstream>
 #include <iostream>
 
 #include "app/drives.h"
 #include "app/file_list.h"
 #include "app/frmMain.h"
 #include "dialogs/application.h"
+#include "dialogs/exchange/frmExport.h"
+#include "dialogs/exchange/frmImport.h"
 #include "dialogs/frmShowCollection.h"
 #include "dialogs/frmShowLogFile.h"
 #include "dialogs/frmShowProgress.h"
@@ -29,6 +34,7 @@
 #include "dialogs/widgets/find_bar.h"
 #include "dialogs/widgets/message_box.h"
 #include "dialogs/widgets/qt_text.h"
+#include "generator/foreign_files.h"
 #include "macro/macro_file.h"
 #include "macro/run_driver.h"
 #include "macro/series_files.h"
@@ -50,6 +56,7 @@ class Shots {
     Windows();
     Viewer();
     Preview();
+    Exchange();
     ParameterWindowsWithDefaults();
     Collection();
     HelpWindow();
@@ -163,6 +170,47 @@ class Shots {
       QApplication::processEvents(QEventLoop::AllEvents, 20);
     }
     Save(preview, "frmPreview");
+  }
+
+  // Files of several programs, one of them damaged, one there already.
+  void Exchange() {
+    const std::string directory = WithSeparator(series_) + "Austausch/";
+    QDir().mkpath(PathToQt(directory + "VAS"));
+    const samples::SampleField field = samples::MakeSampleField({.columns = 60, .rows = 45});
+    const std::pair<const char*, const char*> files[] = {
+        {"davis8.txt", "B00001.txt"},     {"davis8.txt", "B00002.txt"},      {"insight.vec", "Lauf0001.vec"},
+        {"openpiv5.txt", "exp1_001.txt"}, {"pivlab.txt", "PIVlab_0001.txt"}, {"vc7_5.vc7", "B00003.vc7"}};
+    std::vector<std::string> paths = {directory + "kaputt.csv"};
+    std::ofstream(paths.front()) << "x,y,u,v\n1,2,3\n";
+    std::ofstream(directory + "VAS/Lauf0001.vas") << "alt";
+    for (const auto& [sample, name] : files) {
+      paths.push_back(directory + name);
+      std::ofstream(paths.back(), std::ios::binary) << samples::ForeignSampleOf(sample).bytes(field);
+    }
+    frmImport import({*files_, clock_, ui_});
+    import.show();
+    import.AddPaths(paths);
+    const auto* const state = import.findChild<QPushButton*>("cmdImport");
+    for (QElapsedTimer time = Started(); !state->isEnabled() && time.elapsed() < 5000;) QApplication::processEvents();
+    import.findChild<QTableView*>()->selectRow(4);
+    Save(import, "frmImport");
+    frmExport exporting({*files_, clock_, ui_});
+    std::vector<std::string> fields;
+    for (const std::string& name : Names()) fields.push_back(WithSeparator(series_) + name);
+    exporting.AddPaths(fields);
+    exporting.findChild<QCheckBox*>("chkSeries")->click();
+    exporting.findChild<QLineEdit*>("txtTimeStep")->setText("0.001");
+    Show(exporting, "frmExport");
+    frmView viewer({*files_, clock_, [] {}});
+    viewer.OpenPaths({paths[1]});
+    Show(viewer, "frmView-fremd");
+    QDir(PathToQt(directory)).removeRecursively();
+  }
+
+  static QElapsedTimer Started() {
+    QElapsedTimer time;
+    time.start();
+    return time;
   }
 
   template <class Window>

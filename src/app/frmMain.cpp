@@ -137,19 +137,27 @@ void frmMain::ConnectTools() {
   });
   connect(ui_->mnuLastRun, &QAction::triggered, this, [this] { lastRun_.ShowTable(*this); });
   connect(&lastRun_, &LastRun::FieldWanted, this, [this](const std::string& path) { tools_.ShowField(path); });
-  connect(&lastRun_, &LastRun::FilesChosen, this, [this](const std::string& directory, const auto& names) {
-    if (OpenDirectory(directory)) ui_->Files->SelectNames(names);
-  });
+  connect(&lastRun_, &LastRun::FilesChosen, this, &frmMain::SelectFiles);
+  connect(ui_->mnuImportFiles, &QAction::triggered, this, [this] { ImportFiles({}); });
+  connect(ui_->mnuExportFields, &QAction::triggered, this, &frmMain::ExportFields);
+  connect(&exchange_, &ExchangeWindows::FilesChosen, this, &frmMain::SelectFiles);
+  connect(&exchange_, &ExchangeWindows::FilesChanged, this, &frmMain::ReadLists);
   connect(ui_->lstMacroList, &QListWidget::itemSelectionChanged, this, [this] { tools_.MacroChanged(SelectedLine()); });
   connect(ui_->Files->selectionModel(), &QItemSelectionModel::selectionChanged, this, &frmMain::TellFiles);
   connect(ui_->Files->model(), &QAbstractItemModel::modelReset, this, &frmMain::TellFiles);
 }
 
-void frmMain::TellFiles() {
-  if (!tools_.HasPreview()) return;
+std::vector<std::string> frmMain::ChosenNames() const {
   std::vector<std::string> names = ui_->Files->SelectedNames();
-  if (names.empty()) names = ui_->Files->Names();
-  tools_.FilesChanged(WithSeparator(ui_->Directory->Path()), std::move(names));
+  return names.empty() ? ui_->Files->Names() : names;
+}
+
+void frmMain::TellFiles() {
+  if (tools_.HasPreview()) tools_.FilesChanged(WithSeparator(ui_->Directory->Path()), ChosenNames());
+}
+
+void frmMain::SelectFiles(const std::string& directory, const std::vector<std::string>& names) {
+  if (OpenDirectory(directory)) ui_->Files->SelectNames(names);
 }
 
 int frmMain::SelectedLine() const {
@@ -347,6 +355,18 @@ void frmMain::ShowField(const std::string& name) {
   });
 }
 
+void frmMain::ImportFiles(const std::vector<std::string>& paths) {
+  Guarded("mnuImportFiles", [&] {
+    if (!RefuseWhileBusy(kImportTitle)) exchange_.ShowImport(*this, ui_->Directory->Path(), paths);
+  });
+}
+
+void frmMain::ExportFields() {
+  Guarded("mnuExportFields", [this] {
+    if (!RefuseWhileBusy(kExportTitle)) exchange_.ShowExport(*this, ui_->Directory->Path(), ChosenNames());
+  });
+}
+
 void frmMain::ComputationStarted() {
   setCursor(Qt::WaitCursor);
   ui_->cmdOk->hide();
@@ -422,7 +442,9 @@ void frmMain::OpenPaths(const std::vector<std::string>& paths) {
     }
     const auto macro = first(".MAK");
     if (macro != paths.end() && LoadMacroFile(session_, *macro)) ShowMacro(-1);
-    const DroppedSelection selection = SelectionOf(machine_.files, paths);
+    std::vector<std::string> own = paths;
+    const std::vector<std::string> foreign = TakeForeignFiles(machine_.files, own);
+    const DroppedSelection selection = SelectionOf(machine_.files, own);
     if (!selection.directory.empty() && OpenDirectory(selection.directory)) {
       if (selection.everything) {
         ui_->Files->selectAll();
@@ -432,6 +454,7 @@ void frmMain::OpenPaths(const std::vector<std::string>& paths) {
     }
     const auto collection = first(".COL");
     if (collection != paths.end()) ShowCollection(*collection);
+    if (!foreign.empty()) ImportFiles(foreign);
   });
 }
 

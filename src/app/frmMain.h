@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/exchange_windows.h"
 #include "app/last_run.h"
 #include "app/machine.h"
 #include "app/main_window.h"
@@ -36,8 +37,8 @@ class frmMain : public QMainWindow, public MainWindow {
   Session& TheSession() { return session_; }
 
   /// Opens dropped files: loads the first macro, shows the first collection, opens a directory with all its files
-  /// selected, and selects vector fields in their directory. If one of the files is missing, shows a message and opens
-  /// nothing.
+  /// selected, and selects vector fields in their directory; files of other programs lead to their import. If one of
+  /// the files is missing, shows a message and opens nothing.
   void OpenPaths(const std::vector<std::string>& paths);
 
   /// Opens a directory and lists its files. If it cannot be read, shows a message and changes nothing.
@@ -93,12 +94,16 @@ class frmMain : public QMainWindow, public MainWindow {
   bool RefuseWhileBusy(std::string_view title);
 
   void ConnectTools();
+  void ImportFiles(const std::vector<std::string>& paths);
+  void ExportFields();
 
   // Shows a file of the list or, if there is no name, the first one of the directory.
   void ShowField(const std::string& name);
 
   // The files that a run would take, or all if none is selected.
+  std::vector<std::string> ChosenNames() const;
   void TellFiles();
+  void SelectFiles(const std::string& directory, const std::vector<std::string>& names);
 
   // Shows the hidden window at its old position; the window manager would choose a new one.
   void ShowAt(QPoint place);
@@ -111,6 +116,7 @@ class frmMain : public QMainWindow, public MainWindow {
   QtUserInterface messages_{*this};
   Session session_;
   ParameterWindows dialogs_{*this, messages_};
+  ExchangeWindows exchange_{machine_, messages_};
   LastRun lastRun_{machine_, session_, log_};
   MacroEditing editing_{session_, dialogs_};
   Help help_{machine_.helpFile, [this] { return dialogs_.Topic(); }, *this, messages_};

@@ -6,38 +6,74 @@
 #include "messages/failure.h"
 #include "platform/files/paths.h"
 #include "platform/process/environment.h"
+#include "platform/text/text.h"
 
 namespace quiverion {
+namespace {
+
+std::string WithoutDigits(std::string name) {
+  std::erase_if(name, [](char c) { return c >= '0' && c <= '9'; });
+  return name;
+}
+
+// The files of a directory whose names differ from `name` only in their digits.
+std::vector<std::string> FilesLike(FileSystem& files, const std::string& directory, const std::string& name) {
+  std::vector<std::string> names = files.ListFiles(directory);
+  std::erase_if(names, [kind = WithoutDigits(name)](const std::string& each) {
+    return WithoutDigits(each) != kind || FileNameOf(each) != each;
+  });
+  std::ranges::sort(names, FileNameLess);
+  return names;
+}
+
+}  // namespace
 
 void FieldSeries::OpenWithDirectory(FileSystem& files, const std::string& path) {
   const bool isDirectory = files.IsDirectory(path);
   const std::string directory = isDirectory ? path : std::string(DirectoryOf(path));
+  const std::string name(FileNameOf(path)), listed = directory.empty() ? "." : directory;
   std::vector<std::string> names;
-  Attempt([&] { names = ListSeriesFiles(files, directory.empty() ? "." : directory); });
+  Attempt([&] {
+    names = isDirectory || IsSeriesFile(name) ? ListSeriesFiles(files, listed) : FilesLike(files, listed, name);
+  });
   const std::string prefix = isDirectory ? WithSeparator(path) : DirectoryPrefixOf(path);
-  paths_.clear();
+  items_.clear();
   current_ = 0;
-  const std::string key = FileNameKey(FileNameOf(path));
+  const std::string key = FileNameKey(name);
   bool found = isDirectory;
-  for (const std::string& name : names) {
-    if (!found && FileNameKey(name) == key) {
+  for (const std::string& each : names) {
+    if (!found && FileNameKey(each) == key) {
       current_ = Count();
       found = true;
     }
-    paths_.push_back(prefix + name);
+    items_.push_back({.path = prefix + each});
   }
-  if (!found) paths_ = {path};
+  if (!found) items_ = {{.path = path}};
 }
 
 void FieldSeries::Open(FileSystem& files, const std::vector<std::string>& paths) {
   isDirectory_ = paths.size() == 1;
   if (isDirectory_) return OpenWithDirectory(files, paths.front());
-  paths_ = paths;
+  items_.clear();
+  for (const std::string& path : paths) items_.push_back({.path = path});
   current_ = 0;
 }
 
 void FieldSeries::Reread(FileSystem& files) {
-  if (isDirectory_ && !IsEmpty()) OpenWithDirectory(files, std::string(CurrentPath()));
+  if (!isDirectory_ || IsEmpty()) return;
+  const Item before = CurrentItem();
+  OpenWithDirectory(files, before.path);
+  items_[static_cast<std::size_t>(current_)].field = before.field;
+}
+
+void FieldSeries::Expand(std::size_t fieldCount) {
+  const Item file = CurrentItem();
+  if (file.isPart || fieldCount < 2) return;
+  const auto place = items_.erase(items_.begin() + current_);
+  std::vector<Item> parts;
+  for (std::size_t k = 0; k < fieldCount; ++k) parts.push_back({.path = file.path, .field = k, .isPart = true});
+  items_.insert(place, parts.begin(), parts.end());
+  current_ += static_cast<int>(std::min(file.field, fieldCount - 1));
 }
 
 bool FieldSeries::MoveTo(int index) {

@@ -8,21 +8,33 @@
 namespace quiverion {
 
 /// The fields that somebody pages through: the files of a directory in the order of the file list, or those that were
-/// given.
+/// given. A file may contain several fields, which is known only after it has been read.
 class FieldSeries {
  public:
   /// Several files: these, the first one being the current one. One file: all fields of its directory, the file being
-  /// the current one; only the file if the directory does not list it. A directory: its fields, none if it has none.
+  /// the current one; if the file list does not show it, those of the directory whose names differ only in their
+  /// digits. A directory: its fields, none if it has none.
   void Open(FileSystem& files, const std::vector<std::string>& paths);
 
   /// Looks again which files there are. The current one stays.
   void Reread(FileSystem& files);
 
-  bool IsEmpty() const { return paths_.empty(); }
-  int Count() const { return static_cast<int>(paths_.size()); }
+  /// The current file has so many fields. They take its place in the series.
+  void Expand(std::size_t fieldCount);
+
+  /// A field of the series.
+  struct Item {
+    std::string path;
+    std::size_t field = 0;  // in the file, counted from 0
+    bool isPart = false;    // of a file that has been expanded
+  };
+
+  bool IsEmpty() const { return items_.empty(); }
+  int Count() const { return static_cast<int>(items_.size()); }
   int Current() const { return current_; }
-  const std::string& Path(int index) const { return paths_[static_cast<std::size_t>(index)]; }
-  const std::string& CurrentPath() const { return Path(current_); }
+  const Item& At(int index) const { return items_[static_cast<std::size_t>(index)]; }
+  const Item& CurrentItem() const { return At(current_); }
+  const std::string& CurrentPath() const { return CurrentItem().path; }
 
   /// False if this is the current one, or there is none.
   bool MoveTo(int index);
@@ -33,7 +45,7 @@ class FieldSeries {
  private:
   void OpenWithDirectory(FileSystem& files, const std::string& path);
 
-  std::vector<std::string> paths_;
+  std::vector<Item> items_;
   bool isDirectory_ = false;  // all fields of one
   int current_ = 0;
 };

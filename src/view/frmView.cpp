@@ -9,10 +9,10 @@
 #include <algorithm>
 
 #include "dialogs/widgets/dropped_files.h"
+#include "dialogs/widgets/elided_label.h"
 #include "dialogs/widgets/guarded.h"
 #include "dialogs/widgets/icons.h"
 #include "dialogs/widgets/qt_text.h"
-#include "field/formats/load_original_file.h"
 #include "picture/frame.h"
 #include "platform/files/paths.h"
 #include "ui_frmView.h"
@@ -45,6 +45,9 @@ frmView::frmView(const ViewServices& services, QWidget* parent)
   ui_->setupUi(this);
   setWindowIcon(QIcon(":/icons/viewer.ico"));
   setProperty("helpTopic", "frmView");
+  takenFor_ = new ElidedLabel(this);
+  takenFor_->setTextFormat(Qt::PlainText);
+  ui_->statusbar->addWidget(takenFor_, 1);
   AddQuantities();
   ConnectFileMenu();
   ConnectViewMenu();
@@ -231,7 +234,10 @@ void frmView::OpenPaths(const std::vector<std::string>& paths) {
 void frmView::ChooseFiles() {
   Guarded([this] {
     const auto path = dialogs_.ChooseFile({.title = "Vektorfeld öffnen",
-                                           .filters = {"Vektorfelder (*.vas;*.vec;*.dat)", "Alle Dateien (*.*)"},
+                                           .filters = {"Vektorfelder (*.vas;*.vec;*.dat)",
+                                                       "Andere Programme (*.txt;*.csv;*.tec;*.nc;*.mat;*.vti;*.pvd;"
+                                                       "*.vc7;*.jvc)",
+                                                       "Alle Dateien (*.*)"},
                                            .directory = std::string(DirectoryOf(CurrentPath()))});
     if (path) OpenPaths({*path});
   });
@@ -240,6 +246,7 @@ void frmView::ChooseFiles() {
 void frmView::Reload() {
   if (series_.IsEmpty()) return;
   series_.Reread(services_.files);
+  loader_.Forget();
   LoadCurrent();
   BeginScale();
   ShowPicture();
@@ -259,8 +266,10 @@ void frmView::LoadCurrent() {
   logText_.Clear();
   ui_->statusbar->clearMessage();
   context_.abortCurrentFile = context_.runHadError = false;
-  LoadOriginalFile(context_, series_.CurrentPath());
+  loader_.Load(series_.CurrentPath(), series_.CurrentItem().field);
   isLoaded_ = !context_.abortCurrentFile;
+  series_.Expand(loader_.FieldCount());
+  takenFor_->setText(isLoaded_ ? ToQt(loader_.TakenFor()) : QString());
   shown_.Changed();
   profile_.clear();
   if (isLoaded_) ObeyViewSettings();
@@ -298,7 +307,8 @@ void frmView::ShowSeriesPlace() {
   ui_->sldSeries->setEnabled(series_.Count() > 1);
   ui_->cmdPlay->setEnabled(series_.Count() > 1);
   ui_->mnuPlay->setEnabled(series_.Count() > 1);
-  const QString name = some ? ToQt(DrawnText(FileNameOf(series_.CurrentPath()), 60)) : QString();
+  QString name = some ? ToQt(DrawnText(FileNameOf(series_.CurrentPath()), 60)) : QString();
+  if (some && series_.CurrentItem().isPart) name += QString(", Feld %1").arg(series_.CurrentItem().field + 1);
   ui_->lblFile->setText(some ? QString("%1 von %2   %3").arg(series_.Current() + 1).arg(series_.Count()).arg(name)
                              : QString());
   setWindowTitle(some ? name + " - QuiverionView" : QStringLiteral("QuiverionView"));

@@ -9,6 +9,7 @@
 
 #include "dialogs/log_text.h"
 #include "dialogs/parameters/parameter_windows.h"
+#include "exchange/load_any_field.h"
 #include "field/context.h"
 #include "picture/readout.h"
 #include "picture/shown_field.h"
@@ -19,6 +20,7 @@
 #include "view/window_messages.h"
 
 class QActionGroup;
+class QLabel;
 
 namespace Ui {
 class frmView;
@@ -92,6 +94,7 @@ class frmView : public QMainWindow {
   RunLog log_;
   LogText logText_;
   Context context_;
+  exchange::AnyFieldLoader loader_{context_};
   ShownField shown_;
   bool isLoaded_ = false;
   FieldSeries series_;
@@ -104,6 +107,7 @@ class frmView : public QMainWindow {
   std::vector<ProfileValue> profile_;
   QTimer player_;
   QActionGroup* quantities_ = nullptr;  // owned by the window
+  QLabel* takenFor_ = nullptr;          // what a file of another program was taken for; owned by the window
   std::unique_ptr<Ui::frmView> ui_;
 };
 

@@ -3,8 +3,6 @@
 #include <QElapsedTimer>
 #include <algorithm>
 
-#include "field/formats/load_original_file.h"
-
 namespace quiverion {
 namespace {
 
@@ -23,7 +21,7 @@ ScaleSampler::ScaleSampler(FileSystem& files, const Clock& clock, std::function<
 void ScaleSampler::Begin(const FieldSeries& series, ShownField& shown, Quantity quantity) {
   left_.clear();
   const bool many = shown.Field().status.Values().size() <= kLargest;
-  for (const int index : series.Sample(many ? kFields : 1)) left_.push_back(series.Path(index));
+  for (const int index : series.Sample(many ? kFields : 1)) left_.push_back(series.At(index));
   left_.erase(left_.begin());  // the one that is shown
   std::ranges::reverse(left_);
   quantity_ = quantity;
@@ -46,10 +44,10 @@ void ScaleSampler::Continue() {
 }
 
 void ScaleSampler::AddNext() {
-  const std::string path = left_.back();
+  const FieldSeries::Item item = left_.back();
   left_.pop_back();
   context_.abortCurrentFile = false;
-  LoadOriginalFile(context_, path);
+  loader_.Load(item.path, item.field);
   if (!context_.abortCurrentFile && StatisticResultOf(context_.field) == result_) values_->Add(context_.field);
 }
 
@@ -57,6 +55,7 @@ void ScaleSampler::Conclude() {
   scale_ = HeldScale{quantity_, result_, values_->Reference(), values_->BarLimits()};
   if (!left_.empty()) return;
   context_.field = {};  // its memory
+  loader_.Forget();
 }
 
 }  // namespace quiverion

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "exchange/load_any_field.h"
 #include "field/context.h"
 #include "messages/silent_user_interface.h"
 #include "picture/shown_field.h"
@@ -37,7 +38,8 @@ class ScaleSampler : public QObject {
   Context context_;
   std::function<void()> changed_;
   QTimer timer_;
-  std::vector<std::string> left_;  // last one first
+  exchange::AnyFieldLoader loader_{context_};
+  std::vector<FieldSeries::Item> left_;  // last one first
   std::optional<SeriesScale> values_;
   Quantity quantity_ = Quantity::none;
   std::optional<StatisticResult> result_;

@@ -5,7 +5,7 @@
 
 #include "cli/exit_code.h"
 #include "cli/terminal.h"
-#include "field/formats/load_original_file.h"
+#include "exchange/load_any_field.h"
 #include "log/first_lines.h"
 #include "macro/macro_file.h"
 #include "macro/run_driver.h"
@@ -124,7 +124,7 @@ class PictureRun {
     context.abortCurrentFile = context.runHadError = false;
     overlay_.Clear();  // memory does not grow with the series
     if (options_.macro.empty()) {
-      LoadOriginalFile(context, input);
+      loader_.Load(input);
     } else {
       session_.inputDirectory = DirectoryPrefixOf(input);
       session_.selectedFiles = {std::string(FileNameOf(input))};
@@ -158,6 +158,7 @@ class PictureRun {
   std::unique_ptr<FileSystem> files_ = MakeSystemFileSystem();
   OverlayFiles overlay_{*files_};
   Session session_{overlay_, ui_, log_, clock_};
+  exchange::AnyFieldLoader loader_{session_.context};
   std::vector<std::string> inputs_;
   bool isDirectory_ = false;
   std::optional<HeldScale> held_;  // of a series
