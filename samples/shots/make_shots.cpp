@@ -192,7 +192,7 @@ class Shots {
     import.AddPaths(paths);
     const auto* const state = import.findChild<QPushButton*>("cmdImport");
     for (QElapsedTimer time = Started(); !state->isEnabled() && time.elapsed() < 5000;) QApplication::processEvents();
-    import.findChild<QTableView*>()->selectRow(4);
+    import.findChild<QTableView*>()->selectRow(3);
     Save(import, "frmImport");
     frmExport exporting({*files_, clock_, ui_});
     std::vector<std::string> fields;

@@ -1,8 +1,10 @@
 // The main window: lists, menus, keys, and what goes wrong with them.
 #include <QMimeData>
 #include <QShortcutEvent>
+#include <QTableView>
 #include <filesystem>
 
+#include "generator/foreign_files.h"
 #include "platform/files/paths.h"
 #include "support/bytes.h"
 #include "window_fixture.h"
@@ -255,6 +257,38 @@ TEST_F(MainWindow, ShortcutsOfAWindowBehindADialogDoNothing) {
     Press(dialog, "cmdOk");
   });
   Click("cmdEditMacroEvent");
+}
+
+TEST_F(MainWindow, FilesOfOtherProgramsLeadToTheirImportAndAreSelectedThen) {
+  for (const char* name : {"fremd/B1.txt", "fremd/B2.txt"}) {
+    place.Write(name, samples::ForeignSampleOf("davis8.txt").bytes(Sample(0)));
+  }
+  place.Write("fremd/L1.vec", samples::ForeignSampleOf("insight.vec").bytes(Sample(0)));
+  Open();
+  script.Expect<QDialog>("quiverion::frmImport", [&](QDialog& import) {
+    auto& button = Find<QPushButton>(import, "cmdImport");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return button.isEnabled(); }));
+    EXPECT_EQ(Lines(Find<QTableView>(import, "tblFiles")), "B1.txt|B2.txt|L1.vec|");
+    button.click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return place.Has("fremd/VAS/L1.vas"); }));
+    auto& close = Find<QPushButton>(import, "cmdCancel");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return close.text().endsWith("ließen"); }));
+    close.click();
+  });
+  Drop(*window, {place.At("fremd/B1.txt"), place.At("fremd/L1.vec"), place.At("fremd/B2.txt")});
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Files().SelectedNames().size() == 3; }));
+  EXPECT_EQ(Files().SelectedNames(), (Names{"B1.vas", "B2.vas", "L1.vas"}));
+  EXPECT_EQ(Directory().Path(), place.At("fremd/VAS"));
+  // The export begins with what is selected, and the lists show what it has written.
+  Files().SelectNames({"L1.vas"});
+  script.Expect<QDialog>("quiverion::frmExport", [&](QDialog& exporting) {
+    EXPECT_EQ(Lines(Find<QTableView>(exporting, "tblFiles")), "L1.vas|");
+    Press(exporting, "cmdExport");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Find<QLabel>(exporting, "lblState").text().endsWith("geschrieben"); }));
+    QTest::keyClick(&exporting, Qt::Key_Escape);
+  });
+  Trigger("mnuExportFields");
+  EXPECT_TRUE(place.Has("fremd/VAS/L1.nc"));
 }
 
 // Dropped files are opened after the drop, and a click may come in between. A macro was replaced while one of its

@@ -14,6 +14,7 @@
 #include <QTableView>
 #include <filesystem>
 
+#include "generator/foreign_files.h"
 #include "generator/sample_files.h"
 #include "support/program.h"
 #include "view/field_view.h"
@@ -268,6 +269,44 @@ TEST_F(ViewWindow, PlaysUntilItIsClosed) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return Text("lblFile") == "1 von 4   f0.vas"; })) << "it begins again";
   window->close();
   EXPECT_FALSE(window->findChild<QAction*>("mnuPlay")->isChecked());
+}
+
+TEST_F(ViewWindow, OpensFilesOfOtherProgramsWithoutAnImport) {
+  const auto bytes = [](std::string_view sample, int index) {
+    return samples::ForeignSampleOf(sample).bytes(samples::MakeSampleField({.index = index, .columns = 9, .rows = 6}));
+  };
+  for (const char* name : {"d/B1.txt", "d/B02.txt", "d/B3.txt"}) place.Write(name, bytes("davis8.txt", 1));
+  place.Write("d/liesmich.txt", "Versuch 3");
+  place.Write("d/L1.vec", bytes("insight.vec", 2));
+  const std::string zone = "ZONE I=2 J=2\n0 0 1 2\n1 0 1 2\n0 1 1 2\n1 1 1 2\n";
+  place.Write("d/zonen1.plt", "VARIABLES = x y u v\n" + zone + zone + zone);
+  place.Write("d/zonen2.plt", "VARIABLES = x y u v\n" + zone);
+  const std::size_t before = place.Files().size();
+  const auto takenFor = [this] { return FromQt(window->statusBar()->findChild<QLabel*>()->text()); };
+  Open({"d/B3.txt"});
+  EXPECT_EQ(Text("lblFile"), "3 von 3   B3.txt") << "names that differ in their digits are a series";
+  EXPECT_TRUE(View().HasField());
+  EXPECT_TRUE(takenFor().starts_with("DaVis 8.1.6 (Text mit Dezimalkomma), 9 x 6, Positionen in mm")) << takenFor();
+  Open({"d/L1.vec"});
+  EXPECT_TRUE(takenFor().starts_with("Insight (Tecplot), 9 x 6")) << takenFor();
+  EXPECT_TRUE(Find<QPlainTextEdit>(*window, "txtTexts").toPlainText().contains("Importiert aus 'L1.vec'"));
+  // The fields of one file follow each other, then comes the next file.
+  Open({"d/zonen1.plt"});
+  EXPECT_EQ(Text("lblFile"), "1 von 4   zonen1.plt, Feld 1");
+  Key(Qt::Key_Right);
+  Key(Qt::Key_Right);
+  EXPECT_EQ(Text("lblFile"), "3 von 4   zonen1.plt, Feld 3");
+  EXPECT_TRUE(takenFor().starts_with("Tecplot, 3 Felder, 2 x 2")) << takenFor();
+  Trigger("mnuReload");
+  EXPECT_EQ(Text("lblFile"), "3 von 4   zonen1.plt, Feld 3");
+  Key(Qt::Key_Right);
+  EXPECT_EQ(Text("lblFile"), "4 von 4   zonen2.plt");
+  place.Write("d/zonen1.plt", "VARIABLES = x y u v\n" + zone.substr(0, 40));
+  Open({"d/zonen1.plt"});
+  EXPECT_FALSE(View().HasField());
+  EXPECT_TRUE(Find<QPlainTextEdit>(*window, "txtTexts").toPlainText().contains("Zeile 6: "));
+  EXPECT_EQ(takenFor(), "");
+  EXPECT_EQ(place.Files().size(), before) << "it only reads";
 }
 
 TEST_F(ViewWindow, OpensDroppedFiles) {

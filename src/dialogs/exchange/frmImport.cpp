@@ -20,6 +20,10 @@ namespace quiverion {
 namespace {
 
 constexpr const char* kTitle = "QuiverionSeries  -  Dateien importieren";
+// The widths of columns with long texts, in letters.
+constexpr std::pair<int, int> kMostLetters[] = {
+    {ImportList::name, 30},  {ImportList::result, 46}, {ImportList::format, 32}, {ImportList::grid, 24},
+    {ImportList::units, 30}, {ImportList::yAxis, 24},  {ImportList::valid, 24}};
 constexpr int kCompareAfter = 200;  // ms, so that many answers cost one comparison
 
 // Unlike a box that chooses, a box that is typed in has no index for a text of its own.
@@ -58,10 +62,8 @@ frmImport::frmImport(const ExchangeServices& services, QWidget* parent)
   QHeaderView& header = *table.horizontalHeader();
   table.setModel(&list_);
   const int letter = fontMetrics().averageCharWidth();
-  const std::pair<int, int> widths[] = {{ImportList::name, 22},  {ImportList::format, 22}, {ImportList::grid, 12},
-                                        {ImportList::units, 14}, {ImportList::yAxis, 14},  {ImportList::statuses, 22},
-                                        {ImportList::valid, 17}, {ImportList::result, 30}};
-  for (const auto& [column, letters] : widths) header.resizeSection(column, letters * letter);
+  for (const auto& [column, letters] : kMostLetters) header.resizeSection(column, letters * letter / 2);
+  header.setResizeContentsPrecision(200);  // rows that are measured
   header.setStretchLastSection(true);
   table.verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
   compareLater_.setSingleShot(true);
@@ -333,8 +335,20 @@ void frmImport::CountDone() {
   if (++done_ >= total_ && work_ != Work::none) {
     work_ = Work::none;
     CompareResults();
+    FitColumns();
   }
   ShowProgress();
+}
+
+// As wide as their texts, as long as nobody has changed them.
+void frmImport::FitColumns() {
+  if (std::exchange(isFitted_, true)) return;
+  ui_->tblFiles->resizeColumnsToContents();
+  QHeaderView& header = *ui_->tblFiles->horizontalHeader();
+  const int letter = fontMetrics().averageCharWidth();
+  for (const auto& [column, letters] : kMostLetters) {
+    header.resizeSection(column, std::min(header.sectionSize(column), letters * letter));
+  }
 }
 
 void frmImport::ShowProgress() {

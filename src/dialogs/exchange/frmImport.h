@@ -68,6 +68,7 @@ class frmImport : public QDialog {
   void TakeResult(std::uint64_t request, const std::string& problem, const std::vector<std::string>& written);
   void Cancel();
   void CountDone();
+  void FitColumns();
   void ShowProgress();
   void ShowWork();
 
@@ -78,6 +79,7 @@ class frmImport : public QDialog {
   std::uint64_t nextRequest_ = 1;
   int done_ = 0, total_ = 0;  // files of the work
   QTimer compareLater_;
+  bool isFitted_ = false;
   std::string directory_;  // as bytes, as long as nobody types another one
   std::string begin_;
   std::string importedDirectory_;

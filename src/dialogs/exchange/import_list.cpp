@@ -13,8 +13,8 @@
 namespace quiverion {
 namespace {
 
-constexpr const char* kCaptions[] = {"Datei",   "Format", "Gitter", "Einheiten",
-                                     "y-Achse", "Status", "Gültig", "Ergebnis"};
+constexpr const char* kCaptions[] = {"Datei",     "Ergebnis", "Format", "Gitter",
+                                     "Einheiten", "y-Achse",  "Gültig", "Status"};
 
 bool HasReport(const ImportItem& item) {
   return item.state != ImportState::unknown && item.state != ImportState::unread && item.state != ImportState::refused;
@@ -78,7 +78,7 @@ std::string CellText(const ImportItem& item, int column) {
     case ImportList::units:
       return UnitsText(report);
     case ImportList::yAxis:
-      return std::string(report.yPointsDown ? "nach unten" : "nach oben") + (report.yIsAssumed ? " (angenommen)" : "");
+      return std::string(report.yPointsDown ? "unten" : "oben") + (report.yIsAssumed ? " (angenommen)" : "");
     case ImportList::statuses:
       return report.statusRule;
     default:

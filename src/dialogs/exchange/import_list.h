@@ -41,7 +41,7 @@ class ImportList : public QAbstractTableModel {
   Q_OBJECT
 
  public:
-  enum Column { name, format, grid, units, yAxis, statuses, valid, result, columns };
+  enum Column { name, result, format, grid, units, yAxis, valid, statuses, columns };
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
