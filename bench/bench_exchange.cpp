@@ -69,12 +69,10 @@ void Inflate(benchmark::State& state, std::string_view name) {
 }
 
 VectorField FieldOf(const benchmark::State& state) {
-  const auto side = static_cast<std::int32_t>(state.range(0));
-  VectorField field = test::RandomField(1, side, side, {.invalid = 50});
-  for (std::int32_t k = 0; k < side; ++k) {
-    field.posX[static_cast<std::size_t>(k)] = 0.1 * k;
-    field.posY[static_cast<std::size_t>(k)] = -0.1 * k;
-  }
+  const auto columns = static_cast<std::int32_t>(state.range(0)), rows = static_cast<std::int32_t>(state.range(1));
+  VectorField field = test::RandomField(1, columns, rows, {.invalid = 50});
+  for (std::size_t k = 0; k < field.posX.size(); ++k) field.posX[k] = 0.1 * static_cast<double>(k);
+  for (std::size_t k = 0; k < field.posY.size(); ++k) field.posY[k] = -0.1 * static_cast<double>(k);
   return field;
 }
 
@@ -119,6 +117,11 @@ void Register(const std::string& name, auto function) {
   benchmark::RegisterBenchmark(name.c_str(), function)->Arg(100)->Arg(700)->Unit(benchmark::kMicrosecond);
 }
 
+void RegisterExport(const std::string& name, auto function) {
+  auto* const bench = benchmark::RegisterBenchmark(name.c_str(), function);
+  bench->Args({125, 100})->Args({400, 400})->Args({700, 700})->Unit(benchmark::kMicrosecond);
+}
+
 const bool kRegistered = [] {
   for (const std::string_view name : kTexts) {
     Register("Import/plain_read/" + std::string(name), [name](benchmark::State& state) { PlainImport(state, name); });
@@ -129,9 +132,9 @@ const bool kRegistered = [] {
     Register("Import/" + std::string(name), [name](benchmark::State& state) { Import(state, name); });
   }
   for (const exchange::ExportKind& kind : exchange::ExportKinds()) {
-    Register("Export/plain_write/" + std::string(kind.name),
-             [&](benchmark::State& state) { PlainExport(state, kind); });
-    Register("Export/" + std::string(kind.name), [&](benchmark::State& state) { Export(state, kind); });
+    RegisterExport("Export/plain_write/" + std::string(kind.name),
+                   [&](benchmark::State& state) { PlainExport(state, kind); });
+    RegisterExport("Export/" + std::string(kind.name), [&](benchmark::State& state) { Export(state, kind); });
   }
   return true;
 }();

@@ -47,7 +47,7 @@ class MatWriter {
  private:
   template <class Number>
   void Value(Number value) {
-    std::memcpy(writer_.Room(sizeof value), &value, sizeof value);
+    std::memcpy(writer_.Room(), &value, sizeof value);
     writer_.Advance(sizeof value);
   }
   void Word(std::uint64_t value) { Value(static_cast<std::uint32_t>(value)); }

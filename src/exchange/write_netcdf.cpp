@@ -172,9 +172,20 @@ void WriteRow(BlockWriter& writer, const Value* values, std::size_t count, bool 
       std::reverse_copy(values + count - done - part, values + count - done, turned);
       from = turned;
     }
-    convert(from, part, writer.Room(part * size));
+    convert(from, part, writer.Room());
     writer.Advance(part * size);
     done += part;
+  }
+}
+
+// The rows follow each other against the order of the memory, which the processor does not expect: each is fetched
+// while the one before is converted.
+template <class Value, class Convert>
+void WriteRows(BlockWriter& writer, const AscendingField& field, std::size_t columns,
+               const Value* (AscendingField::*row)(std::size_t) const, bool turn, std::size_t size, Convert convert) {
+  for (std::size_t j = 0; j < field.Rows(); ++j) {
+    if (j + 1 < field.Rows()) FetchAhead((field.*row)(j + 1), columns * sizeof(Value));
+    WriteRow(writer, (field.*row)(j), columns, turn, size, convert);
   }
 }
 
@@ -209,11 +220,11 @@ void WriteNetCdfRecord(ResultFile& file, const VectorField& vectors, const Serie
   SwapDoubles(&place.time, 1, time);
   file.Write({time, sizeof time});
   BlockWriter writer(file);
-  for (std::size_t j = 0; j < rows; ++j) WriteRow(writer, field.U(j), columns, turn, 8, SwapDoubles);
-  for (std::size_t j = 0; j < rows; ++j) WriteRow(writer, field.V(j), columns, turn, 8, SwapDoubles);
-  for (std::size_t j = 0; j < rows; ++j) WriteRow(writer, field.Status(j), columns, turn, 1, Validity);
+  WriteRows(writer, field, columns, &AscendingField::U, turn, 8, SwapDoubles);
+  WriteRows(writer, field, columns, &AscendingField::V, turn, 8, SwapDoubles);
+  WriteRows(writer, field, columns, &AscendingField::Status, turn, 1, Validity);
   PadTo4(writer, columns * rows);
-  for (std::size_t j = 0; j < rows; ++j) WriteRow(writer, field.Status(j), columns, turn, 4, SwapIntegers);
+  WriteRows(writer, field, columns, &AscendingField::Status, turn, 4, SwapIntegers);
   writer.Finish();
 }
 

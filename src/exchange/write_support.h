@@ -37,60 +37,80 @@ class AscendingField {
   bool columnsTurn_, rowsTurn_;
 };
 
+/// Memory that will be read soon.
+inline void FetchAhead(const void* begin, std::size_t size) {
+  constexpr std::size_t kLine = 64, kMost = 64 * 1024;
+  for (std::size_t at = 0; at < size && at < kMost; at += kLine)
+    __builtin_prefetch(static_cast<const char*>(begin) + at, 0, 2);
+}
+
 /// Gathers what a writer makes, item by item, in one block that goes to the file when it is full.
 class BlockWriter {
  public:
   explicit BlockWriter(ResultFile& file)
-      : file_(file), memory_(std::make_unique_for_overwrite<char[]>(kSize + kAlignment)) {
+      : file_(file), memory_(std::make_unique_for_overwrite<char[]>(kBlock + kMostRoom + kAlignment)) {
     void* begin = memory_.get();
-    std::size_t space = kSize + kAlignment;
-    begin_ = end_ = static_cast<char*>(std::align(kAlignment, kSize, begin, space));
+    std::size_t space = kBlock + kMostRoom + kAlignment;
+    begin_ = end_ = static_cast<char*>(std::align(kAlignment, kBlock + kMostRoom, begin, space));
+    limit_ = LimitOfBlock();
   }
 
-  /// Room for `size` (at most kMostRoom) bytes; Advance says how many were used.
-  char* Room(std::size_t size) {
-    if (static_cast<std::size_t>(begin_ + kSize - end_) < size) Finish();
-    return end_;
+  /// Room for at most kMostRoom bytes; Advance says how many were used.
+  char* Room() { return end_; }
+  void Advance(std::size_t size) {
+    end_ += size;
+    if (end_ >= limit_) WriteBlock();
   }
-  void Advance(std::size_t size) { end_ += size; }
 
   void Text(std::string_view text) {
-    if (text.size() > kMostRoom) {
-      Finish();
-      file_.Write(text);
-      return;
+    while (text.size() > kMostRoom) {
+      Text(text.substr(0, kMostRoom));
+      text.remove_prefix(kMostRoom);
     }
-    std::memcpy(Room(text.size()), text.data(), text.size());
+    std::memcpy(end_, text.data(), text.size());
     Advance(text.size());
   }
 
   /// The shortest text that reads back as the same double.
   void Number(double value) {
-    char* const begin = Room(kLongestNumber);
-    end_ = std::to_chars(begin, begin + kLongestNumber, value).ptr;
+    Advance(static_cast<std::size_t>(std::to_chars(end_, end_ + kLongestNumber, value).ptr - end_));
   }
   void Whole(std::int64_t value) {
-    char* const begin = Room(kLongestNumber);
-    end_ = std::to_chars(begin, begin + kLongestNumber, value).ptr;
+    Advance(static_cast<std::size_t>(std::to_chars(end_, end_ + kLongestNumber, value).ptr - end_));
   }
 
   /// Passes everything to the file.
   void Finish() {
     file_.Write({begin_, static_cast<std::size_t>(end_ - begin_)});
     end_ = begin_;
+    limit_ = LimitOfBlock();
   }
 
   static constexpr std::size_t kMostRoom = 64 * 1024;
 
  private:
-  static constexpr std::size_t kSize = 64 * kMostRoom;  // few system calls: they cost more than the copying
-  static constexpr std::size_t kAlignment = 64;         // of whole vectors, for the first item of a block
+  // Few system calls, because they cost more than the copying. They begin at multiples of the block in the file: the
+  // system then keeps the file in large pieces.
+  static constexpr std::size_t kBlock = 512 * 1024;
+  static constexpr std::size_t kAlignment = 64;  // of whole vectors, for the first item of a block
   static constexpr std::size_t kLongestNumber = 32;
+
+  char* LimitOfBlock() const { return begin_ + kBlock - file_.Position() % kBlock; }
+
+  void WriteBlock() {
+    const char* const rest = limit_;
+    file_.Write({begin_, static_cast<std::size_t>(limit_ - begin_)});
+    const auto left = static_cast<std::size_t>(end_ - rest);
+    std::memmove(begin_, rest, left);
+    end_ = begin_ + left;
+    limit_ = LimitOfBlock();
+  }
 
   ResultFile& file_;
   std::unique_ptr<char[]> memory_;
   char* begin_;
   char* end_;
+  char* limit_;
 };
 
 /// The shortest text that reads back as the same double.

@@ -65,7 +65,7 @@ std::string HeadText(const AscendingField& field, const SeriesPlace& place) {
 
 template <class Value>
 void WriteValue(BlockWriter& writer, Value value) {
-  std::memcpy(writer.Room(sizeof value), &value, sizeof value);
+  std::memcpy(writer.Room(), &value, sizeof value);
   writer.Advance(sizeof value);
 }
 
@@ -85,13 +85,17 @@ void WriteVectors(BlockWriter& writer, const AscendingField& field) {
   WriteValue(writer, std::uint64_t{24} * columns * field.Rows());
   for (std::size_t j = 0; j < field.Rows(); ++j) {
     const double *u = field.U(j), *v = field.V(j);
+    if (j + 1 < field.Rows()) {
+      FetchAhead(field.U(j + 1), columns * sizeof(double));
+      FetchAhead(field.V(j + 1), columns * sizeof(double));
+    }
     if (field.ColumnsTurn()) {
-      for (std::size_t i = columns; i-- > 0;) Interleave(u + i, v + i, 1, writer.Room(24)), writer.Advance(24);
+      for (std::size_t i = columns; i-- > 0;) Interleave(u + i, v + i, 1, writer.Room()), writer.Advance(24);
       continue;
     }
     for (std::size_t done = 0; done < columns; done += kPart) {
       const std::size_t part = std::min(columns - done, kPart);
-      Interleave(u + done, v + done, part, writer.Room(24 * part));
+      Interleave(u + done, v + done, part, writer.Room());
       writer.Advance(24 * part);
     }
   }
@@ -102,6 +106,7 @@ void WriteStatuses(BlockWriter& writer, const AscendingField& field) {
   WriteValue(writer, std::uint64_t{4} * columns * field.Rows());
   for (std::size_t j = 0; j < field.Rows(); ++j) {
     const std::int32_t* const status = field.Status(j);
+    if (j + 1 < field.Rows()) FetchAhead(field.Status(j + 1), columns * sizeof(std::int32_t));
     if (field.ColumnsTurn()) {
       for (std::size_t i = columns; i-- > 0;) WriteValue(writer, status[i]);
     } else {

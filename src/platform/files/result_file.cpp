@@ -37,6 +37,7 @@ void ResultFile::WriteOut() {
 }
 
 void ResultFile::Write(std::string_view bytes) {
+  position_ += bytes.size();
   if (bytes.size() >= kBufferSize) {
     kept_.push_back({buffer_.size(), bytes});
     WriteOut();
@@ -51,6 +52,7 @@ void ResultFile::WriteKept(std::string_view bytes) {
     Write(bytes);
     return;
   }
+  position_ += bytes.size();
   kept_.push_back({buffer_.size(), bytes});
   if (kept_.size() == kMaxKept) WriteOut();
 }

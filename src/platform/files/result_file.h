@@ -32,6 +32,9 @@ class ResultFile {
   /// The same without copying, for bytes that stay in place and unchanged until the commit.
   void WriteKept(std::string_view bytes);
 
+  /// The bytes that have been passed to Write and WriteKept.
+  std::uint64_t Position() const { return position_; }
+
   /// Writes the rest, and renames the file to its path or keeps what was appended. Throws SystemError.
   void Commit();
 
@@ -51,6 +54,7 @@ class ResultFile {
     std::size_t bufferEnd;
     std::string_view bytes;
   };
+  std::uint64_t position_ = 0;
   std::string buffer_;
   std::vector<KeptPiece> kept_;
 };
