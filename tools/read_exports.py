@@ -1,16 +1,19 @@
 #!/usr/bin/python3
 """Other programs' readers and writers against the command line.
 
-    read_exports.py BIN DIRECTORY    BIN has quiverionseries-cli and make_sample_series
+    read_exports.py BIN DIRECTORY [VC7...]    BIN has quiverionseries-cli and make_sample_series
 
 Exports a series in every kind, opens the files with scipy, xarray and VTK, and compares every number with the VAS
-files. Then files that scipy writes are imported, and must give the numbers they were written from.
+files. Then files that scipy writes are imported, and must give the numbers they were written from. At last a VC7
+series (one that is made here, or the given files) goes the whole way: import, macro, export, other programs.
 """
+import json
 import os
 import shutil
 import struct
 import subprocess
 import sys
+import zlib
 
 import numpy as np
 import vtk
@@ -18,7 +21,7 @@ import xarray
 from scipy.io import loadmat, netcdf_file, savemat
 from vtk.util.numpy_support import vtk_to_numpy
 
-BIN, DIRECTORY = sys.argv[1:]
+BIN, DIRECTORY = sys.argv[1:3]
 FIELDS = ("x", "y", "u", "v", "status")
 
 
@@ -118,6 +121,69 @@ def check_exports(series, names):
         check_csv(base + ".csv", field)
 
 
+def write_vc7(path, u, v, choice):
+    """Planes of format 3 with zlib; y falls with the row, so v is stored as it is with the sign turned."""
+    rows, columns = u.shape
+    planes = np.zeros((10, rows, columns), "<f4")
+    planes[0], planes[1], planes[2] = choice, u / 0.5, v / -0.5
+    packed = zlib.compress(planes.tobytes())
+    header = struct.pack("<4h4i3h", 0, 2, 3, 0, columns, rows, 1, 1, 0, 16, 0)
+    tags = b""
+    for text in ("FrameScaleX0=0.02\n-5.0\nmm\n", "FrameScaleY0=-0.02\n4.0\nmm\n", "FrameScaleI0=0.5\n0\nm/s\n",
+                 "FrameDt0=300 us", "_DaVisVersion=8.3.1"):
+        tags += struct.pack("<2i", 6, len(text)) + text.encode("latin-1")
+    with open(path, "wb") as file:
+        file.write(header.ljust(256, b"\0") + struct.pack("<i", len(packed)) + packed + tags + bytes(8))
+
+
+def make_vc7_series():
+    random = np.random.default_rng(7)
+    paths = []
+    for k in range(3):
+        u, v = random.integers(-64, 64, (2, 12, 15)) / 8.0
+        choice = (random.random(u.shape) > 0.1).astype("f4")
+        paths.append(os.path.join(DIRECTORY, f"B{k + 1:05}.vc7"))
+        write_vc7(paths[-1], u, v, choice)
+        cli("import", "--to", DIRECTORY, paths[-1])
+        field = read_vas(os.path.join(DIRECTORY, f"B{k + 1:05}.vas"))
+        require_same("status of VC7", field["status"], choice.astype("i4"))
+        require_same("u of VC7", field["u"], np.where(choice, u, 0.0))
+        require_same("v of VC7", field["v"], np.where(choice, v, 0.0))
+    return paths
+
+
+def check_vc7(paths):
+    """Import, evaluation by a macro, export, xarray and VTK with times."""
+    work = os.path.join(DIRECTORY, "vc7")
+    cli("import", "--to", work, *paths)
+    sample = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../samples/macros/sample.json")
+    with open(sample, encoding="utf-8") as file:
+        search = [command for command in json.load(file) if command["EventId"] == "evtFaultVectors"]
+    macro = [*search, {"EventId": "evtInterpolation"}, {"EventId": "evtGauss3x3"},
+             {"EventId": "evtSaveVas", "Prefix": "fertig/", "Postfix": ""},
+             {"EventId": "evtExportNetCdf", "Prefix": "einzeln/", "Postfix": ""},
+             {"EventId": "evtExportVtk", "Prefix": "einzeln/", "Postfix": ""}]
+    source = os.path.join(DIRECTORY, "vc7.json")
+    with open(source, "w", encoding="utf-8") as file:
+        json.dump(macro, file)
+    cli("macro", "import", source, os.path.join(DIRECTORY, "vc7.mak"))
+    subprocess.run([os.path.join(BIN, "quiverionseries-cli"), "run", "--macro", os.path.join(DIRECTORY, "vc7.mak"), work],
+                   check=True, stdout=subprocess.DEVNULL)
+    done = os.path.join(work, "fertig")
+    names = sorted(os.listdir(done))
+    assert len(names) == len(paths)
+    fields = [read_vas(os.path.join(done, name)) for name in names]
+    cli("export", "--as", "netcdf", "--to", work, "--series", "serie.nc", "--dt", "0.25", done)
+    check_netcdf(os.path.join(work, "serie.nc"), fields)
+    cli("export", "--as", "vtk", "--to", work, "--series", "serie.pvd", "--dt", "0.25", done)
+    for k, (name, field) in enumerate(zip(names, fields)):
+        base = os.path.splitext(name)[0]
+        check_vtk(os.path.join(work, base + ".vti"), field, 0.25 * k)
+        with xarray.open_dataset(os.path.join(work, "einzeln", base + ".nc")) as data:
+            require_same("u of the macro's netCDF", data.u.values[0], field["u"][::-1])
+    return len(paths)
+
+
 def check_imports():
     """PIVlab's MAT file with cells, and netCDF in the order of PIVPy, both written by scipy."""
     random = np.random.default_rng(1)
@@ -162,6 +228,8 @@ def main():
     assert names
     check_exports(series, names)
     check_imports()
+    count = check_vc7(sys.argv[3:] or make_vc7_series())
+    print(f"{count} VC7 files went all the way to xarray and VTK")
     print(f"scipy, xarray and VTK read {len(names)} fields of every kind")
 
 
