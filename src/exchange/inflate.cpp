@@ -28,6 +28,9 @@ class Stream {
 
 constexpr std::size_t kMostAtOnce = std::numeric_limits<uInt>::max() / 2;
 
+// A small file must not take all memory: numbers never get that small, only zeros do.
+constexpr std::size_t kLargeSize = std::size_t{64} << 20, kMostRatio = 256;
+
 }  // namespace
 
 ByteBlock Inflate(std::string_view compressed, std::size_t wanted, std::size_t position, bool mayBeShorter) {
@@ -41,6 +44,7 @@ ByteBlock Inflate(std::string_view compressed, std::size_t wanted, std::size_t p
   std::size_t taken = 0, done = 0;
   int state = Z_OK;
   while (done < wanted && state == Z_OK) {
+    if (done > kLargeSize && done / kMostRatio > taken) refuse("die Daten sind unglaubwürdig stark komprimiert");
     if (done == block.size()) block.resize(std::min(wanted, 2 * block.size()));
     const std::size_t input = std::min(compressed.size() - taken, kMostAtOnce);
     const std::size_t room = std::min(block.size() - done, kMostAtOnce);

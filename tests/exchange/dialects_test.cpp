@@ -1,6 +1,9 @@
 // The dialects as short texts: what each is taken for, what is assumed, and every vector. The results are in
 // tests/approved/exchange_dialects.txt and exchange_refusals.txt.
 #include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <cstring>
 
 #include "exchange/exchange_fixture.h"
 #include "platform/text/numbers.h"
@@ -24,6 +27,18 @@ std::string WithColumn(const std::string& name, std::initializer_list<const char
   int k = 0;
   for (const char* value : values) text += std::to_string(k++) + ",0,1,2," + value + "\n";
   return text;
+}
+
+// A length and so many zeros, packed.
+std::string PackedZeros(std::size_t count) {
+  const std::vector<Bytef> zeros(count);
+  std::vector<Bytef> packed(compressBound(static_cast<uLong>(count)));
+  uLongf size = packed.size();
+  compress(packed.data(), &size, zeros.data(), static_cast<uLong>(count));
+  std::string bytes(4 + size, '\0');
+  std::memcpy(bytes.data(), &size, 4);
+  std::memcpy(bytes.data() + 4, packed.data(), size);
+  return bytes;
 }
 
 std::string Davis(const std::string& points) {
@@ -207,6 +222,7 @@ const Case kRefused[] = {
     {"vc7 packed in an old way", Vc7Header(1, 3, 10, 10) + std::string(1000, '\0')},
     {"vc7 of 2^31 points", Vc7Header(0, 3, 46341, 46341) + std::string(1000, '\0')},
     {"vc7 bomb", Vc7Header(2, 3, 2147483647, 2147483647) + std::string("\x08\0\0\0\x78\x9C\x03\0\0\0\0\x01", 12)},
+    {"vc7 bomb of zeros", Vc7Header(2, 2, 3000, 3000) + PackedZeros(8 * 3000 * 3000)},
     {"vc7 packed data damaged", Vc7Header(2, 3, 10, 10) + std::string("\x04\0\0\0abcd", 8)},
 };
 
