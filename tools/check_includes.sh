@@ -25,7 +25,8 @@ declare -A allowed=(
   [statistics]="operations $core"
   [macro]="statistics export operations $core"
   [preview]="macro picture statistics export operations $core"
-  [cli]="macro statistics export operations $core version.h nlohmann CLI"
+  [json]="macro statistics export operations $core nlohmann"
+  [cli]="json macro statistics export operations $core version.h CLI"
   [dialogs/widgets]="macro statistics export operations $core Qt"
   [dialogs/help]="dialogs/widgets $core Qt"
   [dialogs/parameters]="dialogs/widgets macro statistics export operations $core Qt"
@@ -37,7 +38,7 @@ declare -A allowed=(
   [viewer]="view cli picture dialogs macro statistics export operations $core version.h CLI Qt"
   [app/posix]="app dialogs $core Qt"
   [app/windows]="app dialogs $core Qt"
-  [app]="view preview picture dialogs macro statistics export operations $core Qt"
+  [app]="json view preview picture dialogs macro statistics export operations $core Qt"
 )
 
 # Whether a file of the folder `room` may include the file `target` in the folder `home`.

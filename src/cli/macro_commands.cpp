@@ -1,5 +1,5 @@
 #include "cli/commands.h"
-#include "cli/macro_json.h"
+#include "json/macro_json.h"
 #include "cli/services.h"
 #include "macro/command_catalogue.h"
 #include "macro/macro_file.h"

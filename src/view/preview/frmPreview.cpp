@@ -100,6 +100,7 @@ void frmPreview::ConnectChoices() {
   connect(ui_->Histogram, &HistogramView::LimitMoved, this, [this](const QString& key, const QString& text) {
     if (!isStopped_ && step_ > 0) emit LimitMoved(step_ - 1, key, text);
   });
+  connect(ui_->Histogram, &HistogramView::LimitReleased, this, &frmPreview::LimitReleased);
   connect(ui_->Comparison, &ComparisonView::PointHovered, this, [this](std::optional<GridPoint> point) {
     if (point) return ui_->statusbar->showMessage(ui_->Comparison->Readout(*point));
     ui_->statusbar->clearMessage();
