@@ -17,6 +17,7 @@ constexpr int kMargin = 4;  // pixels at each side
 ForecastButton::ForecastButton(QWidget* parent) : QAbstractButton(parent) {
   setFocusPolicy(Qt::TabFocus);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+  ShowFindings({});
 }
 
 void ForecastButton::ShowFindings(const std::vector<PlanFinding>& findings) {
@@ -27,7 +28,8 @@ void ForecastButton::ShowFindings(const std::vector<PlanFinding>& findings) {
     parts_.push_back({ToQt(finding.text).simplified(), finding.severity});
     texts.append(parts_.back().text);
   }
-  setText(texts.join(QStringLiteral(", ")));  // for screen readers
+  setText(texts.join(QStringLiteral(", ")));
+  setAccessibleName(QStringLiteral("Was Start tun würde: ") + text());
   setToolTip(ToolTipOf(texts));
   setEnabled(!findings.empty());
   setCursor(findings.empty() ? Qt::ArrowCursor : Qt::PointingHandCursor);
@@ -39,6 +41,7 @@ void ForecastButton::ShowPending() {
   isPending_ = true;
   parts_.push_back({QStringLiteral("wird geprüft ..."), Severity::note});
   setText(parts_.back().text);
+  setAccessibleName(text());
 }
 
 QSize ForecastButton::sizeHint() const {

@@ -95,6 +95,7 @@ void frmMain::ConnectFileControls() {
     ReadLists();
   });
   hideResults_->setObjectName(QStringLiteral("chkHideResults"));
+  ShowHiddenCount();
   hideResults_->setToolTip(QStringLiteral(
       "Blendet Dateien aus, die das Makro aus anderen Dateien der Liste erzeugt"));
   ui_->StatusBar->addPermanentWidget(hideResults_);
@@ -154,9 +155,7 @@ void frmMain::MacroChanged(int line) {
 
 ForecastInput frmMain::WhatStartWouldTake() {
   const FileList& files = *ui_->Files;
-  std::string text = "Ergebnisse ausblenden";
-  if (files.HiddenCount() > 0) text += " (" + std::to_string(files.HiddenCount()) + ")";
-  hideResults_->setText(ToQt(text));
+  ShowHiddenCount();
   return {{WithSeparator(ui_->Directory->Path()), files.SelectedNames(), session_.macro}, files.Names().size()};
 }
 
@@ -253,6 +252,12 @@ void frmMain::HideResults(bool hide) {
     return ResultsAmong(names, session_.macro);
   }));
   forecast_.Refresh();
+}
+
+void frmMain::ShowHiddenCount() {
+  const std::size_t count = ui_->Files->HiddenCount();
+  const QString text = QStringLiteral("Ohne Ergebnisse");
+  hideResults_->setText(count == 0 ? text : text + QString(" (%1)").arg(count));
 }
 
 void frmMain::SelectFiles(const std::vector<std::string>& names) {
@@ -390,7 +395,7 @@ void frmMain::ComputationStarted() {
 void frmMain::ShowComputation(std::int64_t done, std::int64_t total) {
   ui_->ProgressBar->setRange(0, static_cast<int>(total));
   ui_->ProgressBar->setValue(static_cast<int>(done));
-  std::string text = computation_ + ":  " + std::to_string(100 * done / std::max<std::int64_t>(total, 1)) + " %";
+  std::string text = (computation_.empty() ? "Statistik" : computation_) + ":  " + std::to_string(100 * done / std::max<std::int64_t>(total, 1)) + " %";
   const double seconds = static_cast<double>(computing_.elapsed()) / 1000.0;
   if (done > 0) {
     text += ",  " + RemainingTimeText(seconds / static_cast<double>(done) * static_cast<double>(total - done));

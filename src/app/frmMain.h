@@ -84,6 +84,7 @@ class frmMain : public QMainWindow, public MainWindow {
   void ChangeDrive(int index);
   void ReadLists();
   void HideResults(bool hide);
+  void ShowHiddenCount();
   void SelectFiles(const std::vector<std::string>& names);
   void AskDirectory();
   void OpenFolder();

@@ -1,6 +1,7 @@
 #include "app/run_forecast.h"
 
 #include <QLabel>
+#include <QLayout>
 #include <QStatusBar>
 
 #include "dialogs/widgets/qt_text.h"
@@ -28,6 +29,8 @@ RunForecast::RunForecast(FileSystem& files, QStatusBar& bar, std::function<Forec
       selection_(Named(new QLabel(&bar), "lblSelection")),
       findings_(Named(new ForecastButton(&bar), "cmdForecast")) {
   selection_.setTextFormat(Qt::PlainText);
+  constexpr int margin = 9;  // as that of the window
+  bar.setContentsMargins(margin, 0, 0, 0);
   bar.addWidget(&selection_);
   bar.addWidget(&findings_, 1);
   for (QTimer* const timer : {&begin_, &pending_}) timer->setSingleShot(true);
@@ -55,6 +58,7 @@ void RunForecast::Stop() {
 void RunForecast::Begin() {
   ForecastInput input = input_();
   selection_.setText(ToQt(SelectionText(input.request.files.size(), input.listed)));
+  selection_.parentWidget()->layout()->activate();  // not cut off for a moment
   const std::uint64_t number = ++number_;
   task_.Run([this, number, input = std::move(input)](const NewestTask::IsCancelled& isCancelled) {
     auto forecast = std::make_shared<Forecast>();

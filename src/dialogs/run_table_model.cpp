@@ -4,7 +4,6 @@
 #include <compare>
 
 #include "dialogs/widgets/qt_text.h"
-#include "dialogs/widgets/tool_tip.h"
 #include "platform/text/text.h"
 
 namespace quiverion {
@@ -71,7 +70,7 @@ QVariant RunTableModel::data(const QModelIndex& index, int role) const {
       return {};
     case Qt::ToolTipRole:  // names may look like markup
       if (column != name && column != message) return {};
-      return ToolTipOf({ToQt(column == name ? row.name : row.message)});
+      return ToQt(column == name ? row.name : row.message).toHtmlEscaped().prepend("<p>").append("</p>");
     default:
       return {};
   }

@@ -105,7 +105,7 @@ TEST_F(Forecasts, ResultsCanBeHidden) {
   hide.click();
   EXPECT_EQ(Lines(Files()), "a.dat|b.vas|C.VEC|x_g.vas|");
   EXPECT_EQ(Said(), "1 von 4 Dateien gewählt|ersetzt 1 Ergebnis");
-  EXPECT_EQ(FromQt(hide.text()), "Ergebnisse ausblenden (2)");
+  EXPECT_EQ(FromQt(hide.text()), "Ohne Ergebnisse (2)");
   Use({Save("", "_h")});
   EXPECT_EQ(Lines(Files()), "a.dat|a_g.vas|b.vas|b_g.vas|C.VEC|x_g.vas|") << "they are of another macro now";
   Use({Save("", "_g")});

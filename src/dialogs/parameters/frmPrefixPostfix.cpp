@@ -35,7 +35,7 @@ void frmPrefixPostfix::ColourWarning() {
   };
   colour(*ui_->lblWarning, QPalette::WindowText,
          SeverityColour(replaces ? Severity::danger : Severity::note, palette()));
-  colour(*ui_->cmdSubdirectory, QPalette::ButtonText, palette().color(QPalette::Link));
+  colour(*ui_->cmdSubdirectory, QPalette::ButtonText, LinkColour(palette()));
 }
 
 void frmPrefixPostfix::changeEvent(QEvent* event) {

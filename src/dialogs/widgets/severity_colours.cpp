@@ -17,4 +17,8 @@ QColor SeverityColour(Severity severity, const QPalette& palette) {
   return palette.color(QPalette::WindowText);
 }
 
+QColor LinkColour(const QPalette& palette) {
+  return IsDark(palette) ? QColor(120, 180, 255) : QColor(0, 80, 180);
+}
+
 }  // namespace quiverion
