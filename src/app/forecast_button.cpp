@@ -61,7 +61,8 @@ void ForecastButton::paintEvent(QPaintEvent* /*event*/) {
   int left = kMargin;
   for (std::size_t k = 0; k < parts_.size(); ++k) {
     const int room = width() - kMargin - left;
-    const QString text = fontMetrics().elidedText((k == 0 ? QString() : separator) + parts_[k].text, Qt::ElideRight, room);
+    const QString text =
+        fontMetrics().elidedText((k == 0 ? QString() : separator) + parts_[k].text, Qt::ElideRight, room);
     if (text.isEmpty()) break;
     painter.setPen(isPending_ ? palette().color(QPalette::Disabled, QPalette::WindowText)
                               : SeverityColour(parts_[k].severity, palette()));

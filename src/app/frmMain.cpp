@@ -96,8 +96,7 @@ void frmMain::ConnectFileControls() {
   });
   hideResults_->setObjectName(QStringLiteral("chkHideResults"));
   ShowHiddenCount();
-  hideResults_->setToolTip(QStringLiteral(
-      "Blendet Dateien aus, die das Makro aus anderen Dateien der Liste erzeugt"));
+  hideResults_->setToolTip(QStringLiteral("Blendet Dateien aus, die das Makro aus anderen Dateien der Liste erzeugt"));
   ui_->StatusBar->addPermanentWidget(hideResults_);
   connect(hideResults_, &QCheckBox::toggled, this, &frmMain::HideResults);
   connect(ui_->cmdOk, &QPushButton::clicked, this, &frmMain::Start);
@@ -309,7 +308,7 @@ void frmMain::Start() {
   });
   if (quitting_) return;
   tools_.Reload();
-  forecast_.Refresh();
+  forecast_.Resume();
   if (isVisible()) return;
   messages_.RunEnded();  // an error ended the run: the window must not stay hidden
   ShowAt(place);
@@ -344,7 +343,8 @@ void frmMain::RunStatistic(const StatisticTexts& texts) {
     session_.context.runHadError = false;
     const auto begins = [&](const std::string& collection) {
       forecast_.Stop();
-      computation_ = std::string(texts.title.substr(texts.title.find('-') + 2)) + " aus " + std::string(FileNameOf(collection));
+      computation_ =
+          std::string(texts.title.substr(texts.title.find('-') + 2)) + " aus " + std::string(FileNameOf(collection));
     };
     const bool begun = StatisticsCommandFlow(session_.context, dialogs_, texts, ui_->Directory->Path(), begins);
     // The result is saved as in a run, so errors are in the log.
@@ -353,7 +353,7 @@ void frmMain::RunStatistic(const StatisticTexts& texts) {
     }
     if (begun && !quitting_) ReadLists();
     tools_.Reload();
-    forecast_.Refresh();
+    forecast_.Resume();
   });
 }
 
@@ -395,7 +395,8 @@ void frmMain::ComputationStarted() {
 void frmMain::ShowComputation(std::int64_t done, std::int64_t total) {
   ui_->ProgressBar->setRange(0, static_cast<int>(total));
   ui_->ProgressBar->setValue(static_cast<int>(done));
-  std::string text = (computation_.empty() ? "Statistik" : computation_) + ":  " + std::to_string(100 * done / std::max<std::int64_t>(total, 1)) + " %";
+  std::string text = (computation_.empty() ? "Statistik" : computation_) + ":  " +
+                     std::to_string(100 * done / std::max<std::int64_t>(total, 1)) + " %";
   const double seconds = static_cast<double>(computing_.elapsed()) / 1000.0;
   if (done > 0) {
     text += ",  " + RemainingTimeText(seconds / static_cast<double>(done) * static_cast<double>(total - done));

@@ -170,8 +170,7 @@ void MacroPanel::ShowAround(int line) {
 void MacroPanel::Insert() {
   Guarded([this] {
     int position = -1;
-    history_.Edit(QStringLiteral("Befehl einfügen"),
-                  [&] { position = editing_.Insert(SelectedLine(), directory_()); });
+    history_.Edit(QStringLiteral("Befehl einfügen"), [&] { position = editing_.Insert(SelectedLine(), directory_()); });
     if (position < 0) return;
     ShowMacro();
     ShowAround(position);

@@ -44,15 +44,22 @@ RunForecast::RunForecast(FileSystem& files, QStatusBar& bar, std::function<Forec
 void RunForecast::Refresh() {
   ++number_;  // what is being computed is of yesterday
   forecast_ = nullptr;
+  if (isStopped_) return;
   if (!begin_.isActive()) begin_.start();
   if (!pending_.isActive()) pending_.start();
 }
 
 void RunForecast::Stop() {
+  isStopped_ = true;
   ++number_;
   begin_.stop();
   pending_.stop();
   task_.Stop();
+}
+
+void RunForecast::Resume() {
+  isStopped_ = false;
+  Refresh();
 }
 
 void RunForecast::Begin() {
@@ -72,7 +79,8 @@ void RunForecast::Begin() {
     });
     if (failure) forecast->findings = {{Severity::warning, "Prüfung nicht möglich: " + ErrorText(failure->error)}};
     if (isCancelled()) return;
-    QMetaObject::invokeMethod(this, [this, number, forecast] { Finish(number, forecast); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this, number, forecast] { Finish(number, forecast); }, Qt::QueuedConnection);
   });
 }
 

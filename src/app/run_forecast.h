@@ -32,8 +32,9 @@ class RunForecast : public QObject {
   /// Selection, macro or files have changed.
   void Refresh();
 
-  /// Until Refresh, nothing is computed and no file is open.
+  /// Until Resume, nothing is computed and no file is open.
   void Stop();
+  void Resume();
 
  signals:
   /// The list behind the findings is wanted, and known.
@@ -52,9 +53,10 @@ class RunForecast : public QObject {
   QLabel& selection_;
   ForecastButton& findings_;
   QTimer begin_, pending_;
-  std::uint64_t number_ = 0;  // of the computation whose result counts
+  std::uint64_t number_ = 0;                  // of the computation whose result counts
   std::shared_ptr<const Forecast> forecast_;  // null while it is not known
   bool isWanted_ = false;
+  bool isStopped_ = false;
   NewestTask task_;
 };
 

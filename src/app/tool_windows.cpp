@@ -73,8 +73,7 @@ void ToolWindows::MoveLimit(int command, const QString& key, const QString& text
     return;
   }
   if (isStopped_ || index >= session_.macro.size()) return;
-  history_.Move(QStringLiteral("Grenze verschieben"),
-                [&] { session_.macro[index].Set(FromQt(key), FromQt(text)); });
+  history_.Move(QStringLiteral("Grenze verschieben"), [&] { session_.macro[index].Set(FromQt(key), FromQt(text)); });
   preview_->ShowMacro(session_.macro, command);
   emit MacroEdited();
 }

@@ -61,8 +61,8 @@ void frmRunPlan::ShowFindings() {
     line->setToolTip(ToolTipOf({text}));
   }
   const int lines = std::clamp(list->count(), 1, mostLines);
-  list->setFixedHeight(lines * std::max(list->sizeHintForRow(0), fontMetrics().lineSpacing()) +
-                       2 * list->frameWidth() + 2);
+  list->setFixedHeight(lines * std::max(list->sizeHintForRow(0), fontMetrics().lineSpacing()) + 2 * list->frameWidth() +
+                       2);
   list->setVisible(list->count() > 0);
 }
 

@@ -1,6 +1,5 @@
 #include "macro/command_words.h"
 
-
 #include "macro/command_catalogue.h"
 #include "messages/failure.h"
 #include "platform/text/numbers.h"
@@ -65,8 +64,8 @@ class Words {
 
   // "Betrag außerhalb 0 bis 10 m/s"
   std::string Interval(const std::string& what, const std::string& interval) const {
-    const std::string side = Readable(
-        [&] { return std::string(event_.Flag("Opt" + interval + "Out") ? "außerhalb " : "innerhalb "); });
+    const std::string side =
+        Readable([&] { return std::string(event_.Flag("Opt" + interval + "Out") ? "außerhalb " : "innerhalb "); });
     return what + " " + side + Text("Txt" + interval + "Min") + " bis " + Text("Txt" + interval + "Max") + " m/s";
   }
 

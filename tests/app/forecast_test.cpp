@@ -55,8 +55,9 @@ TEST_F(Forecasts, FollowSelectionMacroAndFiles) {
   QTest::keyClick(window.get(), Qt::Key_F5);
   EXPECT_EQ(Said(), "2 von 4 Dateien gewählt|ersetzt 1 Original, ersetzt 1 Ergebnis");
   Use({Save("<b>", ""), Command("evtCollectStatistics", {{"FileName", place.At("serie/notes.txt")}}), MacroEvent(7)});
-  EXPECT_EQ(Said(), "2 von 4 Dateien gewählt|Kollektion notes.txt ist nicht lesbar: COL-Datei ist nicht von QuiverionSeries!, "
-                    "Befehl 3 ist unbekannt, 2 neue Ergebnisse");
+  EXPECT_EQ(Said(),
+            "2 von 4 Dateien gewählt|Kollektion notes.txt ist nicht lesbar: COL-Datei ist nicht von QuiverionSeries!, "
+            "Befehl 3 ist unbekannt, 2 neue Ergebnisse");
   std::filesystem::remove_all(place.Path() + "serie");
   Use({Save("", "_g")});
   EXPECT_EQ(Said(), "2 von 4 Dateien gewählt|2 Dateien fehlen");

@@ -71,7 +71,8 @@ struct States {
 TEST_F(MacroHistoryTest, EverySequenceGoesBackAndForthThroughTheSameFiles) {
   std::mt19937 random(7);
   const auto any = [&random](int count) { return std::uniform_int_distribution<int>(0, count - 1)(random); };
-  for (std::string sequence : {"iiiuuurrr", "iiiieuudiur", "lmmmuurruuuu", "iiidduuuur", "leluuulrru", "", "", "", ""}) {
+  for (std::string sequence :
+       {"iiiuuurrr", "iiiieuudiur", "lmmmuurruuuu", "iiidduuuur", "leluuulrru", "", "", "", ""}) {
     if (sequence.empty()) {
       for (int k = 0; k < 120; ++k) sequence += "iiedmmlur"[any(9)];
     }

@@ -116,8 +116,8 @@ TEST_F(Manual, ContentsAndIndexReachEverything) {
   }
   for (const char* item :
        {"mnuOpenMacroList", "mnuSaveMacroList", "mnuEditCollection", "mnuAverage", "mnuStdDeviation", "mnuAvgUsAndVs",
-        "mnuAvgUsTimesVs", "mnuTu", "mnuDissipation", "mnuShowField", "mnuShowPreview", "mnuLastRun",
-        "mnuRunPlan", "mnuUndo", "mnuRedo", "mnuCopyCommands", "mnuPasteCommands", "mnuOpenDirectory", "mnuOpenFolder"}) {
+        "mnuAvgUsTimesVs", "mnuTu", "mnuDissipation", "mnuShowField", "mnuShowPreview", "mnuLastRun", "mnuRunPlan",
+        "mnuUndo", "mnuRedo", "mnuCopyCommands", "mnuPasteCommands", "mnuOpenDirectory", "mnuOpenFolder"}) {
     EXPECT_FALSE(help.TargetOf(item).isEmpty()) << item;
   }
 }
