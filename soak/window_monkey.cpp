@@ -69,7 +69,7 @@ class Monkey : public QObject {
     timer_.start(0);
     QCoreApplication::exec();
     timer_.stop();
-    const std::lock_guard lock(files_.mutex);
+    const std::lock_guard<std::recursive_mutex> lock(files_.mutex);
     for (const auto& [path, bytes] : files_.files) Expect(path.starts_with(place_), "a file lies elsewhere");
     return Time::now() < end_;
   }
@@ -96,7 +96,7 @@ class Monkey : public QObject {
   }
 
   void LayFiles() {
-    const std::lock_guard lock(files_.mutex);
+    const std::lock_guard<std::recursive_mutex> lock(files_.mutex);
     const auto sample = [](int index) { return samples::MakeSampleField({.index = index, .columns = 8, .rows = 6}); };
     const auto collection = [&](std::size_t count) {
       return samples::CollectionBytes(std::vector(count, sample(0)), std::vector<std::string>(count, "C:\\ä.dat"));
@@ -174,7 +174,7 @@ class Monkey : public QObject {
 
   // Faults, and what other programs do to the files.
   void ChangeFiles() {
-    const std::lock_guard lock(files_.mutex);
+    const std::lock_guard<std::recursive_mutex> lock(files_.mutex);
     if (Chance(5)) files_.faults = {.open = Chance(50) ? std::optional(ErrorNumber::accessDenied) : std::nullopt};
     if (Chance(5)) files_.faults = {.diskSize = static_cast<std::uint64_t>(Below(4000))};
     if (Chance(20)) files_.faults = {};
@@ -290,7 +290,7 @@ class Monkey : public QObject {
 
   std::string SomePath() {
     if (Chance(25)) return OneOf(std::array<std::string, 5>{"neu", "neu.mak", "fehlt/neu.vas", "*.vas", "serie"});
-    const std::lock_guard lock(files_.mutex);
+    const std::lock_guard<std::recursive_mutex> lock(files_.mutex);
     return OneOf(files_.files).first.substr(place_.size());
   }
 

@@ -4,4 +4,4 @@ if(NOT WIN32)
 endif()
 quiverion_library(json USES macro SOURCES
   macro_json.cpp)
-target_link_libraries(quiverion_json PRIVATE nlohmann_json::nlohmann_json)
+target_link_libraries(quiverion_json PUBLIC nlohmann_json::nlohmann_json)

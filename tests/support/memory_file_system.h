@@ -38,7 +38,14 @@ class MemoryFileSystem : public FileSystem {
   std::map<std::string, std::uint64_t> readFailsAt;  // byte at which reading fails with error 57
 
   int openWrittenFiles = 0;
-  std::recursive_mutex mutex;
+
+  /// A copy of the files has a mutex of its own.
+  struct Mutex : std::recursive_mutex {
+    Mutex() = default;
+    Mutex(const Mutex& /*other*/) {}
+    Mutex& operator=(const Mutex& /*other*/) { return *this; }
+  };
+  Mutex mutex;
 
   std::unique_ptr<InputFile> OpenForReading(const std::string& path) override;
   std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) override;

@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <algorithm>
 
+#include "dialogs/widgets/disconnect_children.h"
 #include "dialogs/widgets/icons.h"
 #include "dialogs/widgets/qt_text.h"
 #include "macro/command_catalogue.h"
@@ -54,7 +55,9 @@ frmPreview::frmPreview(PreviewServices services, QWidget* parent)
   ui_->Comparison->MainView().setFocus();
 }
 
-frmPreview::~frmPreview() = default;
+frmPreview::~frmPreview() {
+  DisconnectChildren(*this);
+}
 
 void frmPreview::AddQuantities() {
   ui_->cboBackground->addItem("Wie in der Datei");
