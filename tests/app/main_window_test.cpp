@@ -1,6 +1,7 @@
 // The main window: lists, menus, keys, and what goes wrong with them.
 #include <QMimeData>
 #include <QShortcutEvent>
+#include <QStatusBar>
 #include <filesystem>
 
 #include "platform/files/paths.h"
@@ -325,6 +326,8 @@ TEST_F(DuringAStatistic, StartGivesWayAndASecondOneIsRefused) {
     seen = true;
     EXPECT_FALSE(Get<QPushButton>("cmdOk").isVisible() || Get<QPushButton>("cmdCancel").isVisible());
     EXPECT_EQ(window->cursor().shape(), Qt::WaitCursor);
+    const QString said = Get<QStatusBar>("StatusBar").currentMessage();
+    EXPECT_TRUE(said.startsWith("Mittelwert berechnen aus s.col:  ") && said.contains(" %")) << FromQt(said);
     QTest::keyClick(window.get(), Qt::Key_Return);  // starts nothing
     script.ExpectBox(QMessageBox::Ok);
     Trigger("mnuAvgUsTimesVs");
@@ -336,6 +339,7 @@ TEST_F(DuringAStatistic, StartGivesWayAndASecondOneIsRefused) {
   EXPECT_TRUE(place.Has("s_mean.vas"));
   EXPECT_TRUE(Get<QPushButton>("cmdOk").isVisible());
   EXPECT_FALSE(Get<QProgressBar>("ProgressBar").isVisible());
+  EXPECT_EQ(Get<QStatusBar>("StatusBar").currentMessage(), "");
 }
 
 TEST_F(DuringAStatistic, ClosingTheWindowAsksFirst) {
