@@ -69,6 +69,7 @@ class Monkey : public QObject {
     timer_.start(0);
     QCoreApplication::exec();
     timer_.stop();
+    const std::lock_guard<std::recursive_mutex> lock(files_.mutex);
     for (const auto& [path, bytes] : files_.files) Expect(path.starts_with(place_), "a file lies elsewhere");
     return Time::now() < end_;
   }
@@ -95,6 +96,7 @@ class Monkey : public QObject {
   }
 
   void LayFiles() {
+    const std::lock_guard<std::recursive_mutex> lock(files_.mutex);
     const auto sample = [](int index) { return samples::MakeSampleField({.index = index, .columns = 8, .rows = 6}); };
     const auto collection = [&](std::size_t count) {
       return samples::CollectionBytes(std::vector(count, sample(0)), std::vector<std::string>(count, "C:\\ä.dat"));
@@ -170,12 +172,18 @@ class Monkey : public QObject {
     return windows.empty() ? nullptr : OneOf(windows);
   }
 
-  void Act(QWidget& window) {
+  // Faults, and what other programs do to the files.
+  void ChangeFiles() {
+    const std::lock_guard<std::recursive_mutex> lock(files_.mutex);
     if (Chance(5)) files_.faults = {.open = Chance(50) ? std::optional(ErrorNumber::accessDenied) : std::nullopt};
     if (Chance(5)) files_.faults = {.diskSize = static_cast<std::uint64_t>(Below(4000))};
     if (Chance(20)) files_.faults = {};
     if (Chance(1)) files_.files.erase(std::next(files_.files.begin(), Below(static_cast<int>(files_.files.size()))));
     if (files_.files.size() < 5 || files_.files.size() > 150) LayFiles();
+  }
+
+  void Act(QWidget& window) {
+    ChangeFiles();
     QWidget* const modal = QApplication::activeModalWidget();
     QWidget* const above = window.windowFlags().testFlag(Qt::Popup) && modal != nullptr ? modal : &window;
     // Qt's own dialogs could print, and change files.
@@ -236,13 +244,14 @@ class Monkey : public QObject {
   }
 
   void Key(QWidget& window) {
-    static const QStringList keys =
-        QString(
-            "Return Tab Backtab Space Up Down Left Right Home End PgUp F1 F2 F3 F4 F5 F6 F8 F10 Del Esc Menu Backspace "
-            "Shift+Down Ctrl+O "
-            "Ctrl+S Ctrl+A Ctrl+C Ctrl+F Ctrl+V Ctrl+Z Alt+Up Alt+Down Alt+Left Alt+D Alt+S Alt+E Alt+P Alt+L Alt+O "
-            "Alt+J")
-            .split(' ');
+    static const QStringList keys = QString(
+                                        "Return Tab Backtab Space Up Down Left Right Home End PgUp F1 F2 F3 F4 F5 F6 "
+                                        "F7 F8 F10 Del Esc Menu Backspace "
+                                        "Shift+Down Ctrl+O "
+                                        "Ctrl+S Ctrl+A Ctrl+C Ctrl+F Ctrl+V Ctrl+Z Ctrl+Y Ctrl+L Shift+Up Alt+Up "
+                                        "Alt+Down Alt+Left Alt+D Alt+S Alt+E Alt+P Alt+L Alt+O "
+                                        "Alt+J")
+                                        .split(' ');
     const QString key = OneOf(keys);
     Note(window, "key " + FromQt(key));
     Press(window, QKeySequence::fromString(key)[0], key == "Space" ? " " : "");
@@ -281,6 +290,7 @@ class Monkey : public QObject {
 
   std::string SomePath() {
     if (Chance(25)) return OneOf(std::array<std::string, 5>{"neu", "neu.mak", "fehlt/neu.vas", "*.vas", "serie"});
+    const std::lock_guard<std::recursive_mutex> lock(files_.mutex);
     return OneOf(files_.files).first.substr(place_.size());
   }
 
@@ -324,6 +334,7 @@ int main(int argc, char** argv) {
   for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
     qputenv(name, home.path().toUtf8());  // what Qt keeps for the user
   }
+  qputenv("PATH", "");  // no other program is started
   QApplication application(argc, argv);
   quiverion::PrepareApplication(application);
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(std::atoi(argv[1]));

@@ -42,8 +42,8 @@ quiverion_library(statistics USES operations SOURCES
   collect.cpp collection_contents.cpp collection_file.cpp compute_statistic.cpp record_sums.cpp
   statistic_steps.cpp valid_bits.cpp)
 quiverion_library(macro USES exchange export statistics SOURCES
-  command_actions.cpp command_catalogue.cpp directory_names.cpp file_steps.cpp macro_event.cpp macro_file.cpp
-  plan_findings.cpp pre_run_checks.cpp run_driver.cpp run_plan.cpp run_table.cpp run_table_text.cpp
-  series_files.cpp)
+  command_actions.cpp command_catalogue.cpp command_words.cpp directory_names.cpp file_steps.cpp macro_event.cpp
+  macro_file.cpp plan_findings.cpp pre_run_checks.cpp result_names.cpp run_driver.cpp run_plan.cpp run_table.cpp
+  run_table_text.cpp series_files.cpp)
 quiverion_library(preview USES macro picture SOURCES
   buffer_use.cpp field_difference.cpp macro_preview.cpp search_report.cpp series_sample.cpp)

@@ -23,8 +23,8 @@ function(quiverion_window_program name library description icon)
 endfunction()
 
 quiverion_windows(dialogs USES macro SOURCES
-  application.cpp frmRunTable.cpp frmShowCollection.cpp frmShowLogFile.cpp frmShowProgress.cpp log_text.cpp
-  macro_editing.cpp repaint_throttle.cpp run_table_model.cpp
+  application.cpp frmRunPlan.cpp frmRunTable.cpp frmShowCollection.cpp frmShowLogFile.cpp frmShowProgress.cpp log_text.cpp
+  macro_editing.cpp macro_history.cpp repaint_throttle.cpp run_plan_model.cpp run_table_model.cpp
   exchange/background_tasks.cpp exchange/export_list.cpp exchange/frmExport.cpp exchange/frmImport.cpp
   exchange/import_choices.cpp exchange/import_list.cpp exchange/import_work.cpp
   help/frmHelp.cpp help/help.cpp help/help_browser.cpp help/help_pages.cpp
@@ -34,7 +34,7 @@ quiverion_windows(dialogs USES macro SOURCES
   parameters/parameter_editing.cpp parameters/parameter_window.cpp parameters/parameter_windows.cpp
   widgets/elided_label.cpp widgets/filtered_line_edit.cpp widgets/find_bar.cpp
   widgets/guarded.cpp widgets/icons.cpp
-  widgets/key_filter.cpp widgets/message_box.cpp widgets/wrapped_label.cpp
+  widgets/key_filter.cpp widgets/message_box.cpp widgets/severity_colours.cpp widgets/time_text.cpp widgets/wrapped_label.cpp
   ${QUIVERION_SYSTEM}/native.cpp ${QUIVERION_SYSTEM}/qt_paths.cpp)
 target_sources(quiverion_dialogs PRIVATE dialogs/widgets/icons.qrc)
 target_link_libraries(quiverion_dialogs PUBLIC Qt6::PrintSupport)
@@ -43,8 +43,9 @@ quiverion_windows(view USES picture preview dialogs SOURCES
   picture_painter.cpp profile_view.cpp scale_sampler.cpp vector_table.cpp
   preview/comparison_view.cpp preview/frmPreview.cpp preview/histogram_view.cpp
   preview/preview_worker.cpp preview/sample_strip.cpp preview/step_table.cpp)
-quiverion_windows(app USES view SOURCES
-  directory_list.cpp exchange_windows.cpp file_list.cpp frmMain.cpp last_run.cpp navigation.cpp qt_user_interface.cpp
+quiverion_windows(app USES view json SOURCES
+  directory_list.cpp exchange_windows.cpp file_list.cpp forecast_button.cpp frmMain.cpp frmOpenDirectory.cpp last_run.cpp macro_panel.cpp
+  navigation.cpp newest_task.cpp qt_user_interface.cpp run_forecast.cpp
   statistics_flow.cpp tool_windows.cpp
   ${QUIVERION_SYSTEM}/drives.cpp)
 quiverion_window_program(QuiverionSeries app "${PROJECT_DESCRIPTION}" program)

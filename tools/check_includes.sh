@@ -26,7 +26,8 @@ declare -A allowed=(
   [statistics]="operations $core"
   [macro]="statistics export exchange operations $core"
   [preview]="macro picture statistics export exchange operations $core"
-  [cli]="macro statistics export exchange operations $core version.h nlohmann CLI"
+  [json]="macro statistics export exchange operations $core nlohmann"
+  [cli]="json macro statistics export exchange operations $core version.h nlohmann CLI"
   [dialogs/widgets]="macro statistics export exchange operations $core Qt"
   [dialogs/exchange]="dialogs/widgets macro exchange $core Qt"
   [dialogs/help]="dialogs/widgets $core Qt"
@@ -39,7 +40,7 @@ declare -A allowed=(
   [viewer]="view cli picture dialogs macro statistics export exchange operations $core version.h CLI Qt"
   [app/posix]="app dialogs $core Qt"
   [app/windows]="app dialogs $core Qt"
-  [app]="view preview picture dialogs macro statistics export exchange operations $core Qt"
+  [app]="json view preview picture dialogs macro statistics export exchange operations $core Qt"
 )
 
 # Whether a file of the folder `room` may include the file `target` in the folder `home`.

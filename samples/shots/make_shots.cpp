@@ -70,6 +70,10 @@ class Shots {
     QApplication::processEvents();
     complete_ = widget.grab().save(target_ + "/" + name + ".png") && complete_;
   }
+  static void Wait(int milliseconds) {
+    QElapsedTimer time;
+    for (time.start(); time.elapsed() < milliseconds;) QApplication::processEvents(QEventLoop::AllEvents, 20);
+  }
   void Show(QWidget& widget, const QString& name) {
     widget.show();
     Save(widget, name);
@@ -91,10 +95,11 @@ class Shots {
 
   void Windows() {
     main_.TheSession().macro = Macro();
-    main_.ShowMacro(2);
+    main_.ShowMacro(1);
     main_.OpenDirectory(series_);
     main_.findChild<FileList*>("Files")->SelectNames(Names());
     main_.show();
+    Wait(300);  // for the status bar
     Save(main_, "frmMain");
     main_.ComputationStarted();
     main_.ShowComputation(7, 12);
@@ -103,6 +108,11 @@ class Shots {
 
     Modal("frmShowLogFile", [this] { main_.findChild<QPushButton*>("cmdOk")->click(); });
     TakeFindBar();
+    Modal("frmRunPlan", [this] {
+      Wait(300);
+      main_.findChild<QAction*>("mnuRunPlan")->trigger();
+    });
+    Modal("frmOpenDirectory", [this] { main_.findChild<QAction*>("mnuOpenDirectory")->trigger(); });
     Modal("frmRunTable", [this] { main_.findChild<QAction*>("mnuLastRun")->trigger(); });
     frmShowProgress progress(ui_);
     QThread::msleep(200);  // so that there is a time left
@@ -228,6 +238,8 @@ class Shots {
     Parameters(empty, "frmFaultVectors-neu", MacroEvent(30001));
     frmPrefixPostfix names(ui_);
     Parameters(names, "frmPrefixPostfix", MacroEvent(10101));
+    frmPrefixPostfix unnamed(ui_);
+    Parameters(unnamed, "frmPrefixPostfix-leer", MacroEvent(10001));
     frmXYTrafo trafo(ui_);
     Parameters(trafo, "frmXYTrafo", MacroEvent(30003));
     frmMirrorOptions mirror(ui_);

@@ -57,15 +57,12 @@ void ExchangeWindows::ShowImport(QWidget& parent, const std::string& directory, 
 }
 
 void ExchangeWindows::ShowExport(QWidget& parent, const std::string& directory, const std::vector<std::string>& names) {
-  {
-    frmExport window({machine_.files, machine_.clock, messages_}, &parent);
-    std::vector<std::string> paths;
-    for (const std::string& name : names) paths.push_back(WithSeparator(directory) + name);
-    window.AddPaths(paths);
-    if (paths.empty()) window.SetDirectory(directory);
-    RunModal(window);
-  }
-  emit FilesChanged();
+  frmExport window({machine_.files, machine_.clock, messages_}, &parent);
+  std::vector<std::string> paths;
+  for (const std::string& name : names) paths.push_back(WithSeparator(directory) + name);
+  window.AddPaths(paths);
+  if (paths.empty()) window.SetDirectory(directory);
+  RunModal(window);
 }
 
 }  // namespace quiverion

@@ -32,9 +32,6 @@ class ExchangeWindows : public QObject {
   /// Fields have been imported and are to be selected.
   void FilesChosen(const std::string& directory, const std::vector<std::string>& names);
 
-  /// Files have been written.
-  void FilesChanged();
-
  private:
   const Machine& machine_;
   UserInterface& messages_;

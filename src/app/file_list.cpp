@@ -32,16 +32,49 @@ FileList::FileList(QWidget* parent) : QListView(parent), model_(new FileListMode
 }
 
 void FileList::ShowDirectory(const std::string& directory) {
-  const std::vector<std::string> selected = directory == directory_ ? SelectedNames() : std::vector<std::string>();
-  const int scrolled = verticalScrollBar()->value();
-  std::vector<std::string> names;
-  Attempt([&] { names = ListSeriesFiles(*files_, directory); });  // the directory list says what can be said about it
-  model_->SetNames(std::move(names));
+  all_.clear();
+  Attempt([&] { all_ = ListSeriesFiles(*files_, directory); });  // the directory list says what can be said about it
   if (directory == directory_) {
-    SelectNames(selected);
-    verticalScrollBar()->setValue(scrolled);
+    ShowNames(NamesToShow());
+  } else {
+    model_->SetNames(NamesToShow());
   }
   directory_ = directory;
+}
+
+void FileList::ShowNames(std::vector<std::string> names) {
+  const std::vector<std::string> selected = SelectedNames();
+  const int scrolled = verticalScrollBar()->value();
+  model_->SetNames(std::move(names));
+  SelectNames(selected);
+  verticalScrollBar()->setValue(scrolled);
+}
+
+std::vector<std::string> FileList::NamesToShow() const {
+  if (!hides_) return all_;
+  const std::vector<bool> isHidden = hides_(all_);
+  std::vector<std::string> names;
+  for (std::size_t k = 0; k < all_.size(); ++k) {
+    if (!isHidden[k]) names.push_back(all_[k]);
+  }
+  return names;
+}
+
+void FileList::HideNames(std::function<std::vector<bool>(const std::vector<std::string>&)> hides) {
+  hides_ = std::move(hides);
+  UpdateHidden();
+}
+
+void FileList::UpdateHidden() {
+  std::vector<std::string> names = NamesToShow();
+  if (names != model_->Names()) ShowNames(std::move(names));
+}
+
+bool FileList::IsHidden(const std::string& name) const {
+  const auto isIn = [&name](const std::vector<std::string>& names) {
+    return std::ranges::find(names, name) != names.end();
+  };
+  return isIn(all_) && !isIn(model_->Names());
 }
 
 std::string FileList::CurrentName() const {

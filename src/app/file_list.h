@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QListView>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -39,10 +40,23 @@ class FileList : public QListView {
   /// exist stay selected.
   void ShowDirectory(const std::string& directory);
 
+  /// Hides the names for which `hides` is true, now and whenever the list changes; nothing if it is empty. Shown names
+  /// stay selected.
+  void HideNames(std::function<std::vector<bool>(const std::vector<std::string>&)> hides);
+
+  /// Asks it again.
+  void UpdateHidden();
+
+  /// How many names of the directory are not shown.
+  std::size_t HiddenCount() const { return all_.size() - model_->Names().size(); }
+
+  /// True for a name of the directory that is not shown.
+  bool IsHidden(const std::string& name) const;
+
   /// The name that has the keyboard's focus; empty if there is none.
   std::string CurrentName() const;
 
-  /// All names, in the order of the list.
+  /// All shown names, in the order of the list.
   const std::vector<std::string>& Names() const { return model_->Names(); }
 
   /// Selected names in the order of the list.
@@ -50,9 +64,14 @@ class FileList : public QListView {
   void SelectNames(const std::vector<std::string>& names);
 
  private:
+  void ShowNames(std::vector<std::string> names);
+  std::vector<std::string> NamesToShow() const;
+
   FileSystem* files_ = nullptr;
   FileListModel* model_;  // owned by the widget
   std::string directory_;
+  std::vector<std::string> all_;  // names of the directory
+  std::function<std::vector<bool>(const std::vector<std::string>&)> hides_;
 };
 
 }  // namespace quiverion

@@ -1,14 +1,17 @@
 #include "app/frmMain.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QCloseEvent>
-#include <QElapsedTimer>
+#include <QDesktopServices>
 #include <QShortcut>
 #include <QWindow>
 #include <algorithm>
 
+#include "app/frmOpenDirectory.h"
 #include "app/mouse_rules.h"
 #include "app/navigation.h"
+#include "dialogs/frmRunPlan.h"
 #include "dialogs/frmShowCollection.h"
 #include "dialogs/parameters/file_choices.h"
 #include "dialogs/widgets/dropped_files.h"
@@ -16,7 +19,9 @@
 #include "dialogs/widgets/icons.h"
 #include "dialogs/widgets/qt_text.h"
 #include "dialogs/widgets/run_modal.h"
+#include "dialogs/widgets/time_text.h"
 #include "macro/macro_file.h"
+#include "macro/result_names.h"
 #include "messages/failure.h"
 #include "platform/files/paths.h"
 #include "platform/text/text.h"
@@ -28,18 +33,25 @@ namespace {
 constexpr const char* kCollectionTitle = "QuiverionSeries - Inhalt der Kollektion einsehen und bearbeiten";
 constexpr qint64 kPlacementTime = 300;  // ms to wait for the window manager to show the window again
 
+std::unique_ptr<Ui::frmMain> MakeForm(QMainWindow& window) {
+  UseIcons();
+  auto form = std::make_unique<Ui::frmMain>();
+  form->setupUi(&window);
+  return form;
+}
+
 }  // namespace
 
 frmMain::frmMain(const Machine& machine, QWidget* parent)
     : QMainWindow(parent),
       machine_(machine),
       session_(machine.files, messages_, log_, machine.clock),
-      ui_(std::make_unique<Ui::frmMain>()) {
+      ui_(MakeForm(*this)),
+      macro_(*ui_, session_, dialogs_, editing_, [this] { return ui_->Directory->Path(); }),
+      tools_(machine_, session_, dialogs_, editing_, macro_.History(), help_),
+      forecast_(machine_.files, *ui_->StatusBar, [this] { return WhatStartWouldTake(); }),
+      hideResults_(new QCheckBox(ui_->StatusBar)) {
   session_.context.decimalSeparator = machine.decimalSeparator;
-  UseIcons();
-  ui_->setupUi(this);
-  for (QPushButton* const arrow : {ui_->cmdMoveUp, ui_->cmdMoveDown}) arrow->setIcon(InTextColour(arrow->icon()));
-  ConnectMacroControls();
   ConnectFileControls();
   ConnectMenus();
   ConnectTools();
@@ -62,27 +74,6 @@ void frmMain::AddShortcut(const QKeySequence& keys, QWidget* where, Qt::Shortcut
   connect(shortcut, &QShortcut::activated, this, action);
 }
 
-void frmMain::ConnectMacroControls() {
-  connect(ui_->cmdNewMacroEvent, &QPushButton::clicked, this, &frmMain::InsertCommand);
-  connect(ui_->cmdEditMacroEvent, &QPushButton::clicked, this, &frmMain::EditCommand);
-  connect(ui_->cmdDeleteMacroEvent, &QPushButton::clicked, this, &frmMain::DeleteCommand);
-  connect(ui_->cmdMoveUp, &QPushButton::clicked, this, [this] { MoveCommand(-1); });
-  connect(ui_->cmdMoveDown, &QPushButton::clicked, this, [this] { MoveCommand(1); });
-  connect(ui_->lstMacroList, &QListWidget::itemDoubleClicked, this, &frmMain::EditCommand);
-  new RightButton(*ui_->lstMacroList, [this] {
-    ui_->lstMacroList->clearSelection();
-    ui_->cmdOk->setFocus();
-  });
-  const auto onMacro = [this](int keys, void (frmMain::*action)()) {
-    AddShortcut(QKeySequence(keys), ui_->lstMacroList, Qt::WidgetShortcut, [this, action] { (this->*action)(); });
-  };
-  onMacro(Qt::Key_Delete, &frmMain::DeleteCommand);
-  onMacro(Qt::Key_Insert, &frmMain::InsertCommand);
-  const auto moving = Qt::WidgetWithChildrenShortcut;
-  AddShortcut(Qt::ALT | Qt::Key_Up, ui_->fraMacroList, moving, [this] { MoveCommand(-1); });
-  AddShortcut(Qt::ALT | Qt::Key_Down, ui_->fraMacroList, moving, [this] { MoveCommand(1); });
-}
-
 void frmMain::ConnectFileControls() {
   ui_->Directory->Use(machine_.files);
   ui_->Files->Use(machine_.files);
@@ -103,6 +94,11 @@ void frmMain::ConnectFileControls() {
     ReadDrives();
     ReadLists();
   });
+  hideResults_->setObjectName(QStringLiteral("chkHideResults"));
+  ShowHiddenCount();
+  hideResults_->setToolTip(QStringLiteral("Blendet Dateien aus, die das Makro aus anderen Dateien der Liste erzeugt"));
+  ui_->StatusBar->addPermanentWidget(hideResults_);
+  connect(hideResults_, &QCheckBox::toggled, this, &frmMain::HideResults);
   connect(ui_->cmdOk, &QPushButton::clicked, this, &frmMain::Start);
   connect(ui_->cmdCancel, &QPushButton::clicked, this, &frmMain::Quit);
 }
@@ -137,14 +133,38 @@ void frmMain::ConnectTools() {
   });
   connect(ui_->mnuLastRun, &QAction::triggered, this, [this] { lastRun_.ShowTable(*this); });
   connect(&lastRun_, &LastRun::FieldWanted, this, [this](const std::string& path) { tools_.ShowField(path); });
-  connect(&lastRun_, &LastRun::FilesChosen, this, &frmMain::SelectFiles);
+  connect(&lastRun_, &LastRun::FilesChosen, this, &frmMain::ShowFiles);
   connect(ui_->mnuImportFiles, &QAction::triggered, this, [this] { ImportFiles({}); });
   connect(ui_->mnuExportFields, &QAction::triggered, this, &frmMain::ExportFields);
-  connect(&exchange_, &ExchangeWindows::FilesChosen, this, &frmMain::SelectFiles);
-  connect(&exchange_, &ExchangeWindows::FilesChanged, this, &frmMain::ReadLists);
-  connect(ui_->lstMacroList, &QListWidget::itemSelectionChanged, this, [this] { tools_.MacroChanged(SelectedLine()); });
+  connect(&exchange_, &ExchangeWindows::FilesChosen, this, &frmMain::ShowFiles);
+  connect(ui_->mnuRunPlan, &QAction::triggered, &forecast_, &RunForecast::Show);
+  connect(&forecast_, &RunForecast::Wanted, this, &frmMain::ShowForecast);
+  connect(ui_->mnuOpenDirectory, &QAction::triggered, this, &frmMain::AskDirectory);
+  connect(ui_->mnuOpenFolder, &QAction::triggered, this, &frmMain::OpenFolder);
+  connect(&tools_, &ToolWindows::MacroEdited, &macro_, &MacroPanel::ShowParameters);
+  connect(&macro_, &MacroPanel::Changed, this, &frmMain::MacroChanged);
   connect(ui_->Files->selectionModel(), &QItemSelectionModel::selectionChanged, this, &frmMain::TellFiles);
   connect(ui_->Files->model(), &QAbstractItemModel::modelReset, this, &frmMain::TellFiles);
+}
+
+void frmMain::MacroChanged(int line) {
+  tools_.MacroChanged(line);
+  if (hideResults_->isChecked()) ui_->Files->UpdateHidden();
+  forecast_.Refresh();
+}
+
+ForecastInput frmMain::WhatStartWouldTake() {
+  const FileList& files = *ui_->Files;
+  ShowHiddenCount();
+  return {{WithSeparator(ui_->Directory->Path()), files.SelectedNames(), session_.macro}, files.Names().size()};
+}
+
+void frmMain::ShowForecast(const std::shared_ptr<const Forecast>& forecast) {
+  if (!isVisible() || IsBehindDialog(*this)) return;
+  Guarded("mnuRunPlan", [&] {
+    frmRunPlan window(forecast, this);
+    RunModal(window);
+  });
 }
 
 std::vector<std::string> frmMain::ChosenNames() const {
@@ -153,54 +173,12 @@ std::vector<std::string> frmMain::ChosenNames() const {
 }
 
 void frmMain::TellFiles() {
+  forecast_.Refresh();
   if (tools_.HasPreview()) tools_.FilesChanged(WithSeparator(ui_->Directory->Path()), ChosenNames());
 }
 
-void frmMain::SelectFiles(const std::string& directory, const std::vector<std::string>& names) {
-  if (OpenDirectory(directory)) ui_->Files->SelectNames(names);
-}
-
-int frmMain::SelectedLine() const {
-  const QModelIndexList lines = ui_->lstMacroList->selectionModel()->selectedIndexes();
-  return lines.isEmpty() ? -1 : lines.front().row();
-}
-
-void frmMain::ShowMacro(int selected) {
-  QListWidget* const list = ui_->lstMacroList;
-  const int current = std::max(list->currentRow(), 0);
-  list->clear();
-  for (const MacroEvent& event : session_.macro) list->addItem(ToQt(MacroEventDescription(event.EventId(), true)));
-  // The keyboard focus continues from its position, even if no line is selected.
-  const int line = selected >= 0 ? selected : std::min(current, list->count() - 1);
-  list->setCurrentRow(line, selected >= 0 ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate);
-  tools_.MacroChanged(selected);
-}
-
-void frmMain::InsertCommand() {
-  Guarded({}, [this] {
-    const int position = editing_.Insert(SelectedLine(), ui_->Directory->Path());
-    if (position < 0) return;
-    ShowMacro(-1);
-    ui_->lstMacroList->scrollToItem(ui_->lstMacroList->item(position));
-  });
-}
-
-void frmMain::EditCommand() {
-  Guarded({}, [this] {
-    if (editing_.Edit(SelectedLine(), ui_->Directory->Path())) ShowMacro(-1);
-  });
-}
-
-void frmMain::DeleteCommand() {
-  Guarded({}, [this] {
-    if (editing_.Delete(SelectedLine())) ShowMacro(-1);
-  });
-}
-
-void frmMain::MoveCommand(int by) {
-  const int selected = SelectedLine();
-  const int target = editing_.Move(selected, by);
-  if (target != selected) ShowMacro(target);
+void frmMain::ShowFiles(const std::string& directory, const std::vector<std::string>& names) {
+  if (OpenDirectory(directory)) SelectFiles(names);
 }
 
 std::optional<std::string> frmMain::ChooseMacroFile(FileQuestion::Kind kind, const char* title) {
@@ -215,7 +193,7 @@ std::optional<std::string> frmMain::ChooseMacroFile(FileQuestion::Kind kind, con
 void frmMain::OpenMacro() {
   Guarded("mnuOpenMacroList", [this] {
     const auto path = ChooseMacroFile(FileQuestion::Kind::open, "Makro öffnen");
-    if (path && LoadMacroFile(session_, *path)) ShowMacro(-1);
+    if (path) macro_.Load(*path);
   });
 }
 
@@ -275,6 +253,52 @@ void frmMain::ReadLists() {
   OpenDirectory(NearestDirectory(machine_.files, path, drives_));
 }
 
+void frmMain::HideResults(bool hide) {
+  ui_->Files->HideNames(!hide ? nullptr : std::function([this](const std::vector<std::string>& names) {
+    return ResultsAmong(names, session_.macro);
+  }));
+  forecast_.Refresh();
+}
+
+void frmMain::ShowHiddenCount() {
+  const std::size_t count = ui_->Files->HiddenCount();
+  const QString text = QStringLiteral("Ohne Ergebnisse");
+  hideResults_->setText(count == 0 ? text : text + QString(" (%1)").arg(count));
+}
+
+void frmMain::SelectFiles(const std::vector<std::string>& names) {
+  const auto isHidden = [this](const std::string& name) { return ui_->Files->IsHidden(name); };
+  if (hideResults_->isChecked() && std::ranges::any_of(names, isHidden)) hideResults_->setChecked(false);
+  ui_->Files->SelectNames(names);
+}
+
+void frmMain::AskDirectory() {
+  Guarded("mnuOpenDirectory", [this] {
+    frmOpenDirectory window(ui_->Directory->Path(), this);
+    if (RunModal(window) != QDialog::Accepted) return;
+    const std::string path = window.Path();
+    if (path.empty()) return;
+    const bool isFile = !machine_.files.IsDirectory(path) && FileExists(machine_.files, path);
+    if (OpenDirectory(isFile ? ParentDirectory(path) : path) && isFile) SelectFiles({std::string(FileNameOf(path))});
+    ui_->Files->setFocus();
+  });
+}
+
+void frmMain::OpenFolder() {
+  Guarded("mnuOpenFolder", [this] {
+    const std::string& path = ui_->Directory->Path();
+    if (QDesktopServices::openUrl(QUrl::fromLocalFile(PathToQt(path)))) return;
+    messages_.Ask({.title = "Ordner im Dateimanager öffnen",
+                   .text = "Das Verzeichnis '" + path + "' lässt sich in keinem Dateimanager öffnen!"});
+  });
+}
+
+void frmMain::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  // Other programs may have written files meanwhile.
+  if (event->type() == QEvent::ActivationChange && isActiveWindow()) forecast_.Refresh();
+}
+
 void frmMain::Start() {
   if (session_.context.busy) return;  // the running operation keeps its files and its log
   const QPoint place = pos();
@@ -282,14 +306,17 @@ void frmMain::Start() {
     session_.selectedFiles = ui_->Files->SelectedNames();
     session_.inputDirectory = WithSeparator(ui_->Directory->Path());
     tools_.StopPreview();
+    forecast_.Stop();
     if (!lastRun_.Start()) return;
     if (!quitting_) lastRun_.ShowLog();
     if (quitting_) return;
     ShowAt(place);
     ReadLists();
   });
-  if (!quitting_) tools_.Reload();
-  if (isVisible() || quitting_) return;
+  if (quitting_) return;
+  tools_.Reload();
+  forecast_.Resume();
+  if (isVisible()) return;
   messages_.RunEnded();  // an error ended the run: the window must not stay hidden
   ShowAt(place);
 }
@@ -321,13 +348,19 @@ void frmMain::RunStatistic(const StatisticTexts& texts) {
     LogText log;
     const AttachedSink attached(log_, log);
     session_.context.runHadError = false;
-    const bool begun = StatisticsCommandFlow(session_.context, dialogs_, texts, ui_->Directory->Path());
+    const auto begins = [&](const std::string& collection) {
+      forecast_.Stop();
+      computation_ =
+          std::string(texts.title.substr(texts.title.find('-') + 2)) + " aus " + std::string(FileNameOf(collection));
+    };
+    const bool begun = StatisticsCommandFlow(session_.context, dialogs_, texts, ui_->Directory->Path(), begins);
     // The result is saved as in a run, so errors are in the log.
     if (begun && session_.context.runHadError) {
       messages_.Ask({.title = std::string(texts.title), .text = log.Text()});
     }
     if (begun && !quitting_) ReadLists();
     tools_.Reload();
+    forecast_.Resume();
   });
 }
 
@@ -374,14 +407,24 @@ void frmMain::ComputationStarted() {
   ui_->ProgressBar->setRange(0, 1);
   ui_->ProgressBar->setValue(0);
   ui_->ProgressBar->show();
+  computing_.start();
+  ShowComputation(0, 1);
 }
 
 void frmMain::ShowComputation(std::int64_t done, std::int64_t total) {
   ui_->ProgressBar->setRange(0, static_cast<int>(total));
   ui_->ProgressBar->setValue(static_cast<int>(done));
+  std::string text = (computation_.empty() ? "Statistik" : computation_) + ":  " +
+                     std::to_string(100 * done / std::max<std::int64_t>(total, 1)) + " %";
+  const double seconds = static_cast<double>(computing_.elapsed()) / 1000.0;
+  if (done > 0) {
+    text += ",  " + RemainingTimeText(seconds / static_cast<double>(done) * static_cast<double>(total - done));
+  }
+  ui_->StatusBar->showMessage(ToQt(text));
 }
 
 void frmMain::ComputationEnded() {
+  ui_->StatusBar->clearMessage();
   ui_->ProgressBar->hide();
   ui_->cmdOk->show();
   ui_->cmdCancel->show();
@@ -441,7 +484,7 @@ void frmMain::OpenPaths(const std::vector<std::string>& paths) {
       return;
     }
     const auto macro = first(".MAK");
-    if (macro != paths.end() && LoadMacroFile(session_, *macro)) ShowMacro(-1);
+    if (macro != paths.end()) macro_.Load(*macro);
     std::vector<std::string> own = paths;
     const std::vector<std::string> foreign = TakeForeignFiles(machine_.files, own);
     const DroppedSelection selection = SelectionOf(machine_.files, own);
@@ -449,7 +492,7 @@ void frmMain::OpenPaths(const std::vector<std::string>& paths) {
       if (selection.everything) {
         ui_->Files->selectAll();
       } else {
-        ui_->Files->SelectNames(selection.names);
+        SelectFiles(selection.names);
       }
     }
     const auto collection = first(".COL");

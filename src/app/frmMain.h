@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 #include <functional>
 #include <memory>
@@ -10,14 +11,18 @@
 #include "app/exchange_windows.h"
 #include "app/last_run.h"
 #include "app/machine.h"
+#include "app/macro_panel.h"
 #include "app/main_window.h"
 #include "app/qt_user_interface.h"
+#include "app/run_forecast.h"
 #include "app/statistics_flow.h"
 #include "app/tool_windows.h"
 #include "dialogs/help/help.h"
 #include "dialogs/macro_editing.h"
 #include "dialogs/parameters/parameter_windows.h"
 #include "macro/session.h"
+
+class QCheckBox;
 
 namespace Ui {
 class frmMain;
@@ -45,7 +50,7 @@ class frmMain : public QMainWindow, public MainWindow {
   bool OpenDirectory(const std::string& path);
 
   /// Shows the macro of the session; `selected` is the selected line, -1 for none.
-  void ShowMacro(int selected);
+  void ShowMacro(int selected) { macro_.ShowMacro(selected < 0 ? std::vector<int>() : std::vector{selected}); }
 
   QWidget& Widget() override { return *this; }
   void ComputationStarted() override;
@@ -58,9 +63,9 @@ class frmMain : public QMainWindow, public MainWindow {
   void keyPressEvent(QKeyEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
-  void ConnectMacroControls();
   void ConnectFileControls();
   void ConnectMenus();
   void AddShortcut(const QKeySequence& keys, QWidget* where, Qt::ShortcutContext context,
@@ -69,11 +74,6 @@ class frmMain : public QMainWindow, public MainWindow {
   // Runs the reaction to an event; shows whatever it throws in a message box. `topic` is the help topic of its dialogs.
   void Guarded(std::string_view topic, const std::function<void()>& action);
 
-  int SelectedLine() const;
-  void InsertCommand();
-  void EditCommand();
-  void DeleteCommand();
-  void MoveCommand(int by);
   void OpenMacro();
   void SaveMacro();
 
@@ -84,6 +84,11 @@ class frmMain : public QMainWindow, public MainWindow {
   void ShowDriveOfDirectory();
   void ChangeDrive(int index);
   void ReadLists();
+  void HideResults(bool hide);
+  void ShowHiddenCount();
+  void SelectFiles(const std::vector<std::string>& names);
+  void AskDirectory();
+  void OpenFolder();
 
   void Start();
   void RunStatistic(const StatisticTexts& texts);
@@ -100,10 +105,16 @@ class frmMain : public QMainWindow, public MainWindow {
   // Shows a file of the list or, if there is no name, the first one of the directory.
   void ShowField(const std::string& name);
 
+  ForecastInput WhatStartWouldTake();
+  void ShowForecast(const std::shared_ptr<const Forecast>& forecast);
+
   // The files that a run would take, or all if none is selected.
   std::vector<std::string> ChosenNames() const;
   void TellFiles();
-  void SelectFiles(const std::string& directory, const std::vector<std::string>& names);
+  void ShowFiles(const std::string& directory, const std::vector<std::string>& names);
+
+  // The macro has changed, or another line of it was selected.
+  void MacroChanged(int line);
 
   // Shows the hidden window at its old position; the window manager would choose a new one.
   void ShowAt(QPoint place);
@@ -120,10 +131,15 @@ class frmMain : public QMainWindow, public MainWindow {
   LastRun lastRun_{machine_, session_, log_};
   MacroEditing editing_{session_, dialogs_};
   Help help_{machine_.helpFile, [this] { return dialogs_.Topic(); }, *this, messages_};
-  ToolWindows tools_{machine_, session_, dialogs_, editing_, help_};
-  std::vector<std::string> drives_;
-  bool quitting_ = false;
   std::unique_ptr<Ui::frmMain> ui_;
+  MacroPanel macro_;
+  ToolWindows tools_;
+  RunForecast forecast_;
+  QCheckBox* hideResults_;  // in the status bar, which owns it
+  std::vector<std::string> drives_;
+  std::string computation_;  // what the running statistic computes, for the status bar
+  QElapsedTimer computing_;
+  bool quitting_ = false;
 };
 
 }  // namespace quiverion

@@ -56,7 +56,8 @@ std::span<const StatisticTexts> AllStatisticTexts() {
 }
 
 bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, const StatisticTexts& texts,
-                           const std::string& directory) {
+                           const std::string& directory,
+                           const std::function<void(const std::string& collection)>& begins) {
   Inform(context, texts.title,
          "Wählen sie zunächst die Statistik-Kollektion (Datei mit Endung '.col') aus, die für die Berechnung " +
              std::string(texts.collection) + " benutzt werden soll...");
@@ -82,6 +83,7 @@ bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, const St
        .fileName = std::string(BaseNameOf(FileNameOf(*collection))) + std::string(texts.defaultName),
        .extension = "vas"});
   if (!output) return false;
+  if (begins) begins(*collection);
   ComputeStatistic(context, texts.kind, *collection, *output, viscosity);
   return true;
 }

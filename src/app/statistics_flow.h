@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <span>
 #include <string>
 
@@ -23,8 +24,10 @@ std::span<const StatisticTexts> AllStatisticTexts();
 
 /// Guides the user through a statistics command: explains it, asks for the collection, for the viscosity (dissipation
 /// only) and for the output file, then computes. File dialogs for the collection begin in `directory`. Cancelling a
-/// dialog ends it silently. Returns true if the computation was started, whatever its outcome.
+/// dialog ends it silently. `begins` is called before the computation. Returns true if the computation was started,
+/// whatever its outcome.
 bool StatisticsCommandFlow(Context& context, ParameterDialogs& dialogs, const StatisticTexts& texts,
-                           const std::string& directory);
+                           const std::string& directory,
+                           const std::function<void(const std::string& collection)>& begins);
 
 }  // namespace quiverion

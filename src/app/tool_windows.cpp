@@ -5,8 +5,8 @@
 namespace quiverion {
 
 ToolWindows::ToolWindows(const Machine& machine, Session& session, ParameterWindows& dialogs, MacroEditing& editing,
-                         Help& help)
-    : machine_(machine), session_(session), dialogs_(dialogs), help_(help) {
+                         MacroHistory& history, Help& help)
+    : machine_(machine), session_(session), dialogs_(dialogs), history_(history), help_(help) {
   editing.ShowDrafts([this](const std::optional<DraftCommand>& draft) {
     draftPosition_.reset();
     if (draft) draftPosition_ = draft->position;
@@ -38,6 +38,7 @@ void ToolWindows::ShowPreview() {
                         .showHelp = [this] { help_.ShowFor(*preview_); },
                         .buffer = [this]() -> const BufferField& { return session_.context.buffer; }});
     connect(preview_.get(), &frmPreview::LimitMoved, this, &ToolWindows::MoveLimit);
+    connect(preview_.get(), &frmPreview::LimitReleased, &history_, &MacroHistory::EndMovement);
     preview_->ShowMacro(session_.macro, line_);
   }
   preview_->show();
@@ -72,7 +73,7 @@ void ToolWindows::MoveLimit(int command, const QString& key, const QString& text
     return;
   }
   if (isStopped_ || index >= session_.macro.size()) return;
-  session_.macro[index].Set(FromQt(key), FromQt(text));
+  history_.Move(QStringLiteral("Grenze verschieben"), [&] { session_.macro[index].Set(FromQt(key), FromQt(text)); });
   preview_->ShowMacro(session_.macro, command);
   emit MacroEdited();
 }

@@ -10,6 +10,7 @@
 #include "app/machine.h"
 #include "dialogs/help/help.h"
 #include "dialogs/macro_editing.h"
+#include "dialogs/macro_history.h"
 #include "dialogs/parameters/parameter_windows.h"
 #include "macro/session.h"
 #include "view/frmView.h"
@@ -23,7 +24,8 @@ class ToolWindows : public QObject {
 
  public:
   /// All must outlive the object.
-  ToolWindows(const Machine& machine, Session& session, ParameterWindows& dialogs, MacroEditing& editing, Help& help);
+  ToolWindows(const Machine& machine, Session& session, ParameterWindows& dialogs, MacroEditing& editing,
+              MacroHistory& history, Help& help);
   ~ToolWindows() override;
 
   /// Opens the viewer, or the one that is open, with a field or a directory.
@@ -56,6 +58,7 @@ class ToolWindows : public QObject {
   const Machine& machine_;
   Session& session_;
   ParameterWindows& dialogs_;
+  MacroHistory& history_;
   Help& help_;
   QPointer<frmView> viewer_;             // deletes itself when it is closed
   std::unique_ptr<frmPreview> preview_;  // hidden when it is closed

@@ -1,6 +1,6 @@
 #include "cli/commands.h"
-#include "cli/macro_json.h"
 #include "cli/services.h"
+#include "json/macro_json.h"
 #include "macro/command_catalogue.h"
 #include "macro/macro_file.h"
 #include "messages/failure.h"

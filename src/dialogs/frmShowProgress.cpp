@@ -1,27 +1,13 @@
 #include "dialogs/frmShowProgress.h"
 
 #include <QCloseEvent>
-#include <cmath>
 
 #include "dialogs/widgets/qt_text.h"
+#include "dialogs/widgets/time_text.h"
 #include "platform/text/numbers.h"
 #include "ui_frmShowProgress.h"
 
 namespace quiverion {
-namespace {
-
-// The smaller unit is left out if it would not matter.
-std::string TimeText(long long seconds) {
-  const auto number = [](long long count, const char* unit) { return std::to_string(count) + unit; };
-  if (seconds < 60) return number(seconds, " s");
-  const long long minutes = seconds / 60;
-  if (minutes < 10) return number(minutes, " min ") + number(seconds % 60, " s");
-  if (minutes < 60) return number(minutes, " min");
-  return number(minutes / 60, " h ") + number(minutes % 60, " min");
-}
-
-}  // namespace
-
 std::string ProgressCaption(bool minimised, std::int32_t filesDone, std::int32_t fileCount) {
   if (!minimised) return "QuiverionSeries  -  Makro wird bearbeitet";
   const double percent = static_cast<double>(filesDone) / static_cast<double>(fileCount) * 100.0;
@@ -33,7 +19,7 @@ std::string RemainingText(const RunProgress& progress, double seconds) {
   const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : ",  ") + part; };
   if (progress.filesDone > 0) {
     const double left = seconds / progress.filesDone * (progress.fileCount - progress.filesDone);
-    add("noch etwa " + TimeText(std::llround(left)));
+    add(RemainingTimeText(left));
   }
   if (progress.filesWithErrors == 1) add("1 Datei mit Fehlern");
   if (progress.filesWithErrors > 1) add(std::to_string(progress.filesWithErrors) + " Dateien mit Fehlern");

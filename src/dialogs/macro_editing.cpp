@@ -1,5 +1,6 @@
 #include "dialogs/macro_editing.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quiverion {
@@ -48,7 +49,7 @@ bool MacroEditing::Edit(int selected, const std::string& directory) {
     case EditOutcome::cancelled:
       return false;
     case EditOutcome::removeCommand:
-      return Delete(selected);
+      return Delete({selected});
     case EditOutcome::stored:
       break;
   }
@@ -56,17 +57,25 @@ bool MacroEditing::Edit(int selected, const std::string& directory) {
   return true;
 }
 
-bool MacroEditing::Delete(int selected) {
-  if (!IsCommand(selected)) return false;
-  session_.macro.erase(session_.macro.begin() + selected);
-  return true;
+bool MacroEditing::Delete(std::vector<int> selected) {
+  std::erase_if(selected, [this](int line) { return !IsCommand(line); });
+  std::ranges::sort(selected, std::ranges::greater());
+  selected.erase(std::ranges::unique(selected).begin(), selected.end());
+  for (const int line : selected) session_.macro.erase(session_.macro.begin() + line);
+  return !selected.empty();
 }
 
-int MacroEditing::Move(int selected, int by) {
-  const int target = selected + by;
-  if (!IsCommand(selected) || !IsCommand(target)) return selected;
-  std::swap(session_.macro[static_cast<std::size_t>(selected)], session_.macro[static_cast<std::size_t>(target)]);
-  return target;
+std::vector<int> MacroEditing::Move(std::vector<int> selected, int by) {
+  std::ranges::sort(selected);
+  const auto canMove = [&](int line) { return IsCommand(line) && IsCommand(line + by); };
+  if (selected.empty() || !canMove(selected.front()) || !canMove(selected.back())) return selected;
+  if (by > 0) std::ranges::reverse(selected);  // the one in front makes room first
+  for (int& line : selected) {
+    std::swap(session_.macro[static_cast<std::size_t>(line)], session_.macro[static_cast<std::size_t>(line + by)]);
+    line += by;
+  }
+  std::ranges::sort(selected);
+  return selected;
 }
 
 }  // namespace quiverion

@@ -3,13 +3,14 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "dialogs/parameters/parameter_dialogs.h"
 #include "dialogs/parameters/parameter_editing.h"
 #include "macro/session.h"
 
-/// The five actions on the macro list, without the list itself. `selected` is the index of the selected line, -1 if
-/// there is none; line k shows command k of the macro. Each leaves the macro unchanged if the user cancels.
+/// The actions on the macro list, without the list itself. `selected` is the index of the selected line, -1 if there is
+/// none; line k shows command k of the macro. Each leaves the macro unchanged if the user cancels.
 namespace quiverion {
 
 /// A command that is being edited and not yet part of the macro.
@@ -34,11 +35,12 @@ class MacroEditing {
   /// Asks for new parameters of the selected command. Returns true if the macro changed.
   bool Edit(int selected, const std::string& directory);
 
-  /// Returns true if the macro changed.
-  bool Delete(int selected);
+  /// Deletes the selected commands, in any order. Returns true if the macro changed.
+  bool Delete(std::vector<int> selected);
 
-  /// Moves the selected command by -1 (up) or 1 (down). Returns its new index, or `selected` if it cannot move.
-  int Move(int selected, int by);
+  /// Moves the selected commands by -1 (up) or 1 (down), each past the one that is not selected. Returns their new
+  /// indices in ascending order, or `selected` if the first or the last one cannot move.
+  std::vector<int> Move(std::vector<int> selected, int by);
 
  private:
   EditOutcome AskAbout(MacroEvent& event, std::size_t position, bool isNew, const std::string& directory);

@@ -15,76 +15,96 @@
 namespace quiverion {
 namespace {
 
-constexpr Parameter Text(std::string_view key, std::string_view preset = "", FileRole role = FileRole::none) {
-  return {.key = key, .kind = ParameterKind::text, .encoding = FileEncoding::text, .preset = preset, .role = role};
+constexpr Parameter Text(std::string_view key, std::string_view label, std::string_view preset = "",
+                         FileRole role = FileRole::none) {
+  return {.key = key,
+          .label = label,
+          .kind = ParameterKind::text,
+          .encoding = FileEncoding::text,
+          .preset = preset,
+          .role = role};
 }
-constexpr Parameter Flag(std::string_view key, std::string_view preset = "0", FileRole role = FileRole::none) {
-  return {.key = key, .kind = ParameterKind::flag, .encoding = FileEncoding::bool16, .preset = preset, .role = role};
+constexpr Parameter Flag(std::string_view key, std::string_view label, std::string_view preset = "0",
+                         FileRole role = FileRole::none) {
+  return {.key = key,
+          .label = label,
+          .kind = ParameterKind::flag,
+          .encoding = FileEncoding::bool16,
+          .preset = preset,
+          .role = role};
 }
-constexpr Parameter CheckState(std::string_view key, std::string_view preset = "0") {
-  return {key, ParameterKind::checkState, FileEncoding::int32, preset, 0, 1};
+constexpr Parameter CheckState(std::string_view key, std::string_view label, std::string_view preset = "0") {
+  return {key, label, ParameterKind::checkState, FileEncoding::int32, preset, 0, 1};
 }
-constexpr Parameter Integer(std::string_view key, std::string_view preset, double low, double high) {
-  return {key, ParameterKind::integer, FileEncoding::int32, preset, low, high};
+constexpr Parameter Integer(std::string_view key, std::string_view label, std::string_view preset, double low,
+                            double high) {
+  return {key, label, ParameterKind::integer, FileEncoding::int32, preset, low, high};
 }
-constexpr Parameter Number(std::string_view key, std::string_view preset) {
-  return {key, ParameterKind::number, FileEncoding::float64, preset};
+constexpr Parameter Number(std::string_view key, std::string_view label, std::string_view preset) {
+  return {key, label, ParameterKind::number, FileEncoding::float64, preset};
 }
-constexpr Parameter HalfWidth(std::string_view key) {
-  return Integer(key, "2", 0, kLargestHalfWidth);
+constexpr Parameter HalfWidth(std::string_view key, std::string_view label) {
+  return Integer(key, label, "2", 0, kLargestHalfWidth);
 }
 // A double in memory, rounded to an integer in the file: macro files have always lost the fraction here.
-constexpr Parameter Component(std::string_view key) {
-  return {key, ParameterKind::number, FileEncoding::int32, "0"};
+constexpr Parameter Component(std::string_view key, std::string_view label) {
+  return {key, label, ParameterKind::number, FileEncoding::int32, "0"};
 }
 
 // A result beside the input, or below it.
 constexpr Parameter Prefix(std::string_view preset) {
-  return Text("Prefix", preset, FileRole::writes);
+  return Text("Prefix", "Prefix", preset, FileRole::writes);
 }
-constexpr Parameter kPostfix = Text("Postfix", "", FileRole::writes);
+constexpr Parameter kPostfix = Text("Postfix", "Postfix", "", FileRole::writes);
 
 constexpr Parameter kNames[] = {Prefix(""), kPostfix};
 constexpr Parameter kVectorFieldNames[] = {Prefix("VF of "), kPostfix};
 constexpr Parameter kSwirlNames[] = {Prefix("SW of "), kPostfix};
 constexpr Parameter kVorticityNames[] = {Prefix("VOR of "), kPostfix};
 constexpr Parameter kProfileNames[] = {Prefix("VP of "), kPostfix};
-constexpr Parameter kComment[] = {Text("Comment")};
-constexpr Parameter kBufferFile[] = {Text("FileName", "", FileRole::reads)};
-constexpr Parameter kCollection[] = {Text("FileName", "", FileRole::appends)};
-constexpr Parameter kVortexCentres[] = {Text("FileName", "", FileRole::appends),
-                                        Flag("AutoTrafo", "0", FileRole::writes)};
-constexpr Parameter kMirror[] = {CheckState("ChkPosX", "1"), CheckState("ChkPosY")};
-constexpr Parameter kXYTrafo[] = {Text("TxtFakX", "1"),   Text("TxtDeltaX", "0"),  Text("TxtFakY", "1"),
-                                  Text("TxtDeltaY", "0"), Text("TxtFakVecX", "1"), Text("TxtFakVecY", "1")};
-constexpr Parameter kConstVector[] = {Component("XComp"), Component("YComp")};
-constexpr Parameter kChecked[] = {Flag("Checked")};
-constexpr Parameter kScaleFactor[] = {{"Value", ParameterKind::number, FileEncoding::float64, "1.0", 0.1, 10.0}};
-constexpr Parameter kPaletteLimit[] = {Number("Value", "0.0")};
-constexpr Parameter kFaultVectors[] = {CheckState("ChkAbsDeviation"),
-                                       Text("TxtAbsDeviation", "30"),
-                                       CheckState("ChkAbsInterval"),
-                                       Flag("OptAbsIntOut", "1"),
-                                       Text("TxtAbsIntMin", "0"),
-                                       Text("TxtAbsIntMax", "10"),
-                                       CheckState("ChkDirDeviation"),
-                                       Text("TxtDirDeviation", "10"),
-                                       CheckState("ChkXComp"),
-                                       Flag("OptXCompIntOut", "1"),
-                                       Text("TxtXCompIntMin", "-10"),
-                                       Text("TxtXCompIntMax", "10"),
-                                       CheckState("ChkYComp"),
-                                       Flag("OptYCompIntOut", "1"),
-                                       Text("TxtYCompIntMin", "-10"),
-                                       Text("TxtYCompIntMax", "10"),
-                                       Integer("CompareVectorType", "1", 1, 4),
-                                       HalfWidth("CboMedianX"),
-                                       HalfWidth("CboMedianY"),
-                                       HalfWidth("CboLocalMiddleX"),
-                                       HalfWidth("CboLocalMiddleY"),
-                                       Text("TxtUserVectorX", "0"),
-                                       Text("TxtUserVectorY", "0"),
-                                       Flag("LogicalOr", "1")};
+constexpr Parameter kComment[] = {Text("Comment", "Kommentar")};
+constexpr Parameter kBufferFile[] = {Text("FileName", "Datei", "", FileRole::reads)};
+constexpr Parameter kCollection[] = {Text("FileName", "Kollektion", "", FileRole::appends)};
+constexpr Parameter kVortexCentres[] = {Text("FileName", "Textdatei für die Zentren", "", FileRole::appends),
+                                        Flag("AutoTrafo", "Transformierte Felder speichern", "0", FileRole::writes)};
+constexpr Parameter kMirror[] = {CheckState("ChkPosX", "Positionen in x-Richtung spiegeln", "1"),
+                                 CheckState("ChkPosY", "Positionen in y-Richtung spiegeln")};
+constexpr Parameter kXYTrafo[] = {Text("TxtFakX", "Faktor der x-Koordinate", "1"),
+                                  Text("TxtDeltaX", "Verschiebung der x-Koordinate in Millimetern", "0"),
+                                  Text("TxtFakY", "Faktor der y-Koordinate", "1"),
+                                  Text("TxtDeltaY", "Verschiebung der y-Koordinate in Millimetern", "0"),
+                                  Text("TxtFakVecX", "Faktor der x-Komponente", "1"),
+                                  Text("TxtFakVecY", "Faktor der y-Komponente", "1")};
+constexpr Parameter kConstVector[] = {Component("XComp", "x-Komponente in m/s"),
+                                      Component("YComp", "y-Komponente in m/s")};
+constexpr Parameter kChecked[] = {Flag("Checked", "Antwort")};
+constexpr Parameter kScaleFactor[] = {
+    {"Value", "Skalierungsfaktor", ParameterKind::number, FileEncoding::float64, "1.0", 0.1, 10.0}};
+constexpr Parameter kPaletteLimit[] = {Number("Value", "Wert", "0.0")};
+constexpr Parameter kFaultVectors[] = {CheckState("ChkAbsDeviation", "Abweichung vom Betrag prüfen"),
+                                       Text("TxtAbsDeviation", "Abweichung vom Betrag in Prozent", "30"),
+                                       CheckState("ChkAbsInterval", "Betrag prüfen"),
+                                       Flag("OptAbsIntOut", "Betrag außerhalb des Intervalls", "1"),
+                                       Text("TxtAbsIntMin", "Betrag, untere Intervallgrenze in m/s", "0"),
+                                       Text("TxtAbsIntMax", "Betrag, obere Intervallgrenze in m/s", "10"),
+                                       CheckState("ChkDirDeviation", "Abweichung von der Richtung prüfen"),
+                                       Text("TxtDirDeviation", "Abweichung von der Richtung in Grad", "10"),
+                                       CheckState("ChkXComp", "x-Komponente prüfen"),
+                                       Flag("OptXCompIntOut", "x-Komponente außerhalb des Intervalls", "1"),
+                                       Text("TxtXCompIntMin", "x-Komponente, untere Intervallgrenze in m/s", "-10"),
+                                       Text("TxtXCompIntMax", "x-Komponente, obere Intervallgrenze in m/s", "10"),
+                                       CheckState("ChkYComp", "y-Komponente prüfen"),
+                                       Flag("OptYCompIntOut", "y-Komponente außerhalb des Intervalls", "1"),
+                                       Text("TxtYCompIntMin", "y-Komponente, untere Intervallgrenze in m/s", "-10"),
+                                       Text("TxtYCompIntMax", "y-Komponente, obere Intervallgrenze in m/s", "10"),
+                                       Integer("CompareVectorType", "Vergleichsvektor", "1", 1, 4),
+                                       HalfWidth("CboMedianX", "Bereich des Medians, Breite"),
+                                       HalfWidth("CboMedianY", "Bereich des Medians, Höhe"),
+                                       HalfWidth("CboLocalMiddleX", "Bereich des lokalen Mittelwerts, Breite"),
+                                       HalfWidth("CboLocalMiddleY", "Bereich des lokalen Mittelwerts, Höhe"),
+                                       Text("TxtUserVectorX", "Vergleichsvektor, x-Komponente in m/s", "0"),
+                                       Text("TxtUserVectorY", "Vergleichsvektor, y-Komponente in m/s", "0"),
+                                       Flag("LogicalOr", "Ein Kriterium genügt", "1")};
 
 constexpr ParameterEditor Question(std::string_view title, std::string_view text) {
   return {EditorKind::question, title, text};

@@ -35,6 +35,7 @@ enum class FileRole {
 
 struct Parameter {
   std::string_view key;
+  std::string_view label;  // what it is, with its unit, for a person and as the name of its control
   ParameterKind kind;
   FileEncoding encoding;
   std::string_view preset = {};  // what a new command begins with, as a person types it; flags and states as 0 or 1

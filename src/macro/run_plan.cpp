@@ -7,6 +7,7 @@
 
 #include "macro/command_catalogue.h"
 #include "macro/directory_names.h"
+#include "macro/result_names.h"
 #include "messages/failure.h"
 #include "platform/files/paths.h"
 #include "platform/process/environment.h"
@@ -21,23 +22,8 @@ using Kind = PlannedCommand::Kind;
 
 constexpr std::int32_t kBetweenQuestions = 256;  // files or records between two questions whether to go on
 
-// Of a name relative to the directory of the inputs: the same for all spellings of one file.
-std::string KeyOf(std::string_view name) {
-  if (std::ranges::none_of(name, IsPathSeparator)) return FileNameKey(name);
-  std::string key;
-  while (!name.empty()) {
-    const std::string_view part = name.substr(0, name.find_first_of("\\/"));
-    name.remove_prefix(std::min(part.size() + 1, name.size()));
-    if (part.empty() || part == ".") continue;
-    if (!key.empty()) key.push_back(kPathSeparator);
-    key.append(FileNameKey(part));
-  }
-  return key;
-}
-
-std::string ResultName(const PlannedCommand& command, std::string_view file) {
-  std::string name = command.path;
-  return WithOwnSeparators(name.append(BaseNameOf(file)).append(command.postfix));
+std::string ResultOf(const PlannedCommand& command, std::string_view input) {
+  return ResultName(command.path, input, command.postfix);
 }
 
 // The commands that the catalogue gives a role in reading and writing files.
@@ -155,7 +141,7 @@ class Planning {
       case Kind::result:
         break;
     }
-    const std::string result = ResultName(command, name);
+    const std::string result = ResultOf(command, name);
     if (LeadsUpwards(result)) {
       command.leavesSeries = true;
       return false;
@@ -173,10 +159,10 @@ class Planning {
   };
 
   std::string KeyOfItem(std::int32_t item) const {
-    if (item < Count(plan_.files)) return KeyOf(plan_.files[static_cast<std::size_t>(item)]);
+    if (item < Count(plan_.files)) return RelativeNameKey(plan_.files[static_cast<std::size_t>(item)]);
     const PlannedStep& step = plan_.steps[static_cast<std::size_t>(item - Count(plan_.files))];
-    return KeyOf(ResultName(plan_.commands[static_cast<std::size_t>(step.command)],
-                            plan_.files[static_cast<std::size_t>(step.file)]));
+    return RelativeNameKey(ResultOf(plan_.commands[static_cast<std::size_t>(step.command)],
+                                    plan_.files[static_cast<std::size_t>(step.file)]));
   }
 
   bool IsResult(const PlannedStep& step) const {
@@ -297,7 +283,7 @@ std::string_view WordOf(FileUse use) {
 std::string RunPlan::PathOf(const PlannedStep& step) const {
   const PlannedCommand& command = commands[static_cast<std::size_t>(step.command)];
   const std::string& name = files[static_cast<std::size_t>(step.file)];
-  if (command.kind == Kind::result) return directory + ResultName(command, name);
+  if (command.kind == Kind::result) return directory + ResultOf(command, name);
   if (command.kind == Kind::copies) return directory + std::string(BaseNameOf(name)) + kPathSeparator;
   return command.path;
 }

@@ -8,6 +8,7 @@
 #include <QShortcut>
 #include <algorithm>
 
+#include "dialogs/widgets/disconnect_children.h"
 #include "dialogs/widgets/dropped_files.h"
 #include "dialogs/widgets/elided_label.h"
 #include "dialogs/widgets/guarded.h"
@@ -69,7 +70,9 @@ frmView::frmView(const ViewServices& services, QWidget* parent)
   ui_->FieldView->setFocus();
 }
 
-frmView::~frmView() = default;
+frmView::~frmView() {
+  DisconnectChildren(*this);
+}
 
 void frmView::Guarded(const std::function<void()>& action) {
   quiverion::Guarded(messages_, action);

@@ -1,6 +1,7 @@
 // The main window: lists, menus, keys, and what goes wrong with them.
 #include <QMimeData>
 #include <QShortcutEvent>
+#include <QStatusBar>
 #include <QTableView>
 #include <filesystem>
 
@@ -279,7 +280,7 @@ TEST_F(MainWindow, FilesOfOtherProgramsLeadToTheirImportAndAreSelectedThen) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return Files().SelectedNames().size() == 3; }));
   EXPECT_EQ(Files().SelectedNames(), (Names{"B1.vas", "B2.vas", "L1.vas"}));
   EXPECT_EQ(Directory().Path(), place.At("fremd/VAS"));
-  // The export begins with what is selected, and the lists show what it has written.
+  // The export begins with what is selected.
   Files().SelectNames({"L1.vas"});
   script.Expect<QDialog>("quiverion::frmExport", [&](QDialog& exporting) {
     EXPECT_EQ(Lines(Find<QTableView>(exporting, "tblFiles")), "L1.vas|");
@@ -359,6 +360,8 @@ TEST_F(DuringAStatistic, StartGivesWayAndASecondOneIsRefused) {
     seen = true;
     EXPECT_FALSE(Get<QPushButton>("cmdOk").isVisible() || Get<QPushButton>("cmdCancel").isVisible());
     EXPECT_EQ(window->cursor().shape(), Qt::WaitCursor);
+    const QString said = Get<QStatusBar>("StatusBar").currentMessage();
+    EXPECT_TRUE(said.startsWith("Mittelwert berechnen aus s.col:  ") && said.contains(" %")) << FromQt(said);
     QTest::keyClick(window.get(), Qt::Key_Return);  // starts nothing
     script.ExpectBox(QMessageBox::Ok);
     Trigger("mnuAvgUsTimesVs");
@@ -370,6 +373,7 @@ TEST_F(DuringAStatistic, StartGivesWayAndASecondOneIsRefused) {
   EXPECT_TRUE(place.Has("s_mean.vas"));
   EXPECT_TRUE(Get<QPushButton>("cmdOk").isVisible());
   EXPECT_FALSE(Get<QProgressBar>("ProgressBar").isVisible());
+  EXPECT_EQ(Get<QStatusBar>("StatusBar").currentMessage(), "");
 }
 
 TEST_F(DuringAStatistic, ClosingTheWindowAsksFirst) {

@@ -21,7 +21,7 @@ class StatisticsFlow : public testing::Test {
   }
   bool Run(StatisticKind kind) {
     const auto texts = std::ranges::find(AllStatisticTexts(), kind, &StatisticTexts::kind);
-    return StatisticsCommandFlow(program.context, dialogs, *texts, "/mess");
+    return StatisticsCommandFlow(program.context, dialogs, *texts, "/mess", {});
   }
 
   test::TestSession program;

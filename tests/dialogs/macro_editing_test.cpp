@@ -52,15 +52,22 @@ TEST_F(MacroEditingTest, InsertsBeforeTheSelectedCommandOrAtTheEnd) {
 
 TEST_F(MacroEditingTest, MovesAndDeletesTheSelectedCommand) {
   program.session.macro = {MacroEvent(1), MacroEvent(2), MacroEvent(3)};
-  EXPECT_EQ(editing.Move(0, -1), 0);
-  EXPECT_EQ(editing.Move(2, 1), 2);
-  EXPECT_EQ(editing.Move(-1, 1), -1);
-  EXPECT_EQ(editing.Move(0, 1), 1);
+  using Lines = std::vector<int>;
+  EXPECT_EQ(editing.Move({0}, -1), Lines{0});
+  EXPECT_EQ(editing.Move({2}, 1), Lines{2});
+  EXPECT_EQ(editing.Move({-1}, 1), Lines{-1});
+  EXPECT_EQ(editing.Move({}, 1), Lines{});
+  EXPECT_EQ(editing.Move({0}, 1), Lines{1});
   EXPECT_EQ(Macro(), (Ids{2, 1, 3}));
-  EXPECT_FALSE(editing.Delete(-1));
-  EXPECT_FALSE(editing.Delete(3));
-  EXPECT_TRUE(editing.Delete(1));
-  EXPECT_EQ(Macro(), (Ids{2, 3}));
+  EXPECT_EQ(editing.Move({1, 0}, 1), (Lines{1, 2}));
+  EXPECT_EQ(Macro(), (Ids{3, 2, 1}));
+  EXPECT_EQ(editing.Move({0, 2}, -1), (Lines{0, 2})) << "the first one cannot move";
+  EXPECT_FALSE(editing.Delete({-1}));
+  EXPECT_FALSE(editing.Delete({3}));
+  EXPECT_TRUE(editing.Delete({1}));
+  EXPECT_EQ(Macro(), (Ids{3, 1}));
+  EXPECT_TRUE(editing.Delete({0, 1}));
+  EXPECT_EQ(Macro(), Ids{});
 }
 
 TEST_F(MacroEditingTest, EditsACommandInItsPlace) {

@@ -114,9 +114,12 @@ TEST_F(Manual, ContentsAndIndexReachEverything) {
       EXPECT_FALSE(help.TargetOf(window).isEmpty()) << FromQt(window);
     }
   }
-  for (const char* item : {"mnuOpenMacroList", "mnuSaveMacroList", "mnuEditCollection", "mnuAverage", "mnuStdDeviation",
-                           "mnuAvgUsAndVs", "mnuAvgUsTimesVs", "mnuTu", "mnuDissipation", "mnuShowField",
-                           "mnuShowPreview", "mnuLastRun", "mnuImportFiles", "mnuExportFields"}) {
+  for (const char* item : {"mnuOpenMacroList", "mnuSaveMacroList", "mnuEditCollection", "mnuAverage",
+                           "mnuStdDeviation",  "mnuAvgUsAndVs",    "mnuAvgUsTimesVs",   "mnuTu",
+                           "mnuDissipation",   "mnuShowField",     "mnuShowPreview",    "mnuLastRun",
+                           "mnuRunPlan",       "mnuUndo",          "mnuRedo",           "mnuCopyCommands",
+                           "mnuPasteCommands", "mnuOpenDirectory", "mnuOpenFolder",     "mnuImportFiles",
+                           "mnuExportFields"}) {
     EXPECT_FALSE(help.TargetOf(item).isEmpty()) << item;
   }
 }

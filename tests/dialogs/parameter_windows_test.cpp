@@ -269,6 +269,9 @@ TEST_P(DesktopFont, LeavesEveryControlItsTextAndANameForScreenReaders) {
   frmMirrorOptions mirror(ui);
   frmEditVector vector(ui, "Zu subtrahierender Vektor");
   faultVectors.Load(NewCommand(30001));
+  trafo.Load(NewCommand(30003));
+  names.Load(NewCommand(10101));
+  mirror.Load(NewCommand(30002));
   MacroEvent event = NewCommand(40201);
   event.Set("XComp", -123456.789);
   vector.Load(event);

@@ -74,7 +74,10 @@ class MemoryUpdatedFile : public MemoryReadableFile<UpdatedFile> {
   void Close() override {}
 
  private:
-  void Changed() { system_.files[path_] = content_; }
+  void Changed() {
+    const std::lock_guard<std::recursive_mutex> lock(system_.mutex);
+    system_.files[path_] = content_;
+  }
 
   MemoryFileSystem& system_;
   std::string path_;
@@ -102,6 +105,7 @@ class MemoryOutputFile : public OutputFile {
   bool IsNew() const override { return isNew_; }
 
   void Commit() override {
+    const std::lock_guard<std::recursive_mutex> lock(system_.mutex);
     if (existing_ == ExistingFile::keep && system_.files.contains(path_)) throw SystemError(ErrorNumber::pathAccess);
     system_.files[path_] = content_;
   }
@@ -117,6 +121,7 @@ class MemoryOutputFile : public OutputFile {
 }  // namespace
 
 std::unique_ptr<InputFile> MemoryFileSystem::OpenForReading(const std::string& path) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   const std::string normal = Normal(path);
   if (const auto error = openErrors.find(normal); error != openErrors.end()) throw SystemError(error->second);
   const auto found = files.find(normal);
@@ -133,6 +138,7 @@ std::uint64_t MemoryFileSystem::ReadFailsAt(const std::string& path) const {
 }
 
 std::unique_ptr<OutputFile> MemoryFileSystem::CreateResultFile(const std::string& path, ExistingFile existing) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   if (faults.open) throw SystemError(*faults.open);
   const std::string normal = Normal(path);
   if (!IsDirectory(std::string(DirectoryOf(normal)))) throw SystemError(ErrorNumber::pathNotFound);
@@ -140,6 +146,7 @@ std::unique_ptr<OutputFile> MemoryFileSystem::CreateResultFile(const std::string
 }
 
 std::unique_ptr<OutputFile> MemoryFileSystem::OpenForAppending(const std::string& path) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   const std::string normal = WritablePath(path);
   const auto found = files.find(normal);
   return std::make_unique<MemoryOutputFile>(*this, normal, ExistingFile::replace,
@@ -147,6 +154,7 @@ std::unique_ptr<OutputFile> MemoryFileSystem::OpenForAppending(const std::string
 }
 
 std::unique_ptr<UpdatedFile> MemoryFileSystem::OpenForUpdating(const std::string& path) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   const std::string normal = WritablePath(path);
   if (!files.contains(normal)) throw SystemError(ErrorNumber::fileNotFound);
   return std::make_unique<MemoryUpdatedFile>(*this, normal, ReadFailsAt(normal));
@@ -161,20 +169,24 @@ std::string MemoryFileSystem::WritablePath(const std::string& path) {
 }
 
 void MemoryFileSystem::SetFileSize(const std::string& path, std::uint64_t newLength) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   if (faults.setFileSize) throw SystemError::Saying(ErrorNumber::deviceError, "not set");
   files.at(Normal(path)).resize(static_cast<std::size_t>(newLength), '\0');
 }
 
 void MemoryFileSystem::RemoveFileQuietly(const std::string& path) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   files.erase(Normal(path));
 }
 
 void MemoryFileSystem::CreateDirectoryQuietly(const std::string& path) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   const std::string normal = Normal(path);
   if (IsDirectory(std::string(DirectoryOf(normal)))) directories.insert(normal);
 }
 
 std::vector<std::string> MemoryFileSystem::ListFiles(const std::string& directory) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   const std::string prefix = Normal(WithSeparator(directory));
   std::vector<std::string> names;
   for (const auto& [path, content] : files) {
@@ -186,6 +198,7 @@ std::vector<std::string> MemoryFileSystem::ListFiles(const std::string& director
 }
 
 std::vector<std::string> MemoryFileSystem::ListDirectories(const std::string& directory) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   if (!IsDirectory(directory)) throw SystemError(ErrorNumber::pathNotFound);
   const std::string prefix = Normal(WithSeparator(directory));
   std::set<std::string> names;
@@ -201,15 +214,18 @@ std::vector<std::string> MemoryFileSystem::ListDirectories(const std::string& di
 }
 
 bool MemoryFileSystem::IsReadOnly(const std::string& path) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   return readOnly.contains(Normal(path));
 }
 
 void MemoryFileSystem::ClearReadOnly(const std::string& path) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   if (faults.open) throw SystemError(*faults.open);
   readOnly.erase(Normal(path));
 }
 
 bool MemoryFileSystem::IsDirectory(const std::string& path) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   const std::string normal = Normal(path);
   if (normal.empty() || normal == "/" || directories.contains(normal)) return true;
   const std::string prefix = Normal(WithSeparator(normal));
@@ -222,6 +238,7 @@ DriveKind MemoryFileSystem::KindOfDrive(const std::string& /*directory*/) {
 }
 
 std::uint64_t MemoryFileSystem::FreeDiskBytes(const std::string& /*directory*/) {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
   const std::uint64_t answer = freeBytes.front();
   if (freeBytes.size() > 1) freeBytes.erase(freeBytes.begin());
   return answer;

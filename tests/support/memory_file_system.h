@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -14,7 +15,8 @@
 namespace quiverion::test {
 
 /// Files in memory, with "/" and "\" as separators, and with faults on request. The directories "" and "/" exist;
-/// others exist if they were created or if they contain a file.
+/// others exist if they were created or if they contain a file. Threads may use it at once if `mutex` is locked for
+/// direct access to the members.
 class MemoryFileSystem : public FileSystem {
  public:
   std::map<std::string, std::string> files;
@@ -36,6 +38,14 @@ class MemoryFileSystem : public FileSystem {
   std::map<std::string, std::uint64_t> readFailsAt;  // byte at which reading fails with error 57
 
   int openWrittenFiles = 0;
+
+  /// A copy of the files has a mutex of its own.
+  struct Mutex : std::recursive_mutex {
+    Mutex() = default;
+    Mutex(const Mutex& /*other*/) {}
+    Mutex& operator=(const Mutex& /*other*/) { return *this; }
+  };
+  Mutex mutex;
 
   std::unique_ptr<InputFile> OpenForReading(const std::string& path) override;
   std::unique_ptr<OutputFile> CreateResultFile(const std::string& path, ExistingFile existing) override;

@@ -178,6 +178,10 @@ TEST_F(PreviewWindow, TheSampleLeadsToTheOddFile) {
   EXPECT_TRUE(shown().contains("f0.vas"));
   Find<QSpinBox>(window, "spnSample").setValue(2);
   ASSERT_TRUE(Await([&] { return Cell(1, StepTable::rejected) != ""; }));
+  auto& size = Find<QSpinBox>(window, "spnSample");
+  size.setFocus();
+  size.selectAll();
+  QTest::keyClicks(&size, "3");  // the number is told when the box loses the focus, now with the window itself
 }
 
 TEST_F(PreviewWindow, DamagedAndVanishedFilesAndHurryAreSaid) {

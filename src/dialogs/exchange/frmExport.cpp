@@ -8,6 +8,7 @@
 
 #include "dialogs/exchange/choose_paths.h"
 #include "dialogs/exchange/import_work.h"
+#include "dialogs/widgets/disconnect_children.h"
 #include "dialogs/widgets/dropped_files.h"
 #include "dialogs/widgets/guarded.h"
 #include "dialogs/widgets/log_colours.h"
@@ -54,7 +55,9 @@ frmExport::frmExport(const ExchangeServices& services, QWidget* parent)
   KindChanged();
 }
 
-frmExport::~frmExport() = default;
+frmExport::~frmExport() {
+  DisconnectChildren(*this);
+}
 
 void frmExport::ConnectControls() {
   connect(ui_->cmdAdd, &QPushButton::clicked, this, &frmExport::ChooseFiles);

@@ -8,6 +8,7 @@
 
 #include "dialogs/exchange/choose_paths.h"
 #include "dialogs/exchange/import_work.h"
+#include "dialogs/widgets/disconnect_children.h"
 #include "dialogs/widgets/dropped_files.h"
 #include "dialogs/widgets/guarded.h"
 #include "dialogs/widgets/log_colours.h"
@@ -74,7 +75,9 @@ frmImport::frmImport(const ExchangeServices& services, QWidget* parent)
   ShowWork();
 }
 
-frmImport::~frmImport() = default;
+frmImport::~frmImport() {
+  DisconnectChildren(*this);
+}
 
 void frmImport::ConnectControls() {
   connect(ui_->cmdAdd, &QPushButton::clicked, this, &frmImport::ChooseFiles);

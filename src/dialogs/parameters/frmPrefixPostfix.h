@@ -18,7 +18,13 @@ class frmPrefixPostfix : public ParameterWindow {
   explicit frmPrefixPostfix(UserInterface& messages, QWidget* parent = nullptr);
   ~frmPrefixPostfix() override;
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
+  // Red while the new file would have the name of the original.
+  void ColourWarning();
+
   std::unique_ptr<Ui::frmPrefixPostfix> ui_;
 };
 

@@ -40,6 +40,7 @@ std::string ShownText(const MacroEvent& event, const Parameter& parameter) {
 void ParameterWindow::Load(const MacroEvent& event) {
   parameters_ = ParametersOf(event.EventId());
   for (const Parameter& parameter : parameters_) {
+    if (auto* const control = ControlOf<QWidget>(*this, parameter)) control->setAccessibleName(ToQt(parameter.label));
     if (auto* const box = ControlOf<FilteredLineEdit>(*this, parameter)) {
       box->ShowText(ShownText(event, parameter));
     } else if (auto* const check = ControlOf<QCheckBox>(*this, parameter)) {

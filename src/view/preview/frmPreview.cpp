@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <algorithm>
 
+#include "dialogs/widgets/disconnect_children.h"
 #include "dialogs/widgets/icons.h"
 #include "dialogs/widgets/qt_text.h"
 #include "macro/command_catalogue.h"
@@ -54,7 +55,9 @@ frmPreview::frmPreview(PreviewServices services, QWidget* parent)
   ui_->Comparison->MainView().setFocus();
 }
 
-frmPreview::~frmPreview() = default;
+frmPreview::~frmPreview() {
+  DisconnectChildren(*this);
+}
 
 void frmPreview::AddQuantities() {
   ui_->cboBackground->addItem("Wie in der Datei");
@@ -100,6 +103,7 @@ void frmPreview::ConnectChoices() {
   connect(ui_->Histogram, &HistogramView::LimitMoved, this, [this](const QString& key, const QString& text) {
     if (!isStopped_ && step_ > 0) emit LimitMoved(step_ - 1, key, text);
   });
+  connect(ui_->Histogram, &HistogramView::LimitReleased, this, &frmPreview::LimitReleased);
   connect(ui_->Comparison, &ComparisonView::PointHovered, this, [this](std::optional<GridPoint> point) {
     if (point) return ui_->statusbar->showMessage(ui_->Comparison->Readout(*point));
     ui_->statusbar->clearMessage();

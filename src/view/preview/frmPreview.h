@@ -58,6 +58,9 @@ class frmPreview : public QMainWindow {
   /// Somebody moves a limit of the search that is command `command` of what is shown.
   void LimitMoved(int command, const QString& key, const QString& text);
 
+  /// A movement of a limit has ended.
+  void LimitReleased();
+
  protected:
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;

@@ -201,6 +201,12 @@ void HistogramView::mouseReleaseEvent(QMouseEvent* /*event*/) {
   if (!dragged_) return;
   dragged_.reset();
   Show(SearchReport(report_));
+  emit LimitReleased();
+}
+
+void HistogramView::keyReleaseEvent(QKeyEvent* event) {
+  QWidget::keyReleaseEvent(event);
+  if (!event->isAutoRepeat()) emit LimitReleased();
 }
 
 // A limit stays on its side of the other one.

@@ -26,12 +26,16 @@ class HistogramView : public QWidget {
   /// Somebody moves a limit: the parameter's key and its new text.
   void LimitMoved(const QString& key, const QString& text);
 
+  /// The mouse button or the key that moved it was released.
+  void LimitReleased();
+
  protected:
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
 
  private:
   struct Handle {

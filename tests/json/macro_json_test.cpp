@@ -1,11 +1,11 @@
-#include "cli/macro_json.h"
+#include "json/macro_json.h"
 
 #include <gtest/gtest.h>
 
 #include "macro/command_catalogue.h"
 #include "support/approved.h"
 
-namespace quiverion::cli {
+namespace quiverion {
 namespace {
 
 MacroEvent Event(std::int32_t eventId, std::initializer_list<std::pair<const char*, MacroValue>> values = {}) {
@@ -70,4 +70,4 @@ TEST(MacroJson, NamesThePositionAndTheKeyOfWhatIsWrong) {
 }
 
 }  // namespace
-}  // namespace quiverion::cli
+}  // namespace quiverion

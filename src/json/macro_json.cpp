@@ -1,4 +1,4 @@
-#include "cli/macro_json.h"
+#include "json/macro_json.h"
 
 #include <cmath>
 #include <limits>
@@ -8,7 +8,7 @@
 #include "macro/command_catalogue.h"
 #include "platform/text/text.h"
 
-namespace quiverion::cli {
+namespace quiverion {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -173,4 +173,4 @@ MacroEventList MacroFromJson(std::string_view text) {
   return macro;
 }
 
-}  // namespace quiverion::cli
+}  // namespace quiverion

@@ -6,7 +6,7 @@
 #include "macro/macro_event.h"
 #include "messages/failure.h"
 
-namespace quiverion::cli {
+namespace quiverion {
 
 /// An error in the JSON form of a macro: a German sentence that names the position of the command and the key.
 class MacroJsonError : public FormatError {
@@ -22,4 +22,4 @@ std::string MacroToJson(const MacroEventList& macro);
 /// does not matter. Throws MacroJsonError.
 MacroEventList MacroFromJson(std::string_view text);
 
-}  // namespace quiverion::cli
+}  // namespace quiverion
