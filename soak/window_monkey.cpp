@@ -29,6 +29,7 @@
 #include "app/frmMain.h"
 #include "dialogs/application.h"
 #include "dialogs/widgets/qt_text.h"
+#include "generator/foreign_files.h"
 #include "generator/sample_files.h"
 #include "platform/files/paths.h"
 #include "support/bytes.h"
@@ -54,6 +55,7 @@ class Monkey : public QObject {
   /// A program from its start to its end. False where the time is over.
   bool PlayOnce() {
     LayFiles();
+    QDir::setCurrent(ToQt(place_));
     const SystemClock clock;
     frmMain window({.files = files_,
                     .clock = clock,
@@ -70,7 +72,9 @@ class Monkey : public QObject {
     QCoreApplication::exec();
     timer_.stop();
     const std::lock_guard<std::recursive_mutex> lock(files_.mutex);
-    for (const auto& [path, bytes] : files_.files) Expect(path.starts_with(place_), "a file lies elsewhere");
+    for (const auto& [path, bytes] : files_.files) {
+      Expect(path.starts_with(place_), ("a file lies elsewhere: " + path).c_str());
+    }
     return Time::now() < end_;
   }
 
@@ -108,6 +112,9 @@ class Monkey : public QObject {
         {"serie/c.vec", samples::VecBytes(sample(3), 1)},
         {"serie/kaputt.vas", samples::VasBytes(sample(2)).substr(0, 200)},
         {"serie/notes.txt", "no field"},
+        {"fremd/B1.txt", samples::ForeignSampleOf("davis8.txt").bytes(sample(5))},
+        {"fremd/B2.txt", samples::ForeignSampleOf("davis8.txt").bytes(sample(6)).substr(0, 500)},
+        {"fremd/L1.vec", samples::ForeignSampleOf("insight.vec").bytes(sample(7))},
         {"Größe 1/Übung ä.vas", samples::VasBytes(sample(4))},
         {"Größe 1/Übung ä.col", collection(3)},
         {"viele.col", collection(400)},
@@ -250,7 +257,7 @@ class Monkey : public QObject {
                                         "Shift+Down Ctrl+O "
                                         "Ctrl+S Ctrl+A Ctrl+C Ctrl+F Ctrl+V Ctrl+Z Ctrl+Y Ctrl+L Shift+Up Alt+Up "
                                         "Alt+Down Alt+Left Alt+D Alt+S Alt+E Alt+P Alt+L Alt+O "
-                                        "Alt+J")
+                                        "Alt+J Alt+C Alt+H Alt+I Alt+X")
                                         .split(' ');
     const QString key = OneOf(keys);
     Note(window, "key " + FromQt(key));
@@ -261,6 +268,8 @@ class Monkey : public QObject {
     static const QStringList texts =
         QString("1|0|-7.5|3,2|1e400|neu\\|_ä|Übung ß€|--..,,-1|..\\|/|a:b?|<b>x|%1").split('|');
     const QString text = OneOf(texts);
+    const QWidget* const focus = QApplication::focusWidget();
+    if (focus != nullptr && focus->objectName() == "txtDirectory") return;  // results would lie anywhere
     Note(window, "type " + FromQt(text));
     const QPointer<QWidget> still = &window;
     for (const QChar letter : text) {
@@ -289,7 +298,8 @@ class Monkey : public QObject {
   }
 
   std::string SomePath() {
-    if (Chance(25)) return OneOf(std::array<std::string, 5>{"neu", "neu.mak", "fehlt/neu.vas", "*.vas", "serie"});
+    if (Chance(25))
+      return OneOf(std::array<std::string, 6>{"neu", "neu.mak", "fehlt/neu.vas", "*.vas", "serie", "fremd"});
     const std::lock_guard<std::recursive_mutex> lock(files_.mutex);
     return OneOf(files_.files).first.substr(place_.size());
   }

@@ -4,7 +4,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
-#include <QHeaderView>
 #include <QShortcut>
 #include <algorithm>
 
@@ -54,12 +53,7 @@ frmView::frmView(const ViewServices& services, QWidget* parent)
   ConnectViewMenu();
   ConnectSeries();
   ConnectPicture();
-  ui_->tblVectors->setModel(&table_);
-  ui_->tblVectors->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
-  ui_->tblVectors->horizontalHeader()->setDefaultSectionSize(fontMetrics().horizontalAdvance("-0,1234567") + 24);
-  for (const int column : {VectorTable::column, VectorTable::row, VectorTable::status}) {
-    ui_->tblVectors->setColumnWidth(column, fontMetrics().horizontalAdvance("Status") + 24);
-  }
+  ShowIn(*ui_->tblVectors, table_);
   ui_->tabPages->hide();
   ui_->splitter->setStretchFactor(0, 3);
   ui_->splitter->setStretchFactor(1, 2);

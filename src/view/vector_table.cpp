@@ -2,6 +2,8 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QHeaderView>
+#include <QTableView>
 #include <algorithm>
 
 #include "dialogs/widgets/qt_text.h"
@@ -105,6 +107,16 @@ QVariant VectorTable::headerData(int section, Qt::Orientation orientation, int r
       return Header("Betrag", components.uUnit == components.vUnit ? components.uUnit : "");
     default:
       return QStringLiteral("Status");
+  }
+}
+
+void ShowIn(QTableView& view, VectorTable& table) {
+  view.setModel(&table);
+  const QFontMetrics letters = view.fontMetrics();
+  view.verticalHeader()->setDefaultSectionSize(letters.height() + 6);
+  view.horizontalHeader()->setDefaultSectionSize(letters.horizontalAdvance("-0,1234567") + 24);
+  for (const int column : {VectorTable::column, VectorTable::row, VectorTable::status}) {
+    view.setColumnWidth(column, letters.horizontalAdvance("Status") + 24);
   }
 }
 

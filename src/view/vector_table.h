@@ -7,6 +7,8 @@
 #include "messages/user_interface.h"
 #include "picture/statuses.h"
 
+class QTableView;
+
 namespace quiverion {
 
 /// All vectors of a field, row by row of its grid. Nothing is stored, so that a field of 16 million vectors scrolls
@@ -33,6 +35,9 @@ class VectorTable : public QAbstractTableModel {
  private:
   const VectorField* field_ = nullptr;
 };
+
+/// Shows the table in a view, with rows and columns as large as its letters need.
+void ShowIn(QTableView& view, VectorTable& table);
 
 /// Copies the selected rows as text: columns separated by tabs, a line with the names first. Refuses more than a
 /// million.

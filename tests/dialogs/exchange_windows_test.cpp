@@ -256,11 +256,15 @@ TEST_F(ExportWindow, SaysWhatIsWrongAndWritesNoSeriesWithAGap) {
   Type(*window, "txtTimeStep", "0");
   Find<QCheckBox>(*window, "chkSeries").click();
   Press(*window, "cmdExport");
+  Type(*window, "txtTimeStep", "1");
+  Type(*window, "txtSeries", "x/y.nc");
+  Press(*window, "cmdExport");
   std::string said;
   for (const Message& box : ui.messages) said += box.text + "\n";
   EXPECT_EQ(said,
             "Zwei Dateien haben denselben Namen:\r\n'f0.vas' und 'f0.vas'\n"
-            "Die Zeit zwischen zwei Feldern muss größer als 0 sein!\n");
+            "Die Zeit zwischen zwei Feldern muss größer als 0 sein!\n"
+            "Der Name der Serie darf kein Verzeichnis enthalten!\n");
 }
 
 }  // namespace

@@ -208,6 +208,7 @@ std::optional<exchange::ExportJob> frmExport::Job() {
     if (!(job.timeStep > 0.0)) problem = "Die Zeit zwischen zwei Feldern muss größer als 0 sein!";
   }
   if (ui_->chkSeries->isChecked() && job.series.empty()) problem = "Die Serie braucht einen Namen!";
+  if (FileNameOf(job.series) != job.series) problem = "Der Name der Serie darf kein Verzeichnis enthalten!";
   if (directory_.empty()) problem = "Das Zielverzeichnis fehlt!";
   if (const std::string same = FieldsOfOneName(job); !job.IsOneFile() && !same.empty()) {
     problem = "Zwei Dateien haben denselben Namen:\r\n" + same;
