@@ -44,7 +44,8 @@ quiverion_windows(view USES picture preview dialogs SOURCES
   preview/comparison_view.cpp preview/frmPreview.cpp preview/histogram_view.cpp
   preview/preview_worker.cpp preview/sample_strip.cpp preview/step_table.cpp)
 quiverion_windows(app USES view json SOURCES
-  directory_list.cpp exchange_windows.cpp file_list.cpp forecast_button.cpp frmMain.cpp frmOpenDirectory.cpp last_run.cpp macro_panel.cpp
+  directory_list.cpp exchange_windows.cpp file_list.cpp file_panel.cpp forecast_button.cpp frmMain.cpp
+  frmOpenDirectory.cpp last_run.cpp macro_panel.cpp
   navigation.cpp newest_task.cpp qt_user_interface.cpp run_forecast.cpp
   statistics_flow.cpp tool_windows.cpp
   ${QUIVERION_SYSTEM}/drives.cpp)

@@ -1,15 +1,10 @@
 #include "app/frmMain.h"
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QCloseEvent>
-#include <QDesktopServices>
-#include <QShortcut>
 #include <QWindow>
 #include <algorithm>
 
-#include "app/frmOpenDirectory.h"
-#include "app/mouse_rules.h"
 #include "app/navigation.h"
 #include "dialogs/frmRunPlan.h"
 #include "dialogs/frmShowCollection.h"
@@ -21,7 +16,6 @@
 #include "dialogs/widgets/run_modal.h"
 #include "dialogs/widgets/time_text.h"
 #include "macro/macro_file.h"
-#include "macro/result_names.h"
 #include "messages/failure.h"
 #include "platform/files/paths.h"
 #include "platform/text/text.h"
@@ -49,14 +43,14 @@ frmMain::frmMain(const Machine& machine, QWidget* parent)
       ui_(MakeForm(*this)),
       macro_(*ui_, session_, dialogs_, editing_, [this] { return ui_->Directory->Path(); }),
       tools_(machine_, session_, dialogs_, editing_, macro_.History(), help_),
-      forecast_(machine_.files, *ui_->StatusBar, [this] { return WhatStartWouldTake(); }),
-      hideResults_(new QCheckBox(ui_->StatusBar)) {
+      files_(*this, *ui_, machine_, session_.macro, dialogs_, messages_),
+      forecast_(machine_.files, *ui_->StatusBar, [this] { return files_.WhatARunWouldTake(); }) {
   session_.context.decimalSeparator = machine.decimalSeparator;
-  ConnectFileControls();
   ConnectMenus();
   ConnectTools();
-  ReadDrives();
-  OpenDirectory(NearestDirectory(machine_.files, machine_.startDirectory, drives_));
+  connect(ui_->cmdOk, &QPushButton::clicked, this, &frmMain::Start);
+  connect(ui_->cmdCancel, &QPushButton::clicked, this, &frmMain::Quit);
+  FilesChanged();
   ui_->lstMacroList->setFocus();
 }
 
@@ -65,42 +59,6 @@ frmMain::~frmMain() = default;
 void frmMain::Guarded(std::string_view topic, const std::function<void()>& action) {
   dialogs_.SetTopic(topic);
   quiverion::Guarded(messages_, action);
-}
-
-void frmMain::AddShortcut(const QKeySequence& keys, QWidget* where, Qt::ShortcutContext context,
-                          const std::function<void()>& action) {
-  auto* const shortcut = new QShortcut(keys, where);
-  shortcut->setContext(context);
-  connect(shortcut, &QShortcut::activated, this, action);
-}
-
-void frmMain::ConnectFileControls() {
-  ui_->Directory->Use(machine_.files);
-  ui_->Files->Use(machine_.files);
-  connect(ui_->Directory, &DirectoryList::Chosen, this,
-          [this](const QByteArray& path) { OpenDirectory(path.toStdString()); });
-  for (QAbstractItemView* const list : std::initializer_list<QAbstractItemView*>{ui_->Directory, ui_->Files}) {
-    new RightButton(*list, [this] { ReadLists(); });
-  }
-  connect(ui_->Files, &QListView::doubleClicked, this,
-          [this](const QModelIndex&) { ShowField(ui_->Files->CurrentName()); });
-  ui_->Drive->installEventFilter(new NoWheel(ui_->Drive));
-  connect(ui_->Drive, &QComboBox::activated, this, &frmMain::ChangeDrive);
-  AddShortcut(Qt::CTRL | Qt::Key_A, this, Qt::WindowShortcut, [this] {
-    ui_->Files->setFocus();
-    ui_->Files->selectAll();
-  });
-  AddShortcut(Qt::Key_F5, this, Qt::WindowShortcut, [this] {
-    ReadDrives();
-    ReadLists();
-  });
-  hideResults_->setObjectName(QStringLiteral("chkHideResults"));
-  ShowHiddenCount();
-  hideResults_->setToolTip(QStringLiteral("Blendet Dateien aus, die das Makro aus anderen Dateien der Liste erzeugt"));
-  ui_->StatusBar->addPermanentWidget(hideResults_);
-  connect(hideResults_, &QCheckBox::toggled, this, &frmMain::HideResults);
-  connect(ui_->cmdOk, &QPushButton::clicked, this, &frmMain::Start);
-  connect(ui_->cmdCancel, &QPushButton::clicked, this, &frmMain::Quit);
 }
 
 void frmMain::ConnectMenus() {
@@ -128,7 +86,7 @@ void frmMain::ConnectTools() {
   connect(ui_->mnuShowPreview, &QAction::triggered, this, [this] {
     Guarded("mnuShowPreview", [this] {
       tools_.ShowPreview();
-      TellFiles();
+      FilesChanged();
     });
   });
   connect(ui_->mnuLastRun, &QAction::triggered, this, [this] { lastRun_.ShowTable(*this); });
@@ -139,24 +97,16 @@ void frmMain::ConnectTools() {
   connect(&exchange_, &ExchangeWindows::FilesChosen, this, &frmMain::ShowFiles);
   connect(ui_->mnuRunPlan, &QAction::triggered, &forecast_, &RunForecast::Show);
   connect(&forecast_, &RunForecast::Wanted, this, &frmMain::ShowForecast);
-  connect(ui_->mnuOpenDirectory, &QAction::triggered, this, &frmMain::AskDirectory);
-  connect(ui_->mnuOpenFolder, &QAction::triggered, this, &frmMain::OpenFolder);
   connect(&tools_, &ToolWindows::MacroEdited, &macro_, &MacroPanel::ShowParameters);
   connect(&macro_, &MacroPanel::Changed, this, &frmMain::MacroChanged);
-  connect(ui_->Files->selectionModel(), &QItemSelectionModel::selectionChanged, this, &frmMain::TellFiles);
-  connect(ui_->Files->model(), &QAbstractItemModel::modelReset, this, &frmMain::TellFiles);
+  connect(&files_, &FilePanel::Changed, this, &frmMain::FilesChanged);
+  connect(&files_, &FilePanel::FieldWanted, this, &frmMain::ShowField);
 }
 
 void frmMain::MacroChanged(int line) {
   tools_.MacroChanged(line);
-  if (hideResults_->isChecked()) ui_->Files->UpdateHidden();
+  files_.MacroChanged();
   forecast_.Refresh();
-}
-
-ForecastInput frmMain::WhatStartWouldTake() {
-  const FileList& files = *ui_->Files;
-  ShowHiddenCount();
-  return {{WithSeparator(ui_->Directory->Path()), files.SelectedNames(), session_.macro}, files.Names().size()};
 }
 
 void frmMain::ShowForecast(const std::shared_ptr<const Forecast>& forecast) {
@@ -172,13 +122,13 @@ std::vector<std::string> frmMain::ChosenNames() const {
   return names.empty() ? ui_->Files->Names() : names;
 }
 
-void frmMain::TellFiles() {
+void frmMain::FilesChanged() {
   forecast_.Refresh();
   if (tools_.HasPreview()) tools_.FilesChanged(WithSeparator(ui_->Directory->Path()), ChosenNames());
 }
 
 void frmMain::ShowFiles(const std::string& directory, const std::vector<std::string>& names) {
-  if (OpenDirectory(directory)) SelectFiles(names);
+  if (OpenDirectory(directory)) files_.SelectFiles(names);
 }
 
 std::optional<std::string> frmMain::ChooseMacroFile(FileQuestion::Kind kind, const char* title) {
@@ -204,95 +154,6 @@ void frmMain::SaveMacro() {
   });
 }
 
-void frmMain::ReadDrives() {
-  drives_ = machine_.listDrives();
-  ui_->Drive->clear();
-  for (const std::string& drive : drives_) ui_->Drive->addItem(ToQt(drive));
-  ShowDriveOfDirectory();
-}
-
-void frmMain::ShowDriveOfDirectory() {
-  const std::string& directory = ui_->Directory->Path();
-  const auto drive = std::ranges::find(drives_, DriveOf(drives_, directory));
-  if (drive == drives_.end() && !directory.empty()) {  // a directory of a server has no drive
-    ui_->Drive->setPlaceholderText(ToQt(DirectoryLines(directory, {}).front().name));
-  }
-  ui_->Drive->setCurrentIndex(drive == drives_.end() ? -1 : static_cast<int>(drive - drives_.begin()));
-}
-
-void frmMain::ChangeDrive(int index) {
-  const auto failure = Attempt([&] {
-    const std::string& drive = drives_.at(static_cast<std::size_t>(index));
-    if (drive != DriveOf(drives_, ui_->Directory->Path())) ShowDirectory(drive);  // else the same one was chosen again
-  });
-  if (!failure) return;
-  messages_.Ask({.title = "Fehler", .text = "Laufwerk nicht bereit!"});
-  ShowDriveOfDirectory();
-}
-
-void frmMain::ShowDirectory(const std::string& path) {
-  ui_->Directory->SetPath(path);
-  ui_->Files->ShowDirectory(path);
-  ShowDriveOfDirectory();
-}
-
-bool frmMain::OpenDirectory(const std::string& path) {
-  const auto failure = Attempt([&] { ShowDirectory(path); });
-  if (failure) {
-    messages_.Ask(
-        {.title = "Verzeichnisauswahl",
-         .text = "Das Verzeichnis '" + path + "' kann nicht gelesen werden!\r\n" + ErrorText(failure->error)});
-  }
-  return !failure;
-}
-
-void frmMain::ReadLists() {
-  const std::string path = ui_->Directory->Path();
-  if (OpenDirectory(path)) return;
-  ReadDrives();  // its drive may be gone, too
-  OpenDirectory(NearestDirectory(machine_.files, path, drives_));
-}
-
-void frmMain::HideResults(bool hide) {
-  ui_->Files->HideNames(!hide ? nullptr : std::function([this](const std::vector<std::string>& names) {
-    return ResultsAmong(names, session_.macro);
-  }));
-  forecast_.Refresh();
-}
-
-void frmMain::ShowHiddenCount() {
-  const std::size_t count = ui_->Files->HiddenCount();
-  const QString text = QStringLiteral("Ohne Ergebnisse");
-  hideResults_->setText(count == 0 ? text : text + QString(" (%1)").arg(count));
-}
-
-void frmMain::SelectFiles(const std::vector<std::string>& names) {
-  const auto isHidden = [this](const std::string& name) { return ui_->Files->IsHidden(name); };
-  if (hideResults_->isChecked() && std::ranges::any_of(names, isHidden)) hideResults_->setChecked(false);
-  ui_->Files->SelectNames(names);
-}
-
-void frmMain::AskDirectory() {
-  Guarded("mnuOpenDirectory", [this] {
-    frmOpenDirectory window(ui_->Directory->Path(), this);
-    if (RunModal(window) != QDialog::Accepted) return;
-    const std::string path = window.Path();
-    if (path.empty()) return;
-    const bool isFile = !machine_.files.IsDirectory(path) && FileExists(machine_.files, path);
-    if (OpenDirectory(isFile ? ParentDirectory(path) : path) && isFile) SelectFiles({std::string(FileNameOf(path))});
-    ui_->Files->setFocus();
-  });
-}
-
-void frmMain::OpenFolder() {
-  Guarded("mnuOpenFolder", [this] {
-    const std::string& path = ui_->Directory->Path();
-    if (QDesktopServices::openUrl(QUrl::fromLocalFile(PathToQt(path)))) return;
-    messages_.Ask({.title = "Ordner im Dateimanager öffnen",
-                   .text = "Das Verzeichnis '" + path + "' lässt sich in keinem Dateimanager öffnen!"});
-  });
-}
-
 void frmMain::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
   // Other programs may have written files meanwhile.
@@ -311,7 +172,7 @@ void frmMain::Start() {
     if (!quitting_) lastRun_.ShowLog();
     if (quitting_) return;
     ShowAt(place);
-    ReadLists();
+    files_.ReadLists();
   });
   if (quitting_) return;
   tools_.Reload();
@@ -358,7 +219,7 @@ void frmMain::RunStatistic(const StatisticTexts& texts) {
     if (begun && session_.context.runHadError) {
       messages_.Ask({.title = std::string(texts.title), .text = log.Text()});
     }
-    if (begun && !quitting_) ReadLists();
+    if (begun && !quitting_) files_.ReadLists();
     tools_.Reload();
     forecast_.Resume();
   });
@@ -492,7 +353,7 @@ void frmMain::OpenPaths(const std::vector<std::string>& paths) {
       if (selection.everything) {
         ui_->Files->selectAll();
       } else {
-        SelectFiles(selection.names);
+        files_.SelectFiles(selection.names);
       }
     }
     const auto collection = first(".COL");

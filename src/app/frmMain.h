@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/exchange_windows.h"
+#include "app/file_panel.h"
 #include "app/last_run.h"
 #include "app/machine.h"
 #include "app/macro_panel.h"
@@ -21,8 +22,6 @@
 #include "dialogs/macro_editing.h"
 #include "dialogs/parameters/parameter_windows.h"
 #include "macro/session.h"
-
-class QCheckBox;
 
 namespace Ui {
 class frmMain;
@@ -47,7 +46,7 @@ class frmMain : public QMainWindow, public MainWindow {
   void OpenPaths(const std::vector<std::string>& paths);
 
   /// Opens a directory and lists its files. If it cannot be read, shows a message and changes nothing.
-  bool OpenDirectory(const std::string& path);
+  bool OpenDirectory(const std::string& path) { return files_.OpenDirectory(path); }
 
   /// Shows the macro of the session; `selected` is the selected line, -1 for none.
   void ShowMacro(int selected) { macro_.ShowMacro(selected < 0 ? std::vector<int>() : std::vector{selected}); }
@@ -66,10 +65,7 @@ class frmMain : public QMainWindow, public MainWindow {
   void changeEvent(QEvent* event) override;
 
  private:
-  void ConnectFileControls();
   void ConnectMenus();
-  void AddShortcut(const QKeySequence& keys, QWidget* where, Qt::ShortcutContext context,
-                   const std::function<void()>& action);
 
   // Runs the reaction to an event; shows whatever it throws in a message box. `topic` is the help topic of its dialogs.
   void Guarded(std::string_view topic, const std::function<void()>& action);
@@ -78,17 +74,6 @@ class frmMain : public QMainWindow, public MainWindow {
   void SaveMacro();
 
   std::optional<std::string> ChooseMacroFile(FileQuestion::Kind kind, const char* title);
-
-  void ReadDrives();
-  void ShowDirectory(const std::string& path);  // throws SystemError with nothing changed
-  void ShowDriveOfDirectory();
-  void ChangeDrive(int index);
-  void ReadLists();
-  void HideResults(bool hide);
-  void ShowHiddenCount();
-  void SelectFiles(const std::vector<std::string>& names);
-  void AskDirectory();
-  void OpenFolder();
 
   void Start();
   void RunStatistic(const StatisticTexts& texts);
@@ -105,12 +90,11 @@ class frmMain : public QMainWindow, public MainWindow {
   // Shows a file of the list or, if there is no name, the first one of the directory.
   void ShowField(const std::string& name);
 
-  ForecastInput WhatStartWouldTake();
   void ShowForecast(const std::shared_ptr<const Forecast>& forecast);
 
-  // The files that a run would take, or all if none is selected.
+  // Other files are listed or selected. The preview gets all if none is selected.
+  void FilesChanged();
   std::vector<std::string> ChosenNames() const;
-  void TellFiles();
   void ShowFiles(const std::string& directory, const std::vector<std::string>& names);
 
   // The macro has changed, or another line of it was selected.
@@ -134,9 +118,8 @@ class frmMain : public QMainWindow, public MainWindow {
   std::unique_ptr<Ui::frmMain> ui_;
   MacroPanel macro_;
   ToolWindows tools_;
+  FilePanel files_;
   RunForecast forecast_;
-  QCheckBox* hideResults_;  // in the status bar, which owns it
-  std::vector<std::string> drives_;
   std::string computation_;  // what the running statistic computes, for the status bar
   QElapsedTimer computing_;
   bool quitting_ = false;

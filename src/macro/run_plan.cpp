@@ -224,6 +224,7 @@ class Planning {
     if (!command.exists || std::ranges::any_of(plan_.collections, isSame)) return true;
     PlannedCollection& collection = plan_.collections.emplace_back(PlannedCollection{command.path});
     std::vector<std::pair<std::size_t, std::int32_t>> stored;  // hash of the path in a collection, input
+    stored.reserve(plan_.files.size());
     for (std::int32_t k = 0; k < Count(plan_.files); ++k) {
       stored.emplace_back(std::hash<std::string>()(StoredSourcePath(k)), k);
     }
