@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "generator/foreign_files.h"
 #include "generator/sample_files.h"
 #include "macro/macro_file.h"
 #include "messages/silent_user_interface.h"
@@ -98,6 +99,16 @@ TEST_F(PictureCommand, OneScaleForASeries) {
   EXPECT_EQ(labelsOfBar(f0), labelsOfBar(f1));
   EXPECT_EQ(Run({"--picture", "@alle", "--size", "200x150", place.Path()}), 1) << "a directory stands for its fields";
   EXPECT_TRUE(place.Has("alle/f0.png") && place.Has("alle/f1.png"));
+}
+
+TEST_F(PictureCommand, DrawsAFileOfAnotherProgramLikeItsField) {
+  const samples::SampleField field = samples::MakeSampleField({.columns = 12, .rows = 9});
+  place.Write("fremd.csv", samples::ForeignSampleOf("table.csv").bytes(field));
+  place.Write("kaputt.csv", "x,y,u,v\n1,2,3\n");
+  EXPECT_EQ(Run({"--picture", "@fremd.svg", "--background", "u", "@fremd.csv"}), 0) << err;
+  EXPECT_NE(place.Read("fremd.svg").find("12 x 9 Vektoren"), std::string::npos);
+  EXPECT_EQ(Run({"--picture", "@kaputt.svg", "@kaputt.csv"}), 1);
+  EXPECT_NE(err.find("Zeile 2: zu wenige Zahlen"), std::string::npos) << err;
 }
 
 TEST_F(PictureCommand, ShowsTheFieldAfterAMacroAndWritesNothingElse) {
