@@ -109,7 +109,7 @@ void frmMain::MacroChanged(int line) {
   forecast_.Refresh();
 }
 
-void frmMain::ShowForecast(const std::shared_ptr<const Forecast>& forecast) {
+void frmMain::ShowForecast(const std::shared_ptr<const PlannedRun>& forecast) {
   if (!isVisible() || IsBehindDialog(*this)) return;
   Guarded("mnuRunPlan", [&] {
     frmRunPlan window(forecast, this);

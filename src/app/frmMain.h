@@ -90,7 +90,7 @@ class frmMain : public QMainWindow, public MainWindow {
   // Shows a file of the list or, if there is no name, the first one of the directory.
   void ShowField(const std::string& name);
 
-  void ShowForecast(const std::shared_ptr<const Forecast>& forecast);
+  void ShowForecast(const std::shared_ptr<const PlannedRun>& forecast);
 
   // Other files are listed or selected. The preview gets all if none is selected.
   void FilesChanged();

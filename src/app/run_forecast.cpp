@@ -68,7 +68,7 @@ void RunForecast::Begin() {
   selection_.parentWidget()->layout()->activate();  // not cut off for a moment
   const std::uint64_t number = ++number_;
   task_.Run([this, number, input = std::move(input)](const NewestTask::IsCancelled& isCancelled) {
-    auto forecast = std::make_shared<Forecast>();
+    auto forecast = std::make_shared<PlannedRun>();
     const auto failure = Attempt([&] {
       auto plan = PlanRun(files_, input.request, isCancelled);
       if (!plan) return;
@@ -84,7 +84,7 @@ void RunForecast::Begin() {
   });
 }
 
-void RunForecast::Finish(std::uint64_t number, std::shared_ptr<const Forecast> forecast) {
+void RunForecast::Finish(std::uint64_t number, std::shared_ptr<const PlannedRun> forecast) {
   if (number != number_) return;
   pending_.stop();
   forecast_ = std::move(forecast);

@@ -38,7 +38,7 @@ class RunForecast : public QObject {
 
  signals:
   /// The list behind the findings is wanted, and known.
-  void Wanted(const std::shared_ptr<const Forecast>& forecast);
+  void Wanted(const std::shared_ptr<const PlannedRun>& forecast);
 
  public slots:
   /// Emits Wanted, at once or when the forecast is known.
@@ -46,15 +46,15 @@ class RunForecast : public QObject {
 
  private:
   void Begin();
-  void Finish(std::uint64_t number, std::shared_ptr<const Forecast> forecast);
+  void Finish(std::uint64_t number, std::shared_ptr<const PlannedRun> forecast);
 
   FileSystem& files_;
   std::function<ForecastInput()> input_;
   QLabel& selection_;
   ForecastButton& findings_;
   QTimer begin_, pending_;
-  std::uint64_t number_ = 0;                  // of the computation whose result counts
-  std::shared_ptr<const Forecast> forecast_;  // null while it is not known
+  std::uint64_t number_ = 0;                    // of the computation whose result counts
+  std::shared_ptr<const PlannedRun> forecast_;  // null while it is not known
   bool isWanted_ = false;
   bool isStopped_ = false;
   NewestTask task_;

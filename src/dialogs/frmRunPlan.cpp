@@ -26,7 +26,7 @@ constexpr Choice kChoices[] = {{"alles", std::nullopt},
 
 }  // namespace
 
-frmRunPlan::frmRunPlan(std::shared_ptr<const Forecast> forecast, QWidget* parent)
+frmRunPlan::frmRunPlan(std::shared_ptr<const PlannedRun> forecast, QWidget* parent)
     : QDialog(parent),
       forecast_(std::move(forecast)),
       model_(*forecast_, palette()),

@@ -16,7 +16,7 @@ class frmRunPlan : public QDialog {
   Q_OBJECT
 
  public:
-  explicit frmRunPlan(std::shared_ptr<const Forecast> forecast, QWidget* parent = nullptr);
+  explicit frmRunPlan(std::shared_ptr<const PlannedRun> forecast, QWidget* parent = nullptr);
   ~frmRunPlan() override;
 
  private:
@@ -24,7 +24,7 @@ class frmRunPlan : public QDialog {
   void Arrange();
   void Copy();
 
-  std::shared_ptr<const Forecast> forecast_;
+  std::shared_ptr<const PlannedRun> forecast_;
   RunPlanModel model_;
   std::unique_ptr<Ui::frmRunPlan> ui_;
 };

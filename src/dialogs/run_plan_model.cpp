@@ -21,7 +21,7 @@ std::string NoteOf(const PlannedStep& step) {
 
 }  // namespace
 
-RunPlanModel::RunPlanModel(const Forecast& forecast, const QPalette& palette, QObject* parent)
+RunPlanModel::RunPlanModel(const PlannedRun& forecast, const QPalette& palette, QObject* parent)
     : QAbstractTableModel(parent), forecast_(forecast), palette_(palette) {
   ShowOnly(std::nullopt);
 }

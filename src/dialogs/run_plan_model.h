@@ -11,7 +11,7 @@
 namespace quiverion {
 
 /// A plan and what it was made from.
-struct Forecast {
+struct PlannedRun {
   RunPlan plan;
   MacroEventList macro;
   std::vector<PlanFinding> findings;
@@ -27,7 +27,7 @@ class RunPlanModel : public QAbstractTableModel {
   enum Column { input, action, path, command, note, kColumnCount };
 
   /// The forecast must outlive the model.
-  RunPlanModel(const Forecast& forecast, const QPalette& palette, QObject* parent = nullptr);
+  RunPlanModel(const PlannedRun& forecast, const QPalette& palette, QObject* parent = nullptr);
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
@@ -45,7 +45,7 @@ class RunPlanModel : public QAbstractTableModel {
   const std::string& InputOf(int row) const;
   Severity SeverityOf(int row) const;
 
-  const Forecast& forecast_;
+  const PlannedRun& forecast_;
   QPalette palette_;
   std::vector<std::int32_t> rows_;  // indices of steps, and missing inputs as -1 - index
 };
