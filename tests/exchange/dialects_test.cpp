@@ -33,7 +33,7 @@ std::string WithColumn(const std::string& name, std::initializer_list<const char
 std::string PackedZeros(std::size_t count) {
   const std::vector<Bytef> zeros(count);
   std::vector<Bytef> packed(compressBound(static_cast<uLong>(count)));
-  uLongf size = packed.size();
+  auto size = static_cast<uLongf>(packed.size());
   compress(packed.data(), &size, zeros.data(), static_cast<uLong>(count));
   std::string bytes(4 + size, '\0');
   std::memcpy(bytes.data(), &size, 4);
