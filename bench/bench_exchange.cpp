@@ -102,15 +102,18 @@ void Export(benchmark::State& state, const exchange::ExportKind& kind) {
   });
 }
 
-// What the export of this kind writes, in one piece.
-void PlainExport(benchmark::State& state, const exchange::ExportKind& kind) {
+// What the export of this kind writes, in one piece: plainly, or as every result is written, whole or not at all.
+void PlainExport(benchmark::State& state, const exchange::ExportKind& kind, bool asResult) {
   const ScratchDirectory directory;
   BenchSession bench;
   const VectorField field = FieldOf(state);
   SaveResult(*bench.files, nullptr, directory.File("once"),
              [&](ResultFile& file) { kind.write(file, field, exchange::PlaceInSeries(1, 0)); });
   const std::string bytes = ReadWholeFile(*bench.files, directory.File("once"));
-  WriteNewFiles(state, [&](const std::string& path) { WritePlainly(path, bytes); });
+  WriteNewFiles(state, [&](const std::string& path) {
+    if (!asResult) return WritePlainly(path, bytes);
+    SaveResult(*bench.files, nullptr, path, [&](ResultFile& file) { file.Write(bytes); });
+  });
 }
 
 void Register(const std::string& name, auto function) {
@@ -133,7 +136,9 @@ const bool kRegistered = [] {
   }
   for (const exchange::ExportKind& kind : exchange::ExportKinds()) {
     RegisterExport("Export/plain_write/" + std::string(kind.name),
-                   [&](benchmark::State& state) { PlainExport(state, kind); });
+                   [&](benchmark::State& state) { PlainExport(state, kind, false); });
+    RegisterExport("Export/result_write/" + std::string(kind.name),
+                   [&](benchmark::State& state) { PlainExport(state, kind, true); });
     RegisterExport("Export/" + std::string(kind.name), [&](benchmark::State& state) { Export(state, kind); });
   }
   return true;

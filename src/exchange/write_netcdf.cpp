@@ -193,44 +193,55 @@ void PadTo4(BlockWriter& writer, std::uint64_t size) {
   writer.Text(std::string_view("\0\0\0", Padded(size) - size));
 }
 
-}  // namespace
-
-void WriteNetCdfHeader(ResultFile& file, const VectorField& first, std::size_t count, const SeriesPlace& place,
-                       const std::string& sources) {
+void AppendHeader(BlockWriter& writer, const VectorField& first, std::size_t count, const SeriesPlace& place,
+                  const std::string& sources) {
   const AscendingField field(first);
   const Sizes sizes{field.Columns(), field.Rows()};
   constexpr std::uint64_t kLargestPiece = 0xFFFFFFFC;
   if (8 * sizes.Points() > kLargestPiece) throw FormatError("Das Feld ist zu groß für eine netCDF-Datei (4 GB).");
   const std::size_t dataBegin = HeaderText(sizes, count, place, first, sources, 0).size();
-  BlockWriter writer(file);
   writer.Text(HeaderText(sizes, count, place, first, sources, dataBegin));
   std::vector<double> x(sizes.columns), y(sizes.rows);
   for (std::size_t i = 0; i < x.size(); ++i) x[i] = field.X(i);
   for (std::size_t j = 0; j < y.size(); ++j) y[j] = field.Y(j);
   WriteRow(writer, x.data(), x.size(), false, 8, SwapDoubles);
   WriteRow(writer, y.data(), y.size(), false, 8, SwapDoubles);
-  writer.Finish();
 }
 
-void WriteNetCdfRecord(ResultFile& file, const VectorField& vectors, const SeriesPlace& place) {
+void AppendRecord(BlockWriter& writer, const VectorField& vectors, const SeriesPlace& place) {
   const AscendingField field(vectors);
   const std::size_t columns = field.Columns(), rows = field.Rows();
   const bool turn = field.ColumnsTurn();
   char time[8];
   SwapDoubles(&place.time, 1, time);
-  file.Write({time, sizeof time});
-  BlockWriter writer(file);
+  writer.Text({time, sizeof time});
   WriteRows(writer, field, columns, &AscendingField::U, turn, 8, SwapDoubles);
   WriteRows(writer, field, columns, &AscendingField::V, turn, 8, SwapDoubles);
   WriteRows(writer, field, columns, &AscendingField::Status, turn, 1, Validity);
   PadTo4(writer, columns * rows);
   WriteRows(writer, field, columns, &AscendingField::Status, turn, 4, SwapIntegers);
+}
+
+}  // namespace
+
+void WriteNetCdfHeader(ResultFile& file, const VectorField& first, std::size_t count, const SeriesPlace& place,
+                       const std::string& sources) {
+  BlockWriter writer(file);
+  AppendHeader(writer, first, count, place, sources);
+  writer.Finish();
+}
+
+void WriteNetCdfRecord(ResultFile& file, const VectorField& vectors, const SeriesPlace& place) {
+  BlockWriter writer(file);
+  AppendRecord(writer, vectors, place);
   writer.Finish();
 }
 
 void WriteNetCdf(ResultFile& file, const VectorField& field, const SeriesPlace& place) {
-  WriteNetCdfHeader(file, field, 1, place, field.fileName);
-  WriteNetCdfRecord(file, field, place);
+  BlockWriter writer(file);
+  AppendHeader(writer, field, 1, place, field.fileName);
+  AppendRecord(writer, field, place);
+  writer.Finish();
 }
 
 }  // namespace quiverion::exchange

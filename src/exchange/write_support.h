@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "field/vector_field.h"
 #include "platform/files/result_file.h"
@@ -47,13 +48,17 @@ inline void FetchAhead(const void* begin, std::size_t size) {
 /// Gathers what a writer makes, item by item, in one block that goes to the file when it is full.
 class BlockWriter {
  public:
-  explicit BlockWriter(ResultFile& file)
-      : file_(file), memory_(std::make_unique_for_overwrite<char[]>(kBlock + kMostRoom + kAlignment)) {
+  explicit BlockWriter(ResultFile& file) : file_(file), memory_(std::exchange(Kept(), nullptr)) {
+    if (!memory_) memory_ = std::make_unique_for_overwrite<char[]>(kBlock + kMostRoom + kAlignment);
     void* begin = memory_.get();
     std::size_t space = kBlock + kMostRoom + kAlignment;
     begin_ = end_ = static_cast<char*>(std::align(kAlignment, kBlock + kMostRoom, begin, space));
     limit_ = LimitOfBlock();
   }
+
+  ~BlockWriter() { Kept() = std::move(memory_); }
+  BlockWriter(const BlockWriter&) = delete;
+  BlockWriter& operator=(const BlockWriter&) = delete;
 
   /// Room for at most kMostRoom bytes; Advance says how many were used.
   char* Room() { return end_; }
@@ -94,6 +99,12 @@ class BlockWriter {
   static constexpr std::size_t kBlock = 512 * 1024;
   static constexpr std::size_t kAlignment = 64;  // of whole vectors, for the first item of a block
   static constexpr std::size_t kLongestNumber = 32;
+
+  // Of the writer before: the system takes its time to hand out new memory, as long as a small field takes to write.
+  static std::unique_ptr<char[]>& Kept() {
+    thread_local std::unique_ptr<char[]> kept;
+    return kept;
+  }
 
   char* LimitOfBlock() const { return begin_ + kBlock - file_.Position() % kBlock; }
 
