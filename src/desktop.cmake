@@ -34,7 +34,7 @@ quiverion_windows(dialogs USES macro SOURCES
   parameters/parameter_editing.cpp parameters/parameter_window.cpp parameters/parameter_windows.cpp
   widgets/elided_label.cpp widgets/filtered_line_edit.cpp widgets/find_bar.cpp
   widgets/guarded.cpp widgets/icons.cpp
-  widgets/key_filter.cpp widgets/message_box.cpp widgets/severity_colours.cpp widgets/time_text.cpp widgets/wrapped_label.cpp
+  widgets/key_filter.cpp widgets/message_box.cpp widgets/severity_colours.cpp widgets/table_text.cpp widgets/time_text.cpp widgets/wrapped_label.cpp
   ${QUIVERION_SYSTEM}/native.cpp ${QUIVERION_SYSTEM}/qt_paths.cpp)
 target_sources(quiverion_dialogs PRIVATE dialogs/widgets/icons.qrc)
 target_link_libraries(quiverion_dialogs PUBLIC Qt6::PrintSupport)

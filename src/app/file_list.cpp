@@ -70,11 +70,11 @@ void FileList::UpdateHidden() {
   if (names != model_->Names()) ShowNames(std::move(names));
 }
 
-bool FileList::IsHidden(const std::string& name) const {
-  const auto isIn = [&name](const std::vector<std::string>& names) {
-    return std::ranges::find(names, name) != names.end();
-  };
-  return isIn(all_) && !isIn(model_->Names());
+bool FileList::HidesOneOf(const std::vector<std::string>& names) const {
+  const std::vector<std::string>& shown = model_->Names();
+  std::unordered_set<std::string> hidden(all_.begin(), all_.end());
+  for (const std::string& name : shown) hidden.erase(name);
+  return std::ranges::any_of(names, [&hidden](const std::string& name) { return hidden.contains(name); });
 }
 
 std::string FileList::CurrentName() const {

@@ -50,8 +50,8 @@ class FileList : public QListView {
   /// How many names of the directory are not shown.
   std::size_t HiddenCount() const { return all_.size() - model_->Names().size(); }
 
-  /// True for a name of the directory that is not shown.
-  bool IsHidden(const std::string& name) const;
+  /// True if one of the names is of the directory, but not shown.
+  bool HidesOneOf(const std::vector<std::string>& names) const;
 
   /// The name that has the keyboard's focus; empty if there is none.
   std::string CurrentName() const;

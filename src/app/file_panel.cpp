@@ -146,8 +146,7 @@ void FilePanel::ShowHiddenCount() {
 }
 
 void FilePanel::SelectFiles(const std::vector<std::string>& names) {
-  const auto isHidden = [this](const std::string& name) { return ui_.Files->IsHidden(name); };
-  if (hideResults_->isChecked() && std::ranges::any_of(names, isHidden)) hideResults_->setChecked(false);
+  if (ui_.Files->HidesOneOf(names)) hideResults_->setChecked(false);
   ui_.Files->SelectNames(names);
 }
 

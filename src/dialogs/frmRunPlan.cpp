@@ -7,6 +7,7 @@
 
 #include "dialogs/widgets/qt_text.h"
 #include "dialogs/widgets/severity_colours.h"
+#include "dialogs/widgets/table_text.h"
 #include "dialogs/widgets/tool_tip.h"
 #include "ui_frmRunPlan.h"
 
@@ -81,19 +82,7 @@ void frmRunPlan::Arrange() {
 }
 
 void frmRunPlan::Copy() {
-  std::string text;
-  const auto append = [&text](int column, const std::string& cell) {
-    text.append(cell).append(column + 1 < RunPlanModel::kColumnCount ? "\t" : "\n");
-  };
-  for (int k = 0; k < RunPlanModel::kColumnCount; ++k) {
-    append(k, FromQt(model_.headerData(k, Qt::Horizontal, Qt::DisplayRole).toString()));
-  }
-  const QItemSelectionModel& chosen = *ui_->tblPlan->selectionModel();
-  for (int row = 0; row < model_.rowCount(); ++row) {
-    if (chosen.hasSelection() && !chosen.isRowSelected(row)) continue;
-    for (int k = 0; k < RunPlanModel::kColumnCount; ++k) append(k, model_.Text(row, k));
-  }
-  QGuiApplication::clipboard()->setText(ToQt(text));
+  QGuiApplication::clipboard()->setText(TableText(*ui_->tblPlan));
 }
 
 }  // namespace quiverion

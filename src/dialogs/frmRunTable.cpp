@@ -11,6 +11,7 @@
 #include "dialogs/widgets/guarded.h"
 #include "dialogs/widgets/log_colours.h"
 #include "dialogs/widgets/qt_text.h"
+#include "dialogs/widgets/table_text.h"
 #include "macro/log_messages.h"
 #include "platform/files/result_file.h"
 #include "ui_frmRunTable.h"
@@ -90,17 +91,7 @@ void frmRunTable::Open(const QModelIndex& index) {
 }
 
 void frmRunTable::Copy() {
-  std::string text;
-  const auto append = [&text](std::size_t column, std::string_view cell) {
-    text.append(cell).append(column + 1 < kTableColumns ? "\t" : "\n");
-  };
-  for (std::size_t k = 0; k < kTableColumns; ++k) append(k, TableCaptions()[k]);
-  for (const int row : ChosenRows()) {
-    for (std::size_t k = 0; k < kTableColumns; ++k) {
-      append(k, TableCell(model_.RowAt(row), k, services_.decimalSeparator));
-    }
-  }
-  QGuiApplication::clipboard()->setText(ToQt(text));
+  QGuiApplication::clipboard()->setText(TableText(*ui_->tblRun));
 }
 
 void frmRunTable::Save() {

@@ -1,9 +1,10 @@
 #include "macro/command_actions.h"
-#include "operations/commands/find_faulty_vectors.h"
 
 #include "field/formats/vas_file.h"
 #include "field/frames.h"
+#include "macro/result_names.h"
 #include "operations/commands/buffer_commands.h"
+#include "operations/commands/find_faulty_vectors.h"
 #include "operations/commands/transformations.h"
 #include "operations/commands/vortex_centres.h"
 #include "platform/files/paths.h"
@@ -50,10 +51,9 @@ FaultyVectorCriteria FaultyVectorCriteriaOf(const MacroEvent& event) {
 
 std::string OutputPath(const CommandCall& call) {
   const CommandRow* const row = FindCommand(call.event.EventId());
-  std::string name = call.event.Text("Prefix");
-  name.append(BaseNameOf(call.fileName)).append(call.event.Text("Postfix"));
-  if (row != nullptr) name.append(row->resultExtension);
-  name = WithOwnSeparators(name);
+  std::string postfix = call.event.Text("Postfix");
+  if (row != nullptr) postfix.append(row->resultExtension);
+  const std::string name = ResultName(call.event.Text("Prefix"), call.fileName, postfix);
   RequireBelow(name);
   return call.inputDirectory + name;
 }
